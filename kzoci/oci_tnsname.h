@@ -1,0 +1,640 @@
+/*
+ * oci_tnsname.h: from a connect identifier to a tree of connection records.
+ *
+ * A connect identifier is a net service name, looked up in a TNS names file,
+ * or a literal descriptor "(DESCRIPTION=...)". KZCITnsBuild turns either into a
+ * KZCITnsService below the caller's KZCITns.
+ *
+ *   KZCITns tns;
+ *   boolean find;
+ *   KZCITnsInit(&tns);
+ *   if (KZCITnsBuild(&tns, (const OraText *)"sales", 5, &find) == 0 && find)
+ *     ... read tns.tns_service ...
+ *   KZCITnsClear(&tns);
+ *
+ * What holds for every function here:
+ *
+ * - Status: 0 success; -1 failure; -2 a null argument where a record is needed;
+ *   100 the input is exhausted (readers only; a lookup turns it into success
+ *   with *find 0).
+ * - Ownership: the caller owns the KZCITns. Every record below it is a block of
+ *   kzci_malloc that belongs to its parent. A Clear releases what is below the
+ *   record and never the record itself.
+ * - Failure: a builder that fails leaves its parent unchanged and releases its
+ *   own record alone. Children already attached to that record stay allocated.
+ * - Texts are lengths: a text field is filled with exactly its length field's
+ *   characters and is not terminated. Print it with "%.*s".
+ * - Children: a parent holds its first child and a count. The children form a
+ *   ring through their `le` entries, in the order in which they were written.
+ * - Threads: no locks and no global state. Different KZCITns may be used by
+ *   different threads at once; one tree is one thread's at a time.
+ * - Log: every function reports through kzoci_log_inner. Failures of a callee
+ *   are logged by each caller on the way up. Two WARN records at the end of
+ *   every block ("expect token type is %d, but get %d" and "fail to call
+ *   KZCITnsParse, status:%d") are how a builder finds that its block is over:
+ *   they are part of every success.
+ * - Memory and numbers come from kzci_malloc, kzci_free and my_strtoll10
+ *   (kzoci/platform/), which an embedder may replace together with the log.
+ */
+#ifndef KZOCI_OCI_TNSNAME_H
+#define KZOCI_OCI_TNSNAME_H
+
+#include <stddef.h>
+#include <stdio.h>
+#include <time.h>
+
+#include "platform/log.h"
+#include "platform/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ======================================================================
+ * Records of the tree
+ * ====================================================================== */
+
+/* Entry of a circular, doubly linked list; stands inside the records that it
+ * chains. An entry that is alone points at itself in both directions. */
+typedef struct list_entry {
+  ub4 type; /* 0 in every record; nothing reads it */
+  struct list_entry *prev;
+  struct list_entry *next;
+} list_entry_t;
+
+/* Strategies of load balancing and blacklisting. */
+typedef enum enum_kzci_lb_option {
+  LB_OPTION_GROUP_ROTATION = 0,     /* address lists: one after the other */
+  LB_OPTION_RANDOM = 1001,          /* addresses: at random */
+  LB_OPTION_SERVERAFFINITY = 1002,  /* addresses: stay with a server */
+  LB_OPTION_ROTATION = 1003,        /* addresses: one after the other */
+  LB_OPTION_TIMEOUT = 2001,         /* blacklist: remove after a time-out */
+  LB_OPTION_RETRY_DERUATION = 3001, /* blacklist: append after retries */
+  LB_OPTION_NORMAL = 3002,          /* blacklist: append at once */
+  LB_OPTION_MAX = 3003              /* bound; no strategy */
+} KZCILBOption;
+
+/* Identifiers of the key words (the words stand beside them where the name
+ * does not tell). */
+typedef enum enum_kzci_lb_key_type {
+  LB_ERROR_KEY = 0, /* no key word */
+  LB_DESCRIPTION = 1,
+  LB_KZLB = 2,
+  LB_CONNECT_TIMEOUT = 3, /* KZLB_CONNECT_TIMEOUT */
+  LB_READ_TIMEOUT = 4,    /* KZLB_READ_TIMEOUT */
+  LB_WRITE_TIMEOUT = 5,   /* KZLB_WRITE_TIMEOUT */
+  LB_KZLB_GROUP_STRATEGY = 6,
+  LB_KZLB_RETRY_ALL_DOWNS = 7,
+  LB_KZLB_RETRY_TIMEOUT = 8,
+  LB_KZLB_BLACKLIST = 9,
+  LB_REMOVE_STRATEGY = 10,
+  LB_NAME = 11,
+  LB_TIMEOUT = 12,
+  LB_APPEND_STRATEGY = 13,
+  LB_RETRY_TIMES = 14, /* RETRY_TIMES or RETRYTIMES */
+  LB_DRUATION = 15,    /* DURATION */
+  LB_ADDRESS_LIST = 16,
+  LB_KZLB_STRATEGY = 17,
+  LB_ADDRESS = 18,
+  LB_PROTOCOL = 19,
+  LB_HOST = 20,
+  LB_PORT = 21,
+  LB_WEIGHT = 22,
+  LB_CONNECT_DATA = 23,
+  LB_SERVICE_NAME = 24,
+  LB_SID = 25,
+  LB_EXTRA_INFO = 26, /* KZ_USER_EXTRA_INFO */
+  LB_KZ_MODE = 27,
+  LB_USE_DEFAULT_SID = 28,
+  LB_SLOWSQL_THRESHOLD = 29,
+  LB_SLOWSQL_BUFFER_SIZE = 30,
+  LB_SLOWSQL_FLUSH_SECOND = 31,
+  LB_SESSION_VARIABLE = 32,
+  LB_LOG_SIZE = 33,
+  LB_LOG_LEVEL = 34,
+  LB_LOG_COUNT = 35,
+  LB_LOG_PATH = 36,
+  LB_RETRY_DELAY = 37,
+  LB_MAX_KEY_TYPE = 38 /* bound; no key */
+} KZCILBKeyType;
+
+/* One ADDRESS block: a server. */
+typedef struct kzci_address {
+  char host[257];          /* HOST, at most 256 characters; default empty */
+  char port[7];            /* PORT as text, at most 6 characters; default empty */
+  char protocol[6];        /* PROTOCOL as written, "TCP" in any case; default empty */
+  ub4 host_len;            /* characters of host */
+  ub4 port_len;            /* characters of port */
+  ub4 protocol_len;        /* characters of protocol */
+  list_entry_t le;         /* in the ring of its address list */
+  list_entry_t connect_le; /* the connection layer's; initialised, never linked here */
+  sb8 weight;              /* WEIGHT, share of the load; default 1 */
+} KZCIAddress;
+
+/* One ADDRESS_LIST block, or the list that a bare ADDRESS implies. */
+typedef struct kzci_address_list {
+  KZCIAddress *address;       /* first address, or null */
+  ub4 address_count;          /* addresses on the ring */
+  list_entry_t le;            /* in the ring of its description */
+  boolean kzlb;               /* KZLB: balance over the addresses; default 1 */
+  KZCILBOption kzlb_strategy; /* KZLB_STRATEGY; default LB_OPTION_RANDOM */
+} KZCIAddressList;
+
+/* The CONNECT_DATA block: what the connection layer sends when it opens a
+ * session. Every field is zero by default. */
+typedef struct kzci_connect_data {
+  char service_name[257]; /* SERVICE_NAME or SID, at most 256 characters */
+  ub4 service_name_len;
+  char user_extra_info[256]; /* KZ_USER_EXTRA_INFO, at most 256: it may fill the array */
+  ub4 user_extra_info_len;
+  char session_variable[257]; /* SESSION_VARIABLE, at most 256 characters */
+  ub4 session_variable_len;
+  sb8 kz_mode;         /* KZ_MODE */
+  sb8 use_default_sid; /* USE_DEFAULT_SID: not 0 leaves the service out of the link string */
+} KZCIConnectData;
+
+/* The KZLB_BLACKLIST block. Times are in the connection layer's units. */
+typedef struct kzci_blacklist_conf {
+  KZCILBOption remove_strategy; /* when a failing server is taken out; default LB_OPTION_TIMEOUT */
+  sb8 remove_timeout;           /* its time-out; default 50 */
+  KZCILBOption append_strategy; /* how it is put back; default LB_OPTION_NORMAL */
+  sb8 retry_times;              /* its retry count; default 1 */
+  sb8 duration;                 /* its duration; default 10 */
+} KZCIBlacklistConf;
+
+/* The process-wide settings of the reserved entry. In every other service they
+ * keep their defaults. */
+typedef struct kzci_system_variables {
+  sb8 slowsql_threshold;      /* SLOWSQL_THRESHOLD; default 100 */
+  sb8 slowsql_buffer_size;    /* SLOWSQL_BUFFER_SIZE, characters; default 0, no buffer */
+  ub4 slowsql_flush_second;   /* SLOWSQL_FLUSH_SECOND, seconds; default 60 */
+  char session_variable[257]; /* SESSION_VARIABLE, at most 256 characters; default empty */
+  ub4 session_variable_len;
+  sb8 log_size;         /* LOG_SIZE, bytes, at least 1048576 once set; default 0 */
+  ub4 log_count;        /* LOG_COUNT, number of log files; default 0 */
+  char log_level[1025]; /* LOG_LEVEL as written; default empty */
+  ub4 log_level_len;
+  char log_path[1025]; /* LOG_PATH; default empty */
+  ub4 log_path_len;
+} KZCISystemVariables;
+
+/* One DESCRIPTION block. Times are in the connection layer's units. */
+typedef struct kzci_description {
+  KZCIAddressList *address_list;    /* first address list, or null */
+  ub4 address_list_count;           /* address lists on the ring */
+  list_entry_t le;                  /* in the ring of its service */
+  KZCIConnectData *connect_data;    /* the CONNECT_DATA block, or null */
+  boolean kzlb;                     /* KZLB: balance over the address lists; default 0 */
+  sb8 retry_all_downs;              /* KZLB_RETRY_ALL_DOWNS; default 120 */
+  sb8 connect_timout;               /* KZLB_CONNECT_TIMEOUT; default 0 */
+  sb8 read_timout;                  /* KZLB_READ_TIMEOUT; default 0 */
+  sb8 write_timout;                 /* KZLB_WRITE_TIMEOUT; default 0 */
+  time_t retry_timeout;             /* KZLB_RETRY_TIMEOUT; default 10000 */
+  KZCILBOption kzlb_group_strategy; /* KZLB_GROUP_STRATEGY; default LB_OPTION_GROUP_ROTATION */
+  KZCIBlacklistConf black_list_conf;
+} KZCIDescription;
+
+/* The name at the end of a service is a flexible array, which C++ has as an
+ * extension only. */
+#if defined(__cplusplus) && defined(__clang__)
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wc99-extensions"
+#elif defined(__cplusplus) && defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wpedantic"
+#endif
+
+/* One net service. Allocated with its name behind it: sizeof(KZCITnsService)
+ * plus net_service_name_len bytes, in one block. */
+typedef struct kzci_tns_service {
+  KZCIDescription *description; /* first description, or null */
+  ub4 description_count;        /* descriptions on the ring */
+  list_entry_t le;              /* in the ring of its container */
+  KZCISystemVariables sys_vars; /* filled for the reserved entry only */
+  ub4 net_service_name_len;     /* characters of net_service_name */
+  char net_service_name[];      /* the entry's name; not terminated */
+} KZCITnsService;
+
+#if defined(__cplusplus) && defined(__clang__)
+#pragma clang diagnostic pop
+#elif defined(__cplusplus) && defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+/* The container, owned by the caller. */
+typedef struct kzci_tns {
+  KZCITnsService *tns_service; /* first service, or null */
+  ub4 tns_service_count;       /* services on the ring */
+} KZCITns;
+
+/* ======================================================================
+ * Walking the tree
+ *
+ *   KZCIDescription *des = service->description;
+ *   for (ub4 i = 0; i < service->description_count; ++i) {
+ *     ...
+ *     des = KZCIDescriptionNext(des);
+ *   }
+ *
+ * ...Next gives the record after this one on its ring, the first one again
+ * after the last. ...OfEntry gives the record that holds an entry, for callers
+ * that keep `le` pointers. None of them accepts null; none logs.
+ * ====================================================================== */
+
+/* The record of the given type that holds the entry as its `le`. */
+#define KZCI_RECORD_OF_ENTRY(record_type, entry) \
+  ((record_type *)(void *)((char *)(entry)-offsetof(record_type, le)))
+
+static inline KZCITnsService *KZCITnsServiceOfEntry(list_entry_t *entry) {
+  return KZCI_RECORD_OF_ENTRY(KZCITnsService, entry);
+}
+
+static inline KZCITnsService *KZCITnsServiceNext(KZCITnsService *tns_service) {
+  return KZCITnsServiceOfEntry(tns_service->le.next);
+}
+
+static inline KZCIDescription *KZCIDescriptionOfEntry(list_entry_t *entry) {
+  return KZCI_RECORD_OF_ENTRY(KZCIDescription, entry);
+}
+
+static inline KZCIDescription *KZCIDescriptionNext(KZCIDescription *des) {
+  return KZCIDescriptionOfEntry(des->le.next);
+}
+
+static inline KZCIAddressList *KZCIAddressListOfEntry(list_entry_t *entry) {
+  return KZCI_RECORD_OF_ENTRY(KZCIAddressList, entry);
+}
+
+static inline KZCIAddressList *KZCIAddressListNext(KZCIAddressList *address_list) {
+  return KZCIAddressListOfEntry(address_list->le.next);
+}
+
+static inline KZCIAddress *KZCIAddressOfEntry(list_entry_t *entry) {
+  return KZCI_RECORD_OF_ENTRY(KZCIAddress, entry);
+}
+
+static inline KZCIAddress *KZCIAddressNext(KZCIAddress *address) {
+  return KZCIAddressOfEntry(address->le.next);
+}
+
+/* ======================================================================
+ * The container: initialise, build, print, release
+ * ====================================================================== */
+
+/*
+ * Makes an empty container.
+ *
+ * tns  the caller's record; its contents on entry do not matter
+ *
+ * Returns 0; -1 when tns is null (ERROR).
+ */
+sword KZCITnsInit(KZCITns *tns);
+
+/*
+ * Builds the service that a connect identifier names and appends it to a
+ * container.
+ *
+ * tns         container, initialised; gains one service on success
+ * dbname      the identifier, a service name or a literal descriptor; need not
+ *             be terminated, save that a literal descriptor must have a zero
+ *             byte behind it when DEBUG records are written, since one of them
+ *             prints it as a C string
+ * dbname_len  bytes of dbname
+ * find        out: 1 when the service was built, 0 otherwise
+ *
+ * A service name is looked up in the file that the first of these environment
+ * variables names, even when its value is empty; names of files are cut to 256
+ * characters: KZCI_TNS_FILE (the path), TNS_ADMIN (a directory, "/tnsnames.ora"
+ * is appended), ORACLE_HOME (a directory, "/network/admin/tnsnames.ora" is
+ * appended). The name must be spelt as in the file, letter case included. The
+ * first entry of that name is built; the file is open only during the call.
+ * The scan ends at the reserved entry "KZCISYSTEMVARIABLES" and at any entry
+ * whose name is a leading part of that word.
+ *
+ * Returns 0 with *find 1: built. 0 with *find 0: no entry of that name, no
+ * variable that names a file, or a file that cannot be opened; the DEBUG
+ * records say which. -1 with *find 0: malformed input or no memory. -2: an
+ * argument is null (ERROR); *find is untouched.
+ * After a failure the container is as it was.
+ */
+sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
+
+/*
+ * Tells whether an identifier is a literal descriptor: whether its first 13
+ * characters that are not space, tab, line feed or carriage return are
+ * "(DESCRIPTION=", in any letter case.
+ *
+ * description      the identifier; need not be terminated; may be null when
+ *                  description_len is 0
+ * description_len  its bytes; above 2147483647 nothing is examined
+ *
+ * Returns 1 or 0. Logs nothing.
+ */
+boolean IsDescriptionTns(const char *description, ub4 description_len);
+
+/*
+ * Prints the whole tree, one value a line, depth as dashes.
+ *
+ * tns  the container
+ *
+ * The text goes to standard output. When the environment variable
+ * KZCI_TNS_DISPLAY is set, the file that it names is opened for reading and the
+ * text goes nowhere: the variable tests that the file exists and keeps the
+ * text off standard output.
+ *
+ * Returns 0; -1 when tns is null or empty (ERROR), when the file cannot be
+ * opened (DEBUG), or when a description has no address list; the status of a
+ * failing record otherwise (ERROR at each level). Lines already written stay.
+ */
+sword KZCITnsDisplay(KZCITns *tns);
+
+/*
+ * Releases every service of a container and empties it.
+ *
+ * tns  the container; null is nothing to do
+ *
+ * Returns 0; -1 when a count does not agree with its ring (ERROR), which leaves
+ * the tree partly released.
+ */
+sword KZCITnsClear(KZCITns *tns);
+
+/* ======================================================================
+ * Records one by one: defaults
+ *
+ * Each sets the whole record to zero and then its defaults; contents on entry
+ * do not matter. Each returns 0; -1 for a null record (ERROR), save the last
+ * two, which return -2.
+ * ====================================================================== */
+
+/*
+ * tns_service  record with at least name_size bytes behind its fixed part
+ * name_size    length of the name
+ * name         its text, copied up to its first zero byte and filled up with
+ *              zeros; not read when name_size is 0
+ *
+ * Also returns the status of KZCISystemVariablesInit when that fails (ERROR).
+ */
+sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char *name);
+
+/* Also returns the status of KZCIBlacklistConfInit when that fails (ERROR). */
+sword KZCIDescriptionInit(KZCIDescription *des);
+sword KZCIAddressListInit(KZCIAddressList *address_list);
+sword KZCIAddressInit(KZCIAddress *address);
+sword KZCIConnectDataInit(KZCIConnectData *con_data);
+
+/* -2 for a null record (ERROR). */
+sword KZCIBlacklistConfInit(KZCIBlacklistConf *black_list_conf);
+
+/* -2 for a null record, without a record in the log. */
+sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
+
+/* ======================================================================
+ * Records one by one: release
+ *
+ * Each releases what is below the record, never the record. A null record is
+ * nothing to do: status 0, one record in the log. Each logs its call at DEBUG,
+ * save KZCISystemVariablesClear. Each returns 0; -1 when a count does not agree
+ * with its ring (ERROR); the status of a child that fails (ERROR). A failure
+ * stops the release: children already released are gone while the parent still
+ * points at the first one.
+ * ====================================================================== */
+
+/* Releases every description. */
+sword KZCITnsServiceClear(KZCITnsService *tns_service);
+
+/* Releases every address list, then the connect data. */
+sword KZCIDescriptionClear(KZCIDescription *des);
+
+/* Releases every address. */
+sword KZCIAddressListClear(KZCIAddressList *address_list);
+
+/* Nothing hangs below these three: they return 0. */
+sword KZCIAddressClear(KZCIAddress *address);
+sword KZCIConnectDataClear(KZCIConnectData *con_data);
+sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
+
+/* ======================================================================
+ * Records one by one: print
+ *
+ * display_file  stream open for writing, the caller's; results of the writes
+ *               are not looked at
+ *
+ * Each returns 0; -2 when an argument is null; -1 when a child that must be
+ * there is missing (ERROR); the status of a child that fails (ERROR). Lines
+ * already written stay.
+ * ====================================================================== */
+
+/* The service's name, its descriptions and its system variables; for the
+ * reserved entry (any name that is a leading part of its name, in any letter
+ * case) the system variables alone. -1 for another service without
+ * descriptions. */
+sword KZCITnsServiceDisplay(KZCITnsService *tns_service, FILE *display_file);
+
+/* -1 for a description without address lists. */
+sword KZCIDescriptionDisplay(KZCIDescription *des, FILE *display_file);
+
+/* Prints nothing for a list without addresses. Null is logged at DEBUG. */
+sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file);
+
+/* These three log nothing. */
+sword KZCIAddressDisplay(KZCIAddress *address, FILE *display_file);
+sword KZCIConnectDataDisplay(KZCIConnectData *con_data, FILE *display_file);
+sword KZCISystemVariablesDisplay(KZCISystemVariables *sys_vars, FILE *display_file);
+
+/* ======================================================================
+ * Tokens
+ * ====================================================================== */
+
+/* Kinds of token; 0 to 3 are produced and expected, the others are bounds. */
+typedef enum kzci_tns_token_type {
+  TNS_EQUAL_SIGN = 0,
+  TNS_LEFT_PARENTHESES = 1,
+  TNS_RIGHT_PARENTHESES = 2,
+  TNS_KEY = 3, /* any other run of characters, quoted or not */
+  TNS_ERROR_TYPE = 4,
+  TNS_MAX_TOKEN_TYPE = 5
+} KZCITnsTokenType;
+
+/* Where the reader of a key stands. */
+typedef enum kzci_tns_parse_status {
+  TNS_PARSE_NORMAL = 0, /* outside quotes */
+  TNS_PARSE_QUOTE = 1   /* between double quotes */
+} KZCITnsParseStatus;
+
+/* Where the input comes from. */
+enum enum_kzci_tns_parse_mode {
+  TNS_MODE_FILE = 1,       /* tns_file */
+  TNS_MODE_DESCRIPTION = 2 /* description */
+};
+
+/* The state of one parse. Its owner sets every field to zero, then mode and
+ * either tns_file or description and description_len. */
+typedef struct kzci_tns_parse_params {
+  char tns_buffer[1024];           /* the part of the input at hand */
+  char tns_key[256];               /* text of the last key; not terminated */
+  ub4 buffer_pos;                  /* index in tns_buffer of the next character */
+  ub4 buffer_len;                  /* characters in tns_buffer */
+  ub4 tns_key_len;                 /* characters in tns_key, 0 to 256 */
+  int is_eof;                      /* 1 once the input has ended */
+  int mode;                        /* TNS_MODE_FILE or TNS_MODE_DESCRIPTION */
+  char *tns_name;                  /* value of the environment that named the file */
+  FILE *tns_file;                  /* the names file, in file mode; the owner's */
+  char *description;               /* the text, in descriptor mode; the owner's */
+  int description_len;             /* characters of description */
+  int description_offset;          /* characters of description already read */
+  int is_comment;                  /* 1 inside a comment */
+  KZCITnsTokenType tns_token_type; /* type of the last token consumed */
+  KZCILBKeyType key_type;          /* what KZCITnsGetKeyType found */
+} KZCITnsParseParams;
+
+/*
+ * Makes sure that a character is at hand, reading up to 1024 more when none is.
+ *
+ * Returns 0: a character is at buffer_pos. -1: the input has ended, is_eof is
+ * 1 (a read error counts as the end). -2: null record, not logged. A read is
+ * logged at DEBUG.
+ */
+sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params);
+
+/*
+ * Passes over spaces, tabs, line feeds, carriage returns and comments ("#" to
+ * the end of the line).
+ *
+ * Returns 0: buffer_pos is on the next other character. 100: the input has
+ * ended (DEBUG). -2: null record, not logged. Another status of
+ * KZCITnsCheckBuffer (ERROR).
+ */
+sword KZCITnsParseBlank(KZCITnsParseParams *parse_params);
+
+/*
+ * Reads a key from buffer_pos into tns_key: characters up to a space, tab, line
+ * feed, carriage return, "(", ")" or "=", which is left; between double quotes
+ * every character belongs to the key, the quotes themselves do not.
+ *
+ * Returns 0 with the key in tns_key and tns_key_len. 100: the input ended first
+ * (DEBUG). -1: the key's 256th character is the last one at hand (ERROR). -2:
+ * null record, not logged. Another status of KZCITnsCheckBuffer (ERROR).
+ *
+ * A key of more than 256 characters is cut there when more characters are at
+ * hand; the rest is the start of the next token. After a failure tns_key holds
+ * the new characters over the old ones and tns_key_len its old value.
+ */
+sword KZCITnsParseKey(KZCITnsParseParams *parse_params);
+
+/*
+ * Consumes the next token if it has the expected type.
+ *
+ * Returns 0: consumed; tns_token_type is its type, a key's text is in tns_key.
+ * -1: it has another type and is left (WARN), or the key is too long (ERROR).
+ * 100: the input has ended (WARN before a token, ERROR inside a key). -2: null
+ * record, not logged.
+ */
+sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type);
+
+/*
+ * Looks up tns_key among the key words, in any letter case, and stores the
+ * identifier in key_type, LB_ERROR_KEY for a text that is none.
+ *
+ * Returns 0 in both cases (DEBUG; ERROR for a text of more than 20
+ * characters); -2: null record, not logged.
+ */
+sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params);
+
+/*
+ * Passes over one entry of the file, from behind its name (in tns_key) and
+ * equal sign to behind its balanced parentheses, which are counted even in
+ * comments and quotes. An entry whose name is a leading part of
+ * "KZCISYSTEMVARIABLES", in this letter case, is not passed over: is_eof
+ * becomes 1 and nothing is consumed.
+ *
+ * Returns 0; 100: the input has ended (DEBUG); -1: the body does not begin with
+ * "(" (WARN); -2: null record (ERROR); another status of KZCITnsCheckBuffer
+ * (ERROR).
+ */
+sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
+
+/* ======================================================================
+ * Builders
+ *
+ * Each is called right behind a block's "=" and reads the block's items; the
+ * ")" that closes the block is left for the caller. A builder is content when
+ * the last token that it consumed is ")".
+ *
+ * Each logs its call and its success at DEBUG, token failures at WARN, all
+ * other failures at ERROR. Each returns 0; -2 when an argument is null (ERROR);
+ * -1 on failure, no memory included; the status of the record's Init when that
+ * fails, in which case the record stays allocated.
+ * ====================================================================== */
+
+/*
+ * Builds a service from the body of a file's entry and appends it.
+ *
+ * tns           container; gains the service on success
+ * parse_params  parse state; the entry's name is in tns_key, its "=" consumed.
+ *               Left in front of the token that ends the entry.
+ *
+ * An entry whose name is a leading part of "KZCISYSTEMVARIABLES", in any letter
+ * case, is read as system variables.
+ */
+sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params);
+
+/*
+ * Builds a service from a literal descriptor and appends it. The service's name
+ * is the descriptor's first word as written ("DESCRIPTION").
+ *
+ * tns, dbname, dbname_len, find  as for KZCITnsBuild
+ *
+ * Returns 0 with *find 1: built. 0 with *find 0: the text ends before the
+ * first "=". -1 with *find 0: malformed text, no memory, or text behind the
+ * descriptor. -2 with *find 0: a null argument (ERROR; find itself may be null).
+ */
+sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
+
+/* Builds a description (DESCRIPTION=...) and appends it to a service. */
+sword KZCIDescriptionBuild(KZCITnsService *tns_service, KZCITnsParseParams *parse_params);
+
+/* Builds an address list (ADDRESS_LIST=...) and appends it to a description. */
+sword KZCIAddressListBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
+
+/* Builds an address (ADDRESS=...) and appends it to an address list. */
+sword KZCIAddressBuild(KZCIAddressList *address_list, KZCITnsParseParams *parse_params);
+
+/* Builds the connect data (CONNECT_DATA=...) of a description. -1 when the
+ * description has some already: they stay, the new ones are released. */
+sword KZCIConnectDataBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
+
+/* Reads a blacklist policy (KZLB_BLACKLIST=...) into a record. Values read
+ * before a failure stay. */
+sword KZCIBlacklistConfBuild(KZCIBlacklistConf *black_list_conf, KZCITnsParseParams *parse_params);
+
+/* Reads REMOVE_STRATEGY=... and APPEND_STRATEGY=... of a blacklist policy. */
+sword KZCIRemoveStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
+sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
+
+/*
+ * Reads the value of one system variable, the one that key_type names.
+ *
+ * sys_vars      the record that takes the value
+ * parse_params  parse state, right behind the item's "="
+ *
+ * Returns 0, also for a key that is no system variable (its value is skipped,
+ * WARN) and for a text that is too long (ERROR; the field keeps its value);
+ * -1 for a bad number (ERROR; what was converted stays in the field); the
+ * status of the read when a text cannot be read; -2 when an argument is null,
+ * not logged.
+ */
+sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams *parse_params);
+
+#if defined(__LP64__) && defined(__cplusplus)
+static_assert(sizeof(KZCITnsService) == 2416, "size of the service record");
+static_assert(sizeof(KZCISystemVariables) == 2368, "size of the system variables");
+#elif defined(__LP64__) && defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
+_Static_assert(sizeof(KZCITnsService) == 2416, "size of the service record");
+_Static_assert(sizeof(KZCISystemVariables) == 2368, "size of the system variables");
+#endif
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

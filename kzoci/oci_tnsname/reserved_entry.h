@@ -1,0 +1,19 @@
+// The reserved entry, which carries the system variables.
+#pragma once
+
+#include <strings.h>
+
+#include "kzoci/platform/types.h"
+
+namespace kzoci::tns {
+
+constexpr char reserved_name[] = "KZCISYSTEMVARIABLES";
+
+// Whether a name is the reserved one. Callers rely on the comparison running
+// over the name's own length: any leading part of the word counts, an empty
+// name too, in any letter case.
+inline bool is_reserved_name(const char *name, ub4 length) {
+  return strncasecmp(reserved_name, name, length) == 0;
+}
+
+}  // namespace kzoci::tns

@@ -1,0 +1,163 @@
+// From a connect identifier to a service: a literal descriptor is built as it
+// stands, a name is looked up in the names file.
+//
+//   names file := { NAME "=" entry }
+//
+// The scan ends at the first entry of the name, at the reserved entry, or at
+// the end of the file.
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "items.h"
+
+using namespace kzoci::tns;
+
+namespace {
+
+constexpr char descriptor_prefix[] = "(DESCRIPTION=";
+constexpr std::size_t descriptor_prefix_length = sizeof descriptor_prefix - 1;
+
+constexpr std::size_t max_file_name = 256;
+using FileName = char[max_file_name + 1];
+
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+// A directory that leaves no room for the suffix is cut like any other name;
+// the suffix is cut to the room that is left.
+void make_file_name(FileName &name, const char *value, const char *suffix) {
+  std::strncpy(name, value, max_file_name);
+  const std::size_t prefix_len = std::min(std::strlen(value), max_file_name);
+  std::strncpy(name + prefix_len, suffix, max_file_name - prefix_len);
+}
+
+// The first variable that is set decides, even when its value is empty. Returns
+// its value, null when none is set.
+char *name_from_environment(FileName &name) {
+  struct Source {
+    const char *variable;
+    const char *message;
+    const char *suffix;
+  };
+  constexpr Source sources[] = {
+      {"KZCI_TNS_FILE", "get KZCI_TNS_FILE:%s", ""},
+      {"TNS_ADMIN", "get TNS_ADMIN:%s", "/tnsnames.ora"},
+      {"ORACLE_HOME", "get ORACLE_HOME:%s", "/network/admin/tnsnames.ora"},
+  };
+  for (const Source &source : sources) {
+    char *const value = std::getenv(source.variable);
+    if (value == nullptr) continue;
+    KZ_LOG_DEBUG(source.message, value);
+    make_file_name(name, value, source.suffix);
+    return value;
+  }
+  return nullptr;
+}
+
+sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
+  FileName name = {};
+  params->tns_name = name_from_environment(name);
+  if (params->tns_name == nullptr) {
+    KZ_LOG_DEBUG("can not get file name in environment");
+    return no_data;
+  }
+  KZ_LOG_DEBUG("get configure file:%s", name);
+  params->tns_file = std::fopen(name, "r");
+  if (params->tns_file == nullptr) {
+    KZ_LOG_DEBUG("fail to open tns file, tns_name:%s", name);
+    return failure;
+  }
+  return success;
+}
+
+// The name sought, with the texts that the log prints of it.
+struct SoughtName {
+  const char *text;
+  ub4 length;
+
+  int text_precision() const { return precision(length); }
+};
+
+bool is_sought(const SoughtName &sought, const KZCITnsParseParams &params) {
+  return params.tns_key_len == sought.length &&
+         std::strncmp(sought.text, params.tns_key, sought.length) == 0;
+}
+
+sword build_entry(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &sought,
+                  boolean *find) {
+  KZ_LOG_DEBUG("find tns service, dbname:%.*s", sought.text_precision(), sought.text);
+  const sword status = KZCITnsServiceBuild(tns, params);
+  if (status != success) {
+    KZ_LOG_ERROR("fail to call KZCITnsServiceBuild, status:%d", status);
+    return status;
+  }
+  *find = 1;
+  KZ_LOG_DEBUG("succ to call KZCITnsServiceBuild, service number:%u", tns->tns_service_count);
+  return success;
+}
+
+sword skip_entry(KZCITnsParseParams *params, const SoughtName &sought) {
+  // The key is printed over the sought name's length; log readers know it so.
+  KZ_LOG_DEBUG("dbname is not equal to tns_service, dbname:%.*s, key:%.*s", sought.text_precision(),
+               sought.text, precision(sought.length, sizeof params->tns_key), params->tns_key);
+  const sword status = KZCITnsServiceSkip(params);
+  if (status != success) KZ_LOG_ERROR("fail to call KZCITnsServiceSkip, status:%d", status);
+  return status;
+}
+
+// Reads entries until the sought one is built or the input ends.
+sword scan_entries(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &sought,
+                   boolean *find) {
+  while (params->is_eof != 1 && *find != 1) {
+    sword status = expect(params, TNS_KEY);
+    if (status == success) status = expect(params, TNS_EQUAL_SIGN);
+    if (status == success)
+      status = is_sought(sought, *params) ? build_entry(tns, params, sought, find)
+                                          : skip_entry(params, sought);
+    if (status != success) return status;
+  }
+  return success;
+}
+
+sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
+  KZCITnsParseParams params;
+  std::memset(&params, 0, sizeof params);
+  params.mode = TNS_MODE_FILE;
+
+  *find = 0;
+  sword status = KZCITnsBuildGetFile(&params);
+  if (status != success) {
+    KZ_LOG_DEBUG("fail to call KZCITnsBuildGetFile, status:%d", status);
+    return success;
+  }
+  status = scan_entries(tns, &params, sought, find);
+  if (status == no_data) {
+    KZ_LOG_DEBUG("fail to find tns service, dbname:%.*s", sought.text_precision(), sought.text);
+    status = success;
+  }
+  std::fclose(params.tns_file);
+  return status;
+}
+
+}  // namespace
+
+boolean IsDescriptionTns(const char *description, ub4 description_len) {
+  // Zero bytes behind a shorter text keep it from matching.
+  char collected[20] = {};
+  std::size_t count = 0;
+  const sb4 length = static_cast<sb4>(description_len);
+  for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
+    if (!is_blank(description[i])) collected[count++] = description[i];
+  return strncasecmp(collected, descriptor_prefix, descriptor_prefix_length) == 0;
+}
+
+sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
+  KZ_LOG_DEBUG("call KZCITnsBuild with params [tns:%p]", pointer(tns));
+  if (dbname == nullptr || find == nullptr || tns == nullptr) return refuse_null_handle();
+  const char *const text = reinterpret_cast<const char *>(dbname);
+  if (IsDescriptionTns(text, dbname_len)) return KZCITnsBuildDes(tns, dbname, dbname_len, find);
+  return look_up(tns, {text, dbname_len}, find);
+}

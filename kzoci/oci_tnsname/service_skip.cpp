@@ -1,0 +1,54 @@
+// Passing over an entry of the file that nobody asked for.
+#include <algorithm>
+#include <cstring>
+
+#include "log.h"
+#include "reserved_entry.h"
+#include "status.h"
+#include "tokenizer.h"
+
+using namespace kzoci::tns;
+
+namespace {
+
+// Whether the entry ends the scan. The terminating zero byte takes part in the
+// comparison, so that a longer name never counts; letter case matters here.
+bool ends_scan(const KZCITnsParseParams &params) {
+  const std::size_t length = std::min<std::size_t>(params.tns_key_len, sizeof reserved_name);
+  return std::memcmp(params.tns_key, reserved_name, length) == 0;
+}
+
+// Consumes characters until the depth is 0 (true) or the buffer's end (false).
+// The count is raw: comments and quotes are not known here.
+bool pass_balanced(KZCITnsParseParams &params, sb8 &depth) {
+  while (params.buffer_pos < params.buffer_len) {
+    const char c = params.tns_buffer[params.buffer_pos++];
+    if (c == '(') ++depth;
+    if (c == ')' && --depth == 0) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params) {
+  if (parse_params == nullptr) {
+    KZ_LOG_ERROR("invalid handle, parse_params:%p", pointer(parse_params));
+    return invalid_handle;
+  }
+  if (ends_scan(*parse_params)) {
+    parse_params->is_eof = 1;
+    return success;
+  }
+  sword status = KZCITnsParse(parse_params, TNS_LEFT_PARENTHESES);
+  if (status != success) {
+    KZ_LOG_WARN("fail to call KZCITnsParse, status:%d", status);
+    return status;
+  }
+  sb8 depth = 1;
+  do {
+    status = need_character(parse_params, "fail to call kzci_tns_check buffer");
+    if (status != success) return status;
+  } while (!pass_balanced(*parse_params, depth));
+  return success;
+}

@@ -1,0 +1,36 @@
+/*
+ * The allocator that the module calls.
+ *
+ * An embedder replaces the default implementation by defining both functions
+ * in the program.
+ */
+#ifndef KZOCI_PLATFORM_MEMORY_H
+#define KZOCI_PLATFORM_MEMORY_H
+
+#include <stddef.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Allocates a block.
+ *
+ * size  bytes wanted; more than 0 in every call that the module makes
+ * tag   short constant text that names what is allocated
+ *
+ * Returns the block, aligned for every type, its contents unspecified; null
+ * when there is no memory. The caller gives the block back with kzci_free.
+ */
+void *kzci_malloc(size_t size, const char *tag);
+
+/*
+ * Releases a block of kzci_malloc. A null pointer is accepted and does nothing.
+ */
+void kzci_free(void *pointer);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,297 @@
+// What the tests of single builders share: a block's body as input, events as
+// one text, and the faults that every kind of block meets in the same way.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "expected_log.h"
+#include "support/parsing.h"
+
+namespace builder_body {
+
+using expected_log::operator+;
+using support::Lines;
+
+constexpr int mode = TNS_MODE_DESCRIPTION;
+
+// A parse state right behind a block's "=", where a builder is called.
+class Body : public support::DescriptorState {
+ public:
+  explicit Body(std::string_view text) : DescriptorState(text) {
+    params.tns_token_type = TNS_EQUAL_SIGN;
+  }
+
+  // The input that is not consumed, at hand or still to be read.
+  std::string unread() const {
+    const std::string at_hand(params.tns_buffer + params.buffer_pos,
+                              params.buffer_len - params.buffer_pos);
+    return at_hand +
+           std::string(params.description + params.description_offset,
+                       static_cast<std::size_t>(params.description_len) -
+                           static_cast<std::size_t>(params.description_offset));
+  }
+};
+
+// Lines as one text, so that a difference shows line by line.
+inline std::string joined(const Lines &lines) {
+  std::string text;
+  for (const std::string &line : lines) text += line + "\n";
+  return text;
+}
+
+inline std::string block(std::size_t size, const std::string &tag) {
+  return std::to_string(size) + " " + tag;
+}
+
+inline const std::string description_block = block(sizeof(KZCIDescription), "KZCIDescription");
+inline const std::string list_block = block(sizeof(KZCIAddressList), "address_list");
+inline const std::string address_block = block(sizeof(KZCIAddress), "address");
+inline const std::string data_block = block(sizeof(KZCIConnectData), "KZCIConnectData");
+
+inline Lines allocated(const std::string &what) { return {"MALLOC " + what}; }
+inline Lines refused(const std::string &what) { return {"MALLOC FAILS " + what}; }
+
+// The blocks that are allocated now, in the order of their allocation.
+inline Lines live() {
+  Lines out;
+  for (const support::Block &b : support::live_blocks()) out.push_back(block(b.size, b.tag));
+  return out;
+}
+
+// A value that was read. "%.*s" prints it up to its first zero byte.
+inline Lines value(const std::string &text) {
+  return {"DEBUG get key size:" + std::to_string(text.size()) + ", key:" + text.c_str()};
+}
+
+inline Lines not_a_number(const std::string &text) {
+  return {std::string("ERROR fail to covert to int, src value:") + text.c_str()};
+}
+
+inline Lines no_text() { return {"ERROR fail to parse string value"}; }
+
+// A key of more characters than any key word has.
+inline Lines longer_than_any_word(const std::string &text) {
+  return expected_log::key(text) +
+         Lines{"ERROR parse_params tns_key_len:" + std::to_string(text.size()) + " > 20",
+               "ERROR get error key type"};
+}
+
+// A value that another token stands for.
+inline Lines no_value(int met) { return expected_log::mismatch(TNS_KEY, met); }
+
+// One input that a builder refuses: the records between the first refill and
+// the builder's verdict, what is left of the input, the status of the loop and
+// the blocks that stay allocated.
+struct Fault {
+  std::string name;
+  std::string input;
+  Lines log;
+  std::string unread;
+  sword status = -1;
+  Lines left = {};
+};
+
+// An item of a block: key word, the builder's line for it, and a good value.
+struct Item {
+  std::string key;
+  int type;
+  Lines handling;
+  std::string value;
+};
+
+inline Lines item_begins(const Item &item) {
+  return expected_log::key_word(item.key, item.type) + item.handling;
+}
+
+// Faults in front of an item's value.
+inline std::vector<Fault> key_faults(const Item &item) {
+  using namespace expected_log;
+  const std::string &k = item.key;
+  const Lines word = key_word(k, item.type);
+  const std::string beyond_table = "KZLB_CONNECT_TIMEOUTS";
+  return {
+      {"empty block", ")", block_end(), ")"},
+      {"empty input", "", ended(), "", 100},
+      {"only blanks", " \t\r\n", input_end(mode), "", 100},
+      {"only a comment", "# (" + k + "=v)", input_end(mode), "", 100},
+      {"word for an item", k + "=v))", mismatch(TNS_LEFT_PARENTHESES, TNS_KEY), k + "=v))"},
+      {"equal sign for an item", "=)", mismatch(TNS_LEFT_PARENTHESES, TNS_EQUAL_SIGN), "=)"},
+      {"item without anything", "())", mismatch(TNS_KEY, TNS_RIGHT_PARENTHESES), "))"},
+      {"block for a key", "((v)))", mismatch(TNS_KEY, TNS_LEFT_PARENTHESES), "(v)))"},
+      {"equal sign for a key", "(=v))", mismatch(TNS_KEY, TNS_EQUAL_SIGN), "=v))"},
+      {"end for a key", "(", input_end(mode), "", 100},
+      {"end inside a key", "(" + k, key_cut_off(mode), "", 100},
+      {"end behind a key", "(" + k + " ", word + input_end(mode), "", 100},
+      {"key alone", "(" + k + "))", word + mismatch(TNS_EQUAL_SIGN, TNS_RIGHT_PARENTHESES), "))"},
+      {"block behind a key", "(" + k + "(v)))",
+       word + mismatch(TNS_EQUAL_SIGN, TNS_LEFT_PARENTHESES), "(v)))"},
+      {"word behind a key", "(" + k + " v))", word + mismatch(TNS_EQUAL_SIGN, TNS_KEY), "v))"},
+      {"no key word", "(HOSTS=v))", unknown_word("HOSTS"), "=v))"},
+      {"leading part of a key word", "(DESCRIPTIO=v))", unknown_word("DESCRIPTIO"), "=v))"},
+      {"empty quotes for a key", "(\"\"=v))", unknown_word(""), "=v))"},
+      {"key beyond the table", "(" + beyond_table + "=v))", longer_than_any_word(beyond_table),
+       "=v))"},
+  };
+}
+
+// Faults behind a good value.
+inline std::vector<Fault> closing_faults(const Item &item) {
+  using namespace expected_log;
+  const std::string text = "(" + item.key + "=" + item.value;
+  const Lines read = item_begins(item) + value(item.value);
+  return {
+      {"block behind the value", text + "(v)))",
+       read + mismatch(TNS_RIGHT_PARENTHESES, TNS_LEFT_PARENTHESES), "(v)))"},
+      {"equal sign behind the value", text + "=v))",
+       read + mismatch(TNS_RIGHT_PARENTHESES, TNS_EQUAL_SIGN), "=v))"},
+      {"second value", text + " v))", read + mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY), "v))"},
+      {"end behind the value", text + " ", read + input_end(mode), "", 100},
+      {"good item, then a key alone", text + ")(" + item.key + "))",
+       read + key_word(item.key, item.type) + mismatch(TNS_EQUAL_SIGN, TNS_RIGHT_PARENTHESES),
+       "))"},
+      {"good item, then no key word", text + ")(HOSTS=v))", read + unknown_word("HOSTS"), "=v))"},
+      {"good item, then an open parenthesis", text + ")(", read + input_end(mode), "", 100},
+  };
+}
+
+// What may stand behind the last complete item of a good block.
+struct Ending {
+  std::string text;
+  Lines log;
+  std::string unread;
+};
+
+inline std::vector<Ending> good_endings() {
+  using namespace expected_log;
+  return {
+      {")", block_end(), ")"},
+      {" # comment )\n ) (v", block_end(), ") (v"},
+      {"", input_end(mode), ""},
+      {"v)", mismatch(TNS_LEFT_PARENTHESES, TNS_KEY), "v)"},
+      {"=v)", mismatch(TNS_LEFT_PARENTHESES, TNS_EQUAL_SIGN), "=v)"},
+  };
+}
+
+struct KeyWord {
+  const char *text;
+  int type;
+};
+
+inline constexpr KeyWord key_words[] = {
+    {"SID", 25},
+    {"KZLB", 2},
+    {"HOST", 20},
+    {"PORT", 21},
+    {"NAME", 11},
+    {"WEIGHT", 22},
+    {"ADDRESS", 18},
+    {"TIMEOUT", 12},
+    {"KZ_MODE", 27},
+    {"PROTOCOL", 19},
+    {"DURATION", 15},
+    {"LOG_SIZE", 33},
+    {"LOG_PATH", 36},
+    {"LOG_LEVEL", 34},
+    {"LOG_COUNT", 35},
+    {"RETRYTIMES", 14},
+    {"DESCRIPTION", 1},
+    {"RETRY_TIMES", 14},
+    {"RETRY_DELAY", 37},
+    {"ADDRESS_LIST", 16},
+    {"CONNECT_DATA", 23},
+    {"SERVICE_NAME", 24},
+    {"KZLB_STRATEGY", 17},
+    {"KZLB_BLACKLIST", 9},
+    {"REMOVE_STRATEGY", 10},
+    {"APPEND_STRATEGY", 13},
+    {"USE_DEFAULT_SID", 28},
+    {"SESSION_VARIABLE", 32},
+    {"SLOWSQL_THRESHOLD", 29},
+    {"KZLB_READ_TIMEOUT", 4},
+    {"KZ_USER_EXTRA_INFO", 26},
+    {"KZLB_RETRY_TIMEOUT", 8},
+    {"KZLB_WRITE_TIMEOUT", 5},
+    {"KZLB_GROUP_STRATEGY", 6},
+    {"SLOWSQL_BUFFER_SIZE", 30},
+    {"KZLB_RETRY_ALL_DOWNS", 7},
+    {"KZLB_CONNECT_TIMEOUT", 3},
+    {"SLOWSQL_FLUSH_SECOND", 31},
+};
+
+// Key words that a block refuses: every one but the given ones. Builders tell
+// of each with the line "<prefix> get key_type <n>" and an error of their own.
+inline std::vector<Fault> refused_words(const Lines &accepted, const std::string &prefix,
+                                        const std::string &error) {
+  std::vector<Fault> out;
+  for (const KeyWord &word : key_words) {
+    bool known = false;
+    for (const std::string &text : accepted) known = known || text == word.text;
+    if (known) continue;
+    const std::string text = word.text;
+    out.push_back({"refused " + text, "(" + text + "=v))",
+                   expected_log::key_word(text, word.type) +
+                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(word.type),
+                             "ERROR " + error},
+                   "v))"});
+  }
+  return out;
+}
+
+// Texts that are no integer although they can be read as values.
+inline std::vector<std::string> bad_integers() {
+  using namespace std::string_literals;
+  return {"5s"s,  "x"s,   "1.5"s, "--5"s, "-"s,    "+"s,    "5-"s, "0x10"s, "\" \""s,
+          "\"\""s, "\"5 \""s, "\"5 5\""s, "5\0"s, "\0005"s, "\v5"s, "18446744073709551616"s,
+          "-9223372036854775809"s};
+}
+
+struct GoodInteger {
+  const char *text;
+  sb8 number;
+};
+
+inline constexpr GoodInteger good_integers[] = {
+    {"3000", 3000},
+    {"0", 0},
+    {"-0", 0},
+    {"-5", -5},
+    {"+7", 7},
+    {"007", 7},
+    {"\" 8\"", 8},
+    {"\"\t-8\"", -8},
+    {"1\"2\"3", 123},
+    {"9223372036854775807", 9223372036854775807},
+    {"-9223372036854775808", -9223372036854775807 - 1},
+    {"18446744073709551615", -1},
+};
+
+// A value without its quotes, as the reader of keys delivers it.
+inline std::string unquoted(const std::string &text) {
+  std::string out;
+  for (const char c : text)
+    if (c != '"') out += c;
+  return out;
+}
+
+// The faults of an item whose value is not read and that consume nothing; the
+// item's handling then runs on the key word itself and logs the given lines.
+inline std::vector<Fault> missing_values(const Item &item, const Lines &verdict,
+                                         sword status_at_end = -1) {
+  using namespace expected_log;
+  const std::string text = "(" + item.key + "=";
+  const Lines begins = item_begins(item);
+  return {
+      {"missing value", text + "))", begins + no_value(TNS_RIGHT_PARENTHESES) + verdict, "))"},
+      {"block for a value", text + "(v=1)))", begins + no_value(TNS_LEFT_PARENTHESES) + verdict,
+       "(v=1)))"},
+      {"equal sign for a value", text + "=1))", begins + no_value(TNS_EQUAL_SIGN) + verdict,
+       "=1))"},
+      {"end for a value", text, begins + input_end(mode) + verdict, "", status_at_end},
+      {"blanks for a value", text + " \n", begins + input_end(mode) + verdict, "", status_at_end},
+  };
+}
+
+}  // namespace builder_body
