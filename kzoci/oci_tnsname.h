@@ -625,6 +625,107 @@ sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *pars
  */
 sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams *parse_params);
 
+/* ======================================================================
+ * Reading a built service
+ *
+ * Both look at the service's first description only.
+ * ====================================================================== */
+
+/*
+ * Hands out what a session is opened with.
+ *
+ * tns_service           a built service
+ * extra_info            out: user extra information; at least 256 bytes
+ * extra_info_len        out: its length
+ * kz_mode               out: the mode's low 32 bits
+ * session_variable      out: session variables; at least 257 bytes
+ * session_variable_len  out: their length
+ *
+ * The texts are copied without a terminator. Empty extra information leaves
+ * extra_info, *extra_info_len and *kz_mode untouched: the mode goes with it.
+ * Empty session variables leave their two outputs untouched.
+ *
+ * Returns 0; -1: no description or no connect data (ERROR); -2: an argument is
+ * null (ERROR). After a failure all outputs are untouched.
+ */
+sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info,
+                                 sb4 *extra_info_len, sb4 *kz_mode, char *session_variable,
+                                 sb4 *session_variable_len);
+
+/*
+ * Writes the link string of the service's first address: "host:port/service",
+ * or "host:port" when use_default_sid is not 0.
+ *
+ * tns_service  a built service
+ * dblink       out: the link string, terminated, cut to 255 characters; at least
+ *              256 bytes
+ * dblink_len   out: its length before the cut
+ *
+ * Returns 0; -1: no description, address list, address or connect data (ERROR),
+ * or nothing to write (ERROR); -2: an argument is null (ERROR). After a failure
+ * *dblink_len is untouched.
+ */
+sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *dblink_len);
+
+/* ======================================================================
+ * Slow-SQL buffer: reports of slow statements, logged in batches
+ *
+ *   KZCISLowSQL slowsql = {0};
+ *   KZCISlowSQLBufferInit(&slowsql, 65536);
+ *   KZCISlowSQLWrite(&slowsql, "%s took %d ms\n", statement, milliseconds);
+ *   KZCISlowSQLBufferClear(&slowsql);
+ *
+ * A batch is one log record at LOG_LEVEL_SLOWSQL, "SLOWSQL:" and the reports.
+ * One record serves one thread at a time.
+ * ====================================================================== */
+
+typedef struct kzci_slow_sql {
+  char *buffer;      /* the text, terminated; null when there is no buffer */
+  sb8 buffer_length; /* its size in characters */
+  sb8 buffer_pos;    /* characters written so far */
+  ub4 flush_second;  /* seconds between flushes; set and read by the caller */
+} KZCISLowSQL;
+
+/*
+ * Gives a record an empty buffer. A buffer that it already has is not released:
+ * clear first. flush_second is kept.
+ *
+ * slowsql  the caller's record
+ * size     characters of the buffer; 0 or less for none (DEBUG)
+ *
+ * Returns 0; -2: null record or no memory, not logged.
+ */
+sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size);
+
+/*
+ * Logs the text of the buffer, if there is any, and empties it.
+ *
+ * Returns 0; -2: null record or no buffer, not logged.
+ */
+sword KZCISlowSQLBufferFlush(KZCISLowSQL *slowsql);
+
+/*
+ * Logs what is in the buffer and releases it. flush_second is kept.
+ *
+ * Returns 0, also without a buffer; -2: null record, not logged; the flush's
+ * status when that fails (ERROR), the buffer is released all the same.
+ */
+sword KZCISlowSQLBufferClear(KZCISLowSQL *slowsql);
+
+/*
+ * Adds a report. What is in the buffer is logged first when the report would
+ * fill it, and the report itself at once when it fills the buffer alone; a
+ * report longer than the buffer is cut to its length minus 1.
+ *
+ * slowsql  a record with a buffer
+ * fmt      printf format of the report, followed by its arguments, which are
+ *          read twice
+ *
+ * Returns 0; -1: a flush failed (ERROR); -2: null record or no buffer, not
+ * logged.
+ */
+sword KZCISlowSQLWrite(KZCISLowSQL *slowsql, const char *fmt, ...) KZOCI_PRINTF_LIKE(2, 3);
+
 #if defined(__LP64__) && defined(__cplusplus)
 static_assert(sizeof(KZCITnsService) == 2416, "size of the service record");
 static_assert(sizeof(KZCISystemVariables) == 2368, "size of the system variables");

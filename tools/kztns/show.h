@@ -1,4 +1,4 @@
-// kztns show: resolve an identifier and print its tree.
+// kztns show: resolve an identifier and print what it stands for.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,13 @@
 
 namespace kztns {
 
-// Returns an ExitStatus. Standard output gets the whole tree or nothing.
-int show(const std::string &identifier, std::optional<log_level> shown);
+enum class ShowWhat {
+  tree,
+  dblink,  // the link string alone
+  session  // what a session is opened with
+};
+
+// Returns an ExitStatus. Standard output gets the whole of it or nothing.
+int show(const std::string &identifier, ShowWhat what, std::optional<log_level> shown);
 
 }  // namespace kztns

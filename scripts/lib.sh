@@ -1,0 +1,56 @@
+# What the scripts share: messages, packages, presets. Sourced, not run.
+set -euo pipefail
+
+project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$project_dir"
+
+say() { printf '==> %s\n' "$*"; }
+
+stop() {
+  printf 'error: %s\n' "$*" >&2
+  exit 1
+}
+
+trap 'stop "$(basename "$0") stopped at line $LINENO: $BASH_COMMAND"' ERR
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    stop "installing packages needs root rights or sudo"
+  fi
+}
+
+is_installed() {
+  [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+# Installs the Debian packages that are missing; does nothing when none is.
+need_packages() {
+  local missing=() package
+  command -v dpkg-query >/dev/null ||
+    stop "this script installs Debian packages; elsewhere, install these yourself: $*"
+  for package in "$@"; do
+    is_installed "$package" || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  say "Installing ${missing[*]}"
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+build_packages=(g++ cmake ninja-build libcli11-dev)
+test_packages=("${build_packages[@]}" libgtest-dev clang)
+
+# configure_and_build PRESET [CMAKE OPTION...]
+configure_and_build() {
+  local preset=$1
+  shift
+  say "Configuring the $preset preset"
+  cmake --preset "$preset" "$@" >/dev/null
+  say "Building"
+  cmake --build --preset "$preset" -- --quiet
+}
