@@ -392,8 +392,9 @@ sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
  * Records one by one: release
  *
  * Each releases what is below the record, never the record. A null record is
- * nothing to do: status 0, one record in the log. Each logs its call at DEBUG,
- * save KZCISystemVariablesClear. Each returns 0; -1 when a count does not agree
+ * nothing to do: status 0. Each logs its call at DEBUG, save
+ * KZCISystemVariablesClear, and each record that has nothing below it (DEBUG,
+ * ERROR for a null description). Each returns 0; -1 when a count does not agree
  * with its ring (ERROR); the status of a child that fails (ERROR). A failure
  * stops the release: children already released are gone while the parent still
  * points at the first one.
@@ -648,9 +649,8 @@ sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams
  * Returns 0; -1: no description or no connect data (ERROR); -2: an argument is
  * null (ERROR). After a failure all outputs are untouched.
  */
-sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info,
-                                 sb4 *extra_info_len, sb4 *kz_mode, char *session_variable,
-                                 sb4 *session_variable_len);
+sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, sb4 *extra_info_len,
+                                 sb4 *kz_mode, char *session_variable, sb4 *session_variable_len);
 
 /*
  * Writes the link string of the service's first address: "host:port/service",

@@ -22,21 +22,21 @@ constexpr char descriptor_prefix[] = "(DESCRIPTION=";
 constexpr std::size_t descriptor_prefix_length = sizeof descriptor_prefix - 1;
 
 constexpr std::size_t max_file_name = 256;
-using FileName = char[max_file_name + 1];
+using FileName = char[max_file_name + 1];  // always terminated
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
-// A directory that leaves no room for the suffix is cut like any other name;
-// the suffix is cut to the room that is left.
-void make_file_name(FileName &name, const char *value, const char *suffix) {
+// The name is a zeroed FileName. A directory that leaves no room for the suffix
+// is cut like any other name; the suffix is cut to the room that is left.
+void make_file_name(char *name, const char *value, const char *suffix) {
   std::strncpy(name, value, max_file_name);
   const std::size_t prefix_len = std::min(std::strlen(value), max_file_name);
   std::strncpy(name + prefix_len, suffix, max_file_name - prefix_len);
 }
 
-// The first variable that is set decides, even when its value is empty. Returns
-// its value, null when none is set.
-char *name_from_environment(FileName &name) {
+// Makes the file's name after the first variable that is set, even when its value
+// is empty. Returns that value, null when none is set.
+char *name_from_environment(char *name) {
   struct Source {
     const char *variable;
     const char *message;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "expected_log.h"
-#include "support/parsing.h"
+#include "parsing.h"
 
 namespace builder_body {
 
@@ -28,10 +28,9 @@ class Body : public support::DescriptorState {
   std::string unread() const {
     const std::string at_hand(params.tns_buffer + params.buffer_pos,
                               params.buffer_len - params.buffer_pos);
-    return at_hand +
-           std::string(params.description + params.description_offset,
-                       static_cast<std::size_t>(params.description_len) -
-                           static_cast<std::size_t>(params.description_offset));
+    return at_hand + std::string(params.description + params.description_offset,
+                                 static_cast<std::size_t>(params.description_len) -
+                                     static_cast<std::size_t>(params.description_offset));
   }
 };
 
@@ -243,8 +242,22 @@ inline std::vector<Fault> refused_words(const Lines &accepted, const std::string
 // Texts that are no integer although they can be read as values.
 inline std::vector<std::string> bad_integers() {
   using namespace std::string_literals;
-  return {"5s"s,  "x"s,   "1.5"s, "--5"s, "-"s,    "+"s,    "5-"s, "0x10"s, "\" \""s,
-          "\"\""s, "\"5 \""s, "\"5 5\""s, "5\0"s, "\0005"s, "\v5"s, "18446744073709551616"s,
+  return {"5s"s,
+          "x"s,
+          "1.5"s,
+          "--5"s,
+          "-"s,
+          "+"s,
+          "5-"s,
+          "10h"s,
+          "\" \""s,
+          "\"\""s,
+          "\"5 \""s,
+          "\"5 5\""s,
+          "5\0"s,
+          "\0005"s,
+          "\v5"s,
+          "18446744073709551616"s,
           "-9223372036854775809"s};
 }
 
