@@ -16,7 +16,7 @@ namespace {
 // one. A report that would just fit is logged apart: the thresholds are strict,
 // and the buffer never keeps more than its length minus 2.
 bool fills_buffer(const KZCISLowSQL &slowsql, int more) {
-  return slowsql.buffer_pos + more >= slowsql.buffer_length - 1;
+  return slowsql.buffer_pos >= slowsql.buffer_length - 1 - more;
 }
 
 // Formats a report behind the text. The position follows the formatter's

@@ -1,0 +1,849 @@
+// The log file of the default logger: its settings, its rotation, and what
+// becomes of the records when the file cannot take them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cctype>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include "kzoci/platform/default_logger.h"
+#include "logger_support.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using logger_support::error_line;
+using logger_support::Lines;
+using logger_support::lines_of_threads;
+using logger_support::lines_without_times;
+using logger_support::log_error;
+using logger_support::log_from_threads;
+using logger_support::log_text;
+using logger_support::logged_by;
+using logger_support::LoggerTest;
+using logger_support::RecordingSink;
+using logger_support::standard_error_of;
+using logger_support::time_pattern;
+
+constexpr sword level_not_known = -1;
+constexpr sword settings_null = -2;
+constexpr sword file_not_opened = -3;
+
+constexpr ub4 largest_count = std::numeric_limits<ub4>::max();
+
+// An exact-size copy that is not terminated, so that a read behind its end
+// shows under the address sanitizer.
+class ExactText {
+ public:
+  explicit ExactText(std::string_view text)
+      : copy_(new char[text.size()]), length_(static_cast<ub4>(text.size())) {
+    std::copy(text.begin(), text.end(), copy_.get());
+  }
+  ~ExactText() { std::fill_n(copy_.get(), length_, '#'); }
+  ExactText(const ExactText &) = delete;
+  ExactText &operator=(const ExactText &) = delete;
+
+  const char *data() const { return copy_.get(); }
+  ub4 length() const { return length_; }
+
+ private:
+  std::unique_ptr<char[]> copy_;
+  ub4 length_;
+};
+
+// The settings are gone when the logger works with them.
+sword configure(std::string_view level, std::string_view path, sb8 file_size = 0,
+                ub4 file_count = 0) {
+  const ExactText level_copy(level);
+  const ExactText path_copy(path);
+  const kzoci_log_settings settings = {level_copy.data(),  level_copy.length(), path_copy.data(),
+                                       path_copy.length(), file_size,           file_count};
+  return kzoci_log_configure(&settings);
+}
+
+std::string content_of(const std::string &path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void write_file(const std::string &path, std::string_view text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+// The lines of a file, without their times.
+Lines lines_in(const std::string &path) { return lines_without_times(content_of(path)); }
+
+std::string numbered(const std::string &path, std::size_t number) {
+  return number == 0 ? path : path + "." + std::to_string(number);
+}
+
+// "TIME ERROR a.cpp:1 text" and a line feed: all but the text is this long.
+constexpr std::size_t frame_length =
+    time_pattern.size() + std::string_view(" ERROR a.cpp:1 \n").size();
+
+// A text whose line takes this many bytes in the file.
+std::string text_for(char letter, std::size_t line_length) {
+  return std::string(line_length - frame_length, letter);
+}
+void log_line_of(char letter, std::size_t line_length) { log_error(text_for(letter, line_length)); }
+std::string line_of(char letter, std::size_t line_length) {
+  return error_line(text_for(letter, line_length));
+}
+
+// A folder for log files, removed with the test.
+class LogFileTest : public LoggerTest {
+ protected:
+  LogFileTest() {
+    std::string name = (fs::temp_directory_path() / "kzoci_log_XXXXXX").string();
+    folder_ = mkdtemp(name.data());
+    path_ = folder_ + "/a.log";
+  }
+  ~LogFileTest() override {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+
+  // The files of the log, the newest first, each with its lines.
+  std::vector<Lines> files() const {
+    std::vector<Lines> all;
+    for (std::size_t number = 0; fs::exists(numbered(path_, number)); ++number)
+      all.push_back(lines_in(numbered(path_, number)));
+    return all;
+  }
+
+  // The lines of all files, the oldest first.
+  Lines lines_of_files() const {
+    Lines all;
+    const std::vector<Lines> newest_first = files();
+    for (auto file = newest_first.rbegin(); file != newest_first.rend(); ++file)
+      all.insert(all.end(), file->begin(), file->end());
+    return all;
+  }
+
+  std::size_t entries_in_folder() const {
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+  }
+
+  std::string folder_;
+  std::string path_;
+};
+
+class LogSettings : public LogFileTest {};
+class LogFile : public LogFileTest {};
+class LogRotation : public LogFileTest {};
+class LogFileGivenUp : public LogFileTest {};
+class LogFileThreads : public LogFileTest {};
+
+struct LevelName {
+  log_level level;
+  const char *name;
+};
+
+constexpr LevelName levels[] = {
+    {LOG_LEVEL_TRACE, "TRACE"}, {LOG_LEVEL_DEBUG, "DEBUG"}, {LOG_LEVEL_INFO, "INFO"},
+    {LOG_LEVEL_WARN, "WARN"},   {LOG_LEVEL_ERROR, "ERROR"}, {LOG_LEVEL_FATAL, "FATAL"},
+    {LOG_LEVEL_SLOWSQL, "SLOWSQL"}};
+
+// The name as it is, in small letters, and in both by turns.
+std::vector<std::string> spellings(const std::string &name) {
+  std::string small = name;
+  std::string mixed = name;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    small[i] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[i])));
+    if (i % 2 == 0) mixed[i] = small[i];
+  }
+  return {name, small, mixed};
+}
+
+TEST_F(LogSettings, LevelNamesAreTakenInAnyLetterCase) {
+  for (const LevelName &level : levels)
+    for (const std::string &name : spellings(level.name)) {
+      SCOPED_TRACE(name);
+      kzoci_log_set_threshold(level.level == LOG_LEVEL_INFO ? LOG_LEVEL_WARN : LOG_LEVEL_INFO);
+      EXPECT_EQ(configure(name, ""), 0);
+      EXPECT_EQ(kzoci_log_threshold(), level.level);
+    }
+}
+
+TEST_F(LogSettings, ThresholdIsInForce) {
+  ASSERT_EQ(configure("info", path_), 0);
+  for (const LevelName &level : levels) log_text(level.level, "text");
+  EXPECT_EQ(lines_in(path_),
+            (Lines{"INFO a.cpp:1 text", "WARN a.cpp:1 text", "ERROR a.cpp:1 text",
+                   "FATAL a.cpp:1 text", "SLOWSQL a.cpp:1 text"}));
+}
+
+TEST_F(LogSettings, SlowStatementsAreWrittenWhateverTheLevel) {
+  ASSERT_EQ(configure("SLOWSQL", path_), 0);
+  log_text(LOG_LEVEL_FATAL, "dropped");
+  log_text(LOG_LEVEL_SLOWSQL, "slow");
+  EXPECT_EQ(lines_in(path_), Lines{"SLOWSQL a.cpp:1 slow"});
+}
+
+std::vector<std::string> unknown_levels() {
+  return {"WAR",   "W",      "ERR",     "SLOW",   "SLOWSQ",       "SLOW SQL",
+          "TRAC",  "WARNI",  "WARNING", "ERRORS", "SLOWSQLS",     " WARN",
+          "WARN ", "WA\nRN", "?",       "OFF",    "4",            "\xc3\x8eNFO",
+          "-",     "WARN,",  "#WARN",   " ",      "WARNWARNWARN", std::string("WARN\0", 5)};
+}
+
+TEST_F(LogSettings, UnknownLevelChangesNothing) {
+  const std::string other = folder_ + "/other.log";
+  ASSERT_EQ(configure("info", path_), 0);
+  Lines expected;
+  for (const std::string &level : unknown_levels()) {
+    SCOPED_TRACE(level);
+    for (const std::string &path : {other, std::string(), folder_, path_}) {
+      EXPECT_EQ(configure(level, path, 10, 3), level_not_known);
+      EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_INFO);
+      EXPECT_EQ(standard_error_of([] { log_text(LOG_LEVEL_INFO, "text"); }), "");
+      expected.push_back("INFO a.cpp:1 text");
+    }
+  }
+  EXPECT_EQ(files(), std::vector<Lines>{expected});
+  EXPECT_FALSE(fs::exists(other));
+}
+
+TEST_F(LogSettings, UnknownLevelChangesNothingOnStandardError) {
+  EXPECT_EQ(configure("WAR", path_), level_not_known);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_ERROR);
+  EXPECT_EQ(logged_by([] { log_error("text"); }), Lines{error_line("text")});
+  EXPECT_FALSE(fs::exists(path_));
+}
+
+TEST_F(LogSettings, UnknownLevelLeavesAFileThatWasGivenUp) {
+  ASSERT_EQ(configure("info", folder_), file_not_opened);
+  EXPECT_EQ(configure("unknown", path_), level_not_known);
+  EXPECT_EQ(logged_by([] { log_error("text"); }), Lines{error_line("text")});
+  EXPECT_FALSE(fs::exists(path_));
+}
+
+TEST_F(LogSettings, EmptyLevelKeepsTheThreshold) {
+  for (const LevelName &level : levels) {
+    SCOPED_TRACE(level.name);
+    kzoci_log_set_threshold(level.level);
+    EXPECT_EQ(configure("", path_), 0);
+    EXPECT_EQ(kzoci_log_threshold(), level.level);
+    EXPECT_EQ(configure("", ""), 0);
+    EXPECT_EQ(kzoci_log_threshold(), level.level);
+  }
+}
+
+TEST_F(LogSettings, NullChangesNothing) {
+  EXPECT_EQ(kzoci_log_configure(nullptr), settings_null);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_ERROR);
+  ASSERT_EQ(configure("warn", path_, 100, 3), 0);
+  EXPECT_EQ(kzoci_log_configure(nullptr), settings_null);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_WARN);
+  EXPECT_EQ(standard_error_of([] {
+              log_line_of('a', 60);
+              log_line_of('b', 60);
+            }),
+            "");
+  EXPECT_EQ(files(), (std::vector<Lines>{{line_of('b', 60)}, {line_of('a', 60)}}));
+}
+
+TEST_F(LogSettings, TextsOfNoLengthMayBeNull) {
+  const kzoci_log_settings nothing = {nullptr, 0, nullptr, 0, 100, 3};
+  EXPECT_EQ(kzoci_log_configure(&nothing), 0);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_ERROR);
+  EXPECT_EQ(logged_by([] { log_error("text"); }), Lines{error_line("text")});
+}
+
+TEST_F(LogSettings, TextsEndAtTheirLengths) {
+  const std::string path_and_more = path_ + ".more";
+  const kzoci_log_settings settings = {
+      "WARNING", 4, path_and_more.data(), static_cast<ub4>(path_.size()), 0, 0};
+  EXPECT_EQ(kzoci_log_configure(&settings), 0);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_WARN);
+  log_error("text");
+  EXPECT_EQ(lines_in(path_), Lines{error_line("text")});
+  EXPECT_FALSE(fs::exists(path_and_more));
+}
+
+TEST_F(LogSettings, NoPathGoesBackToStandardError) {
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("to the file");
+  ASSERT_EQ(configure("", ""), 0);
+  EXPECT_EQ(logged_by([] { log_error("to standard error"); }),
+            Lines{error_line("to standard error")});
+  EXPECT_EQ(lines_in(path_), Lines{error_line("to the file")});
+}
+
+TEST_F(LogSettings, LevelAndPathAreIndependent) {
+  ASSERT_EQ(configure("fatal", path_), 0);
+  ASSERT_EQ(configure("warn", ""), 0);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_WARN);
+  ASSERT_EQ(configure("", path_), 0);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_WARN);
+  log_text(LOG_LEVEL_WARN, "text");
+  EXPECT_EQ(lines_in(path_), Lines{"WARN a.cpp:1 text"});
+}
+
+// Paths at which no file can be opened, by anybody.
+std::vector<std::string> unusable_paths(const std::string &folder) {
+  write_file(folder + "/plain", "");
+  return {folder,
+          folder + "/",
+          folder + "/missing/a.log",
+          folder + "/plain/a.log",
+          folder + "/" + std::string(256, 'a'),
+          folder + "/" + std::string(10000, 'a')};
+}
+
+TEST_F(LogSettings, UnusablePathLeavesTheThresholdInForce) {
+  for (const std::string &path : unusable_paths(folder_)) {
+    SCOPED_TRACE(path);
+    kzoci_log_set_threshold(LOG_LEVEL_ERROR);
+    EXPECT_EQ(configure("info", path, 100, 3), file_not_opened);
+    EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_INFO);
+    EXPECT_EQ(logged_by([] {
+                log_text(LOG_LEVEL_DEBUG, "dropped");
+                log_text(LOG_LEVEL_INFO, "text");
+              }),
+              Lines{"INFO a.cpp:1 text"});
+  }
+}
+
+TEST_F(LogSettings, UnusablePathEndsTheFileBefore) {
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("to the file");
+  EXPECT_EQ(configure("", folder_), file_not_opened);
+  EXPECT_EQ(logged_by([] { log_error("to standard error"); }),
+            Lines{error_line("to standard error")});
+  EXPECT_EQ(lines_in(path_), Lines{error_line("to the file")});
+}
+
+TEST_F(LogSettings, UsablePathEndsStandardError) {
+  EXPECT_EQ(configure("", folder_), file_not_opened);
+  EXPECT_EQ(configure("", path_), 0);
+  EXPECT_EQ(standard_error_of([] { log_error("text"); }), "");
+  EXPECT_EQ(lines_in(path_), Lines{error_line("text")});
+}
+
+TEST_F(LogFile, TakesTheLinesInsteadOfStandardError) {
+  ASSERT_EQ(configure("warn", path_), 0);
+  const std::string written = standard_error_of([] {
+    log_text(LOG_LEVEL_INFO, "dropped");
+    log_text(LOG_LEVEL_WARN, "first");
+    log_error("second");
+    log_error("");
+    log_text(LOG_LEVEL_SLOWSQL, "third\nand more\n");
+  });
+  EXPECT_EQ(written, "");
+  EXPECT_EQ(files(),
+            std::vector<Lines>{(Lines{"WARN a.cpp:1 first", "ERROR a.cpp:1 second",
+                                      "ERROR a.cpp:1 ", "SLOWSQL a.cpp:1 third", "and more", ""})});
+}
+
+TEST_F(LogFile, HasEachLineAtOnce) {
+  ASSERT_EQ(configure("", path_), 0);
+  Lines expected;
+  for (const char *text : {"first", "second", "third"}) {
+    log_error(text);
+    expected.push_back(error_line(text));
+    EXPECT_EQ(lines_in(path_), expected);
+  }
+}
+
+TEST_F(LogFile, IsMadeByTheSettings) {
+  ASSERT_EQ(configure("", path_), 0);
+  EXPECT_TRUE(fs::exists(path_));
+  EXPECT_EQ(content_of(path_), "");
+  EXPECT_EQ(entries_in_folder(), 1u);
+}
+
+TEST_F(LogFile, IsContinued) {
+  write_file(path_, "what was there\n");
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("first");
+  ASSERT_EQ(configure("", ""), 0);
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("second");
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("third");
+  EXPECT_EQ(lines_in(path_), (Lines{"what was there", error_line("first"), error_line("second"),
+                                    error_line("third")}));
+}
+
+TEST_F(LogFile, IsSharedWithOtherWriters) {
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("first");
+  std::ofstream(path_, std::ios::app) << "of another writer\n";
+  log_error("second");
+  EXPECT_EQ(lines_in(path_),
+            (Lines{error_line("first"), "of another writer", error_line("second")}));
+}
+
+TEST_F(LogFile, GivesWayToAnother) {
+  const std::string other = folder_ + "/other.log";
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("first");
+  ASSERT_EQ(configure("", other), 0);
+  log_error("second");
+  EXPECT_EQ(lines_in(path_), Lines{error_line("first")});
+  EXPECT_EQ(lines_in(other), Lines{error_line("second")});
+}
+
+TEST_F(LogFile, TakesLinesOfAnyLengthWhole) {
+  ASSERT_EQ(configure("", path_), 0);
+  std::vector<std::size_t> lengths = {0, 1, 5000, 3000000};
+  for (std::size_t length = 900; length <= 1100; ++length) lengths.push_back(length);
+  Lines expected;
+  for (const std::size_t length : lengths) {
+    log_error(std::string(length, 'x'));
+    expected.push_back(error_line(std::string(length, 'x')));
+  }
+  EXPECT_TRUE(lines_in(path_) == expected);
+}
+
+TEST_F(LogFile, GivesWayToASink) {
+  RecordingSink sink;
+  ASSERT_EQ(configure("", path_), 0);
+  log_error("first");
+  kzoci_log_set_sink(RecordingSink::take, &sink);
+  EXPECT_EQ(standard_error_of([] { log_error("second"); }), "");
+  EXPECT_EQ(sink.texts(), Lines{"second"});
+  kzoci_log_set_sink(nullptr, nullptr);
+  EXPECT_EQ(standard_error_of([] { log_error("third"); }), "");
+  EXPECT_EQ(lines_in(path_), (Lines{error_line("first"), error_line("third")}));
+  EXPECT_EQ(sink.texts(), Lines{"second"});
+}
+
+TEST_F(LogFile, WaitsBehindASink) {
+  RecordingSink sink;
+  kzoci_log_set_sink(RecordingSink::take, &sink);
+  ASSERT_EQ(configure("warn", path_), 0);
+  log_text(LOG_LEVEL_WARN, "first");
+  EXPECT_EQ(content_of(path_), "");
+  kzoci_log_set_sink(nullptr, nullptr);
+  log_text(LOG_LEVEL_WARN, "second");
+  EXPECT_EQ(sink.texts(), Lines{"first"});
+  EXPECT_EQ(lines_in(path_), Lines{"WARN a.cpp:1 second"});
+}
+
+TEST_F(LogFile, LeavesErrnoAlone) {
+  ASSERT_EQ(configure("", path_, 100, 2), 0);
+  for (int i = 0; i < 6; ++i) {
+    errno = EXDEV;
+    log_line_of('a', i == 3 ? 5000 : 60);
+    EXPECT_EQ(errno, EXDEV);
+  }
+}
+
+// A line as long as this fills the file up, or is a byte short of it, or one
+// too long.
+TEST_F(LogRotation, BeginsWithTheByteThatIsTooMuch) {
+  constexpr sb8 limit = 200;
+  struct Row {
+    std::size_t first, second;
+    std::size_t expected_files;
+  };
+  constexpr Row rows[] = {{60, 139, 1}, {60, 140, 1}, {60, 141, 2}, {60, 5000, 2}, {199, 60, 2},
+                          {200, 60, 2}, {201, 60, 2}, {139, 60, 1}, {140, 60, 1},  {141, 60, 2}};
+  for (const Row &row : rows) {
+    SCOPED_TRACE(std::to_string(row.first) + " and " + std::to_string(row.second));
+    fs::remove(path_);
+    fs::remove(numbered(path_, 1));
+    ASSERT_EQ(configure("", path_, limit, 5), 0);
+    log_line_of('a', row.first);
+    log_line_of('b', row.second);
+    const Lines first = {line_of('a', row.first)};
+    const Lines second = {line_of('b', row.second)};
+    const Lines both = {first[0], second[0]};
+    EXPECT_EQ(files(), row.expected_files == 1 ? std::vector<Lines>{both}
+                                               : (std::vector<Lines>{second, first}));
+  }
+}
+
+TEST_F(LogRotation, CountsWhatTheFileHoldsAlready) {
+  for (const std::size_t held : {139u, 140u, 141u, 199u, 200u, 201u, 100000u}) {
+    SCOPED_TRACE(held);
+    fs::remove(numbered(path_, 1));
+    const std::string old = std::string(held - 1, 'o') + "\n";
+    write_file(path_, old);
+    ASSERT_EQ(configure("", path_, 200, 5), 0);
+    EXPECT_EQ(content_of(path_), old);
+    log_line_of('a', 60);
+    const Lines old_line = {std::string(held - 1, 'o')};
+    const Lines new_line = {line_of('a', 60)};
+    const Lines both = {old_line[0], new_line[0]};
+    EXPECT_EQ(files(), held <= 140 ? std::vector<Lines>{both}
+                                   : (std::vector<Lines>{new_line, old_line}));
+  }
+}
+
+TEST_F(LogRotation, KeepsAsManyFilesAsCounted) {
+  for (const ub4 count : {2u, 3u, 4u, 10u}) {
+    SCOPED_TRACE(count);
+    fs::remove_all(folder_);
+    fs::create_directory(folder_);
+    ASSERT_EQ(configure("", path_, 60, count), 0);
+    std::vector<Lines> expected;
+    for (char letter = 'a'; letter <= 'z'; ++letter) {
+      EXPECT_EQ(standard_error_of([letter] { log_line_of(letter, 60); }), "");
+      expected.insert(expected.begin(), Lines{line_of(letter, 60)});
+      if (expected.size() > count) expected.pop_back();
+      ASSERT_EQ(files(), expected) << letter;
+      ASSERT_EQ(entries_in_folder(), expected.size());
+    }
+  }
+}
+
+TEST_F(LogRotation, OfOneFileStartsItOver) {
+  for (const ub4 count : {0u, 1u}) {
+    SCOPED_TRACE(count);
+    fs::remove(path_);
+    ASSERT_EQ(configure("", path_, 130, count), 0);
+    log_line_of('a', 60);
+    log_line_of('b', 70);
+    EXPECT_EQ(files(), std::vector<Lines>{(Lines{line_of('a', 60), line_of('b', 70)})});
+    log_line_of('c', 60);
+    EXPECT_EQ(files(), std::vector<Lines>{Lines{line_of('c', 60)}});
+    log_line_of('d', 60);
+    EXPECT_EQ(files(), std::vector<Lines>{(Lines{line_of('c', 60), line_of('d', 60)})});
+    log_line_of('e', 60);
+    EXPECT_EQ(files(), std::vector<Lines>{Lines{line_of('e', 60)}});
+    EXPECT_EQ(entries_in_folder(), 1u);
+  }
+}
+
+TEST_F(LogRotation, OfAnyNumberOfFilesTakesNoTime) {
+  for (const ub4 count : {largest_count, largest_count - 1, 2147483648u, 1000000000u}) {
+    SCOPED_TRACE(count);
+    fs::remove_all(folder_);
+    fs::create_directory(folder_);
+    ASSERT_EQ(configure("", path_, 60, count), 0);
+    std::vector<Lines> expected;
+    for (char letter = 'a'; letter <= 'l'; ++letter) {
+      log_line_of(letter, 60);
+      expected.insert(expected.begin(), Lines{line_of(letter, 60)});
+    }
+    EXPECT_EQ(files(), expected);
+    EXPECT_EQ(entries_in_folder(), expected.size());
+  }
+}
+
+TEST_F(LogRotation, NeedsALimit) {
+  for (const sb8 limit : {sb8{0}, sb8{-1}, std::numeric_limits<sb8>::min()}) {
+    SCOPED_TRACE(limit);
+    fs::remove(path_);
+    ASSERT_EQ(configure("", path_, limit, 3), 0);
+    Lines expected;
+    for (int i = 0; i < 20; ++i) {
+      log_line_of('a', 5000);
+      expected.push_back(line_of('a', 5000));
+    }
+    EXPECT_EQ(files(), std::vector<Lines>{expected});
+  }
+}
+
+TEST_F(LogRotation, TakesTheLargestLimit) {
+  write_file(path_, "what was there\n");
+  ASSERT_EQ(configure("", path_, std::numeric_limits<sb8>::max(), 3), 0);
+  log_line_of('a', 60);
+  log_line_of('b', 60);
+  EXPECT_EQ(files(), std::vector<Lines>{
+                         (Lines{"what was there", line_of('a', 60), line_of('b', 60)})});
+}
+
+TEST_F(LogRotation, GivesALineOverTheLimitAFileOfItsOwn) {
+  ASSERT_EQ(configure("", path_, 100, 6), 0);
+  log_line_of('a', 5000);
+  log_line_of('b', 60);
+  log_line_of('c', 101);
+  log_line_of('d', 3000000);
+  log_line_of('e', 50);
+  log_line_of('f', 50);
+  EXPECT_TRUE(files() == (std::vector<Lines>{{line_of('e', 50), line_of('f', 50)},
+                                             {line_of('d', 3000000)},
+                                             {line_of('c', 101)},
+                                             {line_of('b', 60)},
+                                             {line_of('a', 5000)}}));
+}
+
+TEST_F(LogRotation, GivesEachLineAFileWithTheSmallestLimit) {
+  ASSERT_EQ(configure("", path_, 1, 3), 0);
+  for (const char letter : {'a', 'b', 'c', 'd'}) log_line_of(letter, 60);
+  EXPECT_EQ(files(),
+            (std::vector<Lines>{{line_of('d', 60)}, {line_of('c', 60)}, {line_of('b', 60)}}));
+}
+
+TEST_F(LogRotation, DoesNotTouchAnEmptyFile) {
+  write_file(path_, "");
+  ASSERT_EQ(configure("", path_, 10, 3), 0);
+  log_line_of('a', 60);
+  EXPECT_EQ(files(), std::vector<Lines>{Lines{line_of('a', 60)}});
+}
+
+TEST_F(LogRotation, MovesTheFilesOfAFormerRun) {
+  write_file(path_, std::string(79, '0') + "\n");
+  write_file(numbered(path_, 1), "one\n");
+  write_file(numbered(path_, 2), "two\n");
+  ASSERT_EQ(configure("", path_, 100, 4), 0);
+  log_line_of('a', 60);
+  EXPECT_EQ(files(), (std::vector<Lines>{
+                         {line_of('a', 60)}, {std::string(79, '0')}, {"one"}, {"two"}}));
+  log_line_of('b', 60);
+  EXPECT_EQ(files(), (std::vector<Lines>{
+                         {line_of('b', 60)}, {line_of('a', 60)}, {std::string(79, '0')}, {"one"}}));
+}
+
+TEST_F(LogRotation, LosesNothingToAMissingNumber) {
+  write_file(path_, std::string(79, '0') + "\n");
+  write_file(numbered(path_, 2), "two\n");
+  ASSERT_EQ(configure("", path_, 100, 5), 0);
+  EXPECT_EQ(standard_error_of([] { log_line_of('a', 60); }), "");
+  EXPECT_EQ(lines_in(path_), Lines{line_of('a', 60)});
+  EXPECT_EQ(lines_in(numbered(path_, 1)), Lines{std::string(79, '0')});
+  EXPECT_EQ(content_of(numbered(path_, 2)) + content_of(numbered(path_, 3)), "two\n");
+}
+
+TEST_F(LogRotation, LeavesOtherFilesAlone) {
+  for (const char *name : {".0", ".01", ".1x", ".", "1", ".-1", ".3"})
+    write_file(path_ + name, name);
+  ASSERT_EQ(configure("", path_, 60, 3), 0);
+  for (const char letter : {'a', 'b', 'c', 'd', 'e'}) log_line_of(letter, 60);
+  for (const char *name : {".0", ".01", ".1x", ".", "1", ".-1", ".3"})
+    EXPECT_EQ(content_of(path_ + name), name);
+  EXPECT_EQ(lines_in(numbered(path_, 2)), Lines{line_of('c', 60)});
+}
+
+TEST_F(LogRotation, FollowsChangedSettings) {
+  ASSERT_EQ(configure("", path_, 60, 3), 0);
+  log_line_of('a', 60);
+  ASSERT_EQ(configure("", path_, 120, 3), 0);
+  log_line_of('b', 60);
+  EXPECT_EQ(files(), std::vector<Lines>{(Lines{line_of('a', 60), line_of('b', 60)})});
+  log_line_of('c', 60);
+  ASSERT_EQ(configure("", path_, 60, 1), 0);
+  log_line_of('d', 60);
+  EXPECT_EQ(lines_in(path_), Lines{line_of('d', 60)});
+}
+
+TEST_F(LogRotation, DoesNotCountWhatASinkTakes) {
+  RecordingSink sink;
+  ASSERT_EQ(configure("", path_, 120, 3), 0);
+  log_line_of('a', 60);
+  kzoci_log_set_sink(RecordingSink::take, &sink);
+  log_line_of('b', 60);
+  log_line_of('c', 5000);
+  kzoci_log_set_sink(nullptr, nullptr);
+  log_line_of('d', 60);
+  EXPECT_EQ(files(), std::vector<Lines>{(Lines{line_of('a', 60), line_of('d', 60)})});
+}
+
+TEST_F(LogRotation, DoesNotCountDroppedRecords) {
+  ASSERT_EQ(configure("", path_, 120, 3), 0);
+  log_line_of('a', 60);
+  log_text(LOG_LEVEL_WARN, std::string(5000, 'b'));
+  log_line_of('c', 60);
+  EXPECT_EQ(files(), std::vector<Lines>{(Lines{line_of('a', 60), line_of('c', 60)})});
+}
+
+// Logs five lines: the first fits, the second needs a rotation that fails. It
+// and the others are on standard error, and the file holds what it did.
+void expect_rotation_fails(const std::string &path) {
+  const Lines written = logged_by([] {
+    for (const char letter : {'a', 'b', 'c', 'd', 'e'}) log_line_of(letter, 60);
+  });
+  EXPECT_EQ(written,
+            (Lines{line_of('b', 60), line_of('c', 60), line_of('d', 60), line_of('e', 60)}));
+  EXPECT_EQ(lines_in(path), Lines{line_of('a', 60)});
+}
+
+TEST_F(LogFileGivenUp, WhenAFolderIsInTheWay) {
+  fs::create_directories(numbered(path_, 1) + "/not empty");
+  ASSERT_EQ(configure("", path_, 100, 2), 0);
+  expect_rotation_fails(path_);
+  EXPECT_TRUE(fs::exists(numbered(path_, 1) + "/not empty"));
+}
+
+TEST_F(LogFileGivenUp, WhenAFolderIsInTheWayOfAnOlderFile) {
+  write_file(numbered(path_, 1), "one\n");
+  write_file(numbered(path_, 2), "two\n");
+  fs::create_directories(numbered(path_, 3) + "/not empty");
+  ASSERT_EQ(configure("", path_, 100, 4), 0);
+  expect_rotation_fails(path_);
+  EXPECT_EQ(content_of(numbered(path_, 1)), "one\n");
+  EXPECT_EQ(content_of(numbered(path_, 2)), "two\n");
+}
+
+TEST_F(LogFileGivenUp, WhenTheNumberedNameIsTooLong) {
+  const std::string longest = folder_ + "/" + std::string(254, 'a');
+  ASSERT_EQ(configure("", longest, 100, 3), 0);
+  expect_rotation_fails(longest);
+}
+
+TEST_F(LogFileGivenUp, WhenItCannotStartOver) {
+  const std::string moved = folder_ + "/moved";
+  ASSERT_EQ(configure("", path_, 100, 1), 0);
+  fs::rename(path_, moved);
+  fs::create_directory(path_);
+  expect_rotation_fails(moved);
+}
+
+TEST_F(LogFileGivenUp, WhenItCannotBeMadeAnew) {
+  const std::string below = folder_ + "/below";
+  const std::string moved = folder_ + "/moved";
+  fs::create_directory(below);
+  ASSERT_EQ(configure("", below + "/a.log", 100, 3), 0);
+  fs::rename(below, moved);
+  expect_rotation_fails(moved + "/a.log");
+}
+
+TEST_F(LogFileGivenUp, WhenTheDeviceIsFull) {
+  ASSERT_EQ(configure("info", "/dev/full", 100, 3), 0);
+  const std::string long_text(5000, 'x');
+  const Lines written = logged_by([&] {
+    log_error("first");
+    log_error(long_text);
+    log_text(LOG_LEVEL_INFO, "third");
+    log_text(LOG_LEVEL_DEBUG, "dropped");
+  });
+  EXPECT_EQ(written,
+            (Lines{error_line("first"), error_line(long_text), "INFO a.cpp:1 third"}));
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  EXPECT_FALSE(fs::exists("/dev/full.1"));
+}
+
+// No file grows beyond this size.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t size) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &saved_);
+    const rlimit limit = {size, saved_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &saved_);
+    std::signal(SIGXFSZ, handler_);
+  }
+  FileSizeLimit(const FileSizeLimit &) = delete;
+  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+ private:
+  void (*handler_)(int);
+  rlimit saved_ = {};
+};
+
+TEST_F(LogFileGivenUp, WhenOnlyTheBeginningOfALineCanBeWritten) {
+  write_file(path_, std::string(4095 - 90, 'o') + "\n");
+  ASSERT_EQ(configure("", path_), 0);
+  const Lines written = logged_by([] {
+    const FileSizeLimit limit(4096);
+    log_line_of('a', 60);
+    log_line_of('b', 60);
+    log_line_of('c', 60);
+  });
+  EXPECT_EQ(written, (Lines{line_of('b', 60), line_of('c', 60)}));
+  const Lines lines = lines_in(path_);
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_EQ(lines[1], line_of('a', 60));
+}
+
+TEST_F(LogFileGivenUp, UntilTheNextSettings) {
+  fs::create_directories(numbered(path_, 1) + "/not empty");
+  ASSERT_EQ(configure("", path_, 100, 2), 0);
+  expect_rotation_fails(path_);
+  fs::remove_all(numbered(path_, 1));
+  EXPECT_EQ(logged_by([] { log_line_of('f', 60); }), Lines{line_of('f', 60)});
+  EXPECT_EQ(kzoci_log_configure(nullptr), settings_null);
+  EXPECT_EQ(configure("unknown", path_), level_not_known);
+  EXPECT_EQ(logged_by([] { log_line_of('g', 60); }), Lines{line_of('g', 60)});
+  ASSERT_EQ(configure("", path_, 100, 2), 0);
+  EXPECT_EQ(standard_error_of([] { log_line_of('h', 60); }), "");
+  EXPECT_EQ(files(), (std::vector<Lines>{{line_of('h', 60)}, {line_of('a', 60)}}));
+}
+
+TEST_F(LogFileGivenUp, KeepsTheThreshold) {
+  ASSERT_EQ(configure("debug", "/dev/full"), 0);
+  EXPECT_EQ(logged_by([] { log_error("text"); }), Lines{error_line("text")});
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_DEBUG);
+}
+
+TEST_F(LogFileGivenUp, StillGivesWayToASink) {
+  RecordingSink sink;
+  ASSERT_EQ(configure("", "/dev/full"), 0);
+  EXPECT_EQ(logged_by([] { log_error("first"); }), Lines{error_line("first")});
+  kzoci_log_set_sink(RecordingSink::take, &sink);
+  EXPECT_EQ(standard_error_of([] { log_error("second"); }), "");
+  EXPECT_EQ(sink.texts(), Lines{"second"});
+}
+
+TEST_F(LogFileGivenUp, LeavesErrnoAlone) {
+  fs::create_directories(numbered(path_, 1) + "/not empty");
+  for (const std::string &path : {path_, std::string("/dev/full")}) {
+    SCOPED_TRACE(path);
+    ASSERT_EQ(configure("", path, 100, 2), 0);
+    int after[3] = {};
+    standard_error_of([&after] {
+      for (int &value : after) {
+        errno = EXDEV;
+        log_line_of('a', 60);
+        value = errno;
+      }
+    });
+    for (const int value : after) EXPECT_EQ(value, EXDEV);
+  }
+}
+
+// Whatever happens to the files, no record is lost or doubled.
+TEST_F(LogFileGivenUp, LosesNothingToAFolderThatMoves) {
+  fs::create_directories(numbered(path_, 1) + "/not empty");
+  ASSERT_EQ(configure("", path_, 100, 3), 0);
+  Lines lines = logged_by([] {
+    for (char letter = 'a'; letter <= 'j'; ++letter) log_line_of(letter, 60);
+  });
+  for (std::size_t number = 0; number < 4; ++number)
+    if (fs::is_regular_file(numbered(path_, number)))
+      for (const std::string &line : lines_in(numbered(path_, number))) lines.push_back(line);
+  std::sort(lines.begin(), lines.end());
+  Lines expected;
+  for (char letter = 'a'; letter <= 'j'; ++letter) expected.push_back(line_of(letter, 60));
+  EXPECT_EQ(lines, expected);
+}
+
+// A signal every millisecond, whose handler leaves system calls interrupted.
+class Interruptions {
+ public:
+  Interruptions() {
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGALRM, &action, &saved_);
+    const itimerval every_millisecond = {{0, 1000}, {0, 1000}};
+    setitimer(ITIMER_REAL, &every_millisecond, nullptr);
+  }
+  ~Interruptions() {
+    const itimerval never = {{0, 0}, {0, 0}};
+    setitimer(ITIMER_REAL, &never, nullptr);
+    sigaction(SIGALRM, &saved_, nullptr);
+  }
+  Interruptions(const Interruptions &) = delete;
+  Interruptions &operator=(const Interruptions &) = delete;
+
+ private:
+  struct sigaction saved_ = {};
+};
