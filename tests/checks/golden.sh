@@ -1,27 +1,35 @@
 #!/usr/bin/env bash
-# One case of the command: a folder with
-#   command   a shell line that calls kztns, run in that folder
+# One case of a program: a folder with
+#   command   a shell line that calls it, run in that folder; $scratch is an empty
+#             folder, $examples the project's examples
 #   stdout, stderr, status   what comes of it (missing: empty, empty, 0)
 #
-#   golden.sh KZTNS CASE_DIR
+#   golden.sh CASE_DIR PROGRAM...
 set -uo pipefail
-kztns=$1
-cd "$2"
-unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME KZCI_TNS_DISPLAY NO_COLOR
+case_dir=$1
+shift
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
-mkdir "$out/bin"
-ln -s "$kztns" "$out/bin/kztns"
+mkdir "$out/bin" "$out/scratch"
+ln -s "$@" "$out/bin/"
+
+cd "$case_dir"
+unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME KZCI_TNS_DISPLAY NO_COLOR
+export scratch=$out/scratch
+export examples=$PWD/../../../examples
 PATH="$out/bin:$PATH" bash ./command >"$out/stdout" 2>"$out/stderr" </dev/null
 echo $? >"$out/status"
 
 failed=0
-expect() {
-  diff -u --label "expected $1" --label "actual $1" "$2" "$out/$1" || failed=1
-}
 touch "$out/empty"
-for stream in stdout stderr; do
-  if [ -e $stream ]; then expect $stream $stream; else expect $stream "$out/empty"; fi
-done
-if [ -e status ]; then expect status status; else expect status <(echo 0); fi
+echo 0 >"$out/zero"
+# expect NAME DEFAULT: compares with the case's file, or with the default.
+expect() {
+  local expected=$2
+  [ ! -e "$1" ] || expected=$1
+  diff -u --label "expected $1" --label "actual $1" "$expected" "$out/$1" || failed=1
+}
+expect stdout "$out/empty"
+expect stderr "$out/empty"
+expect status "$out/zero"
 exit $failed

@@ -10,8 +10,10 @@ namespace {
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 
-bool read_name(KZCITnsParseParams &params) {
-  return KZCITnsParse(&params, TNS_KEY) == 0 && KZCITnsParse(&params, TNS_EQUAL_SIGN) == 0;
+bool read_name(KZCITnsParseParams &params, std::string &name) {
+  if (KZCITnsParse(&params, TNS_KEY) != 0) return false;
+  name.assign(params.tns_key, params.tns_key_len);
+  return KZCITnsParse(&params, TNS_EQUAL_SIGN) == 0;
 }
 
 // Passes over the entry's body. An entry that ends every lookup is passed over
@@ -40,14 +42,13 @@ std::string for_each_entry(const std::string &path,
 
   std::string name;
   std::optional<std::string> barrier;
-  for (bool more = true; more && read_name(params);) {
-    name.assign(params.tns_key, params.tns_key_len);
+  for (bool more = true; more && read_name(params, name);) {
     visit({name, barrier});
     bool ends_lookups = false;
     more = pass_body(params, ends_lookups);
     if (ends_lookups && !barrier) barrier = name;
   }
-  return {params.tns_key, params.tns_key_len};
+  return name;
 }
 
 }  // namespace kztns
