@@ -1,20 +1,35 @@
 // The key words and their identifiers.
-#include <strings.h>
-
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string_view>
 
 #include "kzoci/oci_tnsname.h"
 #include "log.h"
 #include "status.h"
+#include "word_of_memory.h"
 
 using namespace kzoci::tns;
 
 namespace {
 
+constexpr ub4 longest_key_word = 20;
+
+// A text of up to 24 characters, eight a word, zeros behind it.
+using TextWords = std::array<std::uint64_t, 3>;
+static_assert(longest_key_word <= sizeof(TextWords));
+
+constexpr TextWords words_of(std::string_view text) {
+  TextWords words{};
+  for (std::size_t i = 0; i < text.size(); ++i)
+    words[i / 8] |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * (i % 8));
+  return words;
+}
+
 struct KeyWord {
   std::string_view text;
   KZCILBKeyType type;
+  TextWords words = words_of(text);
 };
 
 // In the order of their lengths.
@@ -59,8 +74,6 @@ constexpr KeyWord tns_keys[] = {
     {"SLOWSQL_FLUSH_SECOND", LB_SLOWSQL_FLUSH_SECOND},
 };
 
-constexpr ub4 longest_key_word = 20;
-
 constexpr bool lengths_rise_to_the_longest() {
   std::size_t last = 0;
   for (const KeyWord &word : tns_keys) {
@@ -78,20 +91,32 @@ constexpr auto tns_key_array_size = [] {
   return sizes;
 }();
 
-// First key word of each length.
+// Index of the first key word of each length.
 constexpr auto tns_key_array = [] {
-  std::array<const KeyWord *, longest_key_word + 1> rows{};
-  const KeyWord *row = tns_keys;
-  for (ub4 length = 0; length <= longest_key_word; row += tns_key_array_size[length++])
-    rows[length] = row;
+  std::array<ub4, longest_key_word + 1> rows{};
+  for (ub4 length = 1; length <= longest_key_word; ++length)
+    rows[length] = rows[length - 1] + tns_key_array_size[length - 1];
   return rows;
 }();
 
+// The key in capitals. tns_key has room for more than the longest key word, so
+// that whole words can be loaded; what older keys left behind this one is not
+// taken.
+TextWords capitals_of(const char *key, ub4 length) {
+  TextWords words{};
+  for (std::size_t at = 0; at < length; at += 8) {
+    const auto count = static_cast<unsigned>(std::min<std::size_t>(length - at, 8));
+    words[at / 8] = to_upper(blend(load_word(key + at), 0, count));
+  }
+  return words;
+}
+
 // A lookup compares only against the words of the key's own length.
 KZCILBKeyType key_type_of(const char *key, ub4 length) {
-  const KeyWord *const row = tns_key_array[length];
-  for (ub4 i = 0; i < tns_key_array_size[length]; ++i)
-    if (strncasecmp(key, row[i].text.data(), length) == 0) return row[i].type;
+  const TextWords words = capitals_of(key, length);
+  const ub4 first = tns_key_array[length];
+  for (ub4 i = first; i < first + tns_key_array_size[length]; ++i)
+    if (words == tns_keys[i].words) return tns_keys[i].type;
   return LB_ERROR_KEY;
 }
 

@@ -22,6 +22,10 @@ constexpr char descriptor_prefix[] = "(DESCRIPTION=";
 constexpr std::size_t descriptor_prefix_length = sizeof descriptor_prefix - 1;
 
 constexpr std::size_t max_file_name = 256;
+// Large enough to make system calls rare, small enough for the stack and for a
+// lookup that ends at the first entry.
+constexpr std::size_t stream_buffer_size = 16384;
+
 using FileName = char[max_file_name + 1];  // always terminated
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -123,6 +127,7 @@ sword scan_entries(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &s
 }
 
 sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
+  char stream_buffer[stream_buffer_size];
   KZCITnsParseParams params;
   std::memset(&params, 0, sizeof params);
   params.mode = TNS_MODE_FILE;
@@ -133,6 +138,9 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
     KZ_LOG_DEBUG("fail to call KZCITnsBuildGetFile, status:%d", status);
     return success;
   }
+  // The stream reads in larger pieces than it would by itself; where it does not
+  // take the buffer, it reads as it does.
+  std::setvbuf(params.tns_file, stream_buffer, _IOFBF, sizeof stream_buffer);
   status = scan_entries(tns, &params, sought, find);
   if (status == no_data) {
     KZ_LOG_DEBUG("fail to find tns service, dbname:%.*s", sought.text_precision(), sought.text);

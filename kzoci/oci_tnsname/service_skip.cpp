@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "balance.h"
 #include "log.h"
 #include "reserved_entry.h"
 #include "status.h"
@@ -19,14 +20,11 @@ bool ends_scan(const KZCITnsParseParams &params) {
 }
 
 // Consumes characters until the depth is 0 (true) or the buffer's end (false).
-// The count is raw: comments and quotes are not known here.
 bool pass_balanced(KZCITnsParseParams &params, sb8 &depth) {
-  while (params.buffer_pos < params.buffer_len) {
-    const char c = params.tns_buffer[params.buffer_pos++];
-    if (c == '(') ++depth;
-    if (c == ')' && --depth == 0) return true;
-  }
-  return false;
+  const char *const end = params.tns_buffer + params.buffer_len;
+  const char *const closing = find_close(params.tns_buffer + params.buffer_pos, end, depth);
+  params.buffer_pos = static_cast<ub4>((closing != nullptr ? closing : end) - params.tns_buffer);
+  return closing != nullptr;
 }
 
 }  // namespace

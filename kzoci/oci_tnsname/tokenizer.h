@@ -2,11 +2,17 @@
 #pragma once
 
 #include "kzoci/oci_tnsname.h"
+#include "status.h"
 
 namespace kzoci::tns {
 
-// Makes sure that a character is at hand. At the end of the input it logs so
-// and returns no_data; on any other failure it logs failure_text.
-sword need_character(KZCITnsParseParams *params, const char *failure_text);
+// Reads more input. At its end it logs so and returns no_data; on any other
+// failure it logs failure_text.
+sword refill(KZCITnsParseParams *params, const char *failure_text);
+
+// Makes sure that a character is at hand.
+inline sword need_character(KZCITnsParseParams *params, const char *failure_text) {
+  return params->buffer_pos < params->buffer_len ? success : refill(params, failure_text);
+}
 
 }  // namespace kzoci::tns

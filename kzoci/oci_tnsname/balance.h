@@ -1,0 +1,93 @@
+// Finding where a parenthesis is closed, many characters at a time: what a lookup
+// spends its time on. The count is raw: comments and quotes are not known here.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+#include "kzoci/platform/types.h"
+#include "word_of_memory.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace kzoci::tns {
+
+// All three: the character behind the ")" that takes the depth, which is above 0,
+// to 0; null when the range ends first, and depth is what it is there.
+
+inline const char *close_bytewise(const char *at, const char *end, sb8 &depth) {
+  for (; at != end; ++at) {
+    if (*at == '(') ++depth;
+    if (*at == ')' && --depth == 0) return at + 1;
+  }
+  return nullptr;
+}
+
+// Eight characters as a 64-bit word, the first one in the lowest byte.
+//
+// "(" and ")" differ in their lowest bit only, so that one comparison finds both.
+// With 1 in the byte of each ")", multiplying by 0x0101... leaves in each byte the
+// number of ")" up to it: sums of at most 8, which never carry into the next
+// byte. The same for "(". The depth behind byte i is depth + opened[i] - closed[i],
+// so it is 0 first where closed[i] == depth + opened[i] first, which can only be
+// when the word has at least depth ")".
+inline const char *close_by_words(const char *at, const char *end, sb8 &depth) {
+  for (; end - at >= 8; at += 8) {
+    const std::uint64_t word = load_word(at);
+    const std::uint64_t found = zero_bytes((word ^ each('(')) & each(0xFE));
+    const std::uint64_t closed = (found & word) * each(1);
+    const std::uint64_t opened = (found & ~word) * each(1);
+    const auto closed_in_all = static_cast<sb8>(closed >> 56);
+    if (depth <= closed_in_all) {
+      const std::uint64_t ends =
+          zero_bytes(closed ^ (opened + each(static_cast<std::uint64_t>(depth))));
+      if (ends != 0) return at + std::countr_zero(ends) / 8 + 1;
+    }
+    depth += static_cast<sb8>(opened >> 56) - closed_in_all;
+  }
+  return close_bytewise(at, end, depth);
+}
+
+#if defined(__SSE2__)
+// Thirty-two characters at a time. Each "(" becomes the byte 0x40 and each ")" the
+// byte 0x41, so that one sum of all bytes holds 64 times their number plus the
+// number of ")". As above, the end can only be here when there are at least depth
+// ")"; then the words look for it.
+inline const char *close_by_vectors(const char *at, const char *end, sb8 &depth) {
+  constexpr int width = 32;
+  const __m128i both = _mm_set1_epi8('(');
+  const __m128i but_lowest_bit = _mm_set1_epi8(static_cast<char>(0xFE));
+  const __m128i weight = _mm_set1_epi8(0x40 - '(');
+  const auto weigh = [&](const char *sixteen) {
+    const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i *>(sixteen));
+    const __m128i found = _mm_cmpeq_epi8(_mm_and_si128(characters, but_lowest_bit), both);
+    return _mm_and_si128(found, _mm_add_epi8(characters, weight));
+  };
+  for (; end - at >= width; at += width) {
+    const __m128i weights = _mm_add_epi8(weigh(at), weigh(at + 16));
+    const __m128i sums = _mm_sad_epu8(weights, _mm_setzero_si128());
+    const auto sum = static_cast<unsigned>(
+        _mm_cvtsi128_si32(_mm_add_epi32(sums, _mm_unpackhi_epi64(sums, sums))));
+    const sb8 closed = sum % 64;
+    if (depth <= closed) {
+      const char *const closing = close_by_words(at, at + width, depth);
+      if (closing != nullptr) return closing;
+      continue;
+    }
+    depth += static_cast<sb8>(sum / 64) - 2 * closed;
+  }
+  return close_by_words(at, end, depth);
+}
+#endif
+
+inline const char *find_close(const char *at, const char *end, sb8 &depth) {
+#if defined(__SSE2__)
+  return close_by_vectors(at, end, depth);
+#else
+  return close_by_words(at, end, depth);
+#endif
+}
+
+}  // namespace kzoci::tns
