@@ -5,7 +5,7 @@
 # A build with KZOCI_INSTRUMENTED set also needs its instrumentation's runtime.
 set -euo pipefail
 platform='kzoci_log_inner|kzci_malloc|kzci_free|my_strtoll10'
-libc='(__)?(f?open|f?close|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str[a-z]+|mem[a-z]+|stdout)(64)?(_chk)?'
+libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy|ncasecmp)|mem(cmp|cpy|move|set)|stdout)(64)?'
 compiler='__stack_chk_fail|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0'
 instrumentation='__(asan|ubsan|tsan|gcov|sanitizer)_[a-z0-9_]*'
 allowed="$platform|$libc|$compiler"
