@@ -1,5 +1,4 @@
 // The key words and their identifiers.
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -104,11 +103,17 @@ constexpr auto tns_key_array = [] {
 // taken.
 TextWords capitals_of(const char *key, ub4 length) {
   TextWords words{};
-  for (std::size_t at = 0; at < length; at += 8) {
-    const auto count = static_cast<unsigned>(std::min<std::size_t>(length - at, 8));
-    words[at / 8] = to_upper(blend(load_word(key + at), 0, count));
+  ub4 at = 0;
+  for (std::uint64_t &word : words) {
+    if (at >= length) break;
+    word = to_upper(blend(load_word(key + at), 0, length - at));
+    at += 8;
   }
   return words;
+}
+
+bool are_equal(const TextWords &left, const TextWords &right) {
+  return ((left[0] ^ right[0]) | (left[1] ^ right[1]) | (left[2] ^ right[2])) == 0;
 }
 
 // A lookup compares only against the words of the key's own length.
@@ -116,7 +121,7 @@ KZCILBKeyType key_type_of(const char *key, ub4 length) {
   const TextWords words = capitals_of(key, length);
   const ub4 first = tns_key_array[length];
   for (ub4 i = first; i < first + tns_key_array_size[length]; ++i)
-    if (words == tns_keys[i].words) return tns_keys[i].type;
+    if (are_equal(words, tns_keys[i].words)) return tns_keys[i].type;
   return LB_ERROR_KEY;
 }
 

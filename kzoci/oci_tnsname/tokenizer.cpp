@@ -177,24 +177,44 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
   return success;
 }
 
-sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type) {
-  if (parse_params == nullptr) return invalid_handle;
-  sword status = stands_at_token(*parse_params) ? success : KZCITnsParseBlank(parse_params);
-  if (status != success) {
-    KZ_LOG_WARN("fail to call parse blank, status:%d", status);
-    return status;
-  }
-  const KZCITnsTokenType type = token_class(parse_params->tns_buffer[parse_params->buffer_pos]);
-  if (type != expect_type) {
-    KZ_LOG_WARN("expect token type is %d, but get %d", expect_type, type);
-    return failure;
-  }
-  parse_params->tns_token_type = type;
-  if (type != TNS_KEY) {
-    ++parse_params->buffer_pos;
-    return success;
-  }
-  status = KZCITnsParseKey(parse_params);
+namespace {
+
+// What a parenthesis or an equal sign does not need stands in functions of its
+// own: most tokens are such, and the way to them stays short.
+
+[[gnu::noinline]] sword refuse_token(KZCITnsTokenType expect_type, KZCITnsTokenType type) {
+  KZ_LOG_WARN("expect token type is %d, but get %d", expect_type, type);
+  return failure;
+}
+
+[[gnu::noinline]] sword take_key(KZCITnsParseParams *params) {
+  const sword status = KZCITnsParseKey(params);
   if (status != success) KZ_LOG_ERROR("fail to call parse key, status:%d", status);
   return status;
+}
+
+// Consumes the token at buffer_pos if it has the expected type.
+inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
+  const KZCITnsTokenType type = token_class(params->tns_buffer[params->buffer_pos]);
+  if (type != expect_type) return refuse_token(expect_type, type);
+  params->tns_token_type = type;
+  if (type == TNS_KEY) return take_key(params);
+  ++params->buffer_pos;
+  return success;
+}
+
+[[gnu::noinline]] sword take_token_behind_blanks(KZCITnsParseParams *params,
+                                                 KZCITnsTokenType expect_type) {
+  const sword status = KZCITnsParseBlank(params);
+  if (status == success) return take_token(params, expect_type);
+  KZ_LOG_WARN("fail to call parse blank, status:%d", status);
+  return status;
+}
+
+}  // namespace
+
+sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type) {
+  if (parse_params == nullptr) return invalid_handle;
+  return stands_at_token(*parse_params) ? take_token(parse_params, expect_type)
+                                        : take_token_behind_blanks(parse_params, expect_type);
 }

@@ -22,7 +22,7 @@ inline void store_word(char *to, std::uint64_t word) {
   std::memcpy(to, &word, sizeof word);
 }
 
-// The first count characters of one word, at most eight, the others of another.
+// The first count characters of one word, the others of another.
 constexpr std::uint64_t blend(std::uint64_t first, std::uint64_t others, unsigned count) {
   const std::uint64_t behind = count < 8 ? ~std::uint64_t{0} << (8 * count) : 0;
   return (first & ~behind) | (others & behind);
