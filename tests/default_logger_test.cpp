@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
-#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -19,56 +18,57 @@
 #include <thread>
 
 #include <regex.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
-#include "logger_support.h"
+#include "support/logger_support.h"
 
-// The array allocations of the program, which a test can make fail. GCC takes
-// the pairs of malloc and free for mismatched ones where it inlines them.
+// The array allocations of the program, which a test can make fail. They are not
+// inlined, for the compiler to see the pairs of new and delete as such.
+#define KZOCI_TEST_ALLOCATION __attribute__((noinline))
+
 namespace {
 thread_local bool out_of_memory = false;
 }
-void *operator new[](std::size_t size) {
+
+KZOCI_TEST_ALLOCATION void *operator new[](std::size_t size) {
   void *const block = std::malloc(size);
   if (block == nullptr) std::abort();
   return block;
 }
-void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+KZOCI_TEST_ALLOCATION void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
   return out_of_memory ? nullptr : std::malloc(size);
 }
-void operator delete[](void *block) noexcept { std::free(block); }
-void operator delete[](void *block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void *block, const std::nothrow_t &) noexcept { std::free(block); }
+KZOCI_TEST_ALLOCATION void operator delete[](void *block) noexcept { std::free(block); }
+KZOCI_TEST_ALLOCATION void operator delete[](void *block, std::size_t) noexcept {
+  std::free(block);
+}
+KZOCI_TEST_ALLOCATION void operator delete[](void *block, const std::nothrow_t &) noexcept {
+  std::free(block);
+}
 
 namespace {
 
 using logger_support::begins_with_time;
 using logger_support::error_line;
+using logger_support::Interruptions;
+using logger_support::LevelName;
+using logger_support::levels;
 using logger_support::Lines;
 using logger_support::lines_of;
 using logger_support::lines_of_threads;
+using logger_support::lines_without_times;
 using logger_support::log_error;
 using logger_support::log_from_threads;
 using logger_support::log_text;
 using logger_support::logged_by;
 using logger_support::LoggerTest;
 using logger_support::RecordingSink;
+using logger_support::SlowReader;
 using logger_support::standard_error_of;
 using logger_support::time_pattern;
 using logger_support::without_time;
-
-struct LevelName {
-  log_level level;
-  const char *name;
-};
-
-constexpr LevelName levels[] = {{LOG_LEVEL_TRACE, "TRACE"},    {LOG_LEVEL_DEBUG, "DEBUG"},
-                                {LOG_LEVEL_INFO, "INFO"},      {LOG_LEVEL_WARN, "WARN"},
-                                {LOG_LEVEL_ERROR, "ERROR"},    {LOG_LEVEL_FATAL, "FATAL"},
-                                {LOG_LEVEL_SLOWSQL, "SLOWSQL"}};
 
 // Below the line "TIME ERROR a.cpp:1 text" this many characters are not text.
 constexpr std::size_t head_length =
@@ -319,91 +319,24 @@ TEST_F(LogLine, KeepsTheOrderOfEachThread) {
   }
 }
 
-// A signal every millisecond, whose handler leaves system calls interrupted.
-class Interruptions {
- public:
-  Interruptions() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGALRM, &action, &saved_);
-    const itimerval every_millisecond = {{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &every_millisecond, nullptr);
-  }
-  ~Interruptions() {
-    const itimerval never = {{0, 0}, {0, 0}};
-    setitimer(ITIMER_REAL, &never, nullptr);
-    sigaction(SIGALRM, &saved_, nullptr);
-  }
-  Interruptions(const Interruptions &) = delete;
-  Interruptions &operator=(const Interruptions &) = delete;
-
- private:
-  struct sigaction saved_ = {};
-};
-
-// Standard error is a pipe that is read slowly, by a thread that no signal
-// disturbs.
-class SlowStandardError {
- public:
-  SlowStandardError() : saved_(dup(STDERR_FILENO)) {
-    int ends[2] = {-1, -1};
-    if (pipe(ends) != 0) return;
-    read_end_ = ends[0];
-    dup2(ends[1], STDERR_FILENO);
-    close(ends[1]);
-    sigset_t alarm;
-    sigemptyset(&alarm);
-    sigaddset(&alarm, SIGALRM);
-    pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
-    reader_ = std::thread([this] { read_all(); });
-    pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
-  }
-  ~SlowStandardError() { end(); }
-  SlowStandardError(const SlowStandardError &) = delete;
-  SlowStandardError &operator=(const SlowStandardError &) = delete;
-
-  std::string text() {
-    end();
-    return text_;
-  }
-
- private:
-  void read_all() {
-    char piece[65536];
-    ssize_t length = 0;
-    do {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-      length = read(read_end_, piece, sizeof piece);
-      if (length > 0) text_.append(piece, static_cast<std::size_t>(length));
-    } while (length > 0);
-  }
-
-  void end() {
-    if (saved_ == -1) return;
-    std::clearerr(stderr);
-    dup2(saved_, STDERR_FILENO);
-    close(saved_);
-    saved_ = -1;
-    reader_.join();
-    close(read_end_);
-  }
-
-  int saved_;
-  int read_end_ = -1;
-  std::string text_;
-  std::thread reader_;
-};
-
 // A profiler's timer must not cut a line that a slow reader holds up.
 TEST_F(LogLine, IsWholeWhenSignalsInterruptTheWriting) {
   const std::string text = text_of_length(3000000);
-  SlowStandardError slow;
+  int ends[2] = {-1, -1};
+  ASSERT_EQ(pipe(ends), 0);
+  SlowReader reader(ends[0]);
   {
+    const int standard_error = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[1]);
     const Interruptions interruptions;
     log_error(text);
     log_error("next");
+    dup2(standard_error, STDERR_FILENO);
+    close(standard_error);
   }
-  const Lines lines = logger_support::lines_without_times(slow.text());
+  std::clearerr(stderr);
+  const Lines lines = lines_without_times(reader.text());
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_TRUE(lines[0] == error_line(text)) << lines[0].size() << " characters";
   EXPECT_EQ(lines[1], error_line("next"));

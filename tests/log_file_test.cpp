@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -23,17 +24,19 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
-#include "logger_support.h"
+#include "support/logger_support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 using logger_support::error_line;
+using logger_support::Interruptions;
+using logger_support::LevelName;
+using logger_support::levels;
 using logger_support::Lines;
 using logger_support::lines_of_threads;
 using logger_support::lines_without_times;
@@ -43,6 +46,7 @@ using logger_support::log_text;
 using logger_support::logged_by;
 using logger_support::LoggerTest;
 using logger_support::RecordingSink;
+using logger_support::SlowReader;
 using logger_support::standard_error_of;
 using logger_support::time_pattern;
 
@@ -156,16 +160,6 @@ class LogRotation : public LogFileTest {};
 class LogFileGivenUp : public LogFileTest {};
 class LogFileThreads : public LogFileTest {};
 
-struct LevelName {
-  log_level level;
-  const char *name;
-};
-
-constexpr LevelName levels[] = {
-    {LOG_LEVEL_TRACE, "TRACE"}, {LOG_LEVEL_DEBUG, "DEBUG"}, {LOG_LEVEL_INFO, "INFO"},
-    {LOG_LEVEL_WARN, "WARN"},   {LOG_LEVEL_ERROR, "ERROR"}, {LOG_LEVEL_FATAL, "FATAL"},
-    {LOG_LEVEL_SLOWSQL, "SLOWSQL"}};
-
 // The name as it is, in small letters, and in both by turns.
 std::vector<std::string> spellings(const std::string &name) {
   std::string small = name;
@@ -190,9 +184,8 @@ TEST_F(LogSettings, LevelNamesAreTakenInAnyLetterCase) {
 TEST_F(LogSettings, ThresholdIsInForce) {
   ASSERT_EQ(configure("info", path_), 0);
   for (const LevelName &level : levels) log_text(level.level, "text");
-  EXPECT_EQ(lines_in(path_),
-            (Lines{"INFO a.cpp:1 text", "WARN a.cpp:1 text", "ERROR a.cpp:1 text",
-                   "FATAL a.cpp:1 text", "SLOWSQL a.cpp:1 text"}));
+  EXPECT_EQ(lines_in(path_), (Lines{"INFO a.cpp:1 text", "WARN a.cpp:1 text", "ERROR a.cpp:1 text",
+                                    "FATAL a.cpp:1 text", "SLOWSQL a.cpp:1 text"}));
 }
 
 TEST_F(LogSettings, SlowStatementsAreWrittenWhateverTheLevel) {
@@ -203,10 +196,30 @@ TEST_F(LogSettings, SlowStatementsAreWrittenWhateverTheLevel) {
 }
 
 std::vector<std::string> unknown_levels() {
-  return {"WAR",   "W",      "ERR",     "SLOW",   "SLOWSQ",       "SLOW SQL",
-          "TRAC",  "WARNI",  "WARNING", "ERRORS", "SLOWSQLS",     " WARN",
-          "WARN ", "WA\nRN", "?",       "OFF",    "4",            "\xc3\x8eNFO",
-          "-",     "WARN,",  "#WARN",   " ",      "WARNWARNWARN", std::string("WARN\0", 5)};
+  return {"WAR",
+          "W",
+          "ERR",
+          "SLOW",
+          "SLOWSQ",
+          "SLOW SQL",
+          "TRAC",
+          "WARNI",
+          "WARNING",
+          "ERRORS",
+          "SLOWSQLS",
+          " WARN",
+          "WARN ",
+          "WA\nRN",
+          "?",
+          "OFF",
+          "4",
+          "\xc3\x8eNFO",
+          "-",
+          "WARN,",
+          "#WARN",
+          " ",
+          "WARNWARNWARN",
+          std::string("WARN\0", 5)};
 }
 
 TEST_F(LogSettings, UnknownLevelChangesNothing) {
@@ -490,8 +503,8 @@ TEST_F(LogRotation, CountsWhatTheFileHoldsAlready) {
     const Lines old_line = {std::string(held - 1, 'o')};
     const Lines new_line = {line_of('a', 60)};
     const Lines both = {old_line[0], new_line[0]};
-    EXPECT_EQ(files(), held <= 140 ? std::vector<Lines>{both}
-                                   : (std::vector<Lines>{new_line, old_line}));
+    EXPECT_EQ(files(),
+              held <= 140 ? std::vector<Lines>{both} : (std::vector<Lines>{new_line, old_line}));
   }
 }
 
@@ -565,8 +578,8 @@ TEST_F(LogRotation, TakesTheLargestLimit) {
   ASSERT_EQ(configure("", path_, std::numeric_limits<sb8>::max(), 3), 0);
   log_line_of('a', 60);
   log_line_of('b', 60);
-  EXPECT_EQ(files(), std::vector<Lines>{
-                         (Lines{"what was there", line_of('a', 60), line_of('b', 60)})});
+  EXPECT_EQ(files(),
+            std::vector<Lines>{(Lines{"what was there", line_of('a', 60), line_of('b', 60)})});
 }
 
 TEST_F(LogRotation, GivesALineOverTheLimitAFileOfItsOwn) {
@@ -604,8 +617,8 @@ TEST_F(LogRotation, MovesTheFilesOfAFormerRun) {
   write_file(numbered(path_, 2), "two\n");
   ASSERT_EQ(configure("", path_, 100, 4), 0);
   log_line_of('a', 60);
-  EXPECT_EQ(files(), (std::vector<Lines>{
-                         {line_of('a', 60)}, {std::string(79, '0')}, {"one"}, {"two"}}));
+  EXPECT_EQ(files(),
+            (std::vector<Lines>{{line_of('a', 60)}, {std::string(79, '0')}, {"one"}, {"two"}}));
   log_line_of('b', 60);
   EXPECT_EQ(files(), (std::vector<Lines>{
                          {line_of('b', 60)}, {line_of('a', 60)}, {std::string(79, '0')}, {"one"}}));
@@ -723,8 +736,7 @@ TEST_F(LogFileGivenUp, WhenTheDeviceIsFull) {
     log_text(LOG_LEVEL_INFO, "third");
     log_text(LOG_LEVEL_DEBUG, "dropped");
   });
-  EXPECT_EQ(written,
-            (Lines{error_line("first"), error_line(long_text), "INFO a.cpp:1 third"}));
+  EXPECT_EQ(written, (Lines{error_line("first"), error_line(long_text), "INFO a.cpp:1 third"}));
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
   EXPECT_FALSE(fs::exists("/dev/full.1"));
 }
@@ -826,24 +838,162 @@ TEST_F(LogFileGivenUp, LosesNothingToAFolderThatMoves) {
   EXPECT_EQ(lines, expected);
 }
 
-// A signal every millisecond, whose handler leaves system calls interrupted.
-class Interruptions {
- public:
-  Interruptions() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGALRM, &action, &saved_);
-    const itimerval every_millisecond = {{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &every_millisecond, nullptr);
-  }
-  ~Interruptions() {
-    const itimerval never = {{0, 0}, {0, 0}};
-    setitimer(ITIMER_REAL, &never, nullptr);
-    sigaction(SIGALRM, &saved_, nullptr);
-  }
-  Interruptions(const Interruptions &) = delete;
-  Interruptions &operator=(const Interruptions &) = delete;
+// A log file may be a pipe, which takes a long line in pieces.
+TEST_F(LogFile, HasWholeLinesWhenSignalsInterruptTheWriting) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  const int read_end = open(path_.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_NE(read_end, -1);
+  ASSERT_EQ(configure("", path_), 0);
+  ASSERT_EQ(fcntl(read_end, F_SETFL, 0), 0);
+  const std::string text(3000000, 'x');
+  SlowReader reader(read_end);
+  const std::string on_standard_error = standard_error_of([&text] {
+    const Interruptions interruptions;
+    log_error(text);
+    log_error("next");
+  });
+  ASSERT_EQ(configure("", ""), 0);
+  EXPECT_TRUE(on_standard_error.empty());
+  const Lines lines = lines_without_times(reader.text());
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_TRUE(lines[0] == error_line(text)) << lines[0].size() << " characters";
+  EXPECT_EQ(lines[1], error_line("next"));
+}
 
- private:
-  struct sigaction saved_ = {};
-};
+constexpr int threads = 4;
+constexpr int records_per_thread = 200;
+
+// Every record of every thread is there exactly once, in whatever order.
+void expect_all_records(Lines lines) {
+  Lines expected = lines_of_threads(threads, records_per_thread);
+  std::sort(lines.begin(), lines.end());
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(lines, expected);
+}
+
+// Does something again and again while threads log, at least a few times.
+template <class Action>
+void repeat_while_threads_log(Action action) {
+  std::atomic<bool> done = false;
+  std::thread logging([&done] {
+    log_from_threads(threads, records_per_thread);
+    done = true;
+  });
+  for (std::size_t i = 0; i < 10 || !done; ++i) {
+    action(i);
+    std::this_thread::yield();
+  }
+  logging.join();
+}
+
+TEST_F(LogFileThreads, WriteWholeLines) {
+  ASSERT_EQ(configure("", path_), 0);
+  EXPECT_EQ(standard_error_of([] { log_from_threads(threads, records_per_thread); }), "");
+  expect_all_records(lines_in(path_));
+}
+
+TEST_F(LogFileThreads, LoseNothingToRotations) {
+  constexpr sb8 limit = 500;
+  ASSERT_EQ(configure("", path_, limit, largest_count), 0);
+  EXPECT_EQ(standard_error_of([] { log_from_threads(threads, records_per_thread); }), "");
+  expect_all_records(lines_of_files());
+  // All 800 lines together take more than 50 files.
+  ASSERT_GT(entries_in_folder(), 50u);
+  for (std::size_t number = 0; number < entries_in_folder(); ++number)
+    EXPECT_LE(fs::file_size(numbered(path_, number)), std::uintmax_t{limit}) << number;
+}
+
+// What is kept of each thread are its last records, in their order.
+TEST_F(LogFileThreads, KeepTheNewestRecords) {
+  ASSERT_EQ(configure("", path_, 500, 3), 0);
+  EXPECT_EQ(standard_error_of([] { log_from_threads(threads, records_per_thread); }), "");
+  EXPECT_EQ(entries_in_folder(), 3u);
+  const Lines kept = lines_of_files();
+  EXPECT_FALSE(kept.empty());
+  std::size_t kept_of_threads = 0;
+  for (int thread = 0; thread < threads; ++thread) {
+    const std::string mark = "thread " + std::to_string(thread) + " ";
+    Lines of_thread;
+    for (const std::string &line : kept)
+      if (line.find(mark) != std::string::npos) of_thread.push_back(line);
+    const int first = records_per_thread - static_cast<int>(of_thread.size());
+    Lines last_of_thread;
+    for (int record = first; record < records_per_thread; ++record)
+      last_of_thread.push_back(error_line(logger_support::thread_text(thread, record)));
+    EXPECT_EQ(of_thread, last_of_thread);
+    kept_of_threads += of_thread.size();
+  }
+  EXPECT_EQ(kept_of_threads, kept.size());
+}
+
+TEST_F(LogFileThreads, LoseNothingWhenTheFileIsGivenUp) {
+  fs::create_directories(numbered(path_, 2) + "/not empty");
+  ASSERT_EQ(configure("", path_, 2000, 3), 0);
+  Lines lines = logged_by([] { log_from_threads(threads, records_per_thread); });
+  EXPECT_FALSE(lines.empty());
+  for (const std::string &path : {path_, numbered(path_, 1)})
+    for (const std::string &line : lines_in(path)) lines.push_back(line);
+  expect_all_records(lines);
+}
+
+TEST_F(LogFileThreads, LoseNothingToAFullDevice) {
+  ASSERT_EQ(configure("", "/dev/full"), 0);
+  expect_all_records(logged_by([] { log_from_threads(threads, records_per_thread); }));
+}
+
+TEST_F(LogFileThreads, LoseNothingToNewSettings) {
+  const std::string other = folder_ + "/other.log";
+  struct Row {
+    const char *level;
+    std::string path;
+    sb8 file_size;
+    sword expected;
+  };
+  const Row rows[] = {{"info", path_, 500, 0},
+                      {"", other, 0, 0},
+                      {"unknown", path_, 0, level_not_known},
+                      {"error", folder_, 0, file_not_opened},
+                      {"", "", 0, 0}};
+  Lines lines = logged_by([&rows] {
+    repeat_while_threads_log([&rows](std::size_t i) {
+      const Row &row = rows[i % std::size(rows)];
+      EXPECT_EQ(configure(row.level, row.path, row.file_size, largest_count), row.expected);
+    });
+  });
+  for (const std::string &line : lines_of_files()) lines.push_back(line);
+  if (fs::exists(other))
+    for (const std::string &line : lines_in(other)) lines.push_back(line);
+  expect_all_records(lines);
+}
+
+TEST_F(LogFileThreads, LoseNothingToNewSettingsAndSinks) {
+  RecordingSink sink;
+  Lines lines = logged_by([&] {
+    repeat_while_threads_log([&](std::size_t i) {
+      EXPECT_EQ(configure("", i % 3 == 0 ? "" : path_, 500, largest_count), 0);
+      kzoci_log_set_sink(i % 2 == 0 ? RecordingSink::take : nullptr, &sink);
+    });
+    kzoci_log_set_sink(nullptr, nullptr);
+  });
+  for (const std::string &line : lines_of_files()) lines.push_back(line);
+  for (const std::string &text : sink.texts()) lines.push_back(error_line(text));
+  expect_all_records(lines);
+}
+
+TEST_F(LogFileThreads, MayAllSetTheLog) {
+  const Lines on_standard_error = logged_by([this] {
+    logger_support::in_threads(threads, [this](int thread) {
+      for (int record = 0; record < records_per_thread; ++record) {
+        const std::string path = record % 2 == 0 ? path_ : folder_ + "/other.log";
+        EXPECT_EQ(configure("error", path), 0);
+        log_error(logger_support::thread_text(thread, record));
+      }
+    });
+  });
+  EXPECT_EQ(on_standard_error, Lines{});
+  Lines lines = lines_in(path_);
+  for (const std::string &line : lines_in(folder_ + "/other.log")) lines.push_back(line);
+  expect_all_records(lines);
+}
+
+}  // namespace

@@ -97,7 +97,9 @@ Layout format_line(char *buffer, std::size_t size, const Origin &origin, const c
 
 void write_line(Logger &log, const char *line, std::size_t length) {
   if (log.file.is_open() && log.file.write(line, length)) return;
-  std::fwrite(line, 1, length, stderr);
+  // Not through the stream: it would lose the rest of a line that a signal
+  // interrupts, and all of it where the program writes wide text.
+  kzoci::platform::write_whole(STDERR_FILENO, line, length);
 }
 
 // The line feed takes the place of the terminator only where a line is written:
@@ -143,6 +145,7 @@ void kzoci_log_inner(log_level level, const char *file, int line, const char *fo
     // Without memory the beginning of a long record is all there can be.
     layout.text_at = std::min(layout.text_at, sizeof short_line - 2);
     layout.text_length = sizeof short_line - 2 - layout.text_at;
+    short_line[sizeof short_line - 2] = '\0';
     deliver(origin, short_line, layout);
   }
   errno = kept_errno;

@@ -10,6 +10,17 @@
 
 namespace kzoci::platform {
 
+bool write_whole(int descriptor, const char *text, std::size_t length) {
+  while (length > 0) {
+    const ssize_t written = ::write(descriptor, text, length);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    text += written;
+    length -= static_cast<std::size_t>(written);
+  }
+  return true;
+}
+
 bool LogFile::open(std::string path, sb8 size_limit, ub4 count) {
   close();
   path_ = std::move(path);
@@ -45,15 +56,8 @@ bool LogFile::write(const char *line, std::size_t length) {
 }
 
 bool LogFile::append(const char *line, std::size_t length) {
-  while (length > 0) {
-    const ssize_t written = ::write(descriptor_, line, length);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    line += written;
-    length -= static_cast<std::size_t>(written);
-    size_ += written;
-  }
-  return true;
+  size_ += static_cast<sb8>(length);
+  return write_whole(descriptor_, line, length);
 }
 
 bool LogFile::rotate() {

@@ -8,6 +8,10 @@
 
 namespace kzoci::platform {
 
+// Writes a text to a file descriptor, however many calls that takes. False when a
+// call fails.
+bool write_whole(int descriptor, const char *text, std::size_t length);
+
 class LogFile {
  public:
   LogFile() = default;
