@@ -1,0 +1,65 @@
+// How the texts of words compare with the words of the grammar.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace model {
+
+inline constexpr std::string_view key_words[] = {
+    "SID",
+    "KZLB",
+    "HOST",
+    "PORT",
+    "NAME",
+    "WEIGHT",
+    "ADDRESS",
+    "TIMEOUT",
+    "KZ_MODE",
+    "PROTOCOL",
+    "DURATION",
+    "LOG_SIZE",
+    "LOG_PATH",
+    "LOG_LEVEL",
+    "LOG_COUNT",
+    "RETRYTIMES",
+    "DESCRIPTION",
+    "RETRY_TIMES",
+    "RETRY_DELAY",
+    "ADDRESS_LIST",
+    "CONNECT_DATA",
+    "SERVICE_NAME",
+    "KZLB_STRATEGY",
+    "KZLB_BLACKLIST",
+    "REMOVE_STRATEGY",
+    "APPEND_STRATEGY",
+    "USE_DEFAULT_SID",
+    "SESSION_VARIABLE",
+    "SLOWSQL_THRESHOLD",
+    "KZLB_READ_TIMEOUT",
+    "KZ_USER_EXTRA_INFO",
+    "KZLB_RETRY_TIMEOUT",
+    "KZLB_WRITE_TIMEOUT",
+    "KZLB_GROUP_STRATEGY",
+    "SLOWSQL_BUFFER_SIZE",
+    "KZLB_RETRY_ALL_DOWNS",
+    "KZLB_CONNECT_TIMEOUT",
+    "SLOWSQL_FLUSH_SECOND",
+};
+
+inline constexpr std::string_view no_key = "";
+
+// Whether a value stands for an upper-case word: a leading part in any case. A
+// zero byte right behind the whole word ends the comparison.
+bool stands_for(std::string_view value, std::string_view word);
+
+// The key word that a text is, in any case, or no_key.
+std::string_view key_of(std::string_view text);
+
+// A copy that stops at a zero byte and fills up with zero bytes.
+std::string copied_as_string(std::string_view text);
+
+// The text up to its first zero byte.
+std::string printed(std::string_view text);
+
+}  // namespace model
