@@ -695,8 +695,12 @@ TEST_F(LogSink, IsNotRunningOnceItIsReplaced) {
         seen.left = true;
       },
       &slow);
-  std::thread logging([] { log_error("text"); });
-  while (!slow.entered) std::this_thread::yield();
+  std::atomic<bool> logged = false;
+  std::thread logging([&logged] {
+    log_error("text");
+    logged = true;
+  });
+  while (!slow.entered && !logged) std::this_thread::yield();
   kzoci_log_set_sink(nullptr, nullptr);
   EXPECT_TRUE(slow.left);
   logging.join();
