@@ -42,7 +42,7 @@ need_packages() {
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake ninja-build libcli11-dev)
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev clang)
 
 # configure_and_build PRESET [CMAKE OPTION...]
