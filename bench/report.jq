@@ -1,0 +1,58 @@
+# Makes one document of rows out of Google Benchmark's, one for each program.
+#
+#   jq --slurp -f bench/report.jq kzoci_bench.json kzoci_bench_logger.json
+
+def rounded($digits): pow(10; $digits) as $unit | . * $unit | round / $unit;
+def bound: if . == null then null else rounded(3) end;
+
+# Whether the row keeps a bound; null where it has none.
+def keeps($bound):
+  if $bound == null then null
+  elif .higher_is_better then .ratio >= $bound
+  else .ratio <= $bound end;
+
+def judged: . + {meets_must: keeps(.must), meets_goal: keeps(.goal)};
+
+def row:
+  (.label | split(";")) as [$unit, $group]
+  | {
+      row: (.run_name | sub("/iterations:[0-9]+/repeats:[0-9]+$"; "")),
+      ratio: (.ratio | rounded(4)),
+      a_ns: (.a_ns | rounded(3)),
+      b_ns: (.b_ns | rounded(3)),
+      unit: $unit,
+      higher_is_better: (.higher_is_better != null),
+      must: (.must | bound),
+      goal: (.goal | bound),
+      growth: (if $group == "" then null
+               else {group: $group, size: .size, must: (.growth_must | bound)} end)
+    };
+
+# The most that a ratio goes up from one size to a larger one.
+def growth:
+  reduce .[] as $ratio ({lowest: infinite, most: 1};
+    .lowest = ([.lowest, $ratio] | min) | .most = ([.most, $ratio / .lowest] | max))
+  | .most;
+
+# One more row for each group that has a bound.
+def growth_row:
+  {
+    row: ("growth over the " + .[0].growth.group),
+    ratio: (sort_by(.growth.size) | map(.ratio) | growth | rounded(4)),
+    a_ns: null, b_ns: null, unit: null, higher_is_better: false,
+    must: .[0].growth.must, goal: null, growth: null
+  };
+
+def medians: map(.benchmarks[] | select(.aggregate_name == "median"));
+
+medians as $medians
+| ($medians | map(row)) as $rows
+| {
+    machine: (.[0].context | {processor, cpus: .num_cpus, mhz: .mhz_per_cpu, caches, compiler}),
+    mode: .[0].context.mode,
+    date: .[0].context.date,
+    repetitions: $medians[0].repetitions,
+    rows: ($rows + ($rows | map(select(.growth.must != null)) | group_by(.growth.group)
+                    | map(growth_row))
+           | map(judged))
+  }
