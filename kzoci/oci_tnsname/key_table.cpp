@@ -98,30 +98,22 @@ constexpr auto tns_key_array = [] {
   return rows;
 }();
 
-// The key in capitals. tns_key has room for more than the longest key word, so
-// that whole words can be loaded; what older keys left behind this one is not
-// taken.
-TextWords capitals_of(const char *key, ub4 length) {
-  TextWords words{};
-  ub4 at = 0;
-  for (std::uint64_t &word : words) {
-    if (at >= length) break;
-    word = to_upper(blend(load_word(key + at), 0, length - at));
-    at += 8;
-  }
-  return words;
-}
-
-bool are_equal(const TextWords &left, const TextWords &right) {
-  return ((left[0] ^ right[0]) | (left[1] ^ right[1]) | (left[2] ^ right[2])) == 0;
+// Eight characters of the key from a place on, in capitals; zeros behind its end.
+// tns_key has room for more than the longest key word, so that whole words can be
+// loaded; what older keys left behind this one is not taken.
+std::uint64_t capitals_from(const char *key, ub4 length, ub4 at) {
+  return at < length ? to_upper(blend(load_word(key + at), 0, length - at)) : 0;
 }
 
 // A lookup compares only against the words of the key's own length.
 KZCILBKeyType key_type_of(const char *key, ub4 length) {
-  const TextWords words = capitals_of(key, length);
+  const TextWords words = {capitals_from(key, length, 0), capitals_from(key, length, 8),
+                           capitals_from(key, length, 16)};
   const ub4 first = tns_key_array[length];
-  for (ub4 i = first; i < first + tns_key_array_size[length]; ++i)
-    if (are_equal(words, tns_keys[i].words)) return tns_keys[i].type;
+  for (ub4 i = first; i < first + tns_key_array_size[length]; ++i) {
+    const TextWords &word = tns_keys[i].words;
+    if (words[0] == word[0] && words[1] == word[1] && words[2] == word[2]) return tns_keys[i].type;
+  }
   return LB_ERROR_KEY;
 }
 

@@ -1,4 +1,5 @@
 // Defaults and release of the records that have children.
+#include <cstddef>
 #include <cstring>
 
 #include "children.h"
@@ -20,7 +21,8 @@ sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char 
     KZ_LOG_ERROR("tns_service is NULL");
     return failure;
   }
-  std::memset(tns_service, 0, sizeof *tns_service);
+  // The system variables, most of the record, are set to zero by their own Init.
+  std::memset(tns_service, 0, offsetof(KZCITnsService, sys_vars));
   le_init(&tns_service->le, 0);
   tns_service->net_service_name_len = name_size;
   if (name_size > 0) std::strncpy(tns_service->net_service_name, name, name_size);

@@ -5,11 +5,10 @@
 //   descriptor     := block                   and nothing but blanks behind it
 //
 // The entry's name and its "=" have been consumed by the caller.
-#include <cstring>
-
 #include "children.h"
 #include "items.h"
 #include "reserved_entry.h"
+#include "tokenizer.h"
 
 using namespace kzoci::tns;
 
@@ -154,8 +153,7 @@ sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boole
   if (dbname == nullptr || find == nullptr || tns == nullptr) return refuse_null_handle();
 
   KZCITnsParseParams params;
-  std::memset(&params, 0, sizeof params);
-  params.mode = TNS_MODE_DESCRIPTION;
+  begin_parse(&params, TNS_MODE_DESCRIPTION);
   params.description = const_cast<char *>(text);
   params.description_len = static_cast<int>(dbname_len);
 

@@ -12,7 +12,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "character_class.h"
 #include "items.h"
+#include "tokenizer.h"
 
 using namespace kzoci::tns;
 
@@ -27,8 +29,6 @@ constexpr std::size_t max_file_name = 256;
 constexpr std::size_t stream_buffer_size = 16384;
 
 using FileName = char[max_file_name + 1];  // always terminated
-
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 // The name is a zeroed FileName. A directory that leaves no room for the suffix
 // is cut like any other name; the suffix is cut to the room that is left.
@@ -129,8 +129,7 @@ sword scan_entries(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &s
 sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
   char stream_buffer[stream_buffer_size];
   KZCITnsParseParams params;
-  std::memset(&params, 0, sizeof params);
-  params.mode = TNS_MODE_FILE;
+  begin_parse(&params, TNS_MODE_FILE);
 
   *find = 0;
   sword status = KZCITnsBuildGetFile(&params);
@@ -158,7 +157,7 @@ boolean IsDescriptionTns(const char *description, ub4 description_len) {
   std::size_t count = 0;
   const sb4 length = static_cast<sb4>(description_len);
   for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
-    if (!is_blank(description[i])) collected[count++] = description[i];
+    if (!is_any_of(description[i], blank)) collected[count++] = description[i];
   return strncasecmp(collected, descriptor_prefix, descriptor_prefix_length) == 0;
 }
 

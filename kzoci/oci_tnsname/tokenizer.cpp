@@ -9,15 +9,22 @@
 // Blanks and comments may stand before every token.
 #include "tokenizer.h"
 
-#include <array>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 #include "character_class.h"
 #include "log.h"
 #include "word_of_memory.h"
 
 namespace kzoci::tns {
+
+void begin_parse(KZCITnsParseParams *params, int mode) {
+  constexpr std::size_t behind_buffer = sizeof params->tns_buffer;
+  static_assert(offsetof(KZCITnsParseParams, tns_key) == behind_buffer);
+  std::memset(params->tns_key, 0, sizeof *params - behind_buffer);
+  params->mode = mode;
+}
 
 sword refill(KZCITnsParseParams *params, const char *failure_text) {
   const sword status = KZCITnsCheckBuffer(params);
@@ -33,20 +40,6 @@ sword refill(KZCITnsParseParams *params, const char *failure_text) {
 namespace {
 
 constexpr ub4 max_key = sizeof(KZCITnsParseParams::tns_key);
-
-// Types of the tokens that begin with the characters "(" to "=".
-constexpr auto token_classes = [] {
-  std::array<KZCITnsTokenType, '=' - '(' + 1> classes{};
-  classes.fill(TNS_KEY);
-  classes['(' - '('] = TNS_LEFT_PARENTHESES;
-  classes[')' - '('] = TNS_RIGHT_PARENTHESES;
-  classes['=' - '('] = TNS_EQUAL_SIGN;
-  return classes;
-}();
-
-constexpr KZCITnsTokenType token_class(char c) {
-  return c < '(' || c > '=' ? TNS_KEY : token_classes[static_cast<std::size_t>(c - '(')];
-}
 
 // The part of the buffer that is still to be consumed. Working on local pointers
 // and storing the position once is what makes reading fast.
@@ -195,7 +188,7 @@ namespace {
 
 // Consumes the token at buffer_pos if it has the expected type.
 inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
-  const KZCITnsTokenType type = token_class(params->tns_buffer[params->buffer_pos]);
+  const KZCITnsTokenType type = token_type(params->tns_buffer[params->buffer_pos]);
   if (type != expect_type) return refuse_token(expect_type, type);
   params->tns_token_type = type;
   if (type == TNS_KEY) return take_key(params);

@@ -6,6 +6,10 @@
 
 namespace kzoci::tns {
 
+// Makes a parse state with nothing read. The buffer is filled before it is looked
+// at and need not be zero; the key must, since messages print what older keys left.
+void begin_parse(KZCITnsParseParams *params, int mode);
+
 // Reads more input. At its end it logs so and returns no_data; on any other
 // failure it logs failure_text.
 sword refill(KZCITnsParseParams *params, const char *failure_text);
