@@ -1,0 +1,32 @@
+// Names files and descriptors that between them reach every step of the readers
+// and builders, each with what comes of it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "parsing.h"
+
+namespace support {
+
+enum class Source {
+  file,         // A name, looked up in a names file.
+  literal,      // A descriptor, given to the lookup.
+  literal_only  // A descriptor that the lookup would not take for one.
+};
+
+struct Sample {
+  std::string name;
+  Source source;
+  std::string identifier;  // The name sought, in a file.
+  std::string before;      // What stands in the file in front of the entry.
+  std::string entry;       // What the builder consumes: with name and "=" in a file.
+  std::string rest;        // What the builder stops at; empty at the end.
+  Outcome outcome;
+
+  std::string text() const { return before + entry + rest; }
+};
+
+std::vector<Sample> fault_corpus();
+
+}  // namespace support
