@@ -177,7 +177,7 @@ TEST_F(NoMemory, ForTheSlowSqlBuffer) {
     EXPECT_EQ(slowsql.flush_second, 77u);
     const sword later = for_ever ? -2 : 0;
     EXPECT_EQ(KZCISlowSQLBufferInit(&slowsql, 64), later);
-    for (const std::size_t length : {40, 40, 100, 63, 1})
+    for (const std::size_t length : {40u, 40u, 100u, 63u, 1u})
       EXPECT_EQ(KZCISlowSQLWrite(&slowsql, "%s", std::string(length, 'r').c_str()), later);
     EXPECT_EQ(support::log_of(LOG_LEVEL_SLOWSQL).size(), for_ever ? 0u : 4u);
     EXPECT_EQ(KZCISlowSQLBufferClear(&slowsql), 0);

@@ -23,10 +23,10 @@ HeapText output(std::size_t size) { return HeapText(std::string(size, untouched_
 
 bool can_be_displayed(const KZCITnsService &service) {
   if (is_reserved(name_of(service))) return true;
-  const list_entry_t *entry = nullptr;
+  KZCIDescription *description = service.description;
   for (ub4 i = 0; i < service.description_count; ++i) {
-    entry = i == 0 ? &service.description->le : entry->next;
-    if (KZCI_RECORD_OF_ENTRY(const KZCIDescription, entry)->address_list == nullptr) return false;
+    if (description->address_list == nullptr) return false;
+    description = KZCIDescriptionNext(description);
   }
   return service.description_count > 0;
 }
@@ -35,6 +35,12 @@ bool can_be_displayed(const KZCITnsService &service) {
 std::string printed(const char *text, ub4 length) {
   const std::string_view whole(text, length);
   return std::string(whole.substr(0, whole.find('\0')));
+}
+
+std::string lines_of(const KZCIAddress &address) {
+  return "----------host:" + printed(address.host, address.host_len) +
+         "\n----------port:" + printed(address.port, address.port_len) +
+         "\n----------weight:" + std::to_string(address.weight) + "\n";
 }
 
 // An output holds the text as a string copy, or nothing of an empty text.
@@ -85,6 +91,28 @@ void check_link(KZCITnsService &service, const KZCIAddress *address, const KZCIC
   check(link.data() == expected.substr(0, dblink_size - 1), "link string \"%s\"", link.data());
 }
 
+// Every address is dumped, in the order in which the rings hold them.
+void check_addresses_in_order(const KZCITnsService &service, const std::string &dump) {
+  std::size_t at = 0;
+  KZCIDescription *description = service.description;
+  for (ub4 d = 0; d < service.description_count; ++d) {
+    KZCIAddressList *list = description->address_list;
+    for (ub4 l = 0; l < description->address_list_count; ++l) {
+      KZCIAddress *address = list->address;
+      for (ub4 a = 0; a < list->address_count; ++a) {
+        const std::string lines = lines_of(*address);
+        at = dump.find(lines, at);
+        check(at != std::string::npos, "address %u of list %u of description %u is not dumped", a,
+              l, d);
+        at += lines.size();
+        address = KZCIAddressNext(address);
+      }
+      list = KZCIAddressListNext(list);
+    }
+    description = KZCIDescriptionNext(description);
+  }
+}
+
 }  // namespace
 
 std::string display_of(KZCITnsService &service) {
@@ -98,6 +126,7 @@ std::string display_of(KZCITnsService &service) {
   std::free(text);
   check(status == (can_be_displayed(service) ? 0 : -1), "the dump: status %d", status);
   check_printed(out);
+  if (status == 0) check_addresses_in_order(service, out);
   return out;
 }
 

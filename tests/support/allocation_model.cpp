@@ -1,5 +1,6 @@
 #include "allocation_model.h"
 
+#include <algorithm>
 #include <cctype>
 #include <string_view>
 #include <utility>
