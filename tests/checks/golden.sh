@@ -15,8 +15,6 @@ ln -s "$@" "$out/bin/"
 
 cd "$case_dir"
 unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME KZCI_TNS_DISPLAY NO_COLOR
-# A builder that fails leaves what was attached to its record allocated.
-export ASAN_OPTIONS=detect_leaks=0
 export scratch=$out/scratch
 export examples=$PWD/../../../examples
 PATH="$out/bin:$PATH" bash ./command >"$out/stdout" 2>"$out/stderr" </dev/null

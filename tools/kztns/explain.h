@@ -2,17 +2,25 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "lookup.h"
+#include "story.h"
 
 namespace kztns {
 
-// Entries that the user may have meant: the name in another letter case, or the
-// name itself where no lookup comes. Empty, or "; there is an entry ..." for each.
-std::string near_misses(const std::string &name, const std::string &path);
+// The story of a lookup that was made; empty of a name whose file cannot be read.
+Story tell(const std::string &identifier, const Lookup &lookup);
 
-// Whether the lookup chose a file and the file can be opened.
+// The clauses about near entries, each with "; " before it.
+std::string near_clauses(const Story &story);
+
+// Whether the lookup chose a file and the file can be read.
 bool can_be_read(const Lookup &lookup);
+
+// What the outcome of a lookup is called: why there is nothing to show, without
+// the label.
+std::string describe_failure(const Lookup &lookup, const Story &story);
 
 // Tells on standard error why there is nothing to show; returns the ExitStatus
 // that goes with it.
@@ -20,5 +28,8 @@ int explain_failure(const std::string &identifier, const Lookup &lookup);
 
 // What to call the identifier in a message.
 std::string label_of(const std::string &identifier, const Lookup &lookup);
+
+// The ExitStatus that goes with an outcome.
+int status_of(Outcome outcome);
 
 }  // namespace kztns

@@ -1,6 +1,5 @@
 #include "log_watch.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
@@ -14,38 +13,51 @@ const char *level_name(log_level level) {
   return names[level - LOG_LEVEL_TRACE];
 }
 
+std::string formatted(const char *format, std::va_list arguments) {
+  std::va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, again);
+  va_end(again);
+  std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+  std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+  return text;
+}
+
 }  // namespace
 
 // The file's name comes at DEBUG, before the first entry is read. From then on
 // DEBUG records are formatted only when somebody wants to see them: a large file
 // makes millions.
-LogWatch::LogWatch(std::optional<log_level> shown) : shown_(shown) {
-  kzoci_log_set_sink(receive, this);
-  kzoci_log_set_threshold(std::min(LOG_LEVEL_DEBUG, shown.value_or(LOG_LEVEL_DEBUG)));
+bool LogWatch::is_wanted(log_level level) const {
+  return level >= LOG_LEVEL_WARN || !file_name_ || (shown_ && level >= *shown_);
 }
 
-LogWatch::~LogWatch() {
-  kzoci_log_set_sink(nullptr, nullptr);
-  kzoci_log_set_threshold(LOG_LEVEL_ERROR);
+void LogWatch::record(log_level level, const char *format, std::va_list arguments) {
+  if (!is_wanted(level)) return;
+  const std::string text = formatted(format, arguments);
+  if (shown_ && level >= *shown_) std::fprintf(stderr, "%s %s\n", level_name(level), text.c_str());
+  if (level >= LOG_LEVEL_WARN)
+    take_fault(level, text);
+  else if (!file_name_)
+    take_debug(text);
 }
 
-void LogWatch::receive(void *self, const kzoci_log_record *record) {
-  static_cast<LogWatch *>(self)->take(*record);
-}
-
-void LogWatch::take(const kzoci_log_record &record) {
-  const std::string_view text(record.text, record.text_len);
-  if (shown_ && record.level >= *shown_)
-    std::fprintf(stderr, "%s %s\n", level_name(record.level), record.text);
+void LogWatch::take_debug(const std::string &text) {
   if (text.starts_with(file_name_label)) {
     file_name_ = text.substr(file_name_label.size());
-    kzoci_log_set_threshold(std::min(LOG_LEVEL_WARN, shown_.value_or(LOG_LEVEL_WARN)));
+    return;
   }
-  if (record.level >= LOG_LEVEL_ERROR && !first_error_) first_error_ = text;
-  if (record.level == LOG_LEVEL_WARN) {
-    warning_before_ = warning_;
-    warning_ = text;
+  for (const char *const variable : {"KZCI_TNS_FILE", "TNS_ADMIN", "ORACLE_HOME"})
+    if (text.starts_with(std::string("get ") + variable + ":")) variable_ = variable;
+}
+
+void LogWatch::take_fault(log_level level, const std::string &text) {
+  if (level >= LOG_LEVEL_ERROR) {
+    if (!first_error_) first_error_ = text;
+    return;
   }
+  warning_before_ = warning_;
+  warning_ = text;
 }
 
 std::string LogWatch::fault() const {

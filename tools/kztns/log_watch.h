@@ -5,17 +5,17 @@
 #include <optional>
 #include <string>
 
-#include "kzoci/platform/default_logger.h"
+#include "platform.h"
 
 namespace kztns {
 
-class LogWatch {
+class LogWatch : private LogListener {
  public:
   // Shows records from the given level on on standard error; none when absent.
-  explicit LogWatch(std::optional<log_level> shown);
-  ~LogWatch();
-  LogWatch(const LogWatch &) = delete;
-  LogWatch &operator=(const LogWatch &) = delete;
+  explicit LogWatch(std::optional<log_level> shown) : shown_(shown), listening_(*this) {}
+
+  // The variable that chose the names file; empty when none is set.
+  const std::string &variable() const { return variable_; }
 
   // The names file that the lookup chose; absent when no variable names one.
   const std::optional<std::string> &file_name() const { return file_name_; }
@@ -25,14 +25,18 @@ class LogWatch {
   std::string fault() const;
 
  private:
-  static void receive(void *self, const kzoci_log_record *record);
-  void take(const kzoci_log_record &record);
+  void record(log_level level, const char *format, std::va_list arguments) override;
+  bool is_wanted(log_level level) const;
+  void take_debug(const std::string &text);
+  void take_fault(log_level level, const std::string &text);
 
   std::optional<log_level> shown_;
+  std::string variable_;
   std::optional<std::string> file_name_;
   std::optional<std::string> first_error_;
   std::string warning_;
   std::string warning_before_;
+  Listening listening_;
 };
 
 }  // namespace kztns

@@ -15,6 +15,7 @@ Lookup look_up(const std::string &identifier, std::optional<log_level> shown, Tr
                    : find != 0 ? Outcome::found
                                : Outcome::not_found;
   lookup.is_literal = IsDescriptionTns(identifier.c_str(), length) != 0;
+  lookup.variable = watch.variable();
   lookup.file_name = watch.file_name();
   lookup.fault = watch.fault();
   return lookup;

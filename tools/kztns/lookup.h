@@ -28,6 +28,7 @@ enum class Outcome { found, not_found, malformed };
 struct Lookup {
   Outcome outcome;
   bool is_literal;                       // the identifier is a descriptor itself
+  std::string variable;                  // that chose the names file; empty for none
   std::optional<std::string> file_name;  // absent when no variable names one
   std::string fault;                     // of malformed input, the log's words for it
 };

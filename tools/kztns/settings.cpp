@@ -42,7 +42,7 @@ void print_variables(const KZCISystemVariables &vars) {
 // A file without a reserved entry, or one that no lookup reaches, leaves every
 // variable at its default; entries that were meant to be it are told.
 int show_defaults(const Lookup &lookup) {
-  const std::string hints = near_misses(reserved_name, *lookup.file_name);
+  const std::string hints = near_clauses(tell(reserved_name, lookup));
   if (!hints.empty()) complain(reserved_name, "not found" + hints);
   KZCISystemVariables defaults;
   KZCISystemVariablesInit(&defaults);

@@ -6,9 +6,12 @@
 
 #include "exit_status.h"
 #include "explain.h"
+#include "graphviz.h"
 #include "log_watch.h"
 #include "lookup.h"
 #include "output.h"
+#include "tree_dot.h"
+#include "tree_json.h"
 
 namespace kztns {
 namespace {
@@ -17,7 +20,7 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 
 // Whether the display prints the whole of the tree, tried where nobody sees it.
 bool can_be_displayed(Tree &tree) {
-  const LogWatch silent(std::nullopt);
+  [[maybe_unused]] const LogWatch silent(std::nullopt);
   const File nowhere(std::fopen("/dev/null", "w"), std::fclose);
   return nowhere != nullptr && KZCITnsServiceDisplay(tree.service(), nowhere.get()) == 0;
 }
@@ -29,8 +32,13 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
   }
   // The variable would send the tree elsewhere.
   unsetenv("KZCI_TNS_DISPLAY");
-  const LogWatch watch(shown);
+  [[maybe_unused]] const LogWatch watch(shown);
   KZCITnsDisplay(tree.get());
+  return finish_output();
+}
+
+int print(const std::string &text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
   return finish_output();
 }
 
@@ -85,6 +93,12 @@ int show(const std::string &identifier, ShowWhat what, std::optional<log_level> 
   switch (what) {
     case ShowWhat::tree:
       return show_tree(label, shown, tree);
+    case ShowWhat::json:
+      return print(tree_json(*tree.get()));
+    case ShowWhat::dot:
+      return print(tree_dot(*tree.get()));
+    case ShowWhat::svg:
+      return print_svg(tree_dot(*tree.get()));
     case ShowWhat::dblink:
       return show_dblink(label, shown, tree);
     case ShowWhat::session:

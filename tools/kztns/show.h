@@ -10,6 +10,9 @@ namespace kztns {
 
 enum class ShowWhat {
   tree,
+  json,    // the tree with every field
+  dot,     // the tree as a graph in graphviz's language
+  svg,     // the picture that graphviz makes of it
   dblink,  // the link string alone
   session  // what a session is opened with
 };

@@ -1,0 +1,243 @@
+// The command's parts in themselves: positions, texts, the rules' table, near
+// misses, the renderers.
+#include <fstream>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "examine.h"
+#include "key_words.h"
+#include "list.h"
+#include "near_miss.h"
+#include "platform.h"
+#include "render_json.h"
+#include "render_sarif.h"
+#include "render_text.h"
+#include "support/json_schema.h"
+
+namespace {
+
+using nlohmann::json;
+using namespace std::string_view_literals;
+
+const std::string project = KZOCI_SOURCE_DIR;
+
+kztns::Report report_of(const std::string &content) {
+  const kztns::NamesText text(content);
+  kztns::Examination examination;
+  examination.file = "names.ora";
+  examination.with_entries = true;
+  return kztns::examine(text, examination);
+}
+
+std::string good_entry(const std::string &name) {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+}
+
+kztns::Report varied_report() {
+  return report_of(good_entry("a") + "b = (DESCRIPTION = (ADDRESS = (PROT = TCP)))\n" +
+                   good_entry("a") + "c = (DESCRIPTION = (RETRY_DELAY = 1))\n" + "\xC2\xA0" +
+                   good_entry("d") + "stray\n" + good_entry("e"));
+}
+
+std::string violations_of(const std::string &schema, const json &instance) {
+  std::string all;
+  for (const std::string &violation :
+       support::JsonSchema::of_file(project + schema).violations(instance))
+    all += violation + "\n";
+  return all;
+}
+
+}  // namespace
+
+TEST(Positions, AreCountedInBytesFromOne) {
+  const kztns::NamesText text("ab\n\ncd");
+  EXPECT_EQ(text.place(0), "1:1");
+  EXPECT_EQ(text.place(2), "1:3");
+  EXPECT_EQ(text.place(3), "2:1");
+  EXPECT_EQ(text.place(5), "3:2");
+  EXPECT_EQ(text.place(6), "3:3");
+}
+
+TEST(Positions, AreRightFarBehind) {
+  std::string content;
+  for (int i = 0; i < 5000; ++i) content += "line\n";
+  const kztns::NamesText text(content + std::string(20000, 'x'));
+  EXPECT_EQ(text.place(4096), "820:2");
+  EXPECT_EQ(text.place(8191), "1639:2");
+  EXPECT_EQ(text.place(25000), "5001:1");
+  EXPECT_EQ(text.place(45000), "5001:20001");
+}
+
+TEST(VisibleText, EscapesWhatNobodySees) {
+  EXPECT_EQ(kztns::visible("a\tb\x01\x7F"), "a\\x09b\\x01\\x7f");
+  EXPECT_EQ(kztns::visible("\0x"sv), "\\x00x");
+  EXPECT_EQ(kztns::visible("\xC3\xA4\xE2\x82\xAC"), "\xC3\xA4\xE2\x82\xAC");
+  EXPECT_EQ(kztns::visible("\xC2\xA0\xEF\xBB\xBF"), "\\xc2\\xa0\\xef\\xbb\\xbf");
+  EXPECT_EQ(kztns::visible("\xC0\x80\xED\xA0\x80\xFF"), "\\xc0\\x80\\xed\\xa0\\x80\\xff");
+  EXPECT_EQ(kztns::visible("\xE2\x82"), "\\xe2\\x82");
+}
+
+TEST(Excerpt, CutsLongTextsBetweenCharacters) {
+  EXPECT_EQ(kztns::excerpt(std::string(40, 'x')), std::string(40, 'x'));
+  EXPECT_EQ(kztns::excerpt(std::string(41, 'x')), std::string(40, 'x') + "...");
+  EXPECT_EQ(kztns::excerpt(std::string(39, 'x') + "\xC3\xA4\xC3\xA4"),
+            std::string(39, 'x') + "...");
+}
+
+TEST(Rules, HaveDifferentIdsAndWords) {
+  std::set<std::string_view> ids;
+  for (std::size_t i = 0; i < kztns::rule_count; ++i) {
+    const kztns::RuleText &rule = kztns::text_of(static_cast<kztns::Rule>(i));
+    EXPECT_TRUE(ids.insert(rule.id).second) << rule.id;
+    EXPECT_EQ(rule.id.find_first_not_of("abcdefghijklmnopqrstuvwxyz-16"), std::string_view::npos);
+    EXPECT_FALSE(rule.text.empty()) << rule.id;
+    EXPECT_FALSE(rule.remedy.empty()) << rule.id;
+  }
+}
+
+TEST(KeyWords, AreTheLibrarys) {
+  std::set<KZCILBKeyType> types;
+  for (const kztns::KeyWord &key : kztns::key_words()) {
+    KZCITnsParseParams params = {};
+    key.word.copy(params.tns_key, sizeof params.tns_key);
+    params.tns_key_len = static_cast<ub4>(key.word.size());
+    EXPECT_EQ(KZCITnsGetKeyType(&params), 0);
+    EXPECT_EQ(params.key_type, key.type) << key.word;
+    EXPECT_FALSE(key.places.empty()) << key.word;
+    types.insert(key.type);
+  }
+  EXPECT_EQ(types.size(), static_cast<std::size_t>(LB_MAX_KEY_TYPE) - 1);
+}
+
+TEST(EditDistance, CountsSlips) {
+  EXPECT_EQ(kztns::edit_distance("PORT", "port", 3), 0u);
+  EXPECT_EQ(kztns::edit_distance("PROT", "PORT", 3), 1u);
+  EXPECT_EQ(kztns::edit_distance("PORTS", "PORT", 3), 1u);
+  EXPECT_EQ(kztns::edit_distance("PRT", "PORT", 3), 1u);
+  EXPECT_EQ(kztns::edit_distance("PONT", "PORT", 3), 1u);
+  EXPECT_EQ(kztns::edit_distance("SERVICENAMES", "SERVICE_NAME", 3), 2u);
+  EXPECT_EQ(kztns::edit_distance("", "AB", 3), 2u);
+  EXPECT_EQ(kztns::edit_distance("HOST", "WEIGHT", 2), 3u);
+  EXPECT_EQ(kztns::edit_distance("A", std::string(100, 'A'), 2), 3u);
+}
+
+TEST(NearKey, PrefersTheKeysOfTheBlock) {
+  EXPECT_EQ(kztns::near_key("PROT", kztns::Block::address), "PORT");
+  EXPECT_EQ(kztns::near_key("ADRESS", kztns::Block::description), "ADDRESS");
+  EXPECT_EQ(kztns::near_key("SERVICENAME", kztns::Block::connect_data), "SERVICE_NAME");
+  EXPECT_EQ(kztns::near_key("SERVER", kztns::Block::connect_data), "");
+  EXPECT_EQ(kztns::near_key("FAILOVER", kztns::Block::description), "");
+}
+
+TEST(FindingLine, HasAllPartsThatThereAre) {
+  kztns::Finding finding = {};
+  finding.rule = kztns::Rule::unknown_key;
+  finding.severity = kztns::Severity::error;
+  finding.position = {3, 17};
+  finding.text = "SERVER is no key here";
+  finding.remedy = "remove the item";
+  EXPECT_EQ(kztns::finding_line("f", finding),
+            "f:3:17: error: SERVER is no key here; remove the item [unknown-key]");
+  finding.entry = "sales";
+  EXPECT_EQ(kztns::finding_line("f", finding),
+            "f:3:17: error: sales: SERVER is no key here; remove the item [unknown-key]");
+  finding.path = "DESCRIPTION/CONNECT_DATA";
+  finding.severity = kztns::Severity::note;
+  EXPECT_EQ(kztns::finding_line("f", finding),
+            "f:3:17: note: sales: DESCRIPTION/CONNECT_DATA: SERVER is no key here; "
+            "remove the item [unknown-key]");
+}
+
+TEST(Caret, StandsUnderItsPlace) {
+  EXPECT_EQ(kztns::with_caret("abc", 0), "  abc\n  ^");
+  EXPECT_EQ(kztns::with_caret("abc", 2), "  abc\n    ^");
+  EXPECT_EQ(kztns::with_caret("abc", 3), "  abc\n     ^");
+  EXPECT_EQ(kztns::with_caret("\ta", 1), "  \ta\n  \t^");
+  EXPECT_EQ(kztns::with_caret("\x01z", 1), "  \\x01z\n      ^");
+  EXPECT_EQ(kztns::with_caret("\xC3\xA4z", 2), "  \xC3\xA4z\n   ^");
+  EXPECT_EQ(kztns::with_caret("", 0), "  \n  ^");
+}
+
+TEST(TextReport, ColoursWhereItIsAskedTo) {
+  const kztns::Report report = report_of("a = x\n");
+  EXPECT_EQ(kztns::render_text(report, {true, true}),
+            "\x1b[1mnames.ora:1:5:\x1b[0m \x1b[1;31merror:\x1b[0m a: \"(\" must stand behind "
+            "\"=\", not \"x\"; lookups of later names end here too; write NAME = (DESCRIPTION = "
+            "...) [no-block]\n"
+            "  a = x\n"
+            "\x1b[32m      ^\x1b[0m\n"
+            "names.ora: 1 entry: 0 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved\n");
+}
+
+TEST(Report, CountsEntriesBySumOfVerdicts) {
+  const kztns::Report report = varied_report();
+  EXPECT_EQ(kztns::summary(report),
+            "6 entries: 3 ok, 1 refused, 1 unreachable, 1 shadowed, 0 reserved");
+  EXPECT_EQ(report.entries.size(), 6u);
+}
+
+TEST(Report, LeavesOutWhatIsTooMuch) {
+  std::string content;
+  for (int i = 0; i < 1500; ++i)
+    content += "n" + std::to_string(i) + " = (DESCRIPTION = (SERVER = 1))\n";
+  const kztns::Report report = report_of(content);
+  EXPECT_EQ(report.findings.size(), 1000u);
+  EXPECT_EQ(report.left_out[static_cast<std::size_t>(kztns::Rule::unknown_key)], 500u);
+  EXPECT_EQ(report.severities[static_cast<std::size_t>(kztns::Severity::error)], 1500u);
+  EXPECT_NE(kztns::render_text(report, {}).find("names.ora: and 500 more of [unknown-key]\n"),
+            std::string::npos);
+}
+
+TEST(JsonReport, FollowsItsSchema) {
+  const json report = json::parse(kztns::render_json(varied_report()));
+  EXPECT_EQ(violations_of("/docs/check.schema.json", report), "");
+  EXPECT_EQ(report["summary"]["entries"], 6);
+  EXPECT_EQ(report["findings"][0]["rule"], "unknown-key");
+  EXPECT_EQ(report["findings"][0]["remedy"], "did you mean PORT?");
+  EXPECT_EQ(
+      violations_of("/docs/check.schema.json", json::parse(kztns::render_json(report_of("")))), "");
+}
+
+TEST(JsonReport, IsJsonForAnyBytes) {
+  std::string noise;
+  for (int i = 0; i < 256; ++i) noise += static_cast<char>(i);
+  const json report = json::parse(kztns::render_json(report_of(noise + " = (" + noise)));
+  EXPECT_EQ(violations_of("/docs/check.schema.json", report), "");
+}
+
+TEST(SarifReport, FollowsTheStandardsSchema) {
+  kztns::Report report = varied_report();
+  report.file = "a b/names.ora";
+  const json log = json::parse(kztns::render_sarif(report));
+  EXPECT_EQ(violations_of("/tests/schemas/sarif.schema.json", log), "");
+  const json &run = log["runs"][0];
+  EXPECT_EQ(run["tool"]["driver"]["rules"].size(), kztns::rule_count);
+  const json &result = run["results"][0];
+  EXPECT_EQ(run["tool"]["driver"]["rules"][result["ruleIndex"].get<std::size_t>()]["id"],
+            result["ruleId"]);
+  const json &location = result["locations"][0]["physicalLocation"];
+  EXPECT_EQ(location["artifactLocation"]["uri"], "a%20b/names.ora");
+  EXPECT_EQ(location["region"]["startLine"], 2);
+}
+
+TEST(ListLine, HasThreeForms) {
+  const kztns::ListedEntry entry = {"sales", 7, kztns::Verdict::ok, "h:1/s"};
+  EXPECT_EQ(kztns::list_line(entry, kztns::ListFormat::tabs, {}), "sales\t7\tok\th:1/s\n");
+  EXPECT_EQ(kztns::list_line(entry, kztns::ListFormat::columns, {7, 3}),
+            "sales    7    ok           h:1/s\n");
+  EXPECT_EQ(
+      kztns::list_line({"x", 1, kztns::Verdict::refused, ""}, kztns::ListFormat::columns, {1, 1}),
+      "x  1  refused\n");
+  const json object = json::parse(kztns::list_line(entry, kztns::ListFormat::json, {}));
+  EXPECT_EQ(violations_of("/docs/list.schema.json", json::array({object})), "");
+}
+
+TEST(BlockScope, ReleasesWhatAFailedBuildLeaves) {
+  // The first address hangs at a description that fails at its second one; the
+  // address sanitizer would tell if it were lost.
+  for (int i = 0; i < 3; ++i)
+    report_of("a = (DESCRIPTION = (ADDRESS = (HOST = h))(ADDRESS = (HOST = i)))\n");
+}

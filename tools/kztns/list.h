@@ -1,0 +1,36 @@
+// kztns list: the entries of a names file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "report.h"
+
+namespace kztns {
+
+enum class ListFormat { columns, tabs, json };
+
+struct ListOptions {
+  std::optional<std::string> file;  // absent: the one that the environment chooses
+  bool json = false;
+};
+
+// Returns an ExitStatus.
+int list(const ListOptions &options);
+
+struct ListedEntry {
+  std::string name;  // printable
+  std::uint32_t line;
+  Verdict verdict;
+  std::string link;  // printable; empty for an entry that has none
+};
+
+// One entry's line; the widths are those of the columns.
+struct ListWidths {
+  std::size_t name = 0;
+  std::size_t line = 0;
+};
+std::string list_line(const ListedEntry &entry, ListFormat format, const ListWidths &widths);
+
+}  // namespace kztns

@@ -1,0 +1,28 @@
+// A line that tells how far the work is, on a terminal, when it takes long.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace kztns {
+
+class Progress {
+ public:
+  explicit Progress(std::uint64_t whole);
+  // Removes the line.
+  ~Progress();
+  Progress(const Progress &) = delete;
+  Progress &operator=(const Progress &) = delete;
+
+  void at(std::uint64_t part);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  std::uint64_t whole_;
+  bool on_terminal_;
+  bool shown_ = false;
+  Clock::time_point next_;
+};
+
+}  // namespace kztns

@@ -1,0 +1,55 @@
+// What check has to say about a file: the data that the renderers print.
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "names_text.h"
+#include "rules.h"
+
+namespace kztns {
+
+enum class Verdict : std::uint8_t {
+  ok,
+  refused,      // found, but cannot be built
+  unreachable,  // no lookup comes so far
+  shadowed,     // an earlier entry has its name
+  reserved      // built as system variables
+};
+
+std::string_view name_of(Verdict verdict);
+constexpr std::size_t verdict_count = 5;
+
+// Texts are printable.
+struct Finding {
+  Rule rule;
+  Severity severity;
+  Position position;
+  Offset at;                // the same place, for sorting
+  std::uint32_t character;  // the column in characters instead of bytes
+  std::string entry;        // empty for none
+  std::string path;         // "DESCRIPTION/CONNECT_DATA", empty for none
+  std::string text;
+  std::string remedy;
+  std::string source;  // the line, as it stands there
+  std::size_t caret;   // index in it of the place
+};
+
+struct ReportEntry {
+  std::string name;
+  Position position;
+  Verdict verdict;
+};
+
+struct Report {
+  std::string file;
+  std::vector<Finding> findings;  // in the order of the file
+  // How many findings of a rule are left out, since there are too many.
+  std::array<std::size_t, rule_count> left_out = {};
+  std::array<std::size_t, verdict_count> verdicts = {};
+  std::array<std::size_t, 3> severities = {};  // how many of each, those left out too
+  std::vector<ReportEntry> entries;            // only where the format shows them
+};
+
+}  // namespace kztns

@@ -1,0 +1,97 @@
+#include "why.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "explain.h"
+#include "log_watch.h"
+#include "lookup.h"
+#include "output.h"
+#include "render_text.h"
+
+namespace kztns {
+namespace {
+
+constexpr const char *variables[] = {"KZCI_TNS_FILE", "TNS_ADMIN", "ORACLE_HOME"};
+
+void print(const char *label, const std::string &text) {
+  std::printf("%s: %s\n", label, text.c_str());
+}
+
+// Which variable chose the file, and which could not any more.
+void print_file(const Lookup &lookup, bool file_given) {
+  if (!lookup.file_name) return;
+  if (file_given) return print("file", quoted(visible(*lookup.file_name)) + ", chosen by --file");
+  std::string text = quoted(visible(*lookup.file_name)) + ", chosen by " + lookup.variable;
+  bool chosen = false;
+  std::string ignored;
+  for (const char *const variable : variables) {
+    if (chosen && std::getenv(variable) != nullptr)
+      ignored += (ignored.empty() ? "" : ", ") + std::string(variable);
+    chosen = chosen || lookup.variable == variable;
+  }
+  if (!ignored.empty()) text += "; ignored: " + ignored;
+  print("file", text);
+}
+
+void print_remark(const char *label, const Remark &remark, bool with_source) {
+  print(label, to_string(remark.position) + ": " + remark.text);
+  if (with_source) std::printf("%s\n", with_caret(remark.source, remark.caret).c_str());
+}
+
+std::string link_string(Tree &tree) {
+  char dblink[256];
+  sb4 length = 0;
+  const LogWatch silent(std::nullopt);
+  if (KZCITnsServiceDblinkGet(tree.service(), dblink, &length) != 0) return "";
+  return "; link string " + visible(dblink);
+}
+
+void print_found(const Story &story, Tree &tree) {
+  const std::string place = story.entry ? "at " + to_string(*story.entry) : "in the text";
+  print("found", place + ", and built" + link_string(tree));
+  constexpr std::size_t most = 4;
+  for (std::size_t i = 0; i < story.suspicions.size() && i < most; ++i)
+    print_remark("suspicious", story.suspicions[i], false);
+  if (story.suspicions.size() > most)
+    print("suspicious", std::to_string(story.suspicions.size() - most) + " more");
+}
+
+// Where the lookup ended, and whose fault that is.
+void print_end(const Lookup &lookup, const Story &story) {
+  if (story.entry) print("found", "at " + to_string(*story.entry));
+  if (story.fault)
+    print_remark(story.entry || lookup.is_literal ? "refused" : "ended", *story.fault, true);
+  else if (!lookup.is_literal)
+    print("ended", "at the end of the file");
+  for (const std::string &clause : story.near) print("near", clause);
+}
+
+}  // namespace
+
+int why(const std::string &identifier, bool file_given, std::optional<log_level> shown) {
+  Tree tree;
+  const Lookup lookup = look_up(identifier, shown, tree);
+  const Story story = tell(identifier, lookup);
+  print_file(lookup, file_given);
+  const bool read = lookup.is_literal || (lookup.file_name && story.unreadable.empty());
+  if (read && !lookup.is_literal)
+    print("passed over",
+          std::to_string(story.passed) + (story.passed == 1 ? " entry" : " entries"));
+  if (lookup.outcome == Outcome::found)
+    print_found(story, tree);
+  else if (read)
+    print_end(lookup, story);
+  const std::string label = label_of(identifier, lookup);
+  if (lookup.outcome == Outcome::found)
+    print("outcome", label + ": found");
+  else if (!read)
+    print("outcome", label + ": " + describe_failure(lookup, story));
+  else
+    print("outcome",
+          label + (lookup.outcome == Outcome::not_found ? ": not found" : ": malformed"));
+  const int written = finish_output();
+  return written != 0 ? written : status_of(lookup.outcome);
+}
+
+}  // namespace kztns
