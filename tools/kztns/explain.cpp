@@ -75,7 +75,10 @@ std::string describe_failure(const Lookup &lookup, const Story &story) {
 }
 
 int explain_failure(const std::string &identifier, const Lookup &lookup) {
-  complain(label_of(identifier, lookup), describe_failure(lookup, tell(identifier, lookup)));
+  std::string what = describe_failure(lookup, tell(identifier, lookup));
+  // The log's own words, for whoever finds them in a program's log.
+  if (lookup.outcome == Outcome::malformed) what += "; log: " + visible(lookup.fault);
+  complain(label_of(identifier, lookup), what);
   return status_of(lookup.outcome);
 }
 
