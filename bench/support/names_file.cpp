@@ -25,15 +25,6 @@ Work lookups(const std::filesystem::path &file, const std::string &name, bool ex
   };
 }
 
-void read_stream(const std::filesystem::path &path) {
-  FILE *const file = std::fopen(path.c_str(), "r");
-  if (file == nullptr) fail("cannot open " + path.string());
-  char buffer[1024];
-  while (std::fread(buffer, 1, sizeof buffer, file) == sizeof buffer)
-    benchmark::DoNotOptimize(buffer[0]);
-  std::fclose(file);
-}
-
 // As many opening as closing parentheses: the files are well-formed.
 void count_file(const std::filesystem::path &path) {
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -84,6 +75,15 @@ void look_up(const std::string &name, bool expected) {
                                     static_cast<ub4>(name.size()), &find);
   if (status != 0 || (find != 0) != expected) fail("the lookup of " + name + " goes wrong");
   KZCITnsClear(&tns);
+}
+
+void read_stream(const std::filesystem::path &path) {
+  FILE *const file = std::fopen(path.c_str(), "r");
+  if (file == nullptr) fail("cannot open " + path.string());
+  char buffer[1024];
+  while (std::fread(buffer, 1, sizeof buffer, file) == sizeof buffer)
+    benchmark::DoNotOptimize(buffer[0]);
+  std::fclose(file);
 }
 
 Cost lookup_cost(const std::filesystem::path &file, const std::string &name, double units) {

@@ -31,6 +31,7 @@ Cost absent_cost(const std::filesystem::path &file);
 
 // R: the file opened, read by fread in pieces of 1024 with the stream's own
 // buffer, closed.
+void read_stream(const std::filesystem::path &path);
 Cost read_cost(const std::filesystem::path &file, double units = 1);
 
 // The file read by read(2) in pieces of 64 KiB, parentheses counted.

@@ -6,12 +6,6 @@
 
 namespace kzoci::tns {
 
-sword expect(KZCITnsParseParams *params, KZCITnsTokenType type) {
-  const sword status = KZCITnsParse(params, type);
-  if (status != success) KZ_LOG_WARN("fail to call KZCITnsParse, status:%d", status);
-  return status;
-}
-
 sword identify_key(KZCITnsParseParams *params) {
   const sword status = KZCITnsGetKeyType(params);
   if (status != success) {

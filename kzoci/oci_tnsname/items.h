@@ -17,11 +17,9 @@
 #include "kzoci/oci_tnsname.h"
 #include "log.h"
 #include "status.h"
+#include "tokenizer.h"
 
 namespace kzoci::tns {
-
-// Consumes a token of this type; a failure is logged and its status returned.
-sword expect(KZCITnsParseParams *params, KZCITnsTokenType type);
 
 // Finds the key word that the key just read stands for; no key word is a
 // failure. Failures are logged.

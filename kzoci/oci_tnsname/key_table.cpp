@@ -14,21 +14,39 @@ namespace {
 
 constexpr ub4 longest_key_word = 20;
 
-// A text of up to 24 characters, eight a word, zeros behind it.
+// Up to 24 characters, eight a word, zeros behind them.
 using TextWords = std::array<std::uint64_t, 3>;
 static_assert(longest_key_word <= sizeof(TextWords));
 
-constexpr TextWords words_of(std::string_view text) {
+// The words of what a function makes of each character.
+template <class Function>
+constexpr TextWords words_of(std::string_view text, Function function) {
   TextWords words{};
   for (std::size_t i = 0; i < text.size(); ++i)
-    words[i / 8] |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * (i % 8));
+    words[i / 8] |= std::uint64_t{function(text[i])} << (8 * (i % 8));
   return words;
 }
+
+constexpr unsigned char itself(char c) { return static_cast<unsigned char>(c); }
+
+// The bits that tell a character from others: for a letter, all but the one in
+// which small letters differ from capitals.
+constexpr unsigned char telling_bits(char c) { return 'A' <= c && c <= 'Z' ? 0xDF : 0xFF; }
 
 struct KeyWord {
   std::string_view text;
   KZCILBKeyType type;
-  TextWords words = words_of(text);
+  TextWords words = words_of(text, itself);
+  TextWords mask = words_of(text, telling_bits);
+
+  // tns_key has room for more than the longest key word, so that whole words can be
+  // loaded; what stands behind the key is masked.
+  bool is_spelt(const char *tns_key) const {
+    const auto differs = [&](std::size_t i) {
+      return ((load_word(tns_key + 8 * i) ^ words[i]) & mask[i]) != 0;
+    };
+    return !differs(0) && !differs(1) && !differs(2);
+  }
 };
 
 // In the order of their lengths.
@@ -98,22 +116,11 @@ constexpr auto tns_key_array = [] {
   return rows;
 }();
 
-// Eight characters of the key from a place on, in capitals; zeros behind its end.
-// tns_key has room for more than the longest key word, so that whole words can be
-// loaded; what older keys left behind this one is not taken.
-std::uint64_t capitals_from(const char *key, ub4 length, ub4 at) {
-  return at < length ? to_upper(blend(load_word(key + at), 0, length - at)) : 0;
-}
-
 // A lookup compares only against the words of the key's own length.
 KZCILBKeyType key_type_of(const char *key, ub4 length) {
-  const TextWords words = {capitals_from(key, length, 0), capitals_from(key, length, 8),
-                           capitals_from(key, length, 16)};
-  const ub4 first = tns_key_array[length];
-  for (ub4 i = first; i < first + tns_key_array_size[length]; ++i) {
-    const TextWords &word = tns_keys[i].words;
-    if (words[0] == word[0] && words[1] == word[1] && words[2] == word[2]) return tns_keys[i].type;
-  }
+  const KeyWord *const first = tns_keys + tns_key_array[length];
+  for (const KeyWord *word = first; word != first + tns_key_array_size[length]; ++word)
+    if (word->is_spelt(key)) return word->type;
   return LB_ERROR_KEY;
 }
 

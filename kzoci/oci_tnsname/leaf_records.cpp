@@ -1,7 +1,6 @@
 // Defaults and release of the records that have no children.
-#include <cstring>
-
 #include "children.h"
+#include "new_record.h"
 
 using namespace kzoci::tns;
 
@@ -10,7 +9,7 @@ sword KZCIAddressInit(KZCIAddress *address) {
     KZ_LOG_ERROR("address is NULL");
     return failure;
   }
-  std::memset(address, 0, sizeof *address);
+  set_to_zero(address, sizeof *address);
   le_init(&address->le, 0);
   le_init(&address->connect_le, 0);
   address->weight = 1;
@@ -22,7 +21,7 @@ sword KZCIConnectDataInit(KZCIConnectData *con_data) {
     KZ_LOG_ERROR("con_data is NULL");
     return failure;
   }
-  std::memset(con_data, 0, sizeof *con_data);
+  set_to_zero(con_data, sizeof *con_data);
   return success;
 }
 
@@ -31,7 +30,7 @@ sword KZCIBlacklistConfInit(KZCIBlacklistConf *black_list_conf) {
     KZ_LOG_ERROR("invalid handle, handle is NULL");
     return invalid_handle;
   }
-  std::memset(black_list_conf, 0, sizeof *black_list_conf);
+  set_to_zero(black_list_conf, sizeof *black_list_conf);
   black_list_conf->remove_strategy = LB_OPTION_TIMEOUT;
   black_list_conf->remove_timeout = 50;
   black_list_conf->append_strategy = LB_OPTION_NORMAL;
@@ -42,7 +41,7 @@ sword KZCIBlacklistConfInit(KZCIBlacklistConf *black_list_conf) {
 
 sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars) {
   if (sys_vars == nullptr) return invalid_handle;
-  std::memset(sys_vars, 0, sizeof *sys_vars);
+  set_to_zero(sys_vars, sizeof *sys_vars);
   sys_vars->slowsql_threshold = 100;
   sys_vars->slowsql_flush_second = 60;
   return success;

@@ -3,8 +3,11 @@
 #include <cstring>
 
 #include "children.h"
+#include "new_record.h"
 
 using namespace kzoci::tns;
+
+void kzoci::tns::set_to_zero(void *record, std::size_t size) { std::memset(record, 0, size); }
 
 sword KZCITnsInit(KZCITns *tns) {
   if (tns == nullptr) {
@@ -22,7 +25,7 @@ sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char 
     return failure;
   }
   // The system variables, most of the record, are set to zero by their own Init.
-  std::memset(tns_service, 0, offsetof(KZCITnsService, sys_vars));
+  set_to_zero(tns_service, offsetof(KZCITnsService, sys_vars));
   le_init(&tns_service->le, 0);
   tns_service->net_service_name_len = name_size;
   if (name_size > 0) std::strncpy(tns_service->net_service_name, name, name_size);
@@ -36,7 +39,7 @@ sword KZCIDescriptionInit(KZCIDescription *des) {
     KZ_LOG_ERROR("description is NULL");
     return failure;
   }
-  std::memset(des, 0, sizeof *des);
+  set_to_zero(des, sizeof *des);
   const sword status = KZCIBlacklistConfInit(&des->black_list_conf);
   if (status != success) {
     KZ_LOG_ERROR("fail to call KZCIBlacklistConfInit, status:%d", status);
@@ -54,7 +57,7 @@ sword KZCIAddressListInit(KZCIAddressList *address_list) {
     KZ_LOG_ERROR("address_list is NULL");
     return failure;
   }
-  std::memset(address_list, 0, sizeof *address_list);
+  set_to_zero(address_list, sizeof *address_list);
   le_init(&address_list->le, 0);
   address_list->kzlb = 1;
   address_list->kzlb_strategy = LB_OPTION_RANDOM;

@@ -9,13 +9,12 @@
 // Blanks and comments may stand before every token.
 #include "tokenizer.h"
 
-#include <bit>
 #include <cstddef>
 #include <cstring>
 
 #include "character_class.h"
+#include "key_run.h"
 #include "log.h"
-#include "word_of_memory.h"
 
 namespace kzoci::tns {
 
@@ -88,39 +87,15 @@ struct KeyInProgress {
   KZCITnsParseStatus quoting = TNS_PARSE_NORMAL;
 };
 
-// How many of the eight characters, from the first on, are beyond doubt ordinary
-// characters of a key: from '*' to 0x7F, "=" excepted. Looking at seven bits, bit
-// 7 of a byte of from_star is set from '*' on, that of other_than_equal for any
-// byte but "=".
-ub4 ordinary_characters(std::uint64_t word) {
-  const std::uint64_t from_star = (word & each(0x7F)) + each(0x80 - '*');
-  const std::uint64_t other_than_equal = ((word ^ each('=')) & each(0x7F)) + each(0x7F);
-  const std::uint64_t ordinary_bytes = from_star & other_than_equal & ~word & each(0x80);
-  return static_cast<ub4>(std::countr_zero(ordinary_bytes ^ each(0x80))) / 8;
-}
-
-// Moves a run of ordinary characters, eight at a time, while both sides have room
-// for eight. What stands in the key behind them stays: a shorter key leaves the
-// end of the one before.
-void take_run(char *tns_key, Window &window, ub4 &length) {
-  constexpr std::ptrdiff_t width = sizeof(std::uint64_t);
-  while (window.end - window.at >= width && length + width <= max_key) {
-    char *const to = tns_key + length;
-    const std::uint64_t word = load_word(window.at);
-    const ub4 count = ordinary_characters(word);
-    store_word(to, blend(word, load_word(to), count));
-    window.at += count;
-    length += count;
-    if (count < width) return;
-  }
-}
-
 // Moves characters of the buffer into the key; true at the key's terminator,
 // false when the buffer or the room for the key is exhausted.
 bool take_key_characters(KZCITnsParseParams &params, KeyInProgress &key) {
   Window window(params);
   bool terminated = false;
-  take_run(params.tns_key, window, key.length);
+  const ub4 run = move_key_run<KeyBlock>(params.tns_key + key.length, max_key - key.length,
+                                         window.at, static_cast<ub4>(window.end - window.at));
+  window.at += run;
+  key.length += run;
   for (; key.length < max_key && window.at != window.end; ++window.at) {
     const char c = *window.at;
     if (is_any_of(c, quote)) {
@@ -149,14 +124,20 @@ sword KZCITnsParseBlank(KZCITnsParseParams *parse_params) {
   return success;
 }
 
-sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
-  if (parse_params == nullptr) return invalid_handle;
+namespace {
+
+sword finish_key(KZCITnsParseParams &params, ub4 length) {
+  params.tns_key_len = length;
+  KZ_LOG_DEBUG("get key size:%u, key:%.*s", length, static_cast<int>(length), params.tns_key);
+  return success;
+}
+
+[[gnu::noinline]] sword read_key(KZCITnsParseParams *params) {
   KeyInProgress key;
   for (bool complete = false; !complete;) {
-    const sword status = need_character(parse_params, "fail to call kzci_tns_check buffer");
+    const sword status = need_character(params, "fail to call kzci_tns_check buffer");
     if (status != success) return status;
-    complete = take_key_characters(*parse_params, key) ||
-               parse_params->buffer_pos < parse_params->buffer_len;
+    complete = take_key_characters(*params, key) || params->buffer_pos < params->buffer_len;
     // A key that fills its room is cut when more characters are at hand, and
     // refused when they would have to be read first.
     if (!complete && key.length == max_key) {
@@ -164,10 +145,24 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
       return failure;
     }
   }
-  parse_params->tns_key_len = key.length;
-  KZ_LOG_DEBUG("get key size:%u, key:%.*s", key.length, static_cast<int>(key.length),
-               parse_params->tns_key);
-  return success;
+  return finish_key(*params, key.length);
+}
+
+}  // namespace
+
+sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
+  if (parse_params == nullptr) return invalid_handle;
+  // Most keys end within a block of the buffer.
+  const ub4 at = parse_params->buffer_pos;
+  if (at < parse_params->buffer_len && parse_params->buffer_len - at > KeyBlock::width) {
+    const ub4 length = KeyBlock::ordinary(parse_params->tns_buffer + at);
+    if (is_any_of(parse_params->tns_buffer[at + length], key_terminator)) {
+      KeyBlock::move(parse_params->tns_key, parse_params->tns_buffer + at, length);
+      parse_params->buffer_pos = at + length;
+      return finish_key(*parse_params, length);
+    }
+  }
+  return read_key(parse_params);
 }
 
 namespace {
@@ -180,7 +175,7 @@ namespace {
   return failure;
 }
 
-[[gnu::noinline]] sword take_key(KZCITnsParseParams *params) {
+inline sword take_key(KZCITnsParseParams *params) {
   const sword status = KZCITnsParseKey(params);
   if (status != success) KZ_LOG_ERROR("fail to call parse key, status:%d", status);
   return status;
@@ -210,4 +205,10 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
   if (parse_params == nullptr) return invalid_handle;
   return stands_at_token(*parse_params) ? take_token(parse_params, expect_type)
                                         : take_token_behind_blanks(parse_params, expect_type);
+}
+
+sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  const sword status = KZCITnsParse(params, type);
+  if (status != success) KZ_LOG_WARN("fail to call KZCITnsParse, status:%d", status);
+  return status;
 }

@@ -1,6 +1,7 @@
 // What the readers of characters share.
 #pragma once
 
+#include "character_class.h"
 #include "kzoci/oci_tnsname.h"
 #include "status.h"
 
@@ -17,6 +18,25 @@ sword refill(KZCITnsParseParams *params, const char *failure_text);
 // Makes sure that a character is at hand.
 inline sword need_character(KZCITnsParseParams *params, const char *failure_text) {
   return params->buffer_pos < params->buffer_len ? success : refill(params, failure_text);
+}
+
+// Consumes the parenthesis or equal sign of this type if it is the next character:
+// most tokens are such, and the short way to them is worth being inline.
+inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
+  if (sign == TNS_KEY || params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
+      token_type(params->tns_buffer[params->buffer_pos]) != sign)
+    return false;
+  params->tns_token_type = sign;
+  ++params->buffer_pos;
+  return true;
+}
+
+// KZCITnsParse, with its failure logged.
+sword parse_token(KZCITnsParseParams *params, KZCITnsTokenType type);
+
+// Consumes a token of this type; a failure is logged and its status returned.
+inline sword expect(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  return take_sign(params, type) ? success : parse_token(params, type);
 }
 
 }  // namespace kzoci::tns
