@@ -43,14 +43,21 @@ need_packages() {
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-test_packages=("${build_packages[@]}" libgtest-dev clang)
+test_packages=("${build_packages[@]}" libgtest-dev clang ccache)
 
 # configure_and_build PRESET [CMAKE OPTION...]
 configure_and_build() {
   local preset=$1
   shift
+  local cached=()
+  # Several builds compile the tests alike; the folder in which that is done makes no
+  # difference.
+  if command -v ccache >/dev/null; then
+    export CCACHE_NOHASHDIR=true
+    cached=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  fi
   say "Configuring the $preset preset"
-  cmake --preset "$preset" "$@" >/dev/null
+  cmake --preset "$preset" "${cached[@]}" "$@" >/dev/null
   say "Building"
   cmake --build --preset "$preset" -- --quiet
 }

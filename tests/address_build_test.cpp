@@ -156,6 +156,20 @@ TEST_F(AddressBuild, AbsentKeysLeaveTheDefaults) {
   EXPECT_EQ(weighed->weight, 3);
 }
 
+// The parse state stands in a comment with the rest of it at hand.
+TEST_F(AddressBuild, MayBeginWithinAComment) {
+  constexpr std::string_view at_hand = "(WEIGHT=1)\n(WEIGHT=7))";
+  Body input("");
+  std::memcpy(input.params.tns_buffer, at_hand.data(), at_hand.size());
+  input.params.buffer_len = static_cast<ub4>(at_hand.size());
+  input.params.is_comment = 1;
+  EXPECT_EQ(KZCIAddressBuild(&list_, &input.params), 0);
+  ASSERT_EQ(list_.address_count, 1u);
+  EXPECT_EQ(list_.address->weight, 7);
+  EXPECT_EQ(input.params.is_comment, 0);
+  EXPECT_EQ(input.unread(), ")");
+}
+
 TEST_F(AddressBuild, ItemsMayComeInAnyOrderAndLetterCase) {
   const KZCIAddress *address = good("(weight=4)\n(Port=1)\t(HOST = h) (pRoToCoL=\"tcp\")");
   ASSERT_NE(address, nullptr);

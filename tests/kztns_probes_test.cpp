@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <ostream>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -26,6 +27,10 @@ struct Probe {
   unsigned line;
   std::string reason;
 };
+
+void PrintTo(const Probe &probe, std::ostream *out) {
+  *out << probe.file << ", looking up " << probe.name;
+}
 
 std::vector<Probe> read_table() {
   std::ifstream table(folder + "EXPECTED.tsv");

@@ -160,7 +160,7 @@ TEST_F(ScanCost, TwoLogCallsForAnEntryPassedAndOneForARefill) {
   }
 }
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(KZOCI_SANITIZED)
 constexpr std::size_t stack_limit = 128 * 1024;  // instrumented frames are larger
 #else
 constexpr std::size_t stack_limit = 20 * 1024;

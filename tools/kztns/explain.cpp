@@ -27,7 +27,7 @@ std::string why_not_found(const Lookup &lookup, const Story &story) {
 std::string what_is_malformed(const Lookup &lookup, const Story &story) {
   std::string where;
   if (lookup.file_name) where = visible(*lookup.file_name) + ":";
-  if (!story.fault) return "malformed: " + lookup.fault;
+  if (!story.fault) return "malformed: " + visible(lookup.fault);
   return "malformed: " + where + to_string(story.fault->position) + ": " + story.fault->text;
 }
 
@@ -75,9 +75,12 @@ std::string describe_failure(const Lookup &lookup, const Story &story) {
 }
 
 int explain_failure(const std::string &identifier, const Lookup &lookup) {
-  std::string what = describe_failure(lookup, tell(identifier, lookup));
-  // The log's own words, for whoever finds them in a program's log.
-  if (lookup.outcome == Outcome::malformed) what += "; log: " + visible(lookup.fault);
+  const Story story = tell(identifier, lookup);
+  std::string what = describe_failure(lookup, story);
+  // The log's own words, for whoever finds them in a program's log; without a fault to
+  // tell they are what has been said.
+  if (lookup.outcome == Outcome::malformed && story.fault)
+    what += "; log: " + visible(lookup.fault);
   complain(label_of(identifier, lookup), what);
   return status_of(lookup.outcome);
 }

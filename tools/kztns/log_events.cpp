@@ -37,6 +37,7 @@ constexpr Phrase phrases[] = {
     {"call KZCIBlacklistConfBuild with ", LogEvent::blacklist_begins},
     {"success to build description, ", LogEvent::block_built},
     {"success to call ", LogEvent::block_built},
+    {"malloc ", LogEvent::no_memory},
     {"something error in build tns service", LogEvent::service_failed},
     {"something error in ", LogEvent::block_failed},
     {"parse LB_", LogEvent::bad_word},

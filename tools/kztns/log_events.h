@@ -24,6 +24,7 @@ enum class LogEvent {
   strategy_begins,
   block_built,
   block_failed,
+  no_memory,
   service_failed,
   bad_word,
   bad_number,

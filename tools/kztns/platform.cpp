@@ -35,8 +35,14 @@ Listening::~Listening() { current_listener = before_; }
 BlockScope::BlockScope() { link_newest(mark_); }
 
 BlockScope::~BlockScope() {
-  while (all_blocks.older != &mark_) kzci_free(all_blocks.older + 1);
-  unlink(mark_);
+  BlockLink *link = all_blocks.older;
+  while (link != &mark_) {
+    BlockLink *const older = link->older;
+    std::free(link);
+    link = older;
+  }
+  all_blocks.older = mark_.older;
+  all_blocks.older->newer = &all_blocks;
 }
 
 }  // namespace kztns

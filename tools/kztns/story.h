@@ -28,7 +28,7 @@ struct Story {
 };
 
 // Of a name in a file's text.
-Story tell_of_name(const std::string &name, std::string text);
+Story tell_of_name(const std::string &name, std::string content);
 
 // Of a literal descriptor.
 Story tell_of_literal(const std::string &descriptor);
