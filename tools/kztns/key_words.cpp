@@ -1,7 +1,5 @@
 #include "key_words.h"
 
-#include <algorithm>
-
 namespace kztns {
 namespace {
 
@@ -12,10 +10,6 @@ std::string join(const std::vector<std::string> &words) {
     text += words[i];
   }
   return text;
-}
-
-bool belongs(const KeyWord &key, Block block) {
-  return std::find(key.places.begin(), key.places.end(), block) != key.places.end();
 }
 
 std::string name_of(Block block) {
@@ -89,37 +83,12 @@ const KeyWord *key_word(KZCILBKeyType type) {
   return nullptr;
 }
 
-bool opens_block(KZCILBKeyType type, Block in) {
-  switch (type) {
-    case LB_DESCRIPTION:
-      return in == Block::entry;
-    case LB_ADDRESS:
-      return in == Block::description || in == Block::address_list;
-    case LB_ADDRESS_LIST:
-    case LB_CONNECT_DATA:
-    case LB_KZLB_BLACKLIST:
-      return in == Block::description;
-    case LB_REMOVE_STRATEGY:
-    case LB_APPEND_STRATEGY:
-      return in == Block::blacklist;
-    default:
-      return false;
-  }
-}
-
 std::string places_of(KZCILBKeyType type) {
   const KeyWord *const key = key_word(type);
   std::vector<std::string> names;
   if (key != nullptr)
     for (const Block block : key->places) names.push_back(name_of(block));
   return join(names);
-}
-
-std::string keys_of(Block block) {
-  std::vector<std::string> words;
-  for (const KeyWord &key : key_words())
-    if (belongs(key, block)) words.emplace_back(key.word);
-  return join(words);
 }
 
 std::vector<std::string_view> words_for(KZCILBKeyType type, Block in) {

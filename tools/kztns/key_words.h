@@ -37,14 +37,8 @@ const std::vector<KeyWord> &key_words();
 // The word of a type, null for one that has none.
 const KeyWord *key_word(KZCILBKeyType type);
 
-// Whether a key opens a block in this one.
-bool opens_block(KZCILBKeyType type, Block in);
-
 // "ADDRESS_LIST or DESCRIPTION": the places of a key.
 std::string places_of(KZCILBKeyType type);
-
-// "PROTOCOL, HOST, PORT or WEIGHT": the keys that may stand in a block.
-std::string keys_of(Block block);
 
 // The words that a word value may be, "ON" and "OFF" for example; empty for
 // other keys.

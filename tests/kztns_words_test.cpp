@@ -1,0 +1,212 @@
+// The command's words: texts as they are shown, key words, how far the work is.
+#include <pty.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <set>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "aftermath.h"
+#include "diagnose.h"
+#include "explain.h"
+#include "key_words.h"
+#include "log_watch.h"
+#include "names_text.h"
+#include "progress.h"
+
+using namespace std::string_view_literals;
+
+TEST(VisibleText, KeepsEveryCharacterThatCanBeSeen) {
+  for (const std::string_view text :
+       {"\xC2\xA1"sv, "\xDF\xBF"sv, "\xE0\xA0\x80"sv, "\xED\x9F\xBF"sv, "\xEE\x80\x80"sv,
+        "\xE2\x80\x8A"sv, "\xE2\x80\x90"sv, "\xEF\xBB\xBE"sv, "\xF0\x90\x80\x80"sv,
+        "\xF1\x80\x80\x80"sv, "\xF4\x8F\xBF\xBF"sv})
+    EXPECT_EQ(kztns::visible(text), text);
+}
+
+TEST(VisibleText, EscapesWhatIsNoCharacter) {
+  const std::pair<std::string_view, std::string_view> texts[] = {
+      {"\x80", "\\x80"},                             // no first byte
+      {"\xC1\xBF", "\\xc1\\xbf"},                    // overlong
+      {"\xE0\x9F\xBF", "\\xe0\\x9f\\xbf"},           // overlong
+      {"\xF0\x8F\xBF\xBF", "\\xf0\\x8f\\xbf\\xbf"},  // overlong
+      {"\xED\xA0\x80", "\\xed\\xa0\\x80"},           // a surrogate
+      {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // behind the last character
+      {"\xF5\x80\x80\x80", "\\xf5\\x80\\x80\\x80"},  // no first byte
+      {"\xC3x", "\\xc3x"},                           // a second byte that is none
+      {"\xE2\x82x", "\\xe2\\x82x"},                  // a third
+      {"\xF0\x90\x80", "\\xf0\\x90\\x80"}};          // the end
+  for (const auto &[text, shown] : texts) EXPECT_EQ(kztns::visible(text), shown);
+}
+
+TEST(VisibleText, EscapesInvisibleCharacters) {
+  const std::pair<std::string_view, std::string_view> texts[] = {
+      {"\xC2\x80", "\\xc2\\x80"},
+      {"\xC2\x9F", "\\xc2\\x9f"},
+      {"\xC2\xA0", "\\xc2\\xa0"},
+      {"\xE2\x80\x8B", "\\xe2\\x80\\x8b"},
+      {"\xE2\x80\x8F", "\\xe2\\x80\\x8f"}};
+  for (const auto &[text, shown] : texts) EXPECT_EQ(kztns::visible(text), shown);
+}
+
+TEST(Excerpt, EndsInFrontOfACharacterOfAnyLength) {
+  for (const std::string_view character : {"\xC3\xA4"sv, "\xE2\x82\xAC"sv, "\xF0\x9F\x90\x98"sv})
+    for (std::size_t left = 1; left < character.size(); ++left) {
+      const std::string before(40 - left, 'x');
+      EXPECT_EQ(kztns::excerpt(before + std::string(character) + "yyyy"), before + "...");
+    }
+  // Bytes that continue no character are cut anywhere.
+  EXPECT_EQ(kztns::excerpt(std::string(50, '\x80')).substr(37 * 4), "...");
+}
+
+TEST(Utf16, IsToldByItsFirstTwoBytes) {
+  EXPECT_TRUE(
+      kztns::is_utf_16("\xFF\xFE"
+                       "a\0"sv));
+  EXPECT_TRUE(kztns::is_utf_16("\xFE\xFF\0a"sv));
+  EXPECT_FALSE(kztns::is_utf_16("\xFF"));
+  EXPECT_FALSE(kztns::is_utf_16("a"));
+  EXPECT_FALSE(kztns::is_utf_16(""));
+}
+
+TEST(OddCharacter, IsTheFirstThatNobodySees) {
+  EXPECT_EQ(kztns::odd_character("name"), "");
+  EXPECT_EQ(kztns::odd_character("a\fb"), "\f");
+  EXPECT_EQ(kztns::odd_character("a\x7F"), "\x7F");
+  EXPECT_EQ(kztns::odd_character("\xE3\x80\x80x"), "\xE3\x80\x80");
+  EXPECT_EQ(kztns::odd_character("\xA0x"), "\xA0");
+  EXPECT_EQ(kztns::odd_character("x\xA0"), "\xA0");
+  EXPECT_EQ(kztns::odd_character("\xC3\xA0"), "");  // the end of a letter
+}
+
+namespace {
+
+using kztns::Block;
+using enum kztns::Block;
+
+}  // namespace
+
+TEST(KeyWords, AreListedForPeople) {
+  EXPECT_EQ(kztns::places_of(LB_ADDRESS), "DESCRIPTION or ADDRESS_LIST");
+  EXPECT_EQ(kztns::places_of(LB_ERROR_KEY), "");
+  EXPECT_EQ(kztns::key_word(LB_ERROR_KEY), nullptr);
+}
+
+TEST(KeyWords, TakeValuesOfOneKind) {
+  const std::set<KZCILBKeyType> integers = {LB_CONNECT_TIMEOUT,
+                                            LB_READ_TIMEOUT,
+                                            LB_WRITE_TIMEOUT,
+                                            LB_KZLB_RETRY_ALL_DOWNS,
+                                            LB_RETRY_DELAY,
+                                            LB_KZLB_RETRY_TIMEOUT,
+                                            LB_WEIGHT,
+                                            LB_KZ_MODE,
+                                            LB_USE_DEFAULT_SID,
+                                            LB_TIMEOUT,
+                                            LB_RETRY_TIMES,
+                                            LB_DRUATION,
+                                            LB_LOG_SIZE,
+                                            LB_LOG_COUNT,
+                                            LB_SLOWSQL_THRESHOLD,
+                                            LB_SLOWSQL_BUFFER_SIZE,
+                                            LB_SLOWSQL_FLUSH_SECOND};
+  const std::set<KZCILBKeyType> texts = {LB_PROTOCOL,  LB_HOST,         LB_PORT,
+                                         LB_SID,       LB_SERVICE_NAME, LB_EXTRA_INFO,
+                                         LB_LOG_LEVEL, LB_LOG_PATH,     LB_SESSION_VARIABLE};
+  const std::set<KZCILBKeyType> words = {LB_KZLB, LB_KZLB_STRATEGY, LB_KZLB_GROUP_STRATEGY,
+                                         LB_NAME};
+  for (const kztns::KeyWord &key : kztns::key_words()) {
+    const Block block = key.places.front();
+    EXPECT_EQ(kztns::is_integer(key.type), integers.contains(key.type)) << key.word;
+    EXPECT_EQ(kztns::longest_text(key.type, block) > 0, texts.contains(key.type)) << key.word;
+    EXPECT_EQ(!kztns::words_for(key.type, block).empty(), words.contains(key.type)) << key.word;
+  }
+}
+
+TEST(KeyWords, OfAStrategyNameTheStrategy) {
+  EXPECT_EQ(kztns::words_for(LB_NAME, remove_strategy), std::vector{"TIMEOUT"sv});
+  EXPECT_EQ(kztns::words_for(LB_NAME, append_strategy), std::vector{"RETRYDURATION"sv});
+}
+
+TEST(Failure, WithoutAFaultIsToldInTheLogsWords) {
+  kztns::Lookup lookup = {};
+  lookup.outcome = kztns::Outcome::malformed;
+  lookup.fault = "some words\n";
+  EXPECT_EQ(kztns::describe_failure(lookup, {}), "malformed: some words\\x0a");
+}
+
+namespace {
+
+// Standard error is a terminal for the time of its life.
+class ErrorTerminal {
+ public:
+  ErrorTerminal() {
+    int terminal = -1;
+    if (openpty(&far_end_, &terminal, nullptr, nullptr, nullptr) != 0) return;
+    std::fflush(stderr);
+    before_ = dup(STDERR_FILENO);
+    dup2(terminal, STDERR_FILENO);
+    close(terminal);
+  }
+  ~ErrorTerminal() { restore(); }
+
+  bool works() const { return before_ != -1; }
+
+  // What was printed; standard error is what it was.
+  std::string printed() {
+    std::fflush(stderr);
+    std::fputs("END", stderr);
+    std::string text;
+    std::array<char, 256> buffer = {};
+    while (text.find("END") == std::string::npos) {
+      const ssize_t count = read(far_end_, buffer.data(), buffer.size());
+      if (count <= 0) break;
+      text.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    restore();
+    return text.substr(0, text.find("END"));
+  }
+
+ private:
+  void restore() {
+    if (before_ == -1) return;
+    dup2(before_, STDERR_FILENO);
+    close(before_);
+    close(far_end_);
+    before_ = -1;
+  }
+
+  int far_end_ = -1;
+  int before_ = -1;
+};
+
+}  // namespace
+
+TEST(Progress, IsToldAfterASecondAndRemoved) {
+  ErrorTerminal terminal;
+  ASSERT_TRUE(terminal.works());
+  {
+    kztns::Progress progress(200);
+    progress.at(10);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1050));
+    progress.at(50);
+    progress.at(60);  // too soon behind the one before
+  }
+  EXPECT_EQ(terminal.printed(), "\rchecking:  25 %\r\x1b[K");
+}
+
+TEST(Progress, IsNotToldOfShortWork) {
+  ErrorTerminal terminal;
+  ASSERT_TRUE(terminal.works());
+  {
+    kztns::Progress progress(0);
+    progress.at(0);
+  }
+  EXPECT_EQ(terminal.printed(), "");
+}
