@@ -2,13 +2,15 @@
 #
 # Alike in every build, so that builds share what the compiler cache keeps: what
 # is tested is optimised and instrumented, a test is not. Optimising it takes
-# longer than running it. Only threads must be watched wherever they meet, and a
+# longer than running it. Only threads must be watched wherever they meet; and a
 # fuzzer runs long enough to want all it can get.
-if(NOT KZOCI_SANITIZE MATCHES "thread|fuzzer")
-  set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "")
+if(NOT KZOCI_SANITIZE MATCHES "fuzzer")
   foreach(build_type IN ITEMS DEBUG RELEASE RELWITHDEBINFO MINSIZEREL)
     set(CMAKE_CXX_FLAGS_${build_type} -g)
   endforeach()
+  if(NOT KZOCI_SANITIZE MATCHES "thread")
+    set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "")
+  endif()
 endif()
 
 # What does the work of many thousand cases is optimised all the same.

@@ -34,6 +34,9 @@ Lines address_failed(sword status) {
 
 class AddressBuild : public ::testing::Test {
  protected:
+  const BuilderUnderTest<KZCIAddressList> builder = {KZCIAddressBuild, "KZCIAddressBuild",
+                                                     "address_list"};
+
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIAddressListInit(&list_), 0);
@@ -107,37 +110,16 @@ TEST_F(AddressBuild, LogsEveryStepOfAGoodAddress) {
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
 }
 
-TEST_F(AddressBuild, NamesItsArgumentsInTheLog) {
-  Body input("(HOST=h))");
-  ASSERT_EQ(KZCIAddressBuild(&list_, &input.params), 0);
-  EXPECT_EQ(
-      support::log_records().front(),
-      "DEBUG call KZCIAddressBuild with params [address_list:" + support::pointer_text(&list_) +
-          "], [parse_params:" + support::pointer_text(&input.params) + "]");
-}
+TEST_F(AddressBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(list_); }
 
 TEST_F(AddressBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  Body input("(HOST=h))");
-  EXPECT_EQ(KZCIAddressBuild(nullptr, &input.params), -2);
-  EXPECT_EQ(KZCIAddressBuild(&list_, nullptr), -2);
-  EXPECT_EQ(KZCIAddressBuild(nullptr, nullptr), -2);
-  const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-  const std::string call = "DEBUG call KZCIAddressBuild with params ";
-  EXPECT_EQ(joined(support::events()),
-            joined(Lines{call + "[address_list:NULL], [parse_params:PTR]"} + refusal +
-                   Lines{call + "[address_list:PTR], [parse_params:NULL]"} + refusal +
-                   Lines{call + "[address_list:NULL], [parse_params:NULL]"} + refusal));
-  EXPECT_EQ(input.unread(), "(HOST=h))");
+  builder.expect_null_refusal(list_);
 }
 
 TEST_F(AddressBuild, NoMemoryLeavesTheInputUnread) {
-  Body input("(HOST=h))");
-  support::fail_allocation(1);
-  EXPECT_EQ(KZCIAddressBuild(&list_, &input.params), -1);
-  EXPECT_EQ(joined(support::events()), joined(address_call() + refused(address_block) +
-                                              Lines{"ERROR malloc address error, malloc size:" +
-                                                    std::to_string(sizeof(KZCIAddress))}));
-  EXPECT_EQ(input.unread(), "(HOST=h))");
+  builder.expect_no_memory(
+      list_, address_block,
+      "ERROR malloc address error, malloc size:" + std::to_string(sizeof(KZCIAddress)));
   EXPECT_EQ(list_.address, nullptr);
   EXPECT_EQ(list_.address_count, 0u);
 }
@@ -574,6 +556,9 @@ Lines wrong_strategy(const std::string &text) {
 
 class AddressListBuild : public ::testing::Test {
  protected:
+  const BuilderUnderTest<KZCIDescription> builder = {KZCIAddressListBuild, "KZCIAddressListBuild",
+                                                     "des"};
+
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIDescriptionInit(&des_), 0);
@@ -652,37 +637,16 @@ TEST_F(AddressListBuild, LogsEveryStepOfAGoodList) {
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
 }
 
-TEST_F(AddressListBuild, NamesItsArgumentsInTheLog) {
-  Body input("(KZLB=ON))");
-  ASSERT_EQ(KZCIAddressListBuild(&des_, &input.params), 0);
-  EXPECT_EQ(support::log_records().front(),
-            "DEBUG call KZCIAddressListBuild with params [des:" + support::pointer_text(&des_) +
-                "], [parse_params:" + support::pointer_text(&input.params) + "]");
-}
+TEST_F(AddressListBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(des_); }
 
 TEST_F(AddressListBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  Body input("(KZLB=ON))");
-  EXPECT_EQ(KZCIAddressListBuild(nullptr, &input.params), -2);
-  EXPECT_EQ(KZCIAddressListBuild(&des_, nullptr), -2);
-  EXPECT_EQ(KZCIAddressListBuild(nullptr, nullptr), -2);
-  const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-  const std::string call = "DEBUG call KZCIAddressListBuild with params ";
-  EXPECT_EQ(joined(support::events()),
-            joined(Lines{call + "[des:NULL], [parse_params:PTR]"} + refusal +
-                   Lines{call + "[des:PTR], [parse_params:NULL]"} + refusal +
-                   Lines{call + "[des:NULL], [parse_params:NULL]"} + refusal));
-  EXPECT_EQ(input.unread(), "(KZLB=ON))");
+  builder.expect_null_refusal(des_);
 }
 
 TEST_F(AddressListBuild, NoMemoryForTheListLeavesTheInputUnread) {
-  Body input("(ADDRESS=(HOST=h)))");
-  support::fail_allocation(1);
-  EXPECT_EQ(KZCIAddressListBuild(&des_, &input.params), -1);
-  EXPECT_EQ(joined(support::events()),
-            joined(address_list_call() + refused(list_block) +
-                   Lines{"ERROR malloc address_list error, malloc size:" +
-                         std::to_string(sizeof(KZCIAddressList))}));
-  EXPECT_EQ(input.unread(), "(ADDRESS=(HOST=h)))");
+  builder.expect_no_memory(
+      des_, list_block,
+      "ERROR malloc address_list error, malloc size:" + std::to_string(sizeof(KZCIAddressList)));
   EXPECT_EQ(des_.address_list, nullptr);
 }
 

@@ -108,27 +108,12 @@ class BlacklistTest : public ::testing::Test {
   }
 
   void expect_null_refusal(const std::string &call, const std::string &argument) {
-    Body input("(NAME=T))");
-    EXPECT_EQ(builder_(nullptr, &input.params), -2);
-    EXPECT_EQ(builder_(&black_, nullptr), -2);
-    EXPECT_EQ(builder_(nullptr, nullptr), -2);
-    const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-    const std::string begin = "DEBUG call " + call + " with params [" + argument + ":";
-    EXPECT_EQ(joined(support::events()),
-              joined(Lines{begin + "NULL], [parse_params:PTR]"} + refusal +
-                     Lines{begin + "PTR], [parse_params:NULL]"} + refusal +
-                     Lines{begin + "NULL], [parse_params:NULL]"} + refusal));
-    EXPECT_EQ(input.unread(), "(NAME=T))");
+    BuilderUnderTest<KZCIBlacklistConf>{builder_, call, argument}.expect_null_refusal(black_);
     EXPECT_EQ(shown(black_), untouched);
   }
 
   void expect_arguments_in_log(const std::string &call, const std::string &argument) {
-    Body input(")");
-    EXPECT_EQ(builder_(&black_, &input.params), -1);
-    EXPECT_EQ(support::log_records().front(),
-              "DEBUG call " + call + " with params [" + argument + ":" +
-                  support::pointer_text(&black_) +
-                  "], [parse_params:" + support::pointer_text(&input.params) + "]");
+    BuilderUnderTest<KZCIBlacklistConf>{builder_, call, argument}.expect_arguments_in_log(black_);
   }
 
   Lines built() const { return {"DEBUG success to call " + name_}; }

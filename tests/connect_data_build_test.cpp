@@ -62,6 +62,9 @@ std::string text_of_item(const Item &item, const KZCIConnectData &data) {
 
 class ConnectDataBuild : public ::testing::Test {
  protected:
+  const BuilderUnderTest<KZCIDescription> builder = {KZCIConnectDataBuild, "KZCIConnectDataBuild",
+                                                     "des"};
+
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIDescriptionInit(&des_), 0);
@@ -128,37 +131,16 @@ TEST_F(ConnectDataBuild, LogsEveryStepOfGoodData) {
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
 }
 
-TEST_F(ConnectDataBuild, NamesItsArgumentsInTheLog) {
-  Body input("(SID=a))");
-  ASSERT_EQ(KZCIConnectDataBuild(&des_, &input.params), 0);
-  EXPECT_EQ(support::log_records().front(),
-            "DEBUG call KZCIConnectDataBuild with params [des:" + support::pointer_text(&des_) +
-                "], [parse_params:" + support::pointer_text(&input.params) + "]");
-}
+TEST_F(ConnectDataBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(des_); }
 
 TEST_F(ConnectDataBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  Body input("(SID=a))");
-  EXPECT_EQ(KZCIConnectDataBuild(nullptr, &input.params), -2);
-  EXPECT_EQ(KZCIConnectDataBuild(&des_, nullptr), -2);
-  EXPECT_EQ(KZCIConnectDataBuild(nullptr, nullptr), -2);
-  const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-  const std::string call = "DEBUG call KZCIConnectDataBuild with params ";
-  EXPECT_EQ(joined(support::events()),
-            joined(Lines{call + "[des:NULL], [parse_params:PTR]"} + refusal +
-                   Lines{call + "[des:PTR], [parse_params:NULL]"} + refusal +
-                   Lines{call + "[des:NULL], [parse_params:NULL]"} + refusal));
-  EXPECT_EQ(input.unread(), "(SID=a))");
+  builder.expect_null_refusal(des_);
 }
 
 TEST_F(ConnectDataBuild, NoMemoryLeavesTheInputUnread) {
-  Body input("(SID=a))");
-  support::fail_allocation(1);
-  EXPECT_EQ(KZCIConnectDataBuild(&des_, &input.params), -1);
-  EXPECT_EQ(joined(support::events()),
-            joined(connect_data_call() + refused(data_block) +
-                   Lines{"ERROR malloc connect_data error, malloc size:" +
-                         std::to_string(sizeof(KZCIConnectData))}));
-  EXPECT_EQ(input.unread(), "(SID=a))");
+  builder.expect_no_memory(
+      des_, data_block,
+      "ERROR malloc connect_data error, malloc size:" + std::to_string(sizeof(KZCIConnectData)));
   EXPECT_EQ(des_.connect_data, nullptr);
 }
 

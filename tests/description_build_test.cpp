@@ -142,6 +142,9 @@ std::string host_of(const KZCIAddressList &list) {
 
 class DescriptionBuild : public ::testing::Test {
  protected:
+  const BuilderUnderTest<KZCITnsService> builder = {KZCIDescriptionBuild, "KZCIDescriptionBuild",
+                                                    "tns_service"};
+
   void SetUp() override { start(); }
   void TearDown() override {
     EXPECT_EQ(support::bad_releases(), 0u);
@@ -274,38 +277,16 @@ TEST_F(DescriptionBuild, SwitchTimeoutListAndData) {
   EXPECT_EQ(live(), (Lines{description_block, list_block, address_block, data_block}));
 }
 
-TEST_F(DescriptionBuild, NamesItsArgumentsInTheLog) {
-  Body input("(KZLB=ON))");
-  ASSERT_EQ(KZCIDescriptionBuild(&service_, &input.params), 0);
-  EXPECT_EQ(support::log_records().front(),
-            "DEBUG call KZCIDescriptionBuild with params [tns_service:" +
-                support::pointer_text(&service_) +
-                "], [parse_params:" + support::pointer_text(&input.params) + "]");
-}
+TEST_F(DescriptionBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(service_); }
 
 TEST_F(DescriptionBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  Body input("(KZLB=ON))");
-  EXPECT_EQ(KZCIDescriptionBuild(nullptr, &input.params), -2);
-  EXPECT_EQ(KZCIDescriptionBuild(&service_, nullptr), -2);
-  EXPECT_EQ(KZCIDescriptionBuild(nullptr, nullptr), -2);
-  const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-  const std::string call = "DEBUG call KZCIDescriptionBuild with params ";
-  EXPECT_EQ(joined(support::events()),
-            joined(Lines{call + "[tns_service:NULL], [parse_params:PTR]"} + refusal +
-                   Lines{call + "[tns_service:PTR], [parse_params:NULL]"} + refusal +
-                   Lines{call + "[tns_service:NULL], [parse_params:NULL]"} + refusal));
-  EXPECT_EQ(input.unread(), "(KZLB=ON))");
+  builder.expect_null_refusal(service_);
 }
 
 // The message prints the size of a service record.
 TEST_F(DescriptionBuild, NoMemoryLeavesTheInputUnread) {
-  Body input("(KZLB=ON))");
-  support::fail_allocation(1);
-  EXPECT_EQ(KZCIDescriptionBuild(&service_, &input.params), -1);
-  EXPECT_EQ(joined(support::events()),
-            joined(description_call() + refused(description_block) +
-                   Lines{"ERROR malloc description error, malloc size:2416"}));
-  EXPECT_EQ(input.unread(), "(KZLB=ON))");
+  builder.expect_no_memory(service_, description_block,
+                           "ERROR malloc description error, malloc size:2416");
   EXPECT_EQ(service_.description, nullptr);
   EXPECT_EQ(service_.description_count, 0u);
 }

@@ -9,12 +9,15 @@
 #include <string_view>
 #include <vector>
 
+#include "support/key_numbers.h"
 #include "support/parsing.h"
 
 namespace {
 
 using support::bytes;
 using support::DescriptorState;
+using support::key_numbers;
+using support::KeyNumber;
 using support::Lines;
 using namespace std::string_view_literals;
 
@@ -25,53 +28,6 @@ class KeyTable : public ::testing::Test {
     EXPECT_EQ(support::bad_releases(), 0u);
     EXPECT_EQ(support::memory_events(), Lines{}) << "a look-up allocates nothing";
   }
-};
-
-struct Word {
-  std::string_view text;
-  int number;
-};
-
-// Every key word with the number of its identifier.
-constexpr Word words[] = {
-    {"SID", 25},
-    {"KZLB", 2},
-    {"HOST", 20},
-    {"PORT", 21},
-    {"NAME", 11},
-    {"WEIGHT", 22},
-    {"ADDRESS", 18},
-    {"TIMEOUT", 12},
-    {"KZ_MODE", 27},
-    {"PROTOCOL", 19},
-    {"DURATION", 15},
-    {"LOG_SIZE", 33},
-    {"LOG_PATH", 36},
-    {"LOG_LEVEL", 34},
-    {"LOG_COUNT", 35},
-    {"RETRYTIMES", 14},
-    {"DESCRIPTION", 1},
-    {"RETRY_TIMES", 14},
-    {"RETRY_DELAY", 37},
-    {"ADDRESS_LIST", 16},
-    {"CONNECT_DATA", 23},
-    {"SERVICE_NAME", 24},
-    {"KZLB_STRATEGY", 17},
-    {"KZLB_BLACKLIST", 9},
-    {"REMOVE_STRATEGY", 10},
-    {"APPEND_STRATEGY", 13},
-    {"USE_DEFAULT_SID", 28},
-    {"SESSION_VARIABLE", 32},
-    {"SLOWSQL_THRESHOLD", 29},
-    {"KZLB_READ_TIMEOUT", 4},
-    {"KZ_USER_EXTRA_INFO", 26},
-    {"KZLB_RETRY_TIMEOUT", 8},
-    {"KZLB_WRITE_TIMEOUT", 5},
-    {"KZLB_GROUP_STRATEGY", 6},
-    {"SLOWSQL_BUFFER_SIZE", 30},
-    {"KZLB_RETRY_ALL_DOWNS", 7},
-    {"KZLB_CONNECT_TIMEOUT", 3},
-    {"SLOWSQL_FLUSH_SECOND", 31},
 };
 
 constexpr KZCILBKeyType untouched = LB_MAX_KEY_TYPE;
@@ -114,7 +70,7 @@ void expect_not_found(std::string_view key) {
 }
 
 bool is_word(std::string_view text) {
-  for (const Word &word : words)
+  for (const KeyNumber &word : key_numbers)
     if (word.text == text) return true;
   return false;
 }
@@ -178,22 +134,22 @@ TEST_F(KeyTable, IdentifiersHaveTheirNumbers) {
 // a word, and only the retry count has two.
 TEST_F(KeyTable, EveryIdentifierHasAWord) {
   std::multiset<int> numbers;
-  for (const Word &word : words) numbers.insert(word.number);
+  for (const KeyNumber &word : key_numbers) numbers.insert(word.number);
   EXPECT_EQ(numbers.size(), 38u);
   for (int number = LB_ERROR_KEY + 1; number < LB_MAX_KEY_TYPE; ++number)
     EXPECT_EQ(numbers.count(number), number == LB_RETRY_TIMES ? 2u : 1u) << number;
 }
 
 TEST_F(KeyTable, WordsInUpperCase) {
-  for (const Word &word : words) expect_found(word.text, word.number);
+  for (const KeyNumber &word : key_numbers) expect_found(word.text, word.number);
 }
 
 TEST_F(KeyTable, WordsInLowerCase) {
-  for (const Word &word : words) expect_found(lower(word.text), word.number);
+  for (const KeyNumber &word : key_numbers) expect_found(lower(word.text), word.number);
 }
 
 TEST_F(KeyTable, WordsInMixedCase) {
-  for (const Word &word : words) {
+  for (const KeyNumber &word : key_numbers) {
     expect_found(mixed(word.text, true), word.number);
     expect_found(mixed(word.text, false), word.number);
   }
@@ -257,7 +213,7 @@ TEST_F(KeyTable, LengthsAboveTheLimit) {
 TEST_F(KeyTable, LargestLengthIsAboveTheLimit) { expect_too_long(0xFFFFFFFFu, "-1"); }
 
 TEST_F(KeyTable, AWordWithACharacterMoreThanTheLimit) {
-  for (const Word &word : words) {
+  for (const KeyNumber &word : key_numbers) {
     if (word.text.size() != 20) continue;
     SCOPED_TRACE(word.text);
     support::reset_platform();
@@ -269,19 +225,19 @@ TEST_F(KeyTable, AWordWithACharacterMoreThanTheLimit) {
 }
 
 TEST_F(KeyTable, LeadingPartsOfWordsAreNoWords) {
-  for (const Word &word : words)
+  for (const KeyNumber &word : key_numbers)
     for (std::size_t size = 0; size < word.text.size(); ++size)
       if (!is_word(word.text.substr(0, size))) expect_not_found(word.text.substr(0, size));
 }
 
 TEST_F(KeyTable, TrailingPartsOfWordsAreNoWords) {
-  for (const Word &word : words)
+  for (const KeyNumber &word : key_numbers)
     for (std::size_t from = 1; from < word.text.size(); ++from)
       if (!is_word(word.text.substr(from))) expect_not_found(word.text.substr(from));
 }
 
 TEST_F(KeyTable, OneCharacterMoreMakesNoWord) {
-  for (const Word &word : words) {
+  for (const KeyNumber &word : key_numbers) {
     if (word.text.size() == 20) continue;
     for (const char more : {'S', '_', ' ', '\0', '1'}) {
       expect_not_found(bytes(word.text) + more);
@@ -293,7 +249,7 @@ TEST_F(KeyTable, OneCharacterMoreMakesNoWord) {
 // Only letters have a case: a byte that differs from the word's own in the bit
 // of the case alone is another byte when the word has no letter there.
 TEST_F(KeyTable, OneOtherByteAtAnyPlaceMakesNoWord) {
-  for (const Word &word : words) {
+  for (const KeyNumber &word : key_numbers) {
     for (std::size_t place = 0; place < word.text.size(); ++place) {
       for (int byte = 0; byte < 256; ++byte) {
         std::string key(word.text);

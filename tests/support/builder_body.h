@@ -7,7 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "expected_log.h"
+#include "key_numbers.h"
 #include "parsing.h"
 
 namespace builder_body {
@@ -174,50 +177,47 @@ inline std::vector<Ending> good_endings() {
   };
 }
 
-struct KeyWord {
-  const char *text;
-  int type;
-};
+// What every builder does with its arguments; it is told by its name and its first
+// argument's name in the log.
+template <class Record>
+struct BuilderUnderTest {
+  sword (*build)(Record *, KZCITnsParseParams *);
+  std::string name;
+  std::string argument;
 
-inline constexpr KeyWord key_words[] = {
-    {"SID", 25},
-    {"KZLB", 2},
-    {"HOST", 20},
-    {"PORT", 21},
-    {"NAME", 11},
-    {"WEIGHT", 22},
-    {"ADDRESS", 18},
-    {"TIMEOUT", 12},
-    {"KZ_MODE", 27},
-    {"PROTOCOL", 19},
-    {"DURATION", 15},
-    {"LOG_SIZE", 33},
-    {"LOG_PATH", 36},
-    {"LOG_LEVEL", 34},
-    {"LOG_COUNT", 35},
-    {"RETRYTIMES", 14},
-    {"DESCRIPTION", 1},
-    {"RETRY_TIMES", 14},
-    {"RETRY_DELAY", 37},
-    {"ADDRESS_LIST", 16},
-    {"CONNECT_DATA", 23},
-    {"SERVICE_NAME", 24},
-    {"KZLB_STRATEGY", 17},
-    {"KZLB_BLACKLIST", 9},
-    {"REMOVE_STRATEGY", 10},
-    {"APPEND_STRATEGY", 13},
-    {"USE_DEFAULT_SID", 28},
-    {"SESSION_VARIABLE", 32},
-    {"SLOWSQL_THRESHOLD", 29},
-    {"KZLB_READ_TIMEOUT", 4},
-    {"KZ_USER_EXTRA_INFO", 26},
-    {"KZLB_RETRY_TIMEOUT", 8},
-    {"KZLB_WRITE_TIMEOUT", 5},
-    {"KZLB_GROUP_STRATEGY", 6},
-    {"SLOWSQL_BUFFER_SIZE", 30},
-    {"KZLB_RETRY_ALL_DOWNS", 7},
-    {"KZLB_CONNECT_TIMEOUT", 3},
-    {"SLOWSQL_FLUSH_SECOND", 31},
+  std::string call(const std::string &record, const std::string &params) const {
+    return "DEBUG call " + name + " with params [" + argument + ":" + record +
+           "], [parse_params:" + params + "]";
+  }
+
+  void expect_arguments_in_log(Record &record) const {
+    Body input(")");
+    build(&record, &input.params);
+    EXPECT_EQ(support::log_records().front(),
+              call(support::pointer_text(&record), support::pointer_text(&input.params)));
+  }
+
+  void expect_null_refusal(Record &record) const {
+    Body input("(NAME=T))");
+    EXPECT_EQ(build(nullptr, &input.params), -2);
+    EXPECT_EQ(build(&record, nullptr), -2);
+    EXPECT_EQ(build(nullptr, nullptr), -2);
+    const Lines refusal = {"ERROR invalid handle, handle is NULL"};
+    EXPECT_EQ(joined(support::events()),
+              joined(Lines{call("NULL", "PTR")} + refusal + Lines{call("PTR", "NULL")} + refusal +
+                     Lines{call("NULL", "NULL")} + refusal));
+    EXPECT_EQ(input.unread(), "(NAME=T))");
+  }
+
+  // The record to be built cannot be allocated; the message tells the size.
+  void expect_no_memory(Record &parent, const std::string &what, const std::string &message) const {
+    Body input("(NAME=T))");
+    support::fail_allocation(1);
+    EXPECT_EQ(build(&parent, &input.params), -1);
+    EXPECT_EQ(joined(support::events()),
+              joined(Lines{call("PTR", "PTR")} + refused(what) + Lines{message}));
+    EXPECT_EQ(input.unread(), "(NAME=T))");
+  }
 };
 
 // Key words that a block refuses: every one but the given ones. Builders tell
@@ -225,14 +225,14 @@ inline constexpr KeyWord key_words[] = {
 inline std::vector<Fault> refused_words(const Lines &accepted, const std::string &prefix,
                                         const std::string &error) {
   std::vector<Fault> out;
-  for (const KeyWord &word : key_words) {
+  for (const support::KeyNumber &word : support::key_numbers) {
     bool known = false;
     for (const std::string &text : accepted) known = known || text == word.text;
     if (known) continue;
-    const std::string text = word.text;
+    const std::string text(word.text);
     out.push_back({"refused " + text, "(" + text + "=v))",
-                   expected_log::key_word(text, word.type) +
-                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(word.type),
+                   expected_log::key_word(text, word.number) +
+                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(word.number),
                              "ERROR " + error},
                    "v))"});
   }
