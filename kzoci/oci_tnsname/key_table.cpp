@@ -49,12 +49,12 @@ struct KeyWord {
   }
 };
 
-// In the order of their lengths.
+// In the order of their lengths; of one length the most frequent ones first.
 constexpr KeyWord tns_keys[] = {
     {"SID", LB_SID},
-    {"KZLB", LB_KZLB},
     {"HOST", LB_HOST},
     {"PORT", LB_PORT},
+    {"KZLB", LB_KZLB},
     {"NAME", LB_NAME},
     {"WEIGHT", LB_WEIGHT},
     {"ADDRESS", LB_ADDRESS},

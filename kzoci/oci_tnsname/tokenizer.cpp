@@ -148,21 +148,27 @@ sword finish_key(KZCITnsParseParams &params, ub4 length) {
   return finish_key(*params, key.length);
 }
 
+// The length of the key at buffer_pos if it is a short one: of ordinary characters
+// only, and followed by its terminator within the buffer, as most are. 0 if not.
+inline ub4 short_key_length(const KZCITnsParseParams &params) {
+  const ub4 at = params.buffer_pos;
+  if (at >= params.buffer_len || params.buffer_len - at <= KeyBlock::width) return 0;
+  const ub4 length = KeyBlock::ordinary(params.tns_buffer + at);
+  return is_any_of(params.tns_buffer[at + length], key_terminator) ? length : 0;
+}
+
+inline sword take_short_key(KZCITnsParseParams &params, ub4 length) {
+  KeyBlock::move(params.tns_key, params.tns_buffer + params.buffer_pos, length);
+  params.buffer_pos += length;
+  return finish_key(params, length);
+}
+
 }  // namespace
 
 sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
   if (parse_params == nullptr) return invalid_handle;
-  // Most keys end within a block of the buffer.
-  const ub4 at = parse_params->buffer_pos;
-  if (at < parse_params->buffer_len && parse_params->buffer_len - at > KeyBlock::width) {
-    const ub4 length = KeyBlock::ordinary(parse_params->tns_buffer + at);
-    if (is_any_of(parse_params->tns_buffer[at + length], key_terminator)) {
-      KeyBlock::move(parse_params->tns_key, parse_params->tns_buffer + at, length);
-      parse_params->buffer_pos = at + length;
-      return finish_key(*parse_params, length);
-    }
-  }
-  return read_key(parse_params);
+  const ub4 length = short_key_length(*parse_params);
+  return length > 0 ? take_short_key(*parse_params, length) : read_key(parse_params);
 }
 
 namespace {
@@ -175,7 +181,7 @@ namespace {
   return failure;
 }
 
-inline sword take_key(KZCITnsParseParams *params) {
+sword take_key(KZCITnsParseParams *params) {
   const sword status = KZCITnsParseKey(params);
   if (status != success) KZ_LOG_ERROR("fail to call parse key, status:%d", status);
   return status;
@@ -203,6 +209,13 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
 
 sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type) {
   if (parse_params == nullptr) return invalid_handle;
+  if (expect_type == TNS_KEY && parse_params->is_comment != 1) {
+    const ub4 length = short_key_length(*parse_params);
+    if (length > 0) {
+      parse_params->tns_token_type = TNS_KEY;
+      return take_short_key(*parse_params, length);
+    }
+  }
   return stands_at_token(*parse_params) ? take_token(parse_params, expect_type)
                                         : take_token_behind_blanks(parse_params, expect_type);
 }
