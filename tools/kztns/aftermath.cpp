@@ -16,7 +16,7 @@ constexpr std::string_view full_name = "KZCISYSTEMVARIABLES";
 StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
   const char *const where = hidden.in_comment ? "comment" : "quotes";
   return {hidden.in_comment ? Rule::paren_in_comment : Rule::paren_in_quotes, hidden.at,
-          "lookups of other names count this parenthesis, although it stands in " +
+          "lookups of later names count this parenthesis, although it stands in " +
               std::string(hidden.in_comment ? "a " : "") + where + std::string(consequence)};
 }
 
@@ -41,7 +41,8 @@ class StopExplainer {
       case StopKind::lost_name:
         return lost_name();
       case StopKind::name_too_long:
-        return {Rule::key_refused, stop_.at, "a name of 256 characters ends a piece of 1024 here"};
+        return {Rule::key_refused, stop_.at,
+                "this name of 256 characters ends with a piece of 1024"};
       case StopKind::gave_up:
         return {Rule::gave_up, stop_.at,
                 "the entries up to here are built to far behind their ends: the check ends here"};
@@ -60,33 +61,38 @@ class StopExplainer {
           survey_.misskips().empty())
         return {Rule::second_block, stop_.at,
                 "the second block of " + excerpt(survey_.name(*before)) +
-                    " begins here: lookups of other names end at it"};
+                    " begins here: every lookup of a later name ends here"};
       if (const auto hidden = find_hidden(text(), before->body, stop_.at, ')'))
         return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
     }
     if (stop_.met == TNS_RIGHT_PARENTHESES)
-      return {Rule::extra_close, stop_.at, "this \")\" closes nothing: every lookup ends here"};
+      return {Rule::extra_close, stop_.at,
+              "this \")\" closes nothing: every lookup of a later name ends here"};
     return {Rule::stray_text, stop_.at,
             "a name must stand here, not " + quoted_token(subject_, stop_.at) +
-                ": every lookup ends here"};
+                ": every lookup of a later name ends here"};
   }
 
   StopCause no_equal() const {
     if (stop_.name == 0 && text().starts_with(byte_order_mark))
       return {Rule::byte_order_mark, 0,
-              "the byte order mark belongs to the name behind it: every lookup ends here"};
+              "the byte order mark belongs to the name behind it: every lookup of a later name "
+              "ends here"};
     const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
     const bool comma =
         name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
     if (comma)
       return {Rule::comma_list, stop_.name,
-              "a list of names is no entry: every lookup ends at its second word"};
+              "a list of names is no entry: every lookup of a later name ends at its second word"};
     const std::string word = quoted_token(subject_, stop_.name);
     if (stop_.met == TNS_LEFT_PARENTHESES)
-      return {Rule::missing_equal, stop_.at,
-              "\"=\" must stand behind the name " + word + ": every lookup ends here"};
-    return {Rule::stray_text, stop_.name,
-            word + " is read as a name, but no \"=\" follows it: every lookup ends here"};
+      return {
+          Rule::missing_equal, stop_.at,
+          "\"=\" must stand behind the name " + word + ": every lookup of a later name ends here"};
+    return {
+        Rule::stray_text, stop_.name,
+        word +
+            " is read as a name, but no \"=\" follows it: every lookup of a later name ends here"};
   }
 
   StopCause lost_name() const {
@@ -102,12 +108,14 @@ class StopExplainer {
     if (stop_.kind == StopKind::reserved)
       return {Rule::reserved_part, entry.at, name + " ends every lookup of a later name"};
     if (stop_.kind == StopKind::no_open)
-      return {Rule::no_block, stop_.at, "\"(\" must stand behind \"=\": every lookup ends here"};
+      return {Rule::no_block, stop_.at,
+              "\"(\" must stand behind \"=\": every lookup of a later name ends here"};
     if (const auto hidden = find_hidden(text(), entry.body, subject_.text.size(), '(');
         entry.built && hidden && hidden->at < entry.end)
       return found_parenthesis(*hidden, read_on(subject_.text, subject_.text.size()));
-    return {Rule::unclosed_block, pass_blanks(text(), entry.body),
-            "the parentheses of " + name + " never balance: every lookup ends here"};
+    return {
+        Rule::unclosed_block, pass_blanks(text(), entry.body),
+        "the parentheses of " + name + " never balance: every lookup of a later name ends here"};
   }
 
   Subject subject_;
@@ -123,7 +131,7 @@ class Aftermath {
 
   void report() {
     if (is_utf_16(text_.text()))
-      return add(Rule::utf_16, 0, {}, "the file is in UTF-16, of which no name can be read");
+      return add(Rule::utf_16, 0, {}, "the file is in UTF-16, in which no name can be read");
     if (survey_.stop().kind != StopKind::end) take_stop();
     for (const Misskip &misskip : survey_.misskips()) report_misskip(misskip);
     for (std::size_t i = 0; i < survey_.entries().size(); ++i) report_entry(i);
@@ -178,7 +186,7 @@ class Aftermath {
                    cause->at,
                    survey_.name(entry_of(misskip)),
                    {},
-                   cause->text + (lost.empty() ? "" : "; lost through it: " + lost)});
+                   cause->text + (lost.empty() ? "" : "; entries lost through it: " + lost)});
   }
 
   void report_entry(std::size_t i) {
@@ -245,7 +253,7 @@ class Aftermath {
     if (odd.empty()) return;
     const bool at_file_start = entry.at == 0 && odd == byte_order_mark;
     add(at_file_start ? Rule::byte_order_mark : Rule::odd_bytes, entry.at, name,
-        visible(odd) + " belongs to the name: it is found only with it");
+        visible(odd) + " belongs to the name: the entry is found only under a name with it");
   }
 
   void report_reserved_part(const Entry &entry, std::string_view name) {
@@ -276,7 +284,7 @@ class Aftermath {
     if (survey_.stop().kind == StopKind::end || entry.at < survey_.stop().name)
       return "lookups pass over it as a part of the entry before";
     if (entry.in_list) return "one of a list of names: no lookup finds it";
-    return "no lookup comes here: every one ends at " + text_.place(cause_.at) + " [" +
+    return "no lookup comes here: stopped by the finding at " + text_.place(cause_.at) + " [" +
            std::string(text_of(cause_.rule).id) + "]";
   }
 

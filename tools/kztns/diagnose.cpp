@@ -194,7 +194,7 @@ class Diagnostician {
         return found(Rule::second_connect_data,
                      "the second CONNECT_DATA is dropped, and ends its description");
       case FaultKind::key_too_long:
-        return found(Rule::key_refused, "a token of 256 characters ends a piece of 1024 here");
+        return found(Rule::key_refused, "this token of 256 characters ends with a piece of 1024");
       default:
         return found(Rule::unexplained, "the library refuses the entry");
     }

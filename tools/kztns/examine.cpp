@@ -17,9 +17,8 @@ class Examiner : public EntryVisitor {
     if (utf_16_) return;
     if (view.service == nullptr && view.trace.is_settings() && view.name != "KZCISYSTEMVARIABLES")
       return;  // the name is to blame
-    if (view.trace.fault().kind != FaultKind::none)
-      report_fault(view);
-    else
+    if (view.trace.fault().kind != FaultKind::none) report_fault(view);
+    if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
       report_suspicions(view.trace, view.name, findings_);
   }
 

@@ -114,7 +114,7 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const Survey &survey
   if (is_utf_16(text.text()))
     return make_remark(
         text, 0,
-        with_remedy("the file is in UTF-16, of which no name can be read", {}, Rule::utf_16));
+        with_remedy("the file is in UTF-16, in which no name can be read", {}, Rule::utf_16));
   const StopCause cause = cause_of_stop(text, survey);
   std::string words = cause.text;
   if (survey.stop().kind == StopKind::reserved) {

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <optional>
 
+#include "kzoci/platform/my_strtoll10.h"
 #include "near_miss.h"
 
 namespace kztns {
@@ -68,9 +69,14 @@ class Suspicions {
     if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text});
   }
 
+  // About an item's value.
   void add(Rule rule, const Item &item, const std::string &text) {
-    add(rule, item.has_value ? item.value.begin : item.key.begin, item.frame,
-        excerpt(trace_.key_of(item)) + text);
+    add(rule, item.value.begin, item.frame, excerpt(trace_.key_of(item)) + text);
+  }
+
+  // About the item itself.
+  void add_item(Rule rule, const Item &item, const std::string &text) {
+    add(rule, item.key.begin, item.frame, excerpt(trace_.key_of(item)) + text);
   }
 
   std::string value_of(const Item &item) const {
@@ -79,7 +85,7 @@ class Suspicions {
 
   void check_item(const Item &item) {
     if (item.type == LB_ERROR_KEY || (trace_.is_settings() && is_foreign(item)))
-      return add(Rule::unknown_setting, item, " is no system variable");
+      return add_item(Rule::unknown_setting, item, " is no system variable");
     if (!item.has_value) return;
     if (item.dropped) return add_dropped(item);
     if (is_integer(item.type)) return check_number(item);
@@ -101,7 +107,8 @@ class Suspicions {
     const std::string_view text = trace_.text_of(item);
     if (item.type == LB_PORT) {
       const std::optional<sb8> port = number(text);
-      if (!port || *port < 1 || *port > 65535) add(Rule::bad_port, item, value_of(item));
+      if (!port || *port < 1 || *port > 65535)
+        add(Rule::bad_port, item, value_of(item) + ", which is no number from 1 to 65535");
     } else if (item.type == LB_LOG_LEVEL && !is_level(text)) {
       add(Rule::log_level, item, value_of(item) + ": the default logger does not know it");
     } else {
@@ -120,13 +127,26 @@ class Suspicions {
   }
 
   void check_number(const Item &item) {
+    if (item.type == LB_RETRY_DELAY)
+      return add_item(Rule::retry_delay, item, " is read and dropped");
     const std::optional<sb8> value = number(trace_.text_of(item));
-    if (item.type == LB_RETRY_DELAY) return add(Rule::retry_delay, item, " is read and dropped");
-    if (!value) return;
+    if (!value) return add_too_large(item);
     if (const auto stored = narrowed(item.type, *value))
       add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
     else if (*value < 0 && !may_be_negative(item.type))
       add(Rule::negative_number, item, " is " + std::to_string(*value));
+  }
+
+  // The library takes numbers up to twice what 64 bits hold, the upper half as
+  // negative ones.
+  void add_too_large(const Item &item) {
+    std::string text(trace_.text_of(item));
+    char *end = text.data() + text.size();
+    int error = 0;
+    const sb8 stored = my_strtoll10(text.data(), &end, &error);
+    if (error == 0 && stored < 0)
+      add(Rule::narrowed_number, item,
+          " is " + excerpt(text) + ": " + std::to_string(stored) + " is stored");
   }
 
   void check_block(int index) {

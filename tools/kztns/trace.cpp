@@ -245,11 +245,16 @@ void Trace::block_failed() {
   end_block();
 }
 
+// The block is built and then dropped, with all that it says.
 void Trace::second_connect_data() {
-  const int item = frames_[static_cast<std::size_t>(ended_)].item;
-  if (item < 0) return;
-  fail(FaultKind::second_connect_data, items_[static_cast<std::size_t>(item)].key.begin);
-  if (fault_.kind == FaultKind::second_connect_data) fault_.item = item;
+  const Frame &dropped = frames_[static_cast<std::size_t>(ended_)];
+  if (dropped.item < 0) return;
+  fail(FaultKind::second_connect_data, items_[static_cast<std::size_t>(dropped.item)].key.begin);
+  if (fault_.kind == FaultKind::second_connect_data) fault_.item = dropped.item;
+  KeySet left;
+  for (const Frame &frame : frames_)
+    if (frame.parent == dropped.parent && &frame != &dropped) left.add(frame.keys);
+  frames_[static_cast<std::size_t>(dropped.parent)].inner_keys = left;
 }
 
 // Only the first fault counts; what follows is its consequence. System variables

@@ -25,6 +25,7 @@ struct Span {
 class KeySet {
  public:
   void add(KZCILBKeyType type) { bits_ |= bit(type); }
+  void add(const KeySet &other) { bits_ |= other.bits_; }
   bool has(KZCILBKeyType type) const { return (bits_ & bit(type)) != 0; }
 
  private:
