@@ -38,14 +38,4 @@ constexpr std::uint64_t zero_bytes(std::uint64_t word) {
   return ~(((word & low) + low) | word | low) >> 7;
 }
 
-// The letters a to z as capitals. Looking at seven bits, bit 7 of a byte of
-// from_a is set from 'a' on, that of behind_z behind 'z'.
-constexpr std::uint64_t to_upper(std::uint64_t word) {
-  const std::uint64_t seven_bits = word & each(0x7F);
-  const std::uint64_t from_a = seven_bits + each(0x80 - 'a');
-  const std::uint64_t behind_z = seven_bits + each(0x7F - 'z');
-  const std::uint64_t is_lower = (from_a ^ behind_z) & ~word & each(0x80);
-  return word ^ (is_lower >> 2);  // capitals are 0x20 apart
-}
-
 }  // namespace kzoci::tns
