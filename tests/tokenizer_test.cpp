@@ -741,6 +741,20 @@ TEST_F(ParseKey, BelowTheLimitAtTheEndOfAShortInputIsTheEnd) {
   EXPECT_EQ(support::log_records(), (Lines{read_data(), read_data(), reach_eof}));
 }
 
+// What stands in the comment looks like a key, and is at hand.
+TEST_F(Tokenizer, GoesOnInsideAComment) {
+  constexpr std::string_view at_hand = "still comment, to the end\nname = (the value)";
+  DescriptorState state("");
+  at_hand.copy(state.params.tns_buffer, at_hand.size());
+  state.params.buffer_len = static_cast<ub4>(at_hand.size());
+  state.params.is_comment = 1;
+  EXPECT_EQ(KZCITnsParse(&state.params, TNS_KEY), 0);
+  EXPECT_EQ(state.key(), "name");
+  EXPECT_EQ(state.params.buffer_pos, 30u);
+  EXPECT_EQ(state.params.is_comment, 0);
+  EXPECT_EQ(support::log_records(), Lines{"DEBUG get key size:4, key:name"});
+}
+
 // ----------------------------------------------------------------------
 // The expected token
 // ----------------------------------------------------------------------
