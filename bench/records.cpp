@@ -90,7 +90,7 @@ Costs display_costs() {
 Costs link_string_costs() {
   const auto example = std::make_shared<Example>();
   const auto read = [example] {
-    char link[256];
+    char link[KZCI_DBLINK_SIZE];
     sb4 length = 0;
     if (KZCITnsServiceDblinkGet(example->service(), link, &length) != 0) fail("no link string");
     benchmark::DoNotOptimize(link[0]);
@@ -99,7 +99,7 @@ Costs link_string_costs() {
     const KZCIDescription &des = *example->service()->description;
     const KZCIAddress &address = *des.address_list->address;
     const KZCIConnectData &data = *des.connect_data;
-    char link[256];
+    char link[KZCI_DBLINK_SIZE];
     const int length =
         std::snprintf(link, sizeof link, "%.*s:%.*s/%.*s", static_cast<int>(address.host_len),
                       address.host, static_cast<int>(address.port_len), address.port,
@@ -114,8 +114,8 @@ Costs link_string_costs() {
 Costs session_costs() {
   const auto example = std::make_shared<Example>();
   const auto read = [example] {
-    char info[256];
-    char variable[257];
+    char info[KZCI_EXTRA_INFO_SIZE];
+    char variable[KZCI_SESSION_VARIABLE_SIZE];
     sb4 info_length = 0;
     sb4 mode = 0;
     sb4 variable_length = 0;
@@ -127,8 +127,8 @@ Costs session_costs() {
   };
   const auto copy = [example] {
     const KZCIConnectData &data = *example->service()->description->connect_data;
-    char info[256];
-    char variable[257];
+    char info[KZCI_EXTRA_INFO_SIZE];
+    char variable[KZCI_SESSION_VARIABLE_SIZE];
     std::strncpy(info, data.user_extra_info, data.user_extra_info_len);
     std::strncpy(variable, data.session_variable, data.session_variable_len);
     benchmark::DoNotOptimize(info[0]);

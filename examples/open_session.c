@@ -12,8 +12,8 @@
 #include <kzoci/oci_tnsname.h>
 
 static void print_session(KZCITnsService *service) {
-  char extra_info[256];
-  char session_variable[257];
+  char extra_info[KZCI_EXTRA_INFO_SIZE];
+  char session_variable[KZCI_SESSION_VARIABLE_SIZE];
   /* An output that is left alone keeps these: absent. */
   sb4 extra_info_len = 0;
   sb4 kz_mode = 0;
@@ -29,7 +29,7 @@ static void print_session(KZCITnsService *service) {
 }
 
 static void print_link(KZCITnsService *service) {
-  char dblink[256];
+  char dblink[KZCI_DBLINK_SIZE];
   sb4 dblink_len = 0;
 
   if (KZCITnsServiceDblinkGet(service, dblink, &dblink_len) == 0) printf("link %s\n", dblink);

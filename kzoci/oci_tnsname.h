@@ -54,6 +54,12 @@ extern "C" {
  * Records of the tree
  * ====================================================================== */
 
+/* Sizes in bytes of the buffers that a caller gives for what is read out of a
+ * built service. */
+#define KZCI_EXTRA_INFO_SIZE 256       /* user extra information; not terminated */
+#define KZCI_SESSION_VARIABLE_SIZE 257 /* session variables; not terminated */
+#define KZCI_DBLINK_SIZE 256           /* a link string and its zero byte */
+
 /* Entry of a circular, doubly linked list; stands inside the records that it
  * chains. An entry that is alone points at itself in both directions. */
 typedef struct list_entry {
@@ -145,9 +151,9 @@ typedef struct kzci_address_list {
 typedef struct kzci_connect_data {
   char service_name[257]; /* SERVICE_NAME or SID, at most 256 characters */
   ub4 service_name_len;
-  char user_extra_info[256]; /* KZ_USER_EXTRA_INFO, at most 256: it may fill the array */
+  char user_extra_info[KZCI_EXTRA_INFO_SIZE]; /* KZ_USER_EXTRA_INFO; it may fill the array */
   ub4 user_extra_info_len;
-  char session_variable[257]; /* SESSION_VARIABLE, at most 256 characters */
+  char session_variable[KZCI_SESSION_VARIABLE_SIZE]; /* SESSION_VARIABLE, at most 256 characters */
   ub4 session_variable_len;
   sb8 kz_mode;         /* KZ_MODE */
   sb8 use_default_sid; /* USE_DEFAULT_SID: not 0 leaves the service out of the link string */
@@ -165,10 +171,11 @@ typedef struct kzci_blacklist_conf {
 /* The process-wide settings of the reserved entry. In every other service they
  * keep their defaults. */
 typedef struct kzci_system_variables {
-  sb8 slowsql_threshold;      /* SLOWSQL_THRESHOLD; default 100 */
-  sb8 slowsql_buffer_size;    /* SLOWSQL_BUFFER_SIZE, characters; default 0, no buffer */
-  ub4 slowsql_flush_second;   /* SLOWSQL_FLUSH_SECOND, seconds; default 60 */
-  char session_variable[257]; /* SESSION_VARIABLE, at most 256 characters; default empty */
+  sb8 slowsql_threshold;    /* SLOWSQL_THRESHOLD; default 100 */
+  sb8 slowsql_buffer_size;  /* SLOWSQL_BUFFER_SIZE, characters; default 0, no buffer */
+  ub4 slowsql_flush_second; /* SLOWSQL_FLUSH_SECOND, seconds; default 60 */
+  char session_variable[KZCI_SESSION_VARIABLE_SIZE]; /* SESSION_VARIABLE, at most 256 characters;
+                                                        default empty */
   ub4 session_variable_len;
   sb8 log_size;         /* LOG_SIZE, bytes, at least 1048576 once set; default 0 */
   ub4 log_count;        /* LOG_COUNT, number of log files; default 0 */
@@ -330,7 +337,7 @@ sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean 
  *
  * Returns 1 or 0. Logs nothing.
  */
-boolean IsDescriptionTns(const char *description, ub4 description_len);
+boolean IsDescriptionTns(char *description, ub4 description_len);
 
 /*
  * Prints the whole tree, one value a line, depth as dashes.
@@ -636,10 +643,10 @@ sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams
  * Hands out what a session is opened with.
  *
  * tns_service           a built service
- * extra_info            out: user extra information; at least 256 bytes
+ * extra_info            out: user extra information; at least KZCI_EXTRA_INFO_SIZE bytes
  * extra_info_len        out: its length
  * kz_mode               out: the mode's low 32 bits
- * session_variable      out: session variables; at least 257 bytes
+ * session_variable      out: session variables; at least KZCI_SESSION_VARIABLE_SIZE bytes
  * session_variable_len  out: their length
  *
  * The texts are copied without a terminator. Empty extra information leaves
@@ -658,7 +665,7 @@ sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, 
  *
  * tns_service  a built service
  * dblink       out: the link string, terminated, cut to 255 characters; at least
- *              256 bytes
+ *              KZCI_DBLINK_SIZE bytes
  * dblink_len   out: its length before the cut
  *
  * Returns 0; -1: no description, address list, address or connect data (ERROR),

@@ -43,7 +43,7 @@ need_packages() {
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-test_packages=("${build_packages[@]}" libgtest-dev clang ccache)
+test_packages=("${build_packages[@]}" libgtest-dev clang ccache locales)
 
 # configure_and_build PRESET [CMAKE OPTION...]
 configure_and_build() {

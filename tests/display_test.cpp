@@ -578,6 +578,21 @@ TEST_F(Display, ADescriptionShowsEachOfItsValues) {
   EXPECT_EQ(support::log_records(), Lines{});
 }
 
+// A field that a caller has filled with no strategy at all prints as a signed number.
+TEST_F(Display, AStrategyPrintsAsASignedNumber) {
+  SmallTree tree;
+  const int none = -1;
+  for (KZCILBOption *strategy :
+       {&tree.description.kzlb_group_strategy, &tree.description.black_list_conf.remove_strategy,
+        &tree.description.black_list_conf.append_strategy, &tree.list.kzlb_strategy})
+    std::memcpy(strategy, &none, sizeof none);
+  const std::string text = printed(KZCIDescriptionDisplay, &tree.description);
+  for (const char *line :
+       {"------kzlb_group_strategy:-1\n", "------append_strategy:-1\n",
+        "------remove_strategy:-1\n", "--------kzlb_strategy:-1\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line << text;
+}
+
 TEST_F(Display, AnAddressListShowsItsStrategyAndNotItsSwitch) {
   SmallTree tree;
   tree.list.kzlb_strategy = LB_OPTION_SERVERAFFINITY;

@@ -343,6 +343,21 @@ TEST_F(RecordDefaults, ServiceNameLeavesWhatIsBehindItAlone) {
   for (const unsigned char *byte = name + 8; byte < end; ++byte) EXPECT_EQ(*byte, 0xA5);
 }
 
+// The fixed part ends behind the name's first bytes; a shorter name is followed by zeros
+// there.
+TEST_F(RecordDefaults, TheWholeFixedPartOfAServiceIsSet) {
+  for (const std::size_t length : {0, 1, 2, 3, 4, 5}) {
+    SCOPED_TRACE(length);
+    const std::string name = std::string("abcde").substr(0, length);
+    auto *service = allocate<KZCITnsService>("service", length);
+    EXPECT_EQ(KZCITnsServiceInit(service, static_cast<ub4>(length), name.data()), 0);
+    const auto *bytes = reinterpret_cast<const char *>(service);
+    for (std::size_t at = offsetof(KZCITnsService, net_service_name) + length;
+         at < sizeof(KZCITnsService); ++at)
+      EXPECT_EQ(bytes[at], 0) << at;
+  }
+}
+
 TEST_F(RecordDefaults, ServiceNameOfLengthZeroNeedsTheFixedPartAlone) {
   auto *service = allocate<KZCITnsService>("service");
   EXPECT_EQ(KZCITnsServiceInit(service, 0, ""), 0);

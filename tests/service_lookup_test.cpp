@@ -196,7 +196,7 @@ TEST_F(DescriptorTest, AnythingElseIsAName) {
 }
 
 TEST_F(DescriptorTest, NoMoreThanTheGivenLengthIsExamined) {
-  const char text[] = "(DESCRIPTION=(";
+  char text[] = "(DESCRIPTION=(";
   for (ub4 length = 0; length <= 14; ++length) {
     SCOPED_TRACE(length);
     EXPECT_EQ(IsDescriptionTns(text, length), length >= 13 ? 1 : 0);
@@ -210,7 +210,7 @@ TEST_F(DescriptorTest, AnyNumberOfBlanksIsPassedOver) {
 }
 
 TEST_F(DescriptorTest, ALengthThatIsNegativeAsASignedValueCollectsNothing) {
-  const char text[] = "(DESCRIPTION=";
+  char text[] = "(DESCRIPTION=";
   EXPECT_EQ(IsDescriptionTns(text, 0x80000000u), 0);
   EXPECT_EQ(IsDescriptionTns(text, 0xFFFFFFFFu), 0);
   EXPECT_EQ(IsDescriptionTns(nullptr, 0), 0);

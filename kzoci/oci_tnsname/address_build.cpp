@@ -32,7 +32,7 @@ constexpr Word<KZCILBOption> list_strategies[] = {{"RANDOM", LB_OPTION_RANDOM},
 sword read_protocol(KZCIAddress &address, KZCITnsParseParams *params) {
   const sword status =
       read_text(params, address.protocol, &address.protocol_len, max_protocol, TextCopy::bytes);
-  const bool is_tcp = address.protocol_len == 3 && strncasecmp(address.protocol, "TCP", 3) == 0;
+  const bool is_tcp = address.protocol_len == 3 && is_same_text(address.protocol, "TCP", 3);
   return is_tcp ? status : failure;
 }
 

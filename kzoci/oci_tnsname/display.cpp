@@ -26,14 +26,14 @@ void print_policy(FILE *file, const KZCIDescription &des) {
   const KZCIBlacklistConf &black = des.black_list_conf;
   std::fprintf(file, "----Discription:\n");
   print_number(file, "------kzlb", des.kzlb);
-  print_number(file, "------kzlb_group_strategy", des.kzlb_group_strategy);
+  print_strategy(file, "------kzlb_group_strategy", des.kzlb_group_strategy);
   print_number(file, "------retry_all_downs", des.retry_all_downs);
   print_number(file, "------retry_timeout", des.retry_timeout);
   print_number(file, "------connect_timeout", des.connect_timout);
   print_number(file, "------read_timeout", des.read_timout);
   print_number(file, "------write_timeout", des.write_timout);
-  print_number(file, "------append_strategy", black.append_strategy);
-  print_number(file, "------remove_strategy", black.remove_strategy);
+  print_strategy(file, "------append_strategy", black.append_strategy);
+  print_strategy(file, "------remove_strategy", black.remove_strategy);
   print_number(file, "------remove_timeout", black.remove_timeout);
   print_number(file, "------duration", black.duration);
   print_number(file, "------retry_times", black.retry_times);
@@ -126,7 +126,7 @@ sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file) 
   }
   std::fprintf(display_file, "------AddressList:\n");
   print_number(display_file, "--------address_count", address_list->address_count);
-  print_number(display_file, "--------kzlb_strategy", address_list->kzlb_strategy);
+  print_strategy(display_file, "--------kzlb_strategy", address_list->kzlb_strategy);
   // The message names the Clear; log readers know it so.
   return display_children(address_list->address, address_list->address_count, display_file,
                           KZCIAddressDisplay, "fail to call KZCIAddressClear, status:%d");

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <cstring>
 
 #include "kzoci/oci_tnsname.h"
 #include "log.h"
@@ -11,6 +12,15 @@ namespace kzoci::tns {
 
 inline void print_number(FILE *file, const char *label, sb8 number) {
   std::fprintf(file, "%s:%ld\n", label, long_number(number));
+}
+
+// As the int that the field holds, also where a caller's program has stored what is no
+// strategy.
+inline void print_strategy(FILE *file, const char *label, const KZCILBOption &strategy) {
+  int number = 0;
+  static_assert(sizeof number == sizeof strategy);
+  std::memcpy(&number, &strategy, sizeof number);
+  print_number(file, label, number);
 }
 
 // Texts are printed by their length, and never beyond their array.

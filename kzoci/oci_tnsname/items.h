@@ -9,12 +9,11 @@
 // the block is good when the last token consumed is a ")".
 #pragma once
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cstddef>
 
 #include "kzoci/oci_tnsname.h"
+#include "letter_case.h"
 #include "log.h"
 #include "status.h"
 #include "tokenizer.h"
@@ -94,7 +93,7 @@ sword read_word(KZCITnsParseParams *params, const Word<Value> (&words)[n],
   const sword status = expect(params, TNS_KEY);
   const ub4 length = key_length(params);
   for (const Word<Value> &word : words) {
-    if (strncasecmp(params->tns_key, word.text, length) != 0) continue;
+    if (!is_same_text(params->tns_key, word.text, length)) continue;
     *value = word.value;
     return status;
   }

@@ -24,8 +24,7 @@ sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char 
     KZ_LOG_ERROR("tns_service is NULL");
     return failure;
   }
-  // The system variables, most of the record, are set to zero by their own Init.
-  set_to_zero(tns_service, offsetof(KZCITnsService, sys_vars));
+  set_to_zero(tns_service, sizeof *tns_service);
   le_init(&tns_service->le, 0);
   tns_service->net_service_name_len = name_size;
   if (name_size > 0) std::strncpy(tns_service->net_service_name, name, name_size);

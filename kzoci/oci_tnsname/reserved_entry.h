@@ -1,9 +1,8 @@
 // The reserved entry, which carries the system variables.
 #pragma once
 
-#include <strings.h>
-
 #include "kzoci/platform/types.h"
+#include "letter_case.h"
 
 namespace kzoci::tns {
 
@@ -13,7 +12,7 @@ constexpr char reserved_name[] = "KZCISYSTEMVARIABLES";
 // over the name's own length: any leading part of the word counts, an empty
 // name too, in any letter case.
 inline bool is_reserved_name(const char *name, ub4 length) {
-  return strncasecmp(reserved_name, name, length) == 0;
+  return is_same_text(reserved_name, name, length);
 }
 
 }  // namespace kzoci::tns

@@ -10,9 +10,6 @@ using namespace kzoci::tns;
 
 namespace {
 
-// What every caller's buffer for a link string holds.
-constexpr std::size_t dblink_size = 256;
-
 KZCIDescription *first_description(const KZCITnsService &service) {
   if (service.description_count != 0 && service.description != nullptr) return service.description;
   KZ_LOG_ERROR("description is NULL, count:%u", service.description_count);
@@ -48,8 +45,9 @@ int format_dblink(char *dblink, const KZCIAddress &address, const KZCIConnectDat
   const int host = precision(address.host_len, sizeof address.host);
   const int port = precision(address.port_len, sizeof address.port);
   if (data.use_default_sid != 0)
-    return std::snprintf(dblink, dblink_size, "%.*s:%.*s", host, address.host, port, address.port);
-  return std::snprintf(dblink, dblink_size, "%.*s:%.*s/%.*s", host, address.host, port,
+    return std::snprintf(dblink, KZCI_DBLINK_SIZE, "%.*s:%.*s", host, address.host, port,
+                         address.port);
+  return std::snprintf(dblink, KZCI_DBLINK_SIZE, "%.*s:%.*s/%.*s", host, address.host, port,
                        address.port, precision(data.service_name_len, sizeof data.service_name),
                        data.service_name);
 }

@@ -5,8 +5,6 @@
 //
 // The scan ends at the first entry of the name, at the reserved entry, or at
 // the end of the file.
-#include <strings.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -14,6 +12,7 @@
 
 #include "character_class.h"
 #include "items.h"
+#include "letter_case.h"
 #include "tokenizer.h"
 
 using namespace kzoci::tns;
@@ -69,7 +68,7 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
     return no_data;
   }
   KZ_LOG_DEBUG("get configure file:%s", name);
-  params->tns_file = std::fopen(name, "r");
+  params->tns_file = std::fopen(name, "re");  // closed on exec
   if (params->tns_file == nullptr) {
     KZ_LOG_DEBUG("fail to open tns file, tns_name:%s", name);
     return failure;
@@ -151,20 +150,20 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
 
 }  // namespace
 
-boolean IsDescriptionTns(const char *description, ub4 description_len) {
+boolean IsDescriptionTns(char *description, ub4 description_len) {
   // Zero bytes behind a shorter text keep it from matching.
   char collected[20] = {};
   std::size_t count = 0;
   const sb4 length = static_cast<sb4>(description_len);
   for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
     if (!is_any_of(description[i], blank)) collected[count++] = description[i];
-  return strncasecmp(collected, descriptor_prefix, descriptor_prefix_length) == 0;
+  return is_same_text(collected, descriptor_prefix, descriptor_prefix_length);
 }
 
 sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
   KZ_LOG_DEBUG("call KZCITnsBuild with params [tns:%p]", pointer(tns));
   if (dbname == nullptr || find == nullptr || tns == nullptr) return refuse_null_handle();
-  const char *const text = reinterpret_cast<const char *>(dbname);
+  auto *const text = const_cast<char *>(reinterpret_cast<const char *>(dbname));
   if (IsDescriptionTns(text, dbname_len)) return KZCITnsBuildDes(tns, dbname, dbname_len, find);
   return look_up(tns, {text, dbname_len}, find);
 }

@@ -19,9 +19,8 @@
 namespace kzoci::tns {
 
 void begin_parse(KZCITnsParseParams *params, int mode) {
-  constexpr std::size_t behind_buffer = sizeof params->tns_buffer;
-  static_assert(offsetof(KZCITnsParseParams, tns_key) == behind_buffer);
-  std::memset(params->tns_key, 0, sizeof *params - behind_buffer);
+  constexpr std::size_t tail = offsetof(KZCITnsParseParams, tns_key);
+  std::memset(reinterpret_cast<char *>(params) + tail, 0, sizeof *params - tail);
   params->mode = mode;
 }
 

@@ -23,7 +23,7 @@ class Links : public EntryVisitor {
 
   void visit(const EntryView &view) override {
     if (view.service == nullptr) return;
-    char dblink[256];
+    char dblink[KZCI_DBLINK_SIZE];
     sb4 length = 0;
     if (KZCITnsServiceDblinkGet(view.service, dblink, &length) != 0) return;
     places_.push_back({view.entry.at, static_cast<std::uint32_t>(texts_.size())});

@@ -14,7 +14,7 @@ Lookup look_up(const std::string &identifier, std::optional<log_level> shown, Tr
   lookup.outcome = status != 0 ? Outcome::malformed
                    : find != 0 ? Outcome::found
                                : Outcome::not_found;
-  lookup.is_literal = IsDescriptionTns(identifier.c_str(), length) != 0;
+  lookup.is_literal = IsDescriptionTns(const_cast<char *>(identifier.c_str()), length) != 0;
   lookup.variable = watch.variable();
   lookup.file_name = watch.file_name();
   lookup.fault = watch.fault();

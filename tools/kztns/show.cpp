@@ -43,7 +43,7 @@ int print(const std::string &text) {
 }
 
 int show_dblink(const std::string &label, std::optional<log_level> shown, Tree &tree) {
-  char dblink[256];
+  char dblink[KZCI_DBLINK_SIZE];
   sb4 length = 0;
   const LogWatch watch(shown);
   if (KZCITnsServiceDblinkGet(tree.service(), dblink, &length) != 0) {
@@ -62,8 +62,8 @@ void print_line(const char *name, bool present, const std::string &value) {
 }
 
 int show_session(const std::string &label, std::optional<log_level> shown, Tree &tree) {
-  char extra_info[256];
-  char session_variable[257];
+  char extra_info[KZCI_EXTRA_INFO_SIZE];
+  char session_variable[KZCI_SESSION_VARIABLE_SIZE];
   sb4 extra_info_len = 0;
   sb4 kz_mode = 0;
   sb4 session_variable_len = 0;

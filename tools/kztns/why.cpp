@@ -40,7 +40,7 @@ void print_remark(const char *label, const Remark &remark, bool with_source) {
 }
 
 std::string link_string(Tree &tree) {
-  char dblink[256];
+  char dblink[KZCI_DBLINK_SIZE];
   sb4 length = 0;
   const LogWatch silent(std::nullopt);
   if (KZCITnsServiceDblinkGet(tree.service(), dblink, &length) != 0) return "";
