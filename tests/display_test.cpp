@@ -587,9 +587,8 @@ TEST_F(Display, AStrategyPrintsAsASignedNumber) {
         &tree.description.black_list_conf.append_strategy, &tree.list.kzlb_strategy})
     std::memcpy(strategy, &none, sizeof none);
   const std::string text = printed(KZCIDescriptionDisplay, &tree.description);
-  for (const char *line :
-       {"------kzlb_group_strategy:-1\n", "------append_strategy:-1\n",
-        "------remove_strategy:-1\n", "--------kzlb_strategy:-1\n"})
+  for (const char *line : {"------kzlb_group_strategy:-1\n", "------append_strategy:-1\n",
+                           "------remove_strategy:-1\n", "--------kzlb_strategy:-1\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line << text;
 }
 

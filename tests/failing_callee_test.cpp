@@ -660,11 +660,13 @@ TEST_F(FailingCalleeOfABuild, LastTokenChangesBehindADescriptor) {
 }
 
 TEST_F(FailingCalleeOfABuild, AnyStatusButTheEndMeansTextBehindADescriptor) {
+  // Blanks are looked for before the first token and after the last.
+  constexpr std::size_t at_end = 2;
   const std::string text = "(DESCRIPTION=" + bare_body + ")";
   for (const sword status : {0, -1, -2, 42}) {
     SCOPED_TRACE(status);
     run_once(text, descriptor_up_to_its_end(text),
-             fails("end", parse_blank, 1, service_failed(-1) + release("KZCITnsBuildDes"),
+             fails("end", parse_blank, at_end, service_failed(-1) + release("KZCITnsBuildDes"),
                    bare_description_left),
              status);
   }
@@ -672,7 +674,7 @@ TEST_F(FailingCalleeOfABuild, AnyStatusButTheEndMeansTextBehindADescriptor) {
       service_built(1) + Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:1"};
   const Lines left = Lines{service_block("DESCRIPTION", "KZCITnsBuildDes")} + bare_description_left;
   run_once(text, descriptor_up_to_its_end(text),
-           {"end", parse_blank, 1, built, Result::built, left}, end_of_input);
+           {"end", parse_blank, at_end, built, Result::built, left}, end_of_input);
 }
 
 // ----------------------------------------------------------------------

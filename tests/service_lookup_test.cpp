@@ -1,12 +1,16 @@
 // The lookup of a connect identifier: which file is read, which entry is built,
 // and what the caller and the log learn of it.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <iterator>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "kzoci/oci_tnsname.h"
@@ -214,6 +218,38 @@ TEST_F(DescriptorTest, ALengthThatIsNegativeAsASignedValueCollectsNothing) {
   EXPECT_EQ(IsDescriptionTns(text, 0x80000000u), 0);
   EXPECT_EQ(IsDescriptionTns(text, 0xFFFFFFFFu), 0);
   EXPECT_EQ(IsDescriptionTns(nullptr, 0), 0);
+}
+
+// ----------------------------------------------------------------------
+// The open file
+// ----------------------------------------------------------------------
+
+// The descriptor that this process has open for reading on a path; -1 for none.
+int descriptor_reading(const std::string &path) {
+  for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    std::error_code gone;
+    const int descriptor = std::stoi(entry.path().filename());
+    if (std::filesystem::read_symlink(entry.path(), gone) == path &&
+        (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_RDONLY)
+      return descriptor;
+  }
+  return -1;
+}
+
+// A pipe holds the lookup up while it has the file open.
+TEST_F(ServiceLookup, TheFileIsClosedOnExec) {
+  const std::string path = folder_.path() + "/names.ora";
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  Outcome outcome{};
+  std::thread lookup([&] { outcome = build(tns_, "mydb"); });
+  const int writer = open(path.c_str(), O_WRONLY);
+  const int reader = descriptor_reading(path);
+  const int flags = fcntl(reader, F_GETFD);
+  close(writer);
+  lookup.join();
+  EXPECT_NE(reader, -1);
+  EXPECT_EQ(flags & FD_CLOEXEC, FD_CLOEXEC);
+  EXPECT_EQ(outcome, (Outcome{0, 0}));
 }
 
 // ----------------------------------------------------------------------

@@ -9,9 +9,11 @@ namespace kzoci::tns {
 
 constexpr RecordKind<KZCIAddressList> address_list_kind = {
     .tag = "address_list",
-    .malloc_failure = "malloc address_list error, malloc size:%lu",
+    .not_allocated = message::address_list_not_allocated,
     .init = KZCIAddressListInit,
-    .init_failure = "fail to call KZCIAddressListInit",
+    .init_failed = message::address_list_init_failed,
+    .key_met = message::address_list_key,
+    .not_built = message::address_list_not_built,
 };
 
 }  // namespace kzoci::tns

@@ -10,108 +10,67 @@ using namespace kzoci::tns;
 
 namespace {
 
-constexpr Word<KZCILBOption> remove_strategies[] = {{"TIMEOUT", LB_OPTION_TIMEOUT}};
-constexpr Word<KZCILBOption> append_strategies[] = {{"RETRYDURATION", LB_OPTION_RETRY_DERUATION}};
-constexpr char wrong_strategy[] = "parse LB_NAME get wrong key:%.*s";
-
 sword read_remove_value(KZCIBlacklistConf &black, KZCITnsParseParams *params) {
-  switch (params->key_type) {
-    case LB_NAME:
-      return read_word(params, remove_strategies, wrong_strategy, &black.remove_strategy);
-    case LB_TIMEOUT:
-      return read_integer(params, &black.remove_timeout);
-    default:
-      return refuse_key("get error key_type");
-  }
+  return read_by_grammar(Block::remove_strategy, message::strategy_key_refused, params, &black);
 }
 
 sword read_append_value(KZCIBlacklistConf &black, KZCITnsParseParams *params) {
-  switch (params->key_type) {
-    case LB_NAME:
-      return read_word(params, append_strategies, wrong_strategy, &black.append_strategy);
-    case LB_RETRY_TIMES:
-      return read_integer(params, &black.retry_times);
-    case LB_DRUATION:
-      return read_integer(params, &black.duration);
-    default:
-      return refuse_key("get error key_type");
-  }
-}
-
-sword read_remove_strategy(KZCIBlacklistConf &conf, KZCITnsParseParams *params) {
-  const sword status = KZCIRemoveStrategyBuild(&conf, params);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCIRemoveStrategyBuild, status:%d", status);
-  return status;
-}
-
-sword read_append_strategy(KZCIBlacklistConf &conf, KZCITnsParseParams *params) {
-  const sword status = KZCIAppendStrategyBuild(&conf, params);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCIAppendStrategyBuild, status:%d", status);
-  return status;
+  return read_by_grammar(Block::append_strategy, message::strategy_key_refused, params, &black);
 }
 
 sword read_blacklist_value(KZCIBlacklistConf &conf, KZCITnsParseParams *params) {
   switch (params->key_type) {
     case LB_REMOVE_STRATEGY:
-      return read_remove_strategy(conf, params);
+      return reported(KZCIRemoveStrategyBuild(&conf, params), message::remove_strategy_failed);
     case LB_APPEND_STRATEGY:
-      return read_append_strategy(conf, params);
+      return reported(KZCIAppendStrategyBuild(&conf, params), message::append_strategy_failed);
     default:
-      return refuse_key("build_black_list_conf get error key_type");
+      return read_by_grammar(Block::blacklist, message::blacklist_key_refused, params, &conf);
   }
 }
-
-using ValueReader = sword (*)(KZCIBlacklistConf &, KZCITnsParseParams *);
 
 // What the three blocks differ in.
-struct Block {
-  const char *key_type_format;
-  ValueReader read_value;
-  const char *failure_message;
-  const char *success_message;
+struct BlacklistBlock {
+  sword (*read_item_value)(KZCIBlacklistConf &, KZCITnsParseParams *);
+  Message<int> key_met;
+  Message<> not_built;
+  Message<> built;
 };
 
-sword build_block(KZCIBlacklistConf *conf, KZCITnsParseParams *params, const Block &block) {
-  if (conf == nullptr || params == nullptr) return refuse_null_handle();
-  read_items(params, block.key_type_format, [&] { return block.read_value(*conf, params); });
-  if (!block_closed(params)) {
-    KZ_LOG_ERROR("%s", block.failure_message);
-    return failure;
-  }
-  KZ_LOG_DEBUG("%s", block.success_message);
-  return success;
-}
+constexpr BlacklistBlock remove_block = {read_remove_value, message::remove_strategy_key,
+                                         message::remove_strategy_not_built,
+                                         message::remove_strategy_built};
 
-// Both strategies announce themselves by the address list's name; log readers
-// know them so.
-sword build_strategy(KZCIBlacklistConf *black, KZCITnsParseParams *params, const Block &block) {
-  KZ_LOG_DEBUG("call KZCIAddressListBuild with params [black:%p], [parse_params:%p]",
-               pointer(black), pointer(params));
-  return build_block(black, params, block);
+constexpr BlacklistBlock append_block = {read_append_value, message::append_strategy_key,
+                                         message::append_strategy_not_built,
+                                         message::append_strategy_built};
+
+// The key type is logged in the address list's words; log readers know it so.
+constexpr BlacklistBlock blacklist_block = {read_blacklist_value, message::address_list_key,
+                                            message::blacklist_not_built, message::blacklist_built};
+
+sword build_block(KZCIBlacklistConf *conf, KZCITnsParseParams *params,
+                  const BlacklistBlock &block) {
+  if (conf == nullptr || params == nullptr) return refuse_null_handle();
+  const sword status = read_block(params, block.key_met, block.not_built,
+                                  [&] { return block.read_item_value(*conf, params); });
+  if (status == success) KZ_LOG(block.built);
+  return status;
 }
 
 }  // namespace
 
 sword KZCIRemoveStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params) {
-  return build_strategy(
-      black, parse_params,
-      {"KZCIRemoveStrategyBuild get key_type %d", read_remove_value,
-       "something error in KZCIRemoveStrategyBuild", "success to call KZCIRemoveStrategyBuild"});
+  KZ_LOG(message::strategy_called, black, parse_params);
+  return build_block(black, parse_params, remove_block);
 }
 
 sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params) {
-  return build_strategy(
-      black, parse_params,
-      {"get key_type %d", read_append_value, "something error in KZCIAppendStrategyBuild",
-       "success to call KZCIAppendStrategyBuild"});
+  KZ_LOG(message::strategy_called, black, parse_params);
+  return build_block(black, parse_params, append_block);
 }
 
 sword KZCIBlacklistConfBuild(KZCIBlacklistConf *black_list_conf, KZCITnsParseParams *parse_params) {
-  KZ_LOG_DEBUG("call KZCIBlacklistConfBuild with params [black_list_conf:%p], [parse_params:%p]",
-               pointer(black_list_conf), pointer(parse_params));
-  // The key type is logged in the address list's words, as for the strategies.
-  return build_block(
-      black_list_conf, parse_params,
-      {"KZCIAddressListBuild get key_type %d", read_blacklist_value,
-       "something error in build_black_list_conf", "success to call build_black_list_conf"});
+  KZ_LOG(message::blacklist_called, black_list_conf, parse_params);
+  return build_block(black_list_conf, parse_params, blacklist_block);
 }

@@ -58,11 +58,11 @@ sword visit_children(Child *first, ub4 count, Visit visit) {
 }
 
 // Clears and frees every child and empties the parent. A child that cannot be
-// cleared stops the release: its status is logged with clear_failure and
+// cleared stops the release: its status is logged with clear_failed and
 // returned, and the parent keeps its pointer and count.
 template <class Child>
 sword release_children(Child *&first, ub4 &count, sword (*clear)(Child *),
-                       const char *clear_failure) {
+                       const Message<sword> &clear_failed) {
   // The head's address is compared, never read, once its block is gone.
   list_entry_t *const header = &first->le;
   list_entry_t *entry = header;
@@ -71,18 +71,14 @@ sword release_children(Child *&first, ub4 &count, sword (*clear)(Child *),
   // children left to release.
   do {
     Child *child = child_of<Child>(entry);
-    const sword status = clear(child);
-    if (status != success) {
-      KZ_LOG_ERROR(clear_failure, status);
-      return status;
-    }
+    const sword status = reported(clear(child), clear_failed);
+    if (status != success) return status;
     entry = le_next(entry);
     ++i;
     kzci_free(child);
   } while (i < count && entry != header);
   if (entry != header || i != count) {
-    KZ_LOG_ERROR("clear tns check error, i:%u, count:%u, header:%p, entry:%p", i, count,
-                 pointer(header), pointer(entry));
+    KZ_LOG(message::ring_disagrees, i, count, header, entry);
     return failure;
   }
   first = nullptr;

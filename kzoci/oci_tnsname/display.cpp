@@ -1,9 +1,11 @@
-// Printing the records that have children, and choosing where to.
-#include "display.h"
-
+// Printing the records of the tree, and choosing where to.
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 
 #include "children.h"
+#include "grammar.h"
 #include "reserved_entry.h"
 #include "status.h"
 
@@ -11,64 +13,91 @@ using namespace kzoci::tns;
 
 namespace {
 
+void print_count(FILE *file, const char *label, ub4 count) {
+  std::fprintf(file, "%s:%u\n", label, count);
+}
+
+// One line: the key's label after the indentation, then the value that the record holds.
+void print_value(FILE *file, const char *indentation, const Key &key, const void *record) {
+  const Field &field = key.value.field;
+  if (key.value.kind == ValueKind::text) {
+    const std::span<const char> text = text_of(record, field);
+    std::fprintf(file, "%s%s:%.*s\n", indentation, key.label, static_cast<int>(text.size()),
+                 text.data());
+    return;
+  }
+  std::fprintf(file, "%s%s:%" KZ_LD "\n", indentation, key.label,
+               long_number(number_of(record, field)));
+}
+
+// The lines of a record, one for each labelled key of its blocks that is shown.
+template <class IsShown>
+void print_values(FILE *file, const char *indentation, std::initializer_list<Block> blocks,
+                  const void *record, IsShown is_shown) {
+  for (const Key &key : grammar) {
+    if (key.label == nullptr || !is_shown(key)) continue;
+    if (std::find(blocks.begin(), blocks.end(), key.block) != blocks.end())
+      print_value(file, indentation, key, record);
+  }
+}
+
+void print_values(FILE *file, const char *indentation, std::initializer_list<Block> blocks,
+                  const void *record) {
+  print_values(file, indentation, blocks, record, [](const Key &) { return true; });
+}
+
+// The mode and the switch are shown only beside extra information, as they are handed
+// out; session variables only where there are some.
+bool is_shown(const KZCIConnectData &data, const Key &key) {
+  switch (key.type) {
+    case LB_EXTRA_INFO:
+    case LB_KZ_MODE:
+    case LB_USE_DEFAULT_SID:
+      return data.user_extra_info_len != 0;
+    case LB_SESSION_VARIABLE:
+      return data.session_variable_len != 0;
+    default:
+      return true;
+  }
+}
+
 // Prints every child; a failure is logged with its status and returned.
 template <class Child>
 sword display_children(Child *first, ub4 count, FILE *file, sword (*display)(Child *, FILE *),
-                       const char *display_failure) {
-  return visit_children(first, count, [&](Child *child) {
-    const sword status = display(child, file);
-    if (status != success) KZ_LOG_ERROR(display_failure, status);
-    return status;
-  });
-}
-
-void print_policy(FILE *file, const KZCIDescription &des) {
-  const KZCIBlacklistConf &black = des.black_list_conf;
-  std::fprintf(file, "----Discription:\n");
-  print_number(file, "------kzlb", des.kzlb);
-  print_strategy(file, "------kzlb_group_strategy", des.kzlb_group_strategy);
-  print_number(file, "------retry_all_downs", des.retry_all_downs);
-  print_number(file, "------retry_timeout", des.retry_timeout);
-  print_number(file, "------connect_timeout", des.connect_timout);
-  print_number(file, "------read_timeout", des.read_timout);
-  print_number(file, "------write_timeout", des.write_timout);
-  print_strategy(file, "------append_strategy", black.append_strategy);
-  print_strategy(file, "------remove_strategy", black.remove_strategy);
-  print_number(file, "------remove_timeout", black.remove_timeout);
-  print_number(file, "------duration", black.duration);
-  print_number(file, "------retry_times", black.retry_times);
-  print_number(file, "------address_list_count", des.address_list_count);
+                       const Message<sword> &display_failed) {
+  return visit_children(
+      first, count, [&](Child *child) { return reported(display(child, file), display_failed); });
 }
 
 sword display_services(const KZCITns &tns, FILE *file) {
   std::fprintf(file, "Tns:\n");
-  print_number(file, "--tns_serivce_count", tns.tns_service_count);
+  print_count(file, "--tns_serivce_count", tns.tns_service_count);
   return display_children(tns.tns_service, tns.tns_service_count, file, KZCITnsServiceDisplay,
-                          "fail to call KZCITnsServiceDisplay, status:%d");
+                          message::service_display_failed);
 }
 
 }  // namespace
 
 sword KZCITnsDisplay(KZCITns *tns) {
   if (tns == nullptr) {
-    KZ_LOG_ERROR("tns is NULL");
+    KZ_LOG(message::null_tns);
     return failure;
   }
   if (tns->tns_service_count == 0 || tns->tns_service == nullptr) {
-    KZ_LOG_ERROR("error tns");
+    KZ_LOG(message::empty_tns);
     return failure;
   }
   const char *const name = std::getenv("KZCI_TNS_DISPLAY");
   if (name == nullptr) {
-    KZ_LOG_DEBUG("tns display in stdout");
+    KZ_LOG(message::display_on_stdout);
     return display_services(*tns, stdout);
   }
-  KZ_LOG_DEBUG("tns display in file:%s", name);
+  KZ_LOG(message::display_in_file, name);
   // Read-only on purpose: the variable tests that the file exists and keeps the
   // dump off standard output; the file itself is left as it is.
   FILE *const file = std::fopen(name, "r");
   if (file == nullptr) {
-    KZ_LOG_DEBUG("fail to open display file, file:%s", name);
+    KZ_LOG(message::display_file_not_opened, name);
     return failure;
   }
   const sword status = display_services(*tns, file);
@@ -79,55 +108,78 @@ sword KZCITnsDisplay(KZCITns *tns) {
 sword KZCITnsServiceDisplay(KZCITnsService *tns_service, FILE *display_file) {
   if (tns_service == nullptr || display_file == nullptr) return refuse_null_handle();
   if (is_reserved_name(tns_service->net_service_name, tns_service->net_service_name_len)) {
-    const sword status = KZCISystemVariablesDisplay(&tns_service->sys_vars, display_file);
-    if (status != success) KZ_LOG_ERROR("fail to call KZCISystemVariablesDisplay, ret:%d", status);
-    return status;
+    return reported(KZCISystemVariablesDisplay(&tns_service->sys_vars, display_file),
+                    message::reserved_entry_display_failed);
   }
   if (tns_service->description_count == 0 || tns_service->description == nullptr) {
-    KZ_LOG_ERROR("error tns_service");
+    KZ_LOG(message::empty_service);
     return failure;
   }
   std::fprintf(display_file, "--TnsService:%.*s\n", precision(tns_service->net_service_name_len),
                tns_service->net_service_name);
-  print_number(display_file, "----description_count", tns_service->description_count);
-  sword status =
+  print_count(display_file, "----description_count", tns_service->description_count);
+  const sword status =
       display_children(tns_service->description, tns_service->description_count, display_file,
-                       KZCIDescriptionDisplay, "fail to call KZCIDescriptionDisplay, status:%d");
+                       KZCIDescriptionDisplay, message::description_display_failed);
   if (status != success) return status;
-  status = KZCISystemVariablesDisplay(&tns_service->sys_vars, display_file);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCISystemVariablesDisplay, status:%d", status);
-  return status;
+  return reported(KZCISystemVariablesDisplay(&tns_service->sys_vars, display_file),
+                  message::system_variables_display_failed);
 }
 
 sword KZCIDescriptionDisplay(KZCIDescription *des, FILE *display_file) {
   if (des == nullptr || display_file == nullptr) return refuse_null_handle();
   if (des->address_list_count == 0 || des->address_list == nullptr) {
-    KZ_LOG_ERROR("error des");
+    KZ_LOG(message::empty_description);
     return failure;
   }
-  print_policy(display_file, *des);
-  sword status =
+  std::fprintf(display_file, "----Discription:\n");
+  print_values(display_file, "------", {Block::description}, des);
+  print_values(display_file, "------", {Block::append_strategy, Block::remove_strategy},
+               &des->black_list_conf);
+  print_count(display_file, "------address_list_count", des->address_list_count);
+  const sword status =
       display_children(des->address_list, des->address_list_count, display_file,
-                       KZCIAddressListDisplay, "fail to call KZCIAddressListDisplay, status:%d");
+                       KZCIAddressListDisplay, message::address_list_display_failed);
   if (status != success || des->connect_data == nullptr) return status;
-  status = KZCIConnectDataDisplay(des->connect_data, display_file);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCIConnectDataDisplay, status:%d", status);
-  return status;
+  return reported(KZCIConnectDataDisplay(des->connect_data, display_file),
+                  message::connect_data_display_failed);
 }
 
 sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file) {
   if (address_list == nullptr || display_file == nullptr) {
-    KZ_LOG_DEBUG("address_list is NULL");
+    KZ_LOG(message::null_address_list_to_display);
     return invalid_handle;
   }
   if (address_list->address == nullptr || address_list->address_count == 0) {
-    KZ_LOG_DEBUG("address is NULL, do nothing");
+    KZ_LOG(message::no_addresses);
     return success;
   }
   std::fprintf(display_file, "------AddressList:\n");
-  print_number(display_file, "--------address_count", address_list->address_count);
-  print_strategy(display_file, "--------kzlb_strategy", address_list->kzlb_strategy);
+  print_count(display_file, "--------address_count", address_list->address_count);
+  print_values(display_file, "--------", {Block::address_list}, address_list);
   // The message names the Clear; log readers know it so.
   return display_children(address_list->address, address_list->address_count, display_file,
-                          KZCIAddressDisplay, "fail to call KZCIAddressClear, status:%d");
+                          KZCIAddressDisplay, message::address_clear_failed);
+}
+
+sword KZCIAddressDisplay(KZCIAddress *address, FILE *display_file) {
+  if (address == nullptr || display_file == nullptr) return invalid_handle;
+  std::fprintf(display_file, "--------Address:\n");
+  print_values(display_file, "----------", {Block::address}, address);
+  return success;
+}
+
+sword KZCIConnectDataDisplay(KZCIConnectData *con_data, FILE *display_file) {
+  if (con_data == nullptr || display_file == nullptr) return invalid_handle;
+  std::fprintf(display_file, "--------ConnectData:\n");
+  print_values(display_file, "----------", {Block::connect_data}, con_data,
+               [&](const Key &key) { return is_shown(*con_data, key); });
+  return success;
+}
+
+sword KZCISystemVariablesDisplay(KZCISystemVariables *sys_vars, FILE *display_file) {
+  if (sys_vars == nullptr || display_file == nullptr) return invalid_handle;
+  std::fprintf(display_file, "--------SYSTEMVARIABLE:\n");
+  print_values(display_file, "----------", {Block::system_variables}, sys_vars);
+  return success;
 }

@@ -3,28 +3,26 @@
 #include <cstring>
 
 #include "kzoci/platform/my_strtoll10.h"
+#include "letter_case.h"
 
 namespace kzoci::tns {
 
 sword identify_key(KZCITnsParseParams *params) {
-  const sword status = KZCITnsGetKeyType(params);
-  if (status != success) {
-    KZ_LOG_ERROR("fail to get key type, status:%d", status);
-    return status;
-  }
+  const sword status = reported(KZCITnsGetKeyType(params), message::key_type_failed);
+  if (status != success) return status;
   if (params->key_type == LB_ERROR_KEY) {
-    KZ_LOG_ERROR("get error key type");
+    KZ_LOG(message::unknown_key);
     return failure;
   }
   return success;
 }
 
-sword begin_item(KZCITnsParseParams *params, const char *key_type_format) {
+sword begin_item(KZCITnsParseParams *params, const Message<int> &key_met) {
   sword status = expect(params, TNS_LEFT_PARENTHESES);
   if (status == success) status = expect(params, TNS_KEY);
   if (status == success) status = identify_key(params);
   if (status == success) status = expect(params, TNS_EQUAL_SIGN);
-  if (status == success) KZ_LOG_DEBUG(key_type_format, params->key_type);
+  if (status == success) KZ_LOG(key_met, params->key_type);
   return status;
 }
 
@@ -40,22 +38,66 @@ sword read_integer(KZCITnsParseParams *params, sb8 *number) {
   int error = converted;
   *number = my_strtoll10(params->tns_key, &end, &error);
   if ((error == converted || error == converted_negative) && end == text_end) return status;
-  KZ_LOG_ERROR("fail to covert to int, src value:%.*s", static_cast<int>(length), params->tns_key);
+  KZ_LOG(message::bad_integer, static_cast<int>(length), params->tns_key);
   return failure;
 }
 
-sword read_text(KZCITnsParseParams *params, char *field, ub4 *length, ub4 limit, TextCopy copy) {
+namespace {
+
+sword read_number(const Value &value, KZCITnsParseParams *params, void *record) {
+  sb8 number = 0;
+  const sword status = read_integer(params, &number);
+  store_number(record, value.field, number);
+  return status;
+}
+
+sword read_text(const Value &value, KZCITnsParseParams *params, void *record) {
   const sword status = expect(params, TNS_KEY);
-  if (status != success || params->tns_key_len > limit) {
-    KZ_LOG_ERROR("fail to parse string value");
+  const ub4 length = params->tns_key_len;
+  if (status != success || length > value.limit) {
+    KZ_LOG(message::text_refused);
     return status;
   }
-  *length = params->tns_key_len;
-  if (copy == TextCopy::string)
-    std::strncpy(field, params->tns_key, params->tns_key_len);
+  char *const characters = static_cast<char *>(field_of(record, value.field));
+  std::memcpy(static_cast<char *>(record) + value.field.length_at, &length, sizeof length);
+  if (value.copy == TextCopy::string)
+    std::strncpy(characters, params->tns_key, length);
   else
-    std::memcpy(field, params->tns_key, params->tns_key_len);
+    std::memcpy(characters, params->tns_key, length);
   return success;
+}
+
+sword read_word(const Value &value, KZCITnsParseParams *params, void *record) {
+  const sword status = expect(params, TNS_KEY);
+  const ub4 length = key_length(params);
+  for (const Word &word : value.words->words) {
+    if (!is_same_text(params->tns_key, word.text, length)) continue;
+    store_number(record, value.field, word.value);
+    return status;
+  }
+  KZ_LOG(value.words->refused, static_cast<int>(length), params->tns_key);
+  return failure;
+}
+
+}  // namespace
+
+sword read_value(const Key &key, KZCITnsParseParams *params, void *record) {
+  switch (key.value.kind) {
+    case ValueKind::integer:
+      return read_number(key.value, params, record);
+    case ValueKind::word:
+      return read_word(key.value, params, record);
+    default:
+      return read_text(key.value, params, record);
+  }
+}
+
+sword read_by_grammar(Block block, const Message<> &key_refused, KZCITnsParseParams *params,
+                      void *record) {
+  const Key *const key = key_of(block, params->key_type);
+  if (key != nullptr) return read_value(*key, params, record);
+  KZ_LOG(key_refused);
+  return failure;
 }
 
 }  // namespace kzoci::tns

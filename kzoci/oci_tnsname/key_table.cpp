@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "kzoci/oci_tnsname.h"
+#include "grammar.h"
 #include "log.h"
 #include "status.h"
 #include "word_of_memory.h"
@@ -36,8 +36,8 @@ constexpr unsigned char telling_bits(char c) { return 'A' <= c && c <= 'Z' ? 0xD
 struct KeyWord {
   std::string_view text;
   KZCILBKeyType type;
-  TextWords words = words_of(text, itself);
-  TextWords mask = words_of(text, telling_bits);
+  TextWords words;
+  TextWords mask;
 
   // tns_key has room for more than the longest key word, so that whole words can be
   // loaded; what stands behind the key is masked.
@@ -49,57 +49,37 @@ struct KeyWord {
   }
 };
 
-// In the order of their lengths; of one length the most frequent ones first.
-constexpr KeyWord tns_keys[] = {
-    {"SID", LB_SID},
-    {"HOST", LB_HOST},
-    {"PORT", LB_PORT},
-    {"KZLB", LB_KZLB},
-    {"NAME", LB_NAME},
-    {"WEIGHT", LB_WEIGHT},
-    {"ADDRESS", LB_ADDRESS},
-    {"TIMEOUT", LB_TIMEOUT},
-    {"KZ_MODE", LB_KZ_MODE},
-    {"PROTOCOL", LB_PROTOCOL},
-    {"DURATION", LB_DRUATION},
-    {"LOG_SIZE", LB_LOG_SIZE},
-    {"LOG_PATH", LB_LOG_PATH},
-    {"LOG_LEVEL", LB_LOG_LEVEL},
-    {"LOG_COUNT", LB_LOG_COUNT},
-    {"RETRYTIMES", LB_RETRY_TIMES},
-    {"DESCRIPTION", LB_DESCRIPTION},
-    {"RETRY_TIMES", LB_RETRY_TIMES},
-    {"RETRY_DELAY", LB_RETRY_DELAY},
-    {"ADDRESS_LIST", LB_ADDRESS_LIST},
-    {"CONNECT_DATA", LB_CONNECT_DATA},
-    {"SERVICE_NAME", LB_SERVICE_NAME},
-    {"KZLB_STRATEGY", LB_KZLB_STRATEGY},
-    {"KZLB_BLACKLIST", LB_KZLB_BLACKLIST},
-    {"REMOVE_STRATEGY", LB_REMOVE_STRATEGY},
-    {"APPEND_STRATEGY", LB_APPEND_STRATEGY},
-    {"USE_DEFAULT_SID", LB_USE_DEFAULT_SID},
-    {"SESSION_VARIABLE", LB_SESSION_VARIABLE},
-    {"SLOWSQL_THRESHOLD", LB_SLOWSQL_THRESHOLD},
-    {"KZLB_READ_TIMEOUT", LB_READ_TIMEOUT},
-    {"KZ_USER_EXTRA_INFO", LB_EXTRA_INFO},
-    {"KZLB_RETRY_TIMEOUT", LB_KZLB_RETRY_TIMEOUT},
-    {"KZLB_WRITE_TIMEOUT", LB_WRITE_TIMEOUT},
-    {"KZLB_GROUP_STRATEGY", LB_KZLB_GROUP_STRATEGY},
-    {"SLOWSQL_BUFFER_SIZE", LB_SLOWSQL_BUFFER_SIZE},
-    {"KZLB_RETRY_ALL_DOWNS", LB_KZLB_RETRY_ALL_DOWNS},
-    {"KZLB_CONNECT_TIMEOUT", LB_CONNECT_TIMEOUT},
-    {"SLOWSQL_FLUSH_SECOND", LB_SLOWSQL_FLUSH_SECOND},
-};
-
-constexpr bool lengths_rise_to_the_longest() {
-  std::size_t last = 0;
-  for (const KeyWord &word : tns_keys) {
-    if (word.text.size() < last) return false;
-    last = word.text.size();
-  }
-  return last == longest_key_word;
+constexpr KeyWord make_key_word(std::string_view text, KZCILBKeyType type) {
+  return {text, type, words_of(text, itself), words_of(text, telling_bits)};
 }
-static_assert(lengths_rise_to_the_longest());
+
+// Whether an earlier row of the grammar has the same word.
+constexpr bool stands_before(std::size_t row) {
+  for (std::size_t i = 0; i < row; ++i)
+    if (std::string_view(grammar[i].word) == grammar[row].word) return true;
+  return false;
+}
+
+constexpr std::size_t number_of_words = [] {
+  std::size_t number = 0;
+  for (std::size_t row = 0; row < std::size(grammar); ++row) number += !stands_before(row);
+  return number;
+}();
+
+// The words of the grammar in the order of their lengths; those of one length in the
+// grammar's order.
+constexpr auto tns_keys = [] {
+  std::array<KeyWord, number_of_words> words{};
+  std::size_t taken = 0;
+  for (std::size_t length = 1; length <= longest_key_word; ++length)
+    for (std::size_t row = 0; row < std::size(grammar); ++row) {
+      const std::string_view word = grammar[row].word;
+      if (word.size() == length && !stands_before(row))
+        words[taken++] = make_key_word(word, grammar[row].type);
+    }
+  return words;
+}();
+static_assert(tns_keys.back().text.size() == longest_key_word, "a word is longer");
 
 // Number of key words of each length.
 constexpr auto tns_key_array_size = [] {
@@ -118,7 +98,7 @@ constexpr auto tns_key_array = [] {
 
 // A lookup compares only against the words of the key's own length.
 KZCILBKeyType key_type_of(const char *key, ub4 length) {
-  const KeyWord *const first = tns_keys + tns_key_array[length];
+  const KeyWord *const first = tns_keys.data() + tns_key_array[length];
   for (const KeyWord *word = first; word != first + tns_key_array_size[length]; ++word)
     if (word->is_spelt(key)) return word->type;
   return LB_ERROR_KEY;
@@ -131,15 +111,14 @@ sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params) {
   const ub4 length = parse_params->tns_key_len;
   if (length > longest_key_word) {
     parse_params->key_type = LB_ERROR_KEY;
-    KZ_LOG_ERROR("parse_params tns_key_len:%d > %d", static_cast<int>(length),
-                 static_cast<int>(longest_key_word));
+    KZ_LOG(message::too_long_for_key_word, static_cast<int>(length),
+           static_cast<int>(longest_key_word));
     return success;
   }
   parse_params->key_type = key_type_of(parse_params->tns_key, length);
   if (parse_params->key_type != LB_ERROR_KEY)
-    KZ_LOG_DEBUG("succ to find key, key is:%d", parse_params->key_type);
+    KZ_LOG(message::key_word_found, parse_params->key_type);
   else
-    KZ_LOG_DEBUG("fail to find key, key size:%u, key str:%.*s", length, static_cast<int>(length),
-                 parse_params->tns_key);
+    KZ_LOG(message::no_key_word, length, static_cast<int>(length), parse_params->tns_key);
   return success;
 }

@@ -1,28 +1,32 @@
-// The log words, and the arguments that log formats need in the right width.
+// Logging a record, and the arguments that formats need in the right width.
 #pragma once
 
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <type_traits>
 
 #include "kzoci/platform/log.h"
-#include "kzoci/platform/types.h"
+#include "messages.h"
 
-// Macros, so that a record carries the file and line of its call and the
-// compiler checks the format against the arguments.
-#define KZ_LOG(level, ...) kzoci_log_inner(level, __FILE__, __LINE__, __VA_ARGS__)
-#define KZ_LOG_DEBUG(...) KZ_LOG(LOG_LEVEL_DEBUG, __VA_ARGS__)
-#define KZ_LOG_WARN(...) KZ_LOG(LOG_LEVEL_WARN, __VA_ARGS__)
-#define KZ_LOG_ERROR(...) KZ_LOG(LOG_LEVEL_ERROR, __VA_ARGS__)
-#define KZ_LOG_SLOWSQL(...) KZ_LOG(LOG_LEVEL_SLOWSQL, __VA_ARGS__)
+// Logs a record by its name. A macro, so that it carries the file and line of its call.
+#define KZ_LOG(message, ...) \
+  kzoci::tns::log_record((message), __FILE__, __LINE__ __VA_OPT__(, ) __VA_ARGS__)
 
 namespace kzoci::tns {
 
-// A pointer for "%p".
-inline const void *pointer(const void *address) { return address; }
+// Each message has checked its own format against its arguments; compilers do not see that.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-security"
+template <class... Arguments>
+inline void log_record(const Message<Arguments...> &message, const char *file, int line,
+                       std::type_identity_t<Arguments>... arguments) {
+  kzoci_log_inner(message.level, file, line, message.format, arguments...);
+}
+#pragma GCC diagnostic pop
 
-// A number for "%ld".
-inline long long_number(sb8 number) { return static_cast<long>(number); }
+// A number for KZ_LD.
+inline long_argument long_number(sb8 number) { return static_cast<long_argument>(number); }
 
 // A size for "%lu".
 inline unsigned long size_number(std::size_t size) { return static_cast<unsigned long>(size); }

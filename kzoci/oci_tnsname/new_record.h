@@ -1,41 +1,54 @@
-// Making a record of the tree: allocate it, then give it its defaults.
+// Making a record of the tree: allocate it, then give it its defaults; then read it.
 #pragma once
 
 #include <cstddef>
 
+#include "items.h"
 #include "kzoci/platform/memory.h"
 #include "log.h"
 #include "status.h"
 
 namespace kzoci::tns {
 
-// Sets a record to zero by the library's memset. With the size in sight, compilers
-// put a string instruction in its place, which is slower for hundreds of bytes.
-void set_to_zero(void *record, std::size_t size);
-
-template <class Record>
+// What the builders of records differ in.
+template <class Record, class NotBuilt = Message<>>
 struct RecordKind {
   const char *tag;
-  const char *malloc_failure;  // printf format of the size
+  Message<unsigned long> not_allocated;
   sword (*init)(Record *);
-  const char *init_failure;
-  std::size_t reported_size = sizeof(Record);  // what malloc_failure prints
+  Message<> init_failed;
+  Message<int> key_met;
+  NotBuilt not_built;
+  std::size_t reported_size = sizeof(Record);  // what not_allocated prints
 };
 
-template <class Record>
-Record *allocate_record(const RecordKind<Record> &kind) {
+template <class Record, class NotBuilt>
+Record *allocate_record(const RecordKind<Record, NotBuilt> &kind) {
   auto *const record = static_cast<Record *>(kzci_malloc(sizeof(Record), kind.tag));
-  if (record == nullptr) KZ_LOG_ERROR(kind.malloc_failure, size_number(kind.reported_size));
+  if (record == nullptr) KZ_LOG(kind.not_allocated, size_number(kind.reported_size));
   return record;
 }
 
 // A record whose Init fails stays allocated.
-template <class Record>
-sword make_record(const RecordKind<Record> &kind, Record **record) {
+template <class Record, class NotBuilt>
+sword make_record(const RecordKind<Record, NotBuilt> &kind, Record **record) {
   *record = allocate_record(kind);
   if (*record == nullptr) return failure;
   const sword status = kind.init(*record);
-  if (status != success) KZ_LOG_ERROR("%s", kind.init_failure);
+  if (status != success) KZ_LOG(kind.init_failed);
+  return status;
+}
+
+// Makes a record and reads its block into it; read_item_value(record) reads one value. A
+// record whose block is not good is released alone, without what hangs below it.
+template <class Record, class NotBuilt, class ReadItemValue>
+sword build_record(const RecordKind<Record, NotBuilt> &kind, KZCITnsParseParams *params,
+                   Record **record, ReadItemValue read_item_value) {
+  sword status = make_record(kind, record);
+  if (status != success) return status;
+  status =
+      read_block(params, kind.key_met, kind.not_built, [&] { return read_item_value(**record); });
+  if (status != success) kzci_free(*record);
   return status;
 }
 

@@ -33,7 +33,7 @@ sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params) {
   if (parse_params == nullptr) return invalid_handle;
   if (parse_params->buffer_pos < parse_params->buffer_len) return success;
   if (parse_params->is_eof == 1) return failure;
-  KZ_LOG_DEBUG("read data mode=%d", parse_params->mode);
+  KZ_LOG(message::reading, parse_params->mode);
   parse_params->buffer_len = parse_params->mode == TNS_MODE_DESCRIPTION
                                  ? read_description(*parse_params)
                                  : read_file(*parse_params);

@@ -12,24 +12,24 @@ namespace {
 
 KZCIDescription *first_description(const KZCITnsService &service) {
   if (service.description_count != 0 && service.description != nullptr) return service.description;
-  KZ_LOG_ERROR("description is NULL, count:%u", service.description_count);
+  KZ_LOG(message::description_missing, service.description_count);
   return nullptr;
 }
 
 KZCIAddressList *first_address_list(const KZCIDescription &des) {
   if (des.address_list_count != 0 && des.address_list != nullptr) return des.address_list;
-  KZ_LOG_ERROR("address_list is NULL, count:%u", des.address_list_count);
+  KZ_LOG(message::address_list_missing, des.address_list_count);
   return nullptr;
 }
 
 KZCIAddress *first_address(const KZCIAddressList &list) {
   if (list.address_count != 0 && list.address != nullptr) return list.address;
-  KZ_LOG_ERROR("address is NULL, count:%u", list.address_count);
+  KZ_LOG(message::address_missing, list.address_count);
   return nullptr;
 }
 
 KZCIConnectData *connect_data_of(const KZCIDescription &des) {
-  if (des.connect_data == nullptr) KZ_LOG_ERROR("con_data is NULL");
+  if (des.connect_data == nullptr) KZ_LOG(message::null_connect_data);
   return des.connect_data;
 }
 
@@ -58,11 +58,8 @@ sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, 
                                  sb4 *kz_mode, char *session_variable, sb4 *session_variable_len) {
   if (tns_service == nullptr || extra_info == nullptr || extra_info_len == nullptr ||
       kz_mode == nullptr || session_variable == nullptr || session_variable_len == nullptr) {
-    KZ_LOG_ERROR(
-        "invalid handle, tns_service:%p, extra_info:%p, extra_info_len:%p, session_variable:%p, "
-        "session_variable_len:%p",
-        pointer(tns_service), pointer(extra_info), pointer(extra_info_len),
-        pointer(session_variable), pointer(session_variable_len));
+    KZ_LOG(message::null_extra_info_argument, tns_service, extra_info, extra_info_len,
+           session_variable, session_variable_len);
     return invalid_handle;
   }
   const KZCIDescription *const des = first_description(*tns_service);
@@ -81,8 +78,7 @@ sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, 
 
 sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *dblink_len) {
   if (tns_service == nullptr || dblink == nullptr || dblink_len == nullptr) {
-    KZ_LOG_ERROR("invalid handle, tns_service:%p, dblink_info:%p, dblink_len:%p",
-                 pointer(tns_service), pointer(dblink), pointer(dblink_len));
+    KZ_LOG(message::null_dblink_argument, tns_service, dblink, dblink_len);
     return invalid_handle;
   }
   const KZCIDescription *const des = first_description(*tns_service);
@@ -92,7 +88,7 @@ sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *db
   if (data == nullptr) return failure;
   const int length = format_dblink(dblink, *address, *data);
   if (length <= 0) {
-    KZ_LOG_ERROR("fail to get dblink, dblink_len:%d", length);
+    KZ_LOG(message::dblink_failed, length);
     return failure;
   }
   *dblink_len = length;

@@ -7,6 +7,7 @@
 // The entry's name and its "=" have been consumed by the caller.
 #include "children.h"
 #include "items.h"
+#include "kzoci/platform/memory.h"
 #include "reserved_entry.h"
 #include "tokenizer.h"
 
@@ -18,33 +19,30 @@ namespace {
 KZCITnsService *allocate_service(const KZCITnsParseParams &params, const char *tag) {
   const std::size_t size = sizeof(KZCITnsService) + key_length(&params);
   auto *const service = static_cast<KZCITnsService *>(kzci_malloc(size, tag));
-  if (service == nullptr)
-    KZ_LOG_ERROR("malloc tns_service error, malloc size:%lu", size_number(size));
+  if (service == nullptr) KZ_LOG(message::service_not_allocated, size_number(size));
   return service;
 }
 
 sword init_service(KZCITnsService *service, const KZCITnsParseParams &params) {
   const sword status = KZCITnsServiceInit(service, key_length(&params), params.tns_key);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCITnsServiceInit");
+  if (status != success) KZ_LOG(message::service_init_failed);
   return status;
 }
 
 void append_service(KZCITns &tns, KZCITnsService *service) {
-  KZ_LOG_DEBUG("success to build tns_service, description count:%u", service->description_count);
+  KZ_LOG(message::service_built, service->description_count);
   link_child(tns.tns_service, tns.tns_service_count, service);
 }
 
 sword check_is_description(const KZCITnsParseParams &params) {
-  KZ_LOG_DEBUG("bulid_tns_service get key_type %d", params.key_type);
+  KZ_LOG(message::service_key, params.key_type);
   if (params.key_type == LB_DESCRIPTION) return success;
-  KZ_LOG_ERROR("expect LB_DESCRIPTION:%d but get %d", LB_DESCRIPTION, params.key_type);
+  KZ_LOG(message::not_description, LB_DESCRIPTION, params.key_type);
   return failure;
 }
 
 sword build_description(KZCITnsService *service, KZCITnsParseParams *params) {
-  const sword status = KZCIDescriptionBuild(service, params);
-  if (status != success) KZ_LOG_ERROR("fail to build description, status:%d", status);
-  return status;
+  return reported(KZCIDescriptionBuild(service, params), message::description_failed);
 }
 
 sword read_key_word(KZCITnsParseParams *params) {
@@ -65,11 +63,10 @@ sword read_block(KZCITnsService *service, KZCITnsParseParams *params) {
 // handled under the key type that the parse state holds.
 sword read_setting(KZCITnsService *service, KZCITnsParseParams *params) {
   read_key_word(params);
-  sword status = expect(params, TNS_EQUAL_SIGN);
+  const sword status = expect(params, TNS_EQUAL_SIGN);
   if (status != success) return status;
-  status = KZCISystemVariablesBuild(&service->sys_vars, params);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCISystemVariablesBuild, status:%d", status);
-  return status;
+  return reported(KZCISystemVariablesBuild(&service->sys_vars, params),
+                  message::system_variables_failed);
 }
 
 // What came of an entry's blocks.
@@ -80,7 +77,7 @@ struct Blocks {
 
 Blocks read_blocks(KZCITnsService *service, KZCITnsParseParams *params) {
   const bool reserved = is_reserved_name(params->tns_key, key_length(params));
-  if (reserved) KZ_LOG_DEBUG("parse system variables");
+  if (reserved) KZ_LOG(message::reserved_entry);
   Blocks blocks = {success, false};
   for (;;) {
     blocks.status = expect(params, TNS_LEFT_PARENTHESES);
@@ -95,8 +92,7 @@ Blocks read_blocks(KZCITnsService *service, KZCITnsParseParams *params) {
 }  // namespace
 
 sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params) {
-  KZ_LOG_DEBUG("call KZCITnsServiceBuild with params [tns:%p], [parse_params:%p]", pointer(tns),
-               pointer(parse_params));
+  KZ_LOG(message::service_called, tns, parse_params);
   if (tns == nullptr || parse_params == nullptr) return refuse_null_handle();
   KZCITnsService *const service = allocate_service(*parse_params, "KZCITnsServiceBuild");
   if (service == nullptr) return failure;
@@ -104,7 +100,7 @@ sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params) {
   if (status != success) return status;
   const Blocks blocks = read_blocks(service, parse_params);
   if (!blocks.one_completed || !block_closed(parse_params)) {
-    KZ_LOG_ERROR("something error in build tns service, status:%d", blocks.status);
+    KZ_LOG(message::service_not_built, blocks.status);
     kzci_free(service);
     return failure;
   }
@@ -135,7 +131,7 @@ sword build_descriptor_service(KZCITns &tns, KZCITnsParseParams *params) {
   sword status = service == nullptr ? failure : init_service(service, *params);
   if (status == success) status = read_descriptor_body(service, params);
   if (status != success || !block_closed(params)) {
-    KZ_LOG_ERROR("something error in build tns service, status:%d", status);
+    KZ_LOG(message::service_not_built, status);
     kzci_free(service);
     return failure;
   }
@@ -147,8 +143,7 @@ sword build_descriptor_service(KZCITns &tns, KZCITnsParseParams *params) {
 
 sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
   const char *const text = reinterpret_cast<const char *>(dbname);
-  KZ_LOG_DEBUG("call KZCITnsBuildDes with params [tns:%p, %s]", pointer(tns),
-               text == nullptr ? "(null)" : text);
+  KZ_LOG(message::descriptor_called, tns, text == nullptr ? "(null)" : text);
   if (find != nullptr) *find = 0;
   if (dbname == nullptr || find == nullptr || tns == nullptr) return refuse_null_handle();
 
@@ -159,7 +154,7 @@ sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boole
 
   sword status = read_descriptor_head(&params);
   if (status == no_data) {
-    KZ_LOG_DEBUG("fail to find tns service, dbname:%.*s", precision(dbname_len), text);
+    KZ_LOG(message::not_found, precision(dbname_len), text);
     return success;
   }
   if (status == success) status = check_is_description(params);
@@ -167,6 +162,6 @@ sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boole
   if (status != success) return status;
   *find = 1;
   // The message names the other builder; log readers know it so.
-  KZ_LOG_DEBUG("succ to call KZCITnsServiceBuild, service number:%u", tns->tns_service_count);
+  KZ_LOG(message::entry_built, tns->tns_service_count);
   return success;
 }

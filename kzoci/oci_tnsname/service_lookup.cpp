@@ -42,18 +42,18 @@ void make_file_name(char *name, const char *value, const char *suffix) {
 char *name_from_environment(char *name) {
   struct Source {
     const char *variable;
-    const char *message;
+    Message<const char *> chosen;
     const char *suffix;
   };
   constexpr Source sources[] = {
-      {"KZCI_TNS_FILE", "get KZCI_TNS_FILE:%s", ""},
-      {"TNS_ADMIN", "get TNS_ADMIN:%s", "/tnsnames.ora"},
-      {"ORACLE_HOME", "get ORACLE_HOME:%s", "/network/admin/tnsnames.ora"},
+      {"KZCI_TNS_FILE", message::tns_file_variable, ""},
+      {"TNS_ADMIN", message::tns_admin_variable, "/tnsnames.ora"},
+      {"ORACLE_HOME", message::oracle_home_variable, "/network/admin/tnsnames.ora"},
   };
   for (const Source &source : sources) {
     char *const value = std::getenv(source.variable);
     if (value == nullptr) continue;
-    KZ_LOG_DEBUG(source.message, value);
+    KZ_LOG(source.chosen, value);
     make_file_name(name, value, source.suffix);
     return value;
   }
@@ -64,13 +64,13 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   FileName name = {};
   params->tns_name = name_from_environment(name);
   if (params->tns_name == nullptr) {
-    KZ_LOG_DEBUG("can not get file name in environment");
+    KZ_LOG(message::no_variable);
     return no_data;
   }
-  KZ_LOG_DEBUG("get configure file:%s", name);
+  KZ_LOG(message::names_file, name);
   params->tns_file = std::fopen(name, "re");  // closed on exec
   if (params->tns_file == nullptr) {
-    KZ_LOG_DEBUG("fail to open tns file, tns_name:%s", name);
+    KZ_LOG(message::names_file_not_opened, name);
     return failure;
   }
   return success;
@@ -91,24 +91,19 @@ bool is_sought(const SoughtName &sought, const KZCITnsParseParams &params) {
 
 sword build_entry(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &sought,
                   boolean *find) {
-  KZ_LOG_DEBUG("find tns service, dbname:%.*s", sought.text_precision(), sought.text);
-  const sword status = KZCITnsServiceBuild(tns, params);
-  if (status != success) {
-    KZ_LOG_ERROR("fail to call KZCITnsServiceBuild, status:%d", status);
-    return status;
-  }
+  KZ_LOG(message::entry_found, sought.text_precision(), sought.text);
+  const sword status = reported(KZCITnsServiceBuild(tns, params), message::entry_failed);
+  if (status != success) return status;
   *find = 1;
-  KZ_LOG_DEBUG("succ to call KZCITnsServiceBuild, service number:%u", tns->tns_service_count);
+  KZ_LOG(message::entry_built, tns->tns_service_count);
   return success;
 }
 
 sword skip_entry(KZCITnsParseParams *params, const SoughtName &sought) {
   // The key is printed over the sought name's length; log readers know it so.
-  KZ_LOG_DEBUG("dbname is not equal to tns_service, dbname:%.*s, key:%.*s", sought.text_precision(),
-               sought.text, precision(sought.length, sizeof params->tns_key), params->tns_key);
-  const sword status = KZCITnsServiceSkip(params);
-  if (status != success) KZ_LOG_ERROR("fail to call KZCITnsServiceSkip, status:%d", status);
-  return status;
+  KZ_LOG(message::other_entry, sought.text_precision(), sought.text,
+         precision(sought.length, sizeof params->tns_key), params->tns_key);
+  return reported(KZCITnsServiceSkip(params), message::skip_failed);
 }
 
 // Reads entries until the sought one is built or the input ends.
@@ -133,7 +128,7 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
   *find = 0;
   sword status = KZCITnsBuildGetFile(&params);
   if (status != success) {
-    KZ_LOG_DEBUG("fail to call KZCITnsBuildGetFile, status:%d", status);
+    KZ_LOG(message::no_names_file, status);
     return success;
   }
   // The stream reads in larger pieces than it would by itself; where it does not
@@ -141,7 +136,7 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
   std::setvbuf(params.tns_file, stream_buffer, _IOFBF, sizeof stream_buffer);
   status = scan_entries(tns, &params, sought, find);
   if (status == no_data) {
-    KZ_LOG_DEBUG("fail to find tns service, dbname:%.*s", sought.text_precision(), sought.text);
+    KZ_LOG(message::not_found, sought.text_precision(), sought.text);
     status = success;
   }
   std::fclose(params.tns_file);
@@ -161,7 +156,7 @@ boolean IsDescriptionTns(char *description, ub4 description_len) {
 }
 
 sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
-  KZ_LOG_DEBUG("call KZCITnsBuild with params [tns:%p]", pointer(tns));
+  KZ_LOG(message::build_called, tns);
   if (dbname == nullptr || find == nullptr || tns == nullptr) return refuse_null_handle();
   auto *const text = const_cast<char *>(reinterpret_cast<const char *>(dbname));
   if (IsDescriptionTns(text, dbname_len)) return KZCITnsBuildDes(tns, dbname, dbname_len, find);

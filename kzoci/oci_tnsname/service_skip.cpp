@@ -31,21 +31,18 @@ bool pass_balanced(KZCITnsParseParams &params, sb8 &depth) {
 
 sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params) {
   if (parse_params == nullptr) {
-    KZ_LOG_ERROR("invalid handle, parse_params:%p", pointer(parse_params));
+    KZ_LOG(message::null_parse_state, parse_params);
     return invalid_handle;
   }
   if (ends_scan(*parse_params)) {
     parse_params->is_eof = 1;
     return success;
   }
-  sword status = KZCITnsParse(parse_params, TNS_LEFT_PARENTHESES);
-  if (status != success) {
-    KZ_LOG_WARN("fail to call KZCITnsParse, status:%d", status);
-    return status;
-  }
+  sword status = reported(KZCITnsParse(parse_params, TNS_LEFT_PARENTHESES), message::token_failed);
+  if (status != success) return status;
   sb8 depth = 1;
   do {
-    status = need_character(parse_params, "fail to call kzci_tns_check buffer");
+    status = need_character(parse_params, message::refill_failed);
     if (status != success) return status;
   } while (!pass_balanced(*parse_params, depth));
   return success;

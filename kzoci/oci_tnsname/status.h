@@ -1,4 +1,4 @@
-// The statuses of every operation, by name.
+// The statuses of every operation, by name, and how a failure is passed up.
 #pragma once
 
 #include "kzoci/platform/types.h"
@@ -13,8 +13,14 @@ constexpr sword no_data = 100;  // the input is exhausted
 
 // Refuses a null argument.
 inline sword refuse_null_handle() {
-  KZ_LOG_ERROR("invalid handle, handle is NULL");
+  KZ_LOG(message::null_handle);
   return invalid_handle;
+}
+
+// The status of a step, which is logged when it is a failure.
+inline sword reported(sword status, const Message<sword> &step_failed) {
+  if (status != success) KZ_LOG(step_failed, status);
+  return status;
 }
 
 }  // namespace kzoci::tns

@@ -24,14 +24,14 @@ void begin_parse(KZCITnsParseParams *params, int mode) {
   params->mode = mode;
 }
 
-sword refill(KZCITnsParseParams *params, const char *failure_text) {
+sword refill(KZCITnsParseParams *params, const Message<> &refill_failed) {
   const sword status = KZCITnsCheckBuffer(params);
   if (status == success) return success;
   if (params->is_eof == 1) {
-    KZ_LOG_DEBUG("reach eof");
+    KZ_LOG(message::input_ended);
     return no_data;
   }
-  KZ_LOG_ERROR("%s", failure_text);
+  KZ_LOG(refill_failed);
   return status;
 }
 
@@ -117,7 +117,7 @@ using namespace kzoci::tns;
 sword KZCITnsParseBlank(KZCITnsParseParams *parse_params) {
   if (parse_params == nullptr) return invalid_handle;
   do {
-    const sword status = need_character(parse_params, "fail to call KZCITnsCheckBuffer");
+    const sword status = need_character(parse_params, message::blank_refill_failed);
     if (status != success) return status;
   } while (!pass_blanks(*parse_params));
   return success;
@@ -127,20 +127,20 @@ namespace {
 
 sword finish_key(KZCITnsParseParams &params, ub4 length) {
   params.tns_key_len = length;
-  KZ_LOG_DEBUG("get key size:%u, key:%.*s", length, static_cast<int>(length), params.tns_key);
+  KZ_LOG(message::key_read, length, static_cast<int>(length), params.tns_key);
   return success;
 }
 
 [[gnu::noinline]] sword read_key(KZCITnsParseParams *params) {
   KeyInProgress key;
   for (bool complete = false; !complete;) {
-    const sword status = need_character(params, "fail to call kzci_tns_check buffer");
+    const sword status = need_character(params, message::refill_failed);
     if (status != success) return status;
     complete = take_key_characters(*params, key) || params->buffer_pos < params->buffer_len;
     // A key that fills its room is cut when more characters are at hand, and
     // refused when they would have to be read first.
     if (!complete && key.length == max_key) {
-      KZ_LOG_ERROR("key size:%u bigger than %u", key.length, max_key);
+      KZ_LOG(message::key_too_long, key.length, max_key);
       return failure;
     }
   }
@@ -176,14 +176,12 @@ namespace {
 // own: most tokens are such, and the way to them stays short.
 
 [[gnu::noinline]] sword refuse_token(KZCITnsTokenType expect_type, KZCITnsTokenType type) {
-  KZ_LOG_WARN("expect token type is %d, but get %d", expect_type, type);
+  KZ_LOG(message::other_token, expect_type, type);
   return failure;
 }
 
 sword take_key(KZCITnsParseParams *params) {
-  const sword status = KZCITnsParseKey(params);
-  if (status != success) KZ_LOG_ERROR("fail to call parse key, status:%d", status);
-  return status;
+  return reported(KZCITnsParseKey(params), message::key_failed);
 }
 
 // Consumes the token at buffer_pos if it has the expected type.
@@ -200,7 +198,7 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
                                                  KZCITnsTokenType expect_type) {
   const sword status = KZCITnsParseBlank(params);
   if (status == success) return take_token(params, expect_type);
-  KZ_LOG_WARN("fail to call parse blank, status:%d", status);
+  KZ_LOG(message::blank_failed, status);
   return status;
 }
 
@@ -220,7 +218,5 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
 }
 
 sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
-  const sword status = KZCITnsParse(params, type);
-  if (status != success) KZ_LOG_WARN("fail to call KZCITnsParse, status:%d", status);
-  return status;
+  return reported(KZCITnsParse(params, type), message::token_failed);
 }

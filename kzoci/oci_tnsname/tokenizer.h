@@ -3,6 +3,7 @@
 
 #include "character_class.h"
 #include "kzoci/oci_tnsname.h"
+#include "messages.h"
 #include "status.h"
 
 namespace kzoci::tns {
@@ -12,12 +13,12 @@ namespace kzoci::tns {
 void begin_parse(KZCITnsParseParams *params, int mode);
 
 // Reads more input. At its end it logs so and returns no_data; on any other
-// failure it logs failure_text.
-sword refill(KZCITnsParseParams *params, const char *failure_text);
+// failure it logs refill_failed.
+sword refill(KZCITnsParseParams *params, const Message<> &refill_failed);
 
 // Makes sure that a character is at hand.
-inline sword need_character(KZCITnsParseParams *params, const char *failure_text) {
-  return params->buffer_pos < params->buffer_len ? success : refill(params, failure_text);
+inline sword need_character(KZCITnsParseParams *params, const Message<> &refill_failed) {
+  return params->buffer_pos < params->buffer_len ? success : refill(params, refill_failed);
 }
 
 // Consumes the parenthesis or equal sign of this type if it is the next character:

@@ -1,5 +1,7 @@
 #include "failing_callee.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdarg>
@@ -45,12 +47,21 @@ void forget_failures() {
 
 using namespace failing_callee;
 
-// The linker takes calls of NAME to __wrap_NAME, and those of __real_NAME to NAME.
-#define KZOCI_STAND_IN(callee, name, parameters, arguments)                    \
-  sword __real_##name parameters;                                              \
-  sword __wrap_##name parameters;                                              \
-  sword __wrap_##name parameters {                                             \
-    return fails_now(callee) ? plans[callee].status : __real_##name arguments; \
+namespace {
+
+// The module's own function of this name: the module is a shared library here, whose calls
+// find the stand-ins of the program first.
+template <class Function>
+Function *next(const char *name) {
+  return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));
+}
+
+}  // namespace
+
+#define KZOCI_STAND_IN(callee, name, parameters, arguments)           \
+  sword name parameters {                                             \
+    static auto *const real = next<sword parameters>(#name);          \
+    return fails_now(callee) ? plans[callee].status : real arguments; \
   }
 
 extern "C" {
@@ -77,23 +88,21 @@ KZOCI_STAND_IN(variables_display, KZCISystemVariablesDisplay,
 KZOCI_STAND_IN(slow_sql_flush, KZCISlowSQLBufferFlush, (KZCISLowSQL * slowsql), (slowsql))
 
 // Only refills count: readers need not ask while characters are at hand.
-sword __real_KZCITnsCheckBuffer(KZCITnsParseParams *params);
-sword __wrap_KZCITnsCheckBuffer(KZCITnsParseParams *params);
-sword __wrap_KZCITnsCheckBuffer(KZCITnsParseParams *params) {
-  if (params->buffer_pos < params->buffer_len || !fails_now(check_buffer))
-    return __real_KZCITnsCheckBuffer(params);
+sword KZCITnsCheckBuffer(KZCITnsParseParams *params) {
+  static auto *const real = next<sword(KZCITnsParseParams *)>("KZCITnsCheckBuffer");
+  if (params->buffer_pos < params->buffer_len || !fails_now(check_buffer)) return real(params);
   return plans[check_buffer].status;
 }
 
-sword __real_KZCITnsParseBlank(KZCITnsParseParams *params);
-sword __wrap_KZCITnsParseBlank(KZCITnsParseParams *params);
-sword __wrap_KZCITnsParseBlank(KZCITnsParseParams *params) {
+sword KZCITnsParseBlank(KZCITnsParseParams *params) {
+  static auto *const real = next<sword(KZCITnsParseParams *)>("KZCITnsParseBlank");
   if (fails_now(parse_blank)) return plans[parse_blank].status;
-  const sword status = __real_KZCITnsParseBlank(params);
+  const sword status = real(params);
   if (token_after_blanks) params->tns_token_type = *token_after_blanks;
   return status;
 }
 
+// The shared library's calls of snprintf come here.
 int __wrap_snprintf(char *text, std::size_t size, const char *format, ...);
 int __wrap_snprintf(char *text, std::size_t size, const char *format, ...) {
   if (fails_now(format_text)) return plans[format_text].status;

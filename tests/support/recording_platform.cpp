@@ -20,6 +20,7 @@ struct Event {
   log_level level;
   std::string text;
   std::string file;
+  std::string format;
 };
 
 struct LiveBlock {
@@ -91,7 +92,7 @@ std::string shown(const Event &event) {
 }
 
 void note_memory(std::string text) {
-  recorder().events.push_back({EventKind::memory, LOG_LEVEL_TRACE, std::move(text), ""});
+  recorder().events.push_back({EventKind::memory, LOG_LEVEL_TRACE, std::move(text), "", ""});
 }
 
 }  // namespace
@@ -168,6 +169,10 @@ std::vector<std::string> memory_events() {
   return select_events([](const Event &e) { return !is_log(e); }, shown);
 }
 
+std::vector<std::string> log_formats() {
+  return select_events(is_log, [](const Event &e) { return e.format; });
+}
+
 std::vector<std::string> log_files() {
   return select_events(is_log, [](const Event &e) { return e.file; });
 }
@@ -200,7 +205,7 @@ extern "C" void kzoci_log_inner(log_level level, const char *file, int, const ch
   if (!r.keeps_log) return;
   va_list arguments;
   va_start(arguments, format);
-  r.events.push_back({EventKind::log, level, format_text(format, arguments), file});
+  r.events.push_back({EventKind::log, level, format_text(format, arguments), file, format});
   va_end(arguments);
 }
 

@@ -48,6 +48,9 @@ std::vector<std::string> memory_events();
 // Source files that logged, one for each record.
 std::vector<std::string> log_files();
 
+// Formats of the records as the module handed them over.
+std::vector<std::string> log_formats();
+
 // Blocks that are allocated now, in the order of their allocation.
 std::vector<Block> live_blocks();
 

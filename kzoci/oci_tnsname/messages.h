@@ -1,0 +1,112 @@
+// The records that the module logs, by name; their texts are in messages.def. The module
+// logs `message::token_failed`; a program that listens to the log recognises a record by
+// the address of its format.
+#pragma once
+
+#include <climits>
+#include <cstddef>
+
+#include "kzoci/platform/log.h"
+#include "kzoci/platform/types.h"
+
+// The formats print 64-bit numbers as long, which elsewhere may have 32 bits.
+#if LONG_MAX >= INT64_MAX
+#define KZ_LD "ld"
+#else
+#define KZ_LD "lld"
+#endif
+
+namespace kzoci::tns {
+
+#if LONG_MAX >= INT64_MAX
+using long_argument = long;
+#else
+using long_argument = long long;
+#endif
+
+// How each type of argument is printed.
+template <class Argument>
+constexpr const char *conversion = nullptr;
+template <>
+inline constexpr const char *conversion<int> = "d";
+template <>
+inline constexpr const char *conversion<unsigned> = "u";
+template <>
+inline constexpr const char *conversion<unsigned long> = "lu";
+template <>
+inline constexpr const char *conversion<long_argument> = KZ_LD;
+template <>
+inline constexpr const char *conversion<const char *> = "s";
+template <>
+inline constexpr const char *conversion<const void *> = "p";
+
+constexpr bool begins_with(const char *text, const char *beginning) {
+  while (*beginning != '\0')
+    if (*text++ != *beginning++) return false;
+  return true;
+}
+
+// What follows the next "%" of a format; null when there is none.
+constexpr const char *next_conversion(const char *format) {
+  while (*format != '\0')
+    if (*format++ == '%') return format;
+  return nullptr;
+}
+
+// Whether a format prints arguments of these types, all of them and no others.
+template <class... Arguments>
+consteval bool is_printed_by(const char *format) {
+  const char *const wanted[] = {conversion<Arguments>..., nullptr};
+  std::size_t taken = 0;
+  for (const char *at = next_conversion(format); at != nullptr; at = next_conversion(at)) {
+    if (begins_with(at, ".*")) {
+      if (wanted[taken++] != conversion<int>) return false;
+      at += 2;
+    }
+    if (taken == sizeof...(Arguments) || !begins_with(at, wanted[taken++])) return false;
+  }
+  return taken == sizeof...(Arguments);
+}
+
+// A record's level and format, with the types of its arguments.
+template <class... Arguments>
+struct Message {
+  log_level level;
+  const char *format;
+};
+
+enum class MessageId {
+#define MESSAGE(identity, level, format, ...) identity,
+#include "messages.def"
+#undef MESSAGE
+};
+
+// Each format is one object of the program or shared library that holds the module, so
+// that its address tells the record.
+#pragma GCC visibility push(hidden)
+namespace message {
+#define MESSAGE(identity, level, format, ...)                   \
+  inline constexpr char identity##_format[] = format;           \
+  static_assert(is_printed_by<__VA_ARGS__>(identity##_format)); \
+  inline constexpr Message<__VA_ARGS__> identity = {LOG_LEVEL_##level, identity##_format};
+#include "messages.def"
+#undef MESSAGE
+}  // namespace message
+
+// All records, for programs that listen to the log.
+struct MessageRow {
+  MessageId id;
+  const char *name;
+  log_level level;
+  const char *format;
+};
+
+inline constexpr MessageRow messages[] = {
+#define MESSAGE(identity, level, format, ...) \
+  {MessageId::identity, #identity, LOG_LEVEL_##level, message::identity##_format},
+#include "messages.def"
+#undef MESSAGE
+};
+#pragma GCC visibility pop
+
+}  // namespace kzoci::tns
