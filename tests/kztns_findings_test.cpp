@@ -208,6 +208,14 @@ TEST(JsonReport, IsJsonForAnyBytes) {
   EXPECT_EQ(violations_of("/docs/check.schema.json", report), "");
 }
 
+// The name of an entry in a finding is the one of the list of entries, however long.
+TEST(JsonReport, NamesAnEntryInFullInItsFindings) {
+  const std::string name = std::string(100, 'n') + "\xFF";
+  const json report = json::parse(kztns::render_json(report_of(name + " = x")));
+  EXPECT_EQ(report["entries"][0]["name"], std::string(100, 'n') + "\\xff");
+  EXPECT_EQ(report["findings"][0]["entry"], std::string(100, 'n') + "\\xff");
+}
+
 TEST(SarifReport, FollowsTheStandardsSchema) {
   kztns::Report report = varied_report();
   report.file = "a b/names.ora";

@@ -63,8 +63,8 @@ class Probes : public testing::TestWithParam<Probe> {
   std::string path() const { return folder + GetParam().file; }
 
   kztns::Report report() const {
-    std::string why;
-    const kztns::NamesText text(kztns::read_file(path(), why).value());
+    kztns::ReadFault fault;
+    const kztns::NamesText text(kztns::read_file(path(), kztns::default_max_size, fault).value());
     kztns::Examination examination;
     examination.file = GetParam().file;
     examination.with_entries = true;
@@ -133,7 +133,7 @@ TEST_P(Probes, VerdictAgreesWithTheTable) {
 TEST_P(Probes, WhyTellsTheCause) {
   const Probe &probe = GetParam();
   kztns::Tree tree;
-  const kztns::Lookup lookup = kztns::look_up(probe.name, std::nullopt, tree);
+  const kztns::Lookup lookup = kztns::look_up(probe.name, {}, tree);
   const kztns::Story story = kztns::tell(probe.name, lookup);
   if (probe.status != 0) {
     ASSERT_TRUE(story.fault.has_value()) << probe.reason;

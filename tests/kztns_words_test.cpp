@@ -51,8 +51,31 @@ TEST(VisibleText, EscapesInvisibleCharacters) {
       {"\xC2\x9F", "\\xc2\\x9f"},
       {"\xC2\xA0", "\\xc2\\xa0"},
       {"\xE2\x80\x8B", "\\xe2\\x80\\x8b"},
-      {"\xE2\x80\x8F", "\\xe2\\x80\\x8f"}};
+      {"\xE2\x80\x8F", "\\xe2\\x80\\x8f"},
+      {"\xD8\x9C", "\\xd8\\x9c"},           // the bidirectional controls
+      {"\xE2\x80\xAA", "\\xe2\\x80\\xaa"},  //
+      {"\xE2\x80\xAE", "\\xe2\\x80\\xae"},  //
+      {"\xE2\x81\xA6", "\\xe2\\x81\\xa6"},  //
+      {"\xE2\x81\xA9", "\\xe2\\x81\\xa9"},  //
+      {"\xE2\x80\xA8", "\\xe2\\x80\\xa8"},  // line and paragraph separator
+      {"\xE2\x80\xA9", "\\xe2\\x80\\xa9"},  //
+      {"\n\r\t\x1B\x7F", "\\x0a\\x0d\\x09\\x1b\\x7f"},
+      {"\xEF\xBF\xBF", "\\xef\\xbf\\xbf"}};
   for (const auto &[text, shown] : texts) EXPECT_EQ(kztns::visible(text), shown);
+}
+
+// What looks like an escape is told from one.
+TEST(VisibleText, EscapesABackslashOnlyBeforeTheLettersOfAnEscape) {
+  const std::pair<std::string_view, std::string_view> texts[] = {
+      {"C:\\x\\n", "C:\\x\\n"},  {"\\x4", "\\x4"},
+      {"\\x4g", "\\x4g"},        {"\\X41", "\\X41"},
+      {"\\xAB", "\\xAB"},        {"\\x41", "\\x5cx41"},
+      {"\\\\x41", "\\\\x5cx41"}, {"\\x5cx41", "\\x5cx5cx41"},
+      {"\\\xFF", "\\\\xff"}};
+  for (const auto &[text, shown] : texts) {
+    EXPECT_EQ(kztns::visible(text), shown);
+    EXPECT_EQ(kztns::valid_utf8(text), shown);
+  }
 }
 
 TEST(Excerpt, EndsInFrontOfACharacterOfAnyLength) {

@@ -53,16 +53,16 @@ Report make_report(const std::string &path, std::string text, const CheckOptions
 }  // namespace
 
 std::optional<std::string> read_names_file(const std::optional<std::string> &file,
-                                           std::string &path) {
-  const std::optional<std::string> chosen = file ? file : choose_file().file;
+                                           std::uint64_t max_size, std::string &path) {
+  const std::optional<FileChoice> chosen = choose_file(file);
   if (!chosen) {
     complain("names file", "none of KZCI_TNS_FILE, TNS_ADMIN and ORACLE_HOME is set");
     return std::nullopt;
   }
-  path = *chosen;
-  std::string why;
-  std::optional<std::string> text = read_file(path, why);
-  if (!text) complain(quoted(visible(path)), "cannot be read: " + why);
+  path = chosen->path;
+  ReadFault fault;
+  std::optional<std::string> text = read_file(path, max_size, fault);
+  if (!text) complain(quoted(visible(path)), fault.text);
   return text;
 }
 
@@ -74,7 +74,7 @@ bool wants_color(ColorChoice choice) {
 
 int check(const CheckOptions &options) {
   std::string path;
-  std::optional<std::string> text = read_names_file(options.file, path);
+  std::optional<std::string> text = read_names_file(options.file, options.max_size, path);
   if (!text) return exit_no_input;
   const Report report = make_report(path, std::move(*text), options);
   const std::string rendered = render(report, options);

@@ -63,7 +63,8 @@ class Examiner : public EntryVisitor {
 void list_entries(const NamesText &text, const Survey &survey, Report &report) {
   report.entries.reserve(survey.entries().size());
   for (const Entry &entry : survey.entries())
-    report.entries.push_back({visible(survey.name(entry)), text.position(entry.at), entry.verdict});
+    report.entries.push_back(
+        {std::string(survey.name(entry)), text.position(entry.at), entry.verdict});
 }
 
 }  // namespace

@@ -1,27 +1,17 @@
 #include "explain.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <memory>
-
 #include "exit_status.h"
 #include "output.h"
 
 namespace kztns {
 namespace {
 
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
-
 std::string why_not_found(const Lookup &lookup, const Story &story) {
   if (!lookup.file_name)
     return "not found: none of KZCI_TNS_FILE, TNS_ADMIN and ORACLE_HOME is set";
-  errno = 0;
-  if (!can_be_read(lookup))
-    return "not found: cannot open " + quoted(*lookup.file_name) + ": " + std::strerror(errno);
-  if (!story.unreadable.empty())
-    return "not found: cannot read " + quoted(*lookup.file_name) + ": " + story.unreadable;
-  return "not found in " + quoted(*lookup.file_name) + near_clauses(story);
+  const std::string file = quoted(visible(*lookup.file_name));
+  if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text;
+  return "not found in " + file + near_clauses(story);
 }
 
 std::string what_is_malformed(const Lookup &lookup, const Story &story) {
@@ -35,21 +25,14 @@ std::string what_is_malformed(const Lookup &lookup, const Story &story) {
 
 Story tell(const std::string &identifier, const Lookup &lookup) {
   if (lookup.is_literal) return tell_of_literal(identifier);
-  Story story;
-  if (!lookup.file_name) return story;
-  std::optional<std::string> text = read_file(*lookup.file_name, story.unreadable);
-  return text ? tell_of_name(identifier, std::move(*text)) : story;
+  if (lookup.content == nullptr) return {};
+  return tell_of_name(identifier, lookup.content->text());
 }
 
 std::string near_clauses(const Story &story) {
   std::string clauses;
   for (const std::string &clause : story.near) clauses += "; " + clause;
   return clauses;
-}
-
-bool can_be_read(const Lookup &lookup) {
-  if (!lookup.file_name) return false;
-  return File(std::fopen(lookup.file_name->c_str(), "r"), std::fclose) != nullptr;
 }
 
 std::string label_of(const std::string &identifier, const Lookup &lookup) {
@@ -65,6 +48,8 @@ int status_of(Outcome outcome) {
       return exit_not_found;
     case Outcome::malformed:
       return exit_malformed;
+    case Outcome::unreadable:
+      return exit_no_input;
   }
   return exit_malformed;
 }
@@ -75,6 +60,10 @@ std::string describe_failure(const Lookup &lookup, const Story &story) {
 }
 
 int explain_failure(const std::string &identifier, const Lookup &lookup) {
+  if (lookup.outcome == Outcome::unreadable) {
+    complain(quoted(visible(*lookup.file_name)), lookup.file_fault.text);
+    return exit_no_input;
+  }
   const Story story = tell(identifier, lookup);
   std::string what = describe_failure(lookup, story);
   // The log's own words, for whoever finds them in a program's log; without a fault to

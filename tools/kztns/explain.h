@@ -9,14 +9,11 @@
 
 namespace kztns {
 
-// The story of a lookup that was made; empty of a name whose file cannot be read.
+// The story of a lookup that was made; empty of a name whose file is not there.
 Story tell(const std::string &identifier, const Lookup &lookup);
 
 // The clauses about near entries, each with "; " before it.
 std::string near_clauses(const Story &story);
-
-// Whether the lookup chose a file and the file can be read.
-bool can_be_read(const Lookup &lookup);
 
 // What the outcome of a lookup is called: why there is nothing to show, without
 // the label.

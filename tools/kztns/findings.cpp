@@ -31,7 +31,7 @@ void Findings::add(Draft draft, Severity severity) {
   finding.at = draft.at;
   finding.position = text_.position(draft.at);
   finding.character = text_.character_column(draft.at);
-  finding.entry = excerpt(draft.entry);
+  finding.entry = draft.entry;
   finding.path = std::move(draft.path);
   finding.text = std::move(draft.text);
   finding.remedy = draft.remedy.empty() ? text_of(draft.rule).remedy : std::move(draft.remedy);

@@ -61,6 +61,11 @@ int print_all_of(std::FILE *file) {
 
 // Between two files neither side waits for the other, whatever the graph's size.
 int print_svg(const std::string &graph) {
+  // Writing nothing tells whether anything can be written: no picture is drawn in vain.
+  if (write(STDOUT_FILENO, "", 0) < 0) {
+    complain("standard output", std::strerror(errno));
+    return exit_output;
+  }
   const File input(std::tmpfile(), std::fclose);
   const File output(std::tmpfile(), std::fclose);
   if (input == nullptr || output == nullptr ||

@@ -83,15 +83,15 @@ class Lister {
 
  private:
   ListedEntry listed(const Entry &entry) const {
-    return {visible(survey_.name(entry)), text_.position(entry.at).line, entry.verdict,
-            visible(links_.link_of(entry))};
+    return {std::string(survey_.name(entry)), text_.position(entry.at).line, entry.verdict,
+            std::string(links_.link_of(entry))};
   }
 
   ListWidths measure() const {
     ListWidths widths;
     for (const Entry &entry : survey_.entries()) {
       const ListedEntry shown = listed(entry);
-      widths.name = std::max(widths.name, width_of(shown.name));
+      widths.name = std::max(widths.name, width_of(visible(shown.name)));
       widths.line = std::max(widths.line, std::to_string(shown.line).size());
     }
     return widths;
@@ -109,23 +109,26 @@ std::string list_line(const ListedEntry &entry, ListFormat format, const ListWid
   const std::string verdict(name_of(entry.verdict));
   switch (format) {
     case ListFormat::columns: {
-      const std::string row = padded(entry.name, widths.name) + padded(line, widths.line) +
-                              padded(verdict, std::string_view("unreachable").size()) + entry.link;
+      const std::string row = padded(visible(entry.name), widths.name) + padded(line, widths.line) +
+                              padded(verdict, std::string_view("unreachable").size()) +
+                              visible(entry.link);
       return row.substr(0, row.find_last_not_of(' ') + 1) + "\n";
     }
     case ListFormat::tabs:
-      return entry.name + "\t" + line + "\t" + verdict + "\t" + entry.link + "\n";
+      return visible(entry.name) + "\t" + line + "\t" + verdict + "\t" + visible(entry.link) + "\n";
     case ListFormat::json:
       break;
   }
-  const nlohmann::ordered_json object = {
-      {"name", entry.name}, {"line", entry.line}, {"verdict", verdict}, {"link", entry.link}};
-  return object.dump();
+  const nlohmann::ordered_json object = {{"name", valid_utf8(entry.name)},
+                                         {"line", entry.line},
+                                         {"verdict", verdict},
+                                         {"link", valid_utf8(entry.link)}};
+  return visible_json(object.dump());
 }
 
 int list(const ListOptions &options) {
   std::string path;
-  std::optional<std::string> content = read_names_file(options.file, path);
+  std::optional<std::string> content = read_names_file(options.file, options.max_size, path);
   if (!content) return exit_no_input;
   const NamesText text(std::move(*content));
   std::optional<Progress> progress(std::in_place, text.size());

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "read_file.h"
 #include "report.h"
 
 namespace kztns {
@@ -13,6 +14,7 @@ enum class ListFormat { columns, tabs, json };
 
 struct ListOptions {
   std::optional<std::string> file;  // absent: the one that the environment chooses
+  std::uint64_t max_size = default_max_size;
   bool json = false;
 };
 
@@ -20,10 +22,10 @@ struct ListOptions {
 int list(const ListOptions &options);
 
 struct ListedEntry {
-  std::string name;  // printable
+  std::string name;
   std::uint32_t line;
   Verdict verdict;
-  std::string link;  // printable; empty for an entry that has none
+  std::string link;  // empty for an entry that has none
 };
 
 // One entry's line; the widths are those of the columns.

@@ -1,12 +1,12 @@
 #include "log_watch.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <string_view>
+
+#include "escape.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view file_name_label = "get configure file:";
 
 const char *level_name(log_level level) {
   constexpr const char *names[] = {"TRACE", "DEBUG", "INFO", "WARN", "ERROR", "FATAL", "SLOWSQL"};
@@ -25,30 +25,21 @@ std::string formatted(const char *format, std::va_list arguments) {
 
 }  // namespace
 
-// The file's name comes at DEBUG, before the first entry is read. From then on
 // DEBUG records are formatted only when somebody wants to see them: a large file
 // makes millions.
-bool LogWatch::is_wanted(log_level level) const {
-  return level >= LOG_LEVEL_WARN || !file_name_ || (shown_ && level >= *shown_);
-}
-
 void LogWatch::record(log_level level, const char *format, std::va_list arguments) {
-  if (!is_wanted(level)) return;
+  if (level < LOG_LEVEL_WARN && !is_shown(level)) return;
   const std::string text = formatted(format, arguments);
-  if (shown_ && level >= *shown_) std::fprintf(stderr, "%s %s\n", level_name(level), text.c_str());
-  if (level >= LOG_LEVEL_WARN)
-    take_fault(level, text);
-  else if (!file_name_)
-    take_debug(text);
+  if (is_shown(level)) show(level, text);
+  if (level >= LOG_LEVEL_WARN) take_fault(level, text);
 }
 
-void LogWatch::take_debug(const std::string &text) {
-  if (text.starts_with(file_name_label)) {
-    file_name_ = text.substr(file_name_label.size());
-    return;
-  }
-  for (const char *const variable : {"KZCI_TNS_FILE", "TNS_ADMIN", "ORACLE_HOME"})
-    if (text.starts_with(std::string("get ") + variable + ":")) variable_ = variable;
+void LogWatch::show(log_level level, const std::string &text) const {
+  const auto reworded =
+      std::find_if(rewordings_.begin(), rewordings_.end(),
+                   [&](const Rewording &rewording) { return rewording.said == text; });
+  const std::string &words = reworded == rewordings_.end() ? text : reworded->shown;
+  std::fprintf(stderr, "%s %s\n", level_name(level), visible(words).c_str());
 }
 
 void LogWatch::take_fault(log_level level, const std::string &text) {

@@ -1,10 +1,13 @@
 // One lookup, as a program would make it.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
 #include "kzoci/oci_tnsname.h"
+#include "memory_file.h"
+#include "read_file.h"
 
 namespace kztns {
 
@@ -23,18 +26,31 @@ class Tree {
   KZCITns tns_;
 };
 
-enum class Outcome { found, not_found, malformed };
-
-struct Lookup {
-  Outcome outcome;
-  bool is_literal;                       // the identifier is a descriptor itself
-  std::string variable;                  // that chose the names file; empty for none
-  std::optional<std::string> file_name;  // absent when no variable names one
-  std::string fault;                     // of malformed input, the log's words for it
+struct LookupOptions {
+  std::optional<std::string> file = {};  // absent: the one that the environment chooses
+  std::uint64_t max_size = default_max_size;
+  std::optional<log_level> shown = {};  // records from this level on go to standard error
 };
 
-// Builds the identifier's service into the tree. Records from the given level on
-// are shown on standard error.
-Lookup look_up(const std::string &identifier, std::optional<log_level> shown, Tree &tree);
+enum class Outcome {
+  found,
+  not_found,
+  malformed,
+  unreadable  // the names file is there, but cannot be read: nothing was looked up
+};
+
+struct Lookup {
+  Outcome outcome = Outcome::not_found;
+  bool is_literal = false;                    // the identifier is a descriptor itself
+  std::string variable = {};                  // that chose the names file; empty for none
+  std::optional<std::string> file_name = {};  // absent when no variable names one
+  // What the file held when it was read, once: a pipe can be read no second time.
+  std::shared_ptr<const MemoryFile> content = {};
+  ReadFault file_fault = {};  // why there is no content of a file that is named
+  std::string fault = {};     // of malformed input, the log's words for it
+};
+
+// Builds the identifier's service into the tree.
+Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree &tree);
 
 }  // namespace kztns

@@ -1,17 +1,25 @@
 // kztns: what a connect identifier resolves to, and what is wrong where it does
 // not.
-#include <cstdlib>
+#include <algorithm>
+#include <cstdio>
 #include <map>
+#include <new>
 #include <optional>
+#include <sstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "check.h"
 #include "exit_status.h"
 #include "list.h"
+#include "near_miss.h"
+#include "output.h"
 #include "settings.h"
 #include "show.h"
+#include "standard_streams.h"
 #include "why.h"
 
 namespace {
@@ -23,6 +31,7 @@ struct Arguments {
   std::string format = "text";
   std::string tree_format = "tree";
   std::string color = "auto";
+  std::uint64_t max_size = kztns::default_max_size;
   bool no_color = false;
   bool strict = false;
   bool dblink = false;
@@ -52,32 +61,50 @@ const std::map<std::string, kztns::ColorChoice> color_choices = {
 
 constexpr char version[] = "kztns " KZTNS_VERSION;
 
-constexpr char exit_statuses[] =
-    "Exit status: 0 found and shown, 1 not found, 2 malformed, 64 wrong usage,\n"
-    "69 graphviz is not installed or fails, 74 standard output cannot be written.";
-
-constexpr char check_exit_statuses[] =
-    "Exit status: 0 no error, 1 errors, 64 wrong usage, 66 the file cannot be read,\n"
+// What each subcommand has of its own, and what all have.
+constexpr char show_statuses[] =
+    "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n"
+    "69 graphviz is not installed or fails";
+constexpr char why_statuses[] = "0 found, 1 not found, 2 malformed";
+constexpr char settings_statuses[] = "0 shown, 1 no names file, 2 malformed";
+constexpr char check_statuses[] = "0 no error, 1 errors";
+constexpr char list_statuses[] = "0 listed";
+constexpr char common_statuses[] =
+    "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n"
     "74 standard output cannot be written.";
 
-CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses) {
+// A subcommand: all of them read a names file.
+CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses,
+                      Arguments &arguments) {
   CLI::App *const command = app.add_subcommand(name, purpose);
   command->set_version_flag("--version", version);
-  command->footer(statuses);
+  command->footer(std::string("Exit status: ") + statuses + ",\n" + common_statuses);
+  command
+      ->add_option("--file", arguments.file,
+                   "Names file; without it KZCI_TNS_FILE, TNS_ADMIN or ORACLE_HOME decides")
+      ->type_name("PATH");
+  command
+      ->add_option("--max-size", arguments.max_size,
+                   "Read no names file of more bytes; K, M and G may follow the number (1G)")
+      ->type_name("SIZE")
+      ->transform(CLI::AsSizeValue(false).description(""))
+      ->check(CLI::Range(std::uint64_t{1}, kztns::largest_max_size).description(""));
   return command;
 }
 
-// A subcommand that makes one lookup.
-CLI::App *add_lookup(CLI::App &app, const char *name, const char *purpose, Arguments &arguments) {
-  CLI::App *const command = add_command(app, name, purpose, exit_statuses);
-  command->add_option("--file", arguments.file,
-                      "Names file; without it KZCI_TNS_FILE, TNS_ADMIN or ORACLE_HOME decides");
+// For a subcommand that takes no identifier.
+void add_positional_file(CLI::App *command, Arguments &arguments) {
+  command->add_option("FILE", arguments.file, "The same as --file FILE")
+      ->type_name("")
+      ->excludes("--file");
+}
+
+void add_log(CLI::App *command, Arguments &arguments) {
   command
       ->add_option("--log", arguments.level,
                    "Show log records from this level on, on standard error")
       ->type_name("LEVEL")
       ->check(CLI::IsMember(level_names, CLI::ignore_case));
-  return command;
 }
 
 void add_identifier(CLI::App *command, Arguments &arguments) {
@@ -88,8 +115,9 @@ void add_identifier(CLI::App *command, Arguments &arguments) {
 }
 
 void add_show(CLI::App &app, Arguments &arguments) {
-  CLI::App *const show =
-      add_lookup(app, "show", "Resolve an identifier and print its tree", arguments);
+  CLI::App *const show = add_command(app, "show", "Resolve an identifier and print its tree",
+                                     show_statuses, arguments);
+  add_log(show, arguments);
   add_identifier(show, arguments);
   CLI::Option *const dblink =
       show->add_flag("--dblink", arguments.dblink, "Print only the link string");
@@ -107,17 +135,25 @@ void add_show(CLI::App &app, Arguments &arguments) {
       ->excludes(session);
 }
 
-// A subcommand that reads a whole file.
-CLI::App *add_report(CLI::App &app, const char *name, const char *purpose, Arguments &arguments) {
-  CLI::App *const command = add_command(app, name, purpose, check_exit_statuses);
-  command->add_option("FILE", arguments.file,
-                      "Names file; without it KZCI_TNS_FILE, TNS_ADMIN or ORACLE_HOME decides");
-  return command;
+void add_settings(CLI::App &app, Arguments &arguments) {
+  CLI::App *const settings =
+      add_command(app, "settings", "Print the system variables in force for a names file",
+                  settings_statuses, arguments);
+  add_log(settings, arguments);
+  add_positional_file(settings, arguments);
+}
+
+void add_why(CLI::App &app, Arguments &arguments) {
+  CLI::App *const why =
+      add_command(app, "why", "Tell the story of one lookup", why_statuses, arguments);
+  add_log(why, arguments);
+  add_identifier(why, arguments);
 }
 
 void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
-      add_report(app, "check", "Tell what is wrong with a names file", arguments);
+      add_command(app, "check", "Tell what is wrong with a names file", check_statuses, arguments);
+  add_positional_file(check, arguments);
   check->add_option("--format", arguments.format, "text, json or sarif")
       ->type_name("FORMAT")
       ->check(CLI::IsMember(report_formats));
@@ -129,8 +165,10 @@ void add_check(CLI::App &app, Arguments &arguments) {
 }
 
 void add_list(CLI::App &app, Arguments &arguments) {
-  add_report(app, "list", "List the entries of a names file", arguments)
-      ->add_option("--format", arguments.format, "text or json")
+  CLI::App *const list =
+      add_command(app, "list", "List the entries of a names file", list_statuses, arguments);
+  add_positional_file(list, arguments);
+  list->add_option("--format", arguments.format, "text or json")
       ->type_name("FORMAT")
       ->check(CLI::IsMember({"text", "json"}));
 }
@@ -141,13 +179,15 @@ kztns::ShowWhat shown_part(const Arguments &arguments) {
 }
 
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {
-  if (command.count("FILE") == 0) return std::nullopt;
-  return arguments.file;
+  const CLI::Option *const positional = command.get_option_no_throw("FILE");
+  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional);
+  return given ? std::optional(arguments.file) : std::nullopt;
 }
 
 int run_check(const CLI::App &command, const Arguments &arguments) {
   kztns::CheckOptions options;
   options.file = given_file(command, arguments);
+  options.max_size = arguments.max_size;
   options.format = report_formats.at(arguments.format);
   options.color =
       arguments.no_color ? kztns::ColorChoice::never : color_choices.at(arguments.color);
@@ -156,17 +196,19 @@ int run_check(const CLI::App &command, const Arguments &arguments) {
 }
 
 int run_list(const CLI::App &command, const Arguments &arguments) {
-  return kztns::list({given_file(command, arguments), arguments.format == "json"});
+  return kztns::list(
+      {given_file(command, arguments), arguments.max_size, arguments.format == "json"});
 }
 
 int run_lookup(const CLI::App &command, const Arguments &arguments) {
-  if (command.count("--file") > 0) setenv("KZCI_TNS_FILE", arguments.file.c_str(), 1);
-  std::optional<log_level> shown;
-  if (command.count("--log") > 0) shown = level_names.at(CLI::detail::to_lower(arguments.level));
-  if (command.get_name() == "settings") return kztns::settings(shown);
-  if (command.get_name() == "why")
-    return kztns::why(arguments.identifier, command.count("--file") > 0, shown);
-  return kztns::show(arguments.identifier, shown_part(arguments), shown);
+  kztns::LookupOptions options;
+  options.file = given_file(command, arguments);
+  options.max_size = arguments.max_size;
+  if (command.count("--log") > 0)
+    options.shown = level_names.at(CLI::detail::to_lower(arguments.level));
+  if (command.get_name() == "settings") return kztns::settings(options);
+  if (command.get_name() == "why") return kztns::why(arguments.identifier, options);
+  return kztns::show(arguments.identifier, shown_part(arguments), options);
 }
 
 int run(const CLI::App &command, const Arguments &arguments) {
@@ -175,22 +217,66 @@ int run(const CLI::App &command, const Arguments &arguments) {
   return run_lookup(command, arguments);
 }
 
+// The first argument that is no option; null for none.
+const char *command_word(int argc, char **argv) {
+  for (int i = 1; i < argc; ++i)
+    if (argv[i][0] != '-') return argv[i];
+  return nullptr;
+}
+
+// Whether the arguments name a command that there is not; tells so.
+bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
+  const char *const word = command_word(argc, argv);
+  if (word == nullptr) return false;
+  std::vector<std::string_view> names;
+  for (const CLI::App *const command : app.get_subcommands({}))
+    names.push_back(command->get_name());
+  if (std::find(names.begin(), names.end(), word) != names.end()) return false;
+  const std::string_view near = kztns::near_word(word, names);
+  std::string what = "there is no such command";
+  if (!near.empty()) what += "; did you mean " + std::string(near) + "?";
+  kztns::complain(kztns::quoted(kztns::visible(word)), what);
+  return true;
+}
+
+// Help and version go to standard output, all else is told on standard error.
+int finish_without_command(const CLI::App &app, const CLI::ParseError &error, int argc,
+                           char **argv) {
+  if (error.get_exit_code() != 0 && tell_unknown_command(app, argc, argv)) return kztns::exit_usage;
+  std::ostringstream text;
+  std::ostringstream complaint;
+  const bool asked_for = app.exit(error, text, complaint) == 0;
+  std::fputs(text.str().c_str(), stdout);
+  std::fputs(complaint.str().c_str(), stderr);
+  return asked_for ? kztns::finish_output() : kztns::exit_usage;
+}
+
+// What the arguments hold is quoted in the words of their reader.
+std::string usage_message(const CLI::App *, const CLI::Error &error) {
+  return kztns::visible(error.what()) + "\nRun with --help for more information.\n";
+}
+
 }  // namespace
 
 int main(int argc, char **argv) {
+  kztns::reserve_standard_streams();
   CLI::App app("What a connect identifier resolves to, and why not.", "kztns");
   app.set_version_flag("--version", version);
   app.require_subcommand(1);
+  app.failure_message(usage_message);
   Arguments arguments;
   add_show(app, arguments);
-  add_lookup(app, "settings", "Print the system variables in force for a names file", arguments);
-  add_identifier(add_lookup(app, "why", "Tell the story of one lookup", arguments), arguments);
+  add_settings(app, arguments);
+  add_why(app, arguments);
   add_check(app, arguments);
   add_list(app, arguments);
   try {
     app.parse(argc, argv);
+    return run(*app.get_subcommands().front(), arguments);
   } catch (const CLI::ParseError &error) {
-    return app.exit(error) == 0 ? kztns::exit_success : kztns::exit_usage;
+    return finish_without_command(app, error, argc, argv);
+  } catch (const std::bad_alloc &) {
+    kztns::complain("names file", "not enough memory to read it");
+    return kztns::exit_no_memory;
   }
-  return run(*app.get_subcommands().front(), arguments);
 }

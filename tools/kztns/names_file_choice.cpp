@@ -1,19 +1,31 @@
 #include "names_file_choice.h"
 
-#include "log_watch.h"
-#include "lookup.h"
+#include <cstdlib>
 
 namespace kztns {
+namespace {
 
-FileChoice choose_file() {
-  // No entry has a name of so many characters.
-  const std::string nobody(300, '-');
-  const LogWatch watch(std::nullopt);
-  Tree tree;
-  boolean find = 0;
-  KZCITnsBuild(tree.get(), reinterpret_cast<const OraText *>(nobody.c_str()),
-               static_cast<ub4>(nobody.size()), &find);
-  return {watch.variable(), watch.file_name()};
+// Behind this many characters the library cuts paths.
+constexpr std::size_t longest_path = 256;
+
+struct Source {
+  const char *variable;
+  const char *suffix;
+};
+
+constexpr Source sources[] = {{"KZCI_TNS_FILE", ""},
+                              {"TNS_ADMIN", "/tnsnames.ora"},
+                              {"ORACLE_HOME", "/network/admin/tnsnames.ora"}};
+
+}  // namespace
+
+std::optional<FileChoice> choose_file(const std::optional<std::string> &given) {
+  if (given) return FileChoice{sources[0].variable, *given, *given};
+  for (const Source &source : sources)
+    if (const char *const value = std::getenv(source.variable))
+      return FileChoice{source.variable, value,
+                        (std::string(value) + source.suffix).substr(0, longest_path)};
+  return std::nullopt;
 }
 
 }  // namespace kztns

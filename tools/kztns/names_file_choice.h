@@ -7,11 +7,13 @@
 namespace kztns {
 
 struct FileChoice {
-  std::string variable;             // the one that chose it; empty when none is set
-  std::optional<std::string> file;  // absent when no variable names one
+  std::string variable;  // the one that chose it, or would have for a file that is given
+  std::string value;     // its value
+  std::string path;
 };
 
-// What the environment chooses, found by a lookup.
-FileChoice choose_file();
+// The file that is given; otherwise the one that the environment chooses, as the
+// library does; absent when no variable names one. The file itself is not touched.
+std::optional<FileChoice> choose_file(const std::optional<std::string> &given);
 
 }  // namespace kztns

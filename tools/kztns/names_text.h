@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "escape.h"
 
 namespace kztns {
 
@@ -52,14 +53,5 @@ class NamesText {
   std::string text_;
   std::vector<Mark> marks_;
 };
-
-// Reads a whole file; absent when it cannot be read, with the reason in why.
-std::optional<std::string> read_file(const std::string &path, std::string &why);
-
-// A text as it may be printed: control bytes and invalid UTF-8 as "\x..".
-std::string visible(std::string_view text);
-
-// The same, cut to some forty characters.
-std::string excerpt(std::string_view text);
 
 }  // namespace kztns

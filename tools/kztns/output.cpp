@@ -1,9 +1,12 @@
 #include "output.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
+#include "escape.h"
 #include "exit_status.h"
 
 namespace kztns {
@@ -16,6 +19,10 @@ int finish_output() {
   if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return exit_success;
   complain("standard output", std::strerror(errno));
   return exit_output;
+}
+
+std::string for_output(std::string_view value) {
+  return isatty(STDOUT_FILENO) != 0 ? visible(value) : std::string(value);
 }
 
 std::string quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }

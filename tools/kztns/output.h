@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace kztns {
 
@@ -10,6 +11,10 @@ void complain(const std::string &about, const std::string &what);
 
 // Makes sure that standard output took everything; returns an ExitStatus.
 int finish_output();
+
+// A value from a file as standard output takes it: as it is for a program, escaped
+// for a terminal.
+std::string for_output(std::string_view value);
 
 // A text between double quotes.
 std::string quoted(std::string_view text);

@@ -13,14 +13,14 @@ Json json_of(const Finding &finding) {
           {"column", finding.position.column},
           {"severity", name_of(finding.severity)},
           {"rule", rule.id},
-          {"entry", finding.entry},
+          {"entry", valid_utf8(finding.entry)},
           {"path", finding.path},
           {"text", finding.text},
           {"remedy", finding.remedy}};
 }
 
 Json json_of(const ReportEntry &entry) {
-  return {{"name", entry.name},
+  return {{"name", valid_utf8(entry.name)},
           {"line", entry.position.line},
           {"column", entry.position.column},
           {"verdict", name_of(entry.verdict)}};
@@ -32,7 +32,7 @@ template <class Parts>
 void append_list(std::string &to, const Parts &parts) {
   to += "[";
   for (std::size_t i = 0; i < parts.size(); ++i)
-    to += (i > 0 ? ",\n    " : "\n    ") + json_of(parts[i]).dump();
+    to += (i > 0 ? ",\n    " : "\n    ") + visible_json(json_of(parts[i]).dump());
   to += parts.empty() ? "]" : "\n  ]";
 }
 
@@ -60,7 +60,8 @@ Json summary_of(const Report &report) {
 }  // namespace
 
 std::string render_json(const Report &report) {
-  std::string text = "{\n  \"file\": " + Json(visible(report.file)).dump() + ",\n  \"findings\": ";
+  std::string text = "{\n  \"file\": " + visible_json(Json(valid_utf8(report.file)).dump()) +
+                     ",\n  \"findings\": ";
   append_list(text, report.findings);
   text += ",\n  \"left_out\": " + left_out(report).dump() + ",\n  \"entries\": ";
   append_list(text, report.entries);

@@ -40,7 +40,7 @@ Json rules() {
 
 std::string message(const Finding &finding) {
   std::string text;
-  if (!finding.entry.empty()) text += finding.entry + ": ";
+  if (!finding.entry.empty()) text += excerpt(finding.entry) + ": ";
   if (!finding.path.empty()) text += finding.path + ": ";
   return text + finding.text + "; " + finding.remedy;
 }
@@ -69,7 +69,7 @@ std::string render_sarif(const Report &report) {
   const Json log = {{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
                     {"version", "2.1.0"},
                     {"runs", Json::array({run})}};
-  return log.dump(2) + "\n";
+  return visible_json(log.dump(2)) + "\n";
 }
 
 }  // namespace kztns

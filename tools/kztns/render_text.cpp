@@ -43,7 +43,7 @@ std::string line(const std::string &file, const Finding &finding, bool color) {
   painter.add(" ");
   painter.add(color_of(finding.severity), std::string(name_of(finding.severity)) + ":");
   painter.add(" ");
-  if (!finding.entry.empty()) painter.add(finding.entry + ": ");
+  if (!finding.entry.empty()) painter.add(excerpt(finding.entry) + ": ");
   if (!finding.path.empty()) painter.add(finding.path + ": ");
   painter.add(finding.text + "; " + finding.remedy + " [" + std::string(text_of(finding.rule).id) +
               "]");

@@ -21,7 +21,7 @@ enum class Verdict : std::uint8_t {
 std::string_view name_of(Verdict verdict);
 constexpr std::size_t verdict_count = 5;
 
-// Texts are printable.
+// Texts are printable, names and source are as they stand in the file.
 struct Finding {
   Rule rule;
   Severity severity;

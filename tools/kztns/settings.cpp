@@ -6,7 +6,6 @@
 
 #include "exit_status.h"
 #include "explain.h"
-#include "lookup.h"
 #include "output.h"
 
 namespace kztns {
@@ -23,7 +22,7 @@ void print_number(const char *name, sb8 value, sb8 by_default) {
 }
 
 void print_text(const char *name, const char *text, ub4 length) {
-  print_setting(name, std::string(text, length), "");
+  print_setting(name, for_output({text, length}), "");
 }
 
 void print_variables(const KZCISystemVariables &vars) {
@@ -52,14 +51,15 @@ int show_defaults(const Lookup &lookup) {
 
 }  // namespace
 
-int settings(std::optional<log_level> shown) {
+int settings(const LookupOptions &options) {
   Tree tree;
-  const Lookup lookup = look_up(reserved_name, shown, tree);
+  const Lookup lookup = look_up(reserved_name, options, tree);
   if (lookup.outcome == Outcome::found) {
     print_variables(tree.service()->sys_vars);
     return finish_output();
   }
-  if (lookup.outcome == Outcome::not_found && can_be_read(lookup)) return show_defaults(lookup);
+  if (lookup.outcome == Outcome::not_found && lookup.content != nullptr)
+    return show_defaults(lookup);
   return explain_failure(reserved_name, lookup);
 }
 

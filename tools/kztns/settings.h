@@ -1,13 +1,11 @@
 // kztns settings: the system variables in force for a names file.
 #pragma once
 
-#include <optional>
-
-#include "kzoci/platform/log.h"
+#include "lookup.h"
 
 namespace kztns {
 
 // Returns an ExitStatus.
-int settings(std::optional<log_level> shown);
+int settings(const LookupOptions &options);
 
 }  // namespace kztns

@@ -1,5 +1,7 @@
 #include "show.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -8,10 +10,10 @@
 #include "explain.h"
 #include "graphviz.h"
 #include "log_watch.h"
-#include "lookup.h"
 #include "output.h"
 #include "tree_dot.h"
 #include "tree_json.h"
+#include "visible_tree.h"
 
 namespace kztns {
 namespace {
@@ -25,6 +27,11 @@ bool can_be_displayed(Tree &tree) {
   return nowhere != nullptr && KZCITnsServiceDisplay(tree.service(), nowhere.get()) == 0;
 }
 
+int print(const std::string &text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  return finish_output();
+}
+
 int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tree) {
   if (!can_be_displayed(tree)) {
     complain(label, "built, but cannot be shown: a description has no address list");
@@ -33,12 +40,8 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
   // The variable would send the tree elsewhere.
   unsetenv("KZCI_TNS_DISPLAY");
   [[maybe_unused]] const LogWatch watch(shown);
+  if (isatty(STDOUT_FILENO) != 0) return print(visible_tree(tree));
   KZCITnsDisplay(tree.get());
-  return finish_output();
-}
-
-int print(const std::string &text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
   return finish_output();
 }
 
@@ -47,16 +50,16 @@ int show_dblink(const std::string &label, std::optional<log_level> shown, Tree &
   sb4 length = 0;
   const LogWatch watch(shown);
   if (KZCITnsServiceDblinkGet(tree.service(), dblink, &length) != 0) {
-    complain(label, "built, but has no link string: " + watch.fault());
+    complain(label, "built, but has no link string: " + visible(watch.fault()));
     return exit_malformed;
   }
-  std::printf("%s\n", dblink);
+  std::printf("%s\n", for_output(dblink).c_str());
   return finish_output();
 }
 
 void print_line(const char *name, bool present, const std::string &value) {
   if (present)
-    std::printf("%s:%s\n", name, value.c_str());
+    std::printf("%s:%s\n", name, for_output(value).c_str());
   else
     std::printf("%s (absent)\n", name);
 }
@@ -70,7 +73,7 @@ int show_session(const std::string &label, std::optional<log_level> shown, Tree 
   const LogWatch watch(shown);
   if (KZCITnsServiceExtraInfoGet(tree.service(), extra_info, &extra_info_len, &kz_mode,
                                  session_variable, &session_variable_len) != 0) {
-    complain(label, "built, but has nothing to open a session with: " + watch.fault());
+    complain(label, "built, but has nothing to open a session with: " + visible(watch.fault()));
     return exit_malformed;
   }
   // The mode is handed out only together with extra information.
@@ -85,14 +88,14 @@ int show_session(const std::string &label, std::optional<log_level> shown, Tree 
 
 }  // namespace
 
-int show(const std::string &identifier, ShowWhat what, std::optional<log_level> shown) {
+int show(const std::string &identifier, ShowWhat what, const LookupOptions &options) {
   Tree tree;
-  const Lookup lookup = look_up(identifier, shown, tree);
+  const Lookup lookup = look_up(identifier, options, tree);
   if (lookup.outcome != Outcome::found) return explain_failure(identifier, lookup);
   const std::string label = label_of(identifier, lookup);
   switch (what) {
     case ShowWhat::tree:
-      return show_tree(label, shown, tree);
+      return show_tree(label, options.shown, tree);
     case ShowWhat::json:
       return print(tree_json(*tree.get()));
     case ShowWhat::dot:
@@ -100,9 +103,9 @@ int show(const std::string &identifier, ShowWhat what, std::optional<log_level> 
     case ShowWhat::svg:
       return print_svg(tree_dot(*tree.get()));
     case ShowWhat::dblink:
-      return show_dblink(label, shown, tree);
+      return show_dblink(label, options.shown, tree);
     case ShowWhat::session:
-      return show_session(label, shown, tree);
+      return show_session(label, options.shown, tree);
   }
   return exit_usage;
 }

@@ -1,10 +1,9 @@
 // kztns show: resolve an identifier and print what it stands for.
 #pragma once
 
-#include <optional>
 #include <string>
 
-#include "kzoci/platform/log.h"
+#include "lookup.h"
 
 namespace kztns {
 
@@ -18,6 +17,6 @@ enum class ShowWhat {
 };
 
 // Returns an ExitStatus. Standard output gets the whole of it or nothing.
-int show(const std::string &identifier, ShowWhat what, std::optional<log_level> shown);
+int show(const std::string &identifier, ShowWhat what, const LookupOptions &options);
 
 }  // namespace kztns

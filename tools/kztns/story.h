@@ -23,7 +23,6 @@ struct Story {
   std::optional<Position> entry;   // of the name, when a lookup comes to it
   std::optional<Remark> fault;     // why the entry is refused, or what ended the lookup before
   std::vector<Remark> suspicions;  // about an entry that is built
-  std::string unreadable;          // why the file cannot be read; empty when it can
   std::vector<std::string> near;   // clauses about entries with names like this one
 };
 

@@ -3,8 +3,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include <nlohmann/json.hpp>
-
+#include "escape.h"
 #include "tree_walk.h"
 
 namespace kztns {
@@ -26,30 +25,14 @@ constexpr char head[] = R"(digraph service {
 constexpr char centred[] = "\\n";
 constexpr char to_the_left[] = "\\l";
 
-// Bytes that are not UTF-8 become U+FFFD, which is what the JSON writer makes of
-// them.
-std::string valid_utf8(std::string_view text) {
-  using nlohmann::json;
-  return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace))
-      .get<std::string>();
-}
-
-// A text within a quoted label. A backslash and an ampersand begin escapes there.
-// What no picture can hold is replaced: control characters by their control
-// pictures (U+2400 and on), U+FFFE and U+FFFF by U+FFFD.
+// A text within a quoted label, in which a backslash and an ampersand begin
+// escapes. What no picture can hold is escaped as in messages.
 std::string escaped(std::string_view text) {
   std::string result;
-  for (const char c : valid_utf8(text)) {
-    const auto code = static_cast<unsigned char>(c);
+  for (const char c : visible(text)) {
     if (c == '"' || c == '\\') result += '\\';
     if (c == '&')
       result += "&amp;";
-    else if (code < 0x20)
-      result += {'\xE2', '\x90', static_cast<char>(0x80 + code)};
-    else if (code == 0x7F)
-      result += "\xE2\x90\xA1";
-    else if (code >= 0xBE && result.ends_with("\xEF\xBF"))
-      result += '\xBD';
     else
       result += c;
   }

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "escape.h"
 #include "tree_walk.h"
 
 namespace kztns {
@@ -23,9 +24,9 @@ Json flag(boolean value, boolean by_default) {
   return {{"value", value != 0}, {"default", value == by_default}};
 }
 
-// The length is that of the bytes in the record, before any is replaced.
+// The length is that of the bytes in the record, before any is escaped.
 Json text(std::string_view value, std::string_view by_default) {
-  return {{"value", value}, {"length", value.size()}, {"default", value == by_default}};
+  return {{"value", valid_utf8(value)}, {"length", value.size()}, {"default", value == by_default}};
 }
 
 Json strategy(KZCILBOption value, KZCILBOption by_default) {
@@ -135,7 +136,7 @@ std::string tree_json(const KZCITns &tns) {
   const Json tree = {{"service_count", tns.tns_service_count},
                      {"services", array_of(tns.tns_service, tns.tns_service_count,
                                            KZCITnsServiceNext, service_json)}};
-  return tree.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return visible_json(tree.dump(2)) + "\n";
 }
 
 }  // namespace kztns

@@ -8,8 +8,8 @@
 namespace kztns {
 
 // Two spaces a level, a line feed at the end. Bytes that are not UTF-8 are
-// replaced, so that the text is always valid JSON. docs/tree.schema.json tells
-// its form.
+// escaped, so that the text is always valid JSON. docs/tree.schema.json tells its
+// form.
 std::string tree_json(const KZCITns &tns);
 
 }  // namespace kztns

@@ -5,7 +5,6 @@
 
 #include "explain.h"
 #include "log_watch.h"
-#include "lookup.h"
 #include "output.h"
 #include "render_text.h"
 
@@ -69,12 +68,13 @@ void print_end(const Lookup &lookup, const Story &story) {
 
 }  // namespace
 
-int why(const std::string &identifier, bool file_given, std::optional<log_level> shown) {
+int why(const std::string &identifier, const LookupOptions &options) {
   Tree tree;
-  const Lookup lookup = look_up(identifier, shown, tree);
+  const Lookup lookup = look_up(identifier, options, tree);
+  if (lookup.outcome == Outcome::unreadable) return explain_failure(identifier, lookup);
   const Story story = tell(identifier, lookup);
-  print_file(lookup, file_given);
-  const bool read = lookup.is_literal || (lookup.file_name && story.unreadable.empty());
+  print_file(lookup, options.file.has_value());
+  const bool read = lookup.is_literal || lookup.content != nullptr;
   if (read && !lookup.is_literal)
     print("passed over",
           std::to_string(story.passed) + (story.passed == 1 ? " entry" : " entries"));

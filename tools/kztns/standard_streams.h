@@ -1,0 +1,10 @@
+// Standard input, output and error when the caller has closed them.
+#pragma once
+
+namespace kztns {
+
+// Puts something in the place of a closed stream, so that no file that is opened
+// later becomes it: writing to standard output still fails.
+void reserve_standard_streams();
+
+}  // namespace kztns
