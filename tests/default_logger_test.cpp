@@ -21,6 +21,7 @@
 #include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
+#include "log_level_in_c.h"
 #include "support/logger_support.h"
 
 namespace {
@@ -133,6 +134,12 @@ TEST_F(LogThreshold, DroppedRecordsAreNotFormatted) {
     }
   }
   EXPECT_EQ(sink.texts(), Lines{});
+}
+
+TEST_F(LogThreshold, IsOfTheSameTypeInC) {
+  EXPECT_EQ(replace_threshold_in_c(LOG_LEVEL_WARN), LOG_LEVEL_ERROR);
+  const enum log_level threshold = kzoci_log_threshold();
+  EXPECT_EQ(threshold, LOG_LEVEL_WARN);
 }
 
 TEST_F(LogThreshold, ChangesWhileThreadsLog) {

@@ -39,6 +39,14 @@ class FileLock {
   bool is_held_;
 };
 
+enum class Presence { there, missing, unknown };
+
+Presence presence(const char *path) {
+  struct stat ignored = {};
+  if (::stat(path, &ignored) == 0) return Presence::there;
+  return errno == ENOENT ? Presence::missing : Presence::unknown;
+}
+
 }  // namespace
 
 bool write_whole(int descriptor, const char *text, std::size_t length) {
@@ -146,7 +154,11 @@ LogFile::Turn LogFile::rotate(const char *line, std::size_t length) {
 // itself comes last: with it the other processes' turn begins.
 bool LogFile::shift_files() {
   ub4 last = 0;
-  while (last + 1 < count_ && ::access(numbered(older_, last + 1), F_OK) == 0) ++last;
+  Presence next = Presence::there;
+  while (last + 1 < count_ && (next = presence(numbered(older_, last + 1))) == Presence::there)
+    ++last;
+  // A file of which nothing is known may be one that must not be replaced.
+  if (next == Presence::unknown) return false;
   if (last + 1 == count_) --last;
   for (ub4 number = last + 1; number > 0; --number)
     if (std::rename(numbered(newer_, number - 1), numbered(older_, number)) != 0) return false;
