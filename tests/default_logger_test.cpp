@@ -192,6 +192,12 @@ TEST_F(LogLine, NamesEveryLevel) {
               Lines{std::string(level.name) + " a.cpp:1 text"});
 }
 
+TEST_F(LogLine, HasAPlaceForALevelThatThereIsNot) {
+  const auto none = static_cast<log_level>(0);
+  kzoci_log_set_threshold(none);
+  EXPECT_EQ(logged_by([&] { log_text(none, "text"); }), Lines{"? a.cpp:1 text"});
+}
+
 TEST_F(LogLine, NamesAnyPlace) {
   EXPECT_EQ(logged_by([] { kzoci_log_inner(LOG_LEVEL_ERROR, "", 0, "text"); }),
             Lines{"ERROR :0 text"});

@@ -60,8 +60,8 @@ const std::vector<std::string> &texts() {
 constexpr sb8 file_size = 150;
 
 std::size_t open_files() {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator("/proc/self/fd"),
-                                                fs::directory_iterator()));
+  return static_cast<std::size_t>(
+      std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator()));
 }
 
 class LogFaults : public LogFileTest {
@@ -133,7 +133,8 @@ Lines expected_lines(bool has_memory) {
   Lines expected;
   for (const std::string &text : texts()) {
     std::string line = error_line(text);
-    if (!has_memory) line.resize(std::min(line.size(), longest_without_memory - time_pattern.size() - 2));
+    if (!has_memory)
+      line.resize(std::min(line.size(), longest_without_memory - time_pattern.size() - 2));
     expected.push_back(line);
   }
   return expected;
@@ -175,10 +176,22 @@ TEST_F(LogFaults, LeaveTheFileAsItIsWhereItCannotStartOver) {
         EXPECT_EQ(outcome.on_standard_error, Lines{});
         return;
       }
-      const auto given_up = std::search(all.begin(), all.end(), outcome.in_files.begin(),
-                                        outcome.in_files.end()) +
-                            static_cast<std::ptrdiff_t>(outcome.in_files.size());
+      const auto given_up =
+          std::search(all.begin(), all.end(), outcome.in_files.begin(), outcome.in_files.end()) +
+          static_cast<std::ptrdiff_t>(outcome.in_files.size());
       EXPECT_EQ(outcome.on_standard_error, Lines(given_up, all.end()));
+    });
+}
+
+// A file of the same number on another device is another file.
+TEST_F(LogFaults, OfDevicesLoseNothing) {
+  for (const std::size_t times : {std::size_t{1}, for_ever})
+    strike_each(Call::stat, times, 0, 1000, [times](const Outcome &outcome) {
+      if (times == 1) {
+        EXPECT_EQ(outcome.on_standard_error, Lines{});
+      }
+      expect_all_kept(outcome.in_files, outcome.on_standard_error,
+                      with_former(expected_lines(true)));
     });
 }
 
@@ -193,7 +206,8 @@ TEST_F(LogFaults, OfInterruptedCallsChangeNothing) {
   for (const std::size_t times : {1u, 3u})
     strike_each(Call::ftruncate, times, EINTR, 1, [](const Outcome &outcome) {
       EXPECT_EQ(outcome.on_standard_error, Lines{});
-      EXPECT_EQ(outcome.in_files, (Lines{error_line("six"), error_line("seven"), error_line("eight")}));
+      EXPECT_EQ(outcome.in_files,
+                (Lines{error_line("six"), error_line("seven"), error_line("eight")}));
     });
 }
 
@@ -255,7 +269,7 @@ TEST_F(LogFaults, LeaveAFileThatWasMoved) {
 }
 
 TEST_F(LogFaults, OfMemoryLeaveOtherLinesWhole) {
-  for (const std::size_t length : {900, 1100, 5000, 65000, 65100}) {
+  for (const std::size_t length : {900u, 1100u, 5000u, 65000u, 65100u}) {
     const std::string text = text_of_length(length);
     const std::string written = standard_error_of([&] {
       const Faults faults({Call::malloc, 1, for_ever, ENOMEM});
@@ -268,7 +282,8 @@ TEST_F(LogFaults, OfMemoryLeaveOtherLinesWhole) {
 
 // The longest line that needs no memory, and those that are longer by a byte or two.
 TEST_F(LogFaults, OfMemoryCutWhatIsTooLong) {
-  const std::size_t longest = longest_without_memory - time_pattern.size() - 1 - error_line("\n").size();
+  const std::size_t longest =
+      longest_without_memory - time_pattern.size() - 1 - error_line("\n").size();
   for (std::size_t excess = 0; excess < 3; ++excess) {
     const std::string text = text_of_length(longest + excess);
     const std::string written = standard_error_of([&] {

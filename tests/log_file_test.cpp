@@ -39,26 +39,26 @@ using logger_support::content_of;
 using logger_support::error_line;
 using logger_support::Interruptions;
 using logger_support::largest_count;
-using logger_support::LogFileTest;
-using logger_support::line_of;
-using logger_support::lines_in;
-using logger_support::log_line_of;
-using logger_support::numbered;
-using logger_support::write_file;
 using logger_support::LevelName;
 using logger_support::levels;
+using logger_support::line_of;
 using logger_support::Lines;
+using logger_support::lines_in;
 using logger_support::lines_of_threads;
 using logger_support::lines_without_times;
 using logger_support::log_error;
 using logger_support::log_from_threads;
+using logger_support::log_line_of;
 using logger_support::log_text;
+using logger_support::LogFileTest;
 using logger_support::logged_by;
 using logger_support::LoggerTest;
+using logger_support::numbered;
 using logger_support::RecordingSink;
 using logger_support::SlowReader;
 using logger_support::standard_error_of;
 using logger_support::time_pattern;
+using logger_support::write_file;
 
 constexpr sword level_not_known = -1;
 constexpr sword settings_null = -2;
@@ -264,7 +264,7 @@ TEST_F(LogSettings, UnusablePathEndsTheFileBefore) {
 
 TEST_F(LogSettings, TooLongPathChangesNothing) {
   ASSERT_EQ(configure("info", path_), 0);
-  for (const std::size_t excess : {1, 2, 1000000}) {
+  for (const std::size_t excess : {1u, 2u, 1000000u}) {
     const std::string path(KZOCI_LOG_PATH_MAX + excess, '/');
     EXPECT_EQ(configure("error", path, 100, 3), path_too_long);
     EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_INFO);
@@ -371,7 +371,8 @@ TEST_F(LogFile, StaysWhereItIsWhenTheProgramChangesItsFolder) {
   fs::current_path(folder_ + "/elsewhere");
   for (const char letter : {'a', 'b', 'c'}) log_line_of(letter, 60);
   fs::current_path("/");
-  EXPECT_EQ(files(), (std::vector<Lines>{{line_of('c', 60)}, {line_of('a', 60), line_of('b', 60)}}));
+  EXPECT_EQ(files(),
+            (std::vector<Lines>{{line_of('c', 60)}, {line_of('a', 60), line_of('b', 60)}}));
   EXPECT_TRUE(fs::is_empty(folder_ + "/elsewhere"));
 }
 

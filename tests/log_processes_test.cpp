@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -35,18 +36,17 @@ using logger_support::line_of;
 using logger_support::Lines;
 using logger_support::log_error;
 using logger_support::log_line_of;
-using logger_support::logged_by;
 using logger_support::LogFileTest;
+using logger_support::logged_by;
 using logger_support::numbered;
 using logger_support::standard_error_of;
 
-constexpr unsigned longest_wait = 60;  // seconds
-
 // Runs a function in a child, which a signal ends when it takes too long.
-pid_t start_child(const std::function<void()> &body) {
+template <class Body>
+pid_t start_child(unsigned seconds, Body body) {
   const pid_t child = fork();
   if (child != 0) return child;
-  alarm(longest_wait);
+  alarm(seconds);
   body();
   _exit(0);
 }
@@ -56,10 +56,15 @@ bool ends_well(pid_t child) {
   return waitpid(child, &status, 0) == child && status == 0;
 }
 
+// The children leave by exit, at which builds that measure coverage write it down.
 void in_processes(int count, const std::function<void(int)> &body) {
+  std::fflush(nullptr);
   std::vector<pid_t> children;
   for (int number = 0; number < count; ++number)
-    children.push_back(start_child([&body, number] { body(number); }));
+    children.push_back(start_child(60, [&body, number] {
+      body(number);
+      std::exit(0);
+    }));
   for (const pid_t child : children) EXPECT_TRUE(ends_well(child));
 }
 
@@ -139,7 +144,8 @@ TEST_F(LogProcesses, LoseOnlyWhatRotationDrops) {
     EXPECT_EQ(entries_in_folder(), count);
     expect_files_within(small_file);
     for (std::size_t number = 1; number < count; ++number)
-      EXPECT_GT(fs::file_size(numbered(path_, number)), static_cast<std::uintmax_t>(small_file - 100));
+      EXPECT_GT(fs::file_size(numbered(path_, number)),
+                static_cast<std::uintmax_t>(small_file - 100));
     fs::remove(path_);
   }
 }
@@ -206,10 +212,7 @@ void fork_while_threads_log(int forks) {
     });
   std::vector<pid_t> children;
   for (int i = 0; i < forks; ++i)
-    children.push_back(start_child([i] {
-      alarm(10);
-      log_error("of child " + std::to_string(i));
-    }));
+    children.push_back(start_child(10, [i] { log_error("of child " + std::to_string(i)); }));
   for (const pid_t child : children) EXPECT_TRUE(ends_well(child));
   done = true;
   for (std::thread &thread : threads) thread.join();
@@ -253,7 +256,7 @@ TEST_F(LogProcesses, StartProgramsThatHaveNoLogOpen) {
   EXPECT_EQ(open_in_a_program().find(folder_), std::string::npos);
   for (const char letter : {'a', 'b', 'c'}) log_line_of(letter, 60);
   EXPECT_EQ(open_in_a_program().find(folder_), std::string::npos);
-  in_processes(1, [this] (int) {
+  in_processes(1, [this](int) {
     log_line_of('d', 60);
     if (open_in_a_program().find(folder_) != std::string::npos) _exit(1);
   });

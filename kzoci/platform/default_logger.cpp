@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstdarg>
@@ -13,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <iterator>
 
 #include "kzoci/platform/log_file.h"
 
@@ -23,8 +23,10 @@ using kzoci::platform::LogFile;
 constexpr const char *level_names[] = {"TRACE", "DEBUG", "INFO",   "WARN",
                                        "ERROR", "FATAL", "SLOWSQL"};
 
+// C programs may log at levels that there are not.
 const char *level_name(log_level level) {
-  return level >= LOG_LEVEL_TRACE && level <= LOG_LEVEL_SLOWSQL ? level_names[level - 1] : "?";
+  const std::size_t at = static_cast<std::size_t>(level) - LOG_LEVEL_TRACE;
+  return at < std::size(level_names) ? level_names[at] : "?";
 }
 
 // The level of this name, in any letter case; 0 when there is none.
@@ -38,11 +40,18 @@ int level_of(const char *name, ub4 length) {
 
 struct Logger {
   pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
-  std::atomic<int> threshold = LOG_LEVEL_ERROR;
+  int threshold = LOG_LEVEL_ERROR;
   kzoci_log_sink sink = nullptr;
   void *sink_context = nullptr;
   LogFile file;
 };
+
+// By the compiler's own functions: where std::atomic checks its arguments, it needs the
+// C++ library.
+int threshold_of(const Logger &log) { return __atomic_load_n(&log.threshold, __ATOMIC_RELAXED); }
+void set_threshold(Logger &log, int level) {
+  __atomic_store_n(&log.threshold, level, __ATOMIC_RELAXED);
+}
 
 // Neither made nor destroyed at run time, so that constructors and destructors of
 // static objects may log.
@@ -106,7 +115,7 @@ struct Layout {
   std::size_t room() const { return length() + 1; }
 };
 
-std::size_t not_negative(int length) { return length < 0 ? 0 : static_cast<std::size_t>(length); }
+std::size_t not_negative(int length) { return static_cast<std::size_t>(std::max(length, 0)); }
 
 // Formats as much as there is room for; the layout is that of the whole line.
 Layout format_line(char *buffer, std::size_t size, const Origin &origin, const char *format,
@@ -156,10 +165,8 @@ void deliver(const Origin &origin, char *line, const Layout &layout) {
 // Only what the long line cannot hold takes memory, and its beginning is kept where
 // there is none. Memory is asked for before the lock is taken: who replaces malloc
 // may log.
-void log_long_line(const Origin &origin, std::size_t room, const char *format,
-                   va_list arguments) {
-  char *const block =
-      room > sizeof long_line ? static_cast<char *>(std::malloc(room)) : nullptr;
+void log_long_line(const Origin &origin, std::size_t room, const char *format, va_list arguments) {
+  char *const block = room > sizeof long_line ? static_cast<char *>(std::malloc(room)) : nullptr;
   char *const line = block == nullptr ? long_line : block;
   const std::size_t size = block == nullptr ? sizeof long_line : room;
   {
@@ -172,7 +179,7 @@ void log_long_line(const Origin &origin, std::size_t room, const char *format,
 }  // namespace
 
 void kzoci_log_inner(log_level level, const char *file, int line, const char *format, ...) {
-  if (level < logger.threshold.load(std::memory_order_relaxed)) return;
+  if (level < threshold_of(logger)) return;
   Origin origin = {{}, level, file, line, errno};
   put_time(origin.time);
 
@@ -194,10 +201,10 @@ void kzoci_log_inner(log_level level, const char *file, int line, const char *fo
 
 void kzoci_log_set_threshold(log_level level) {
   // Slow-SQL batches are written whatever the threshold.
-  logger.threshold = level < LOG_LEVEL_SLOWSQL ? level : LOG_LEVEL_SLOWSQL;
+  set_threshold(logger, level < LOG_LEVEL_SLOWSQL ? level : LOG_LEVEL_SLOWSQL);
 }
 
-log_level kzoci_log_threshold(void) { return static_cast<log_level>(logger.threshold.load()); }
+log_level kzoci_log_threshold(void) { return static_cast<log_level>(threshold_of(logger)); }
 
 void kzoci_log_set_sink(kzoci_log_sink sink, void *context) {
   const LoggerLock lock;

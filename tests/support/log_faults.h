@@ -9,15 +9,27 @@
 
 namespace log_faults {
 
-enum class Call { malloc, getcwd, open, fstat, stat, flock, rename, ftruncate, write, write_to_standard_error };
+enum class Call {
+  malloc,
+  getcwd,
+  open,
+  fstat,
+  stat,
+  flock,
+  rename,
+  ftruncate,
+  write,
+  write_to_standard_error
+};
 
 constexpr std::size_t for_ever = static_cast<std::size_t>(-1);
 
 struct Plan {
   Call call;
-  std::size_t first = 1;   // The number of the first of these calls that fails,
-  std::size_t times = 1;   // and how many do.
-  int error = 0;           // What they fail with; 0 for a write of a single byte.
+  std::size_t first = 1;  // The number of the first of these calls that fails,
+  std::size_t times = 1;  // and how many do.
+  int error = 0;          // What they fail with; 0 for a write of a single byte, and
+                          // for a file that seems to be on another device.
 };
 
 // Makes calls fail while it exists.

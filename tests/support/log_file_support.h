@@ -47,7 +47,7 @@ class ExactText {
 
 // The settings are gone when the logger works with them.
 inline sword configure(std::string_view level, std::string_view path, sb8 file_size = 0,
-                ub4 file_count = 0) {
+                       ub4 file_count = 0) {
   const ExactText level_copy(level);
   const ExactText path_copy(path);
   const kzoci_log_settings settings = {level_copy.data(),  level_copy.length(), path_copy.data(),
@@ -79,7 +79,9 @@ constexpr std::size_t frame_length =
 inline std::string text_for(char letter, std::size_t line_length) {
   return std::string(line_length - frame_length, letter);
 }
-inline void log_line_of(char letter, std::size_t line_length) { log_error(text_for(letter, line_length)); }
+inline void log_line_of(char letter, std::size_t line_length) {
+  log_error(text_for(letter, line_length));
+}
 inline std::string line_of(char letter, std::size_t line_length) {
   return error_line(text_for(letter, line_length));
 }
@@ -115,8 +117,8 @@ class LogFileTest : public LoggerTest {
   }
 
   std::size_t entries_in_folder() const {
-    return static_cast<std::size_t>(
-        std::distance(std::filesystem::directory_iterator(folder_), std::filesystem::directory_iterator()));
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_),
+                                                  std::filesystem::directory_iterator()));
   }
 
   std::string folder_;
