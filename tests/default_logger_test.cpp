@@ -13,7 +13,6 @@
 #include <ctime>
 #include <cwchar>
 #include <memory>
-#include <new>
 #include <string>
 #include <thread>
 
@@ -22,31 +21,8 @@
 #include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
+#include "log_level_in_c.h"
 #include "support/logger_support.h"
-
-// The array allocations of the program, which a test can make fail. They are not
-// inlined, for the compiler to see the pairs of new and delete as such.
-#define KZOCI_TEST_ALLOCATION __attribute__((noinline))
-
-namespace {
-thread_local bool out_of_memory = false;
-}
-
-KZOCI_TEST_ALLOCATION void *operator new[](std::size_t size) {
-  void *const block = std::malloc(size);
-  if (block == nullptr) std::abort();
-  return block;
-}
-KZOCI_TEST_ALLOCATION void *operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-  return out_of_memory ? nullptr : std::malloc(size);
-}
-KZOCI_TEST_ALLOCATION void operator delete[](void *block) noexcept { std::free(block); }
-KZOCI_TEST_ALLOCATION void operator delete[](void *block, std::size_t) noexcept {
-  std::free(block);
-}
-KZOCI_TEST_ALLOCATION void operator delete[](void *block, const std::nothrow_t &) noexcept {
-  std::free(block);
-}
 
 namespace {
 
@@ -160,6 +136,12 @@ TEST_F(LogThreshold, DroppedRecordsAreNotFormatted) {
   EXPECT_EQ(sink.texts(), Lines{});
 }
 
+TEST_F(LogThreshold, IsOfTheSameTypeInC) {
+  EXPECT_EQ(replace_threshold_in_c(LOG_LEVEL_WARN), LOG_LEVEL_ERROR);
+  const enum log_level threshold = kzoci_log_threshold();
+  EXPECT_EQ(threshold, LOG_LEVEL_WARN);
+}
+
 TEST_F(LogThreshold, ChangesWhileThreadsLog) {
   std::atomic<bool> done = false;
   const Lines lines = logged_by([&] {
@@ -208,6 +190,12 @@ TEST_F(LogLine, NamesEveryLevel) {
   for (const LevelName &level : levels)
     EXPECT_EQ(logged_by([&] { log_text(level.level, "text"); }),
               Lines{std::string(level.name) + " a.cpp:1 text"});
+}
+
+TEST_F(LogLine, HasAPlaceForALevelThatThereIsNot) {
+  const auto none = static_cast<log_level>(0);
+  kzoci_log_set_threshold(none);
+  EXPECT_EQ(logged_by([&] { log_text(none, "text"); }), Lines{"? a.cpp:1 text"});
 }
 
 TEST_F(LogLine, NamesAnyPlace) {
@@ -466,55 +454,6 @@ TEST_F(LogText, ThatCannotBeFormattedIsTerminatedForASink) {
     EXPECT_TRUE(record.terminated);
     EXPECT_EQ(record.text.find('\0'), std::string::npos);
   }
-}
-
-// The beginning of a long record is the least that is left of it.
-TEST_F(LogText, LeavesALineWithoutMemory) {
-  const std::string text = text_of_length(5000);
-  const std::string written = standard_error_of([&] {
-    out_of_memory = true;
-    log_error(text);
-    out_of_memory = false;
-  });
-  const Lines lines = lines_of(written);
-  ASSERT_EQ(lines.size(), 1u);
-  const std::string line = without_time(lines[0]);
-  EXPECT_EQ(written.back(), '\n');
-  EXPECT_GT(line.size(), error_line("").size());
-  EXPECT_EQ(line, error_line(text).substr(0, line.size()));
-}
-
-TEST_F(LogText, IsTerminatedForASinkWithoutMemory) {
-  const std::string text = text_of_length(5000);
-  RecordingSink sink;
-  kzoci_log_set_sink(RecordingSink::take, &sink);
-  out_of_memory = true;
-  log_error(text);
-  out_of_memory = false;
-  ASSERT_EQ(sink.records.size(), 1u);
-  const RecordingSink::Record &record = sink.records[0];
-  EXPECT_TRUE(record.terminated);
-  EXPECT_FALSE(record.text.empty());
-  EXPECT_EQ(record.text, text.substr(0, record.text.size()));
-}
-
-TEST_F(LogText, LeavesALineWithoutMemoryForALongSourcePath) {
-  const std::string file = text_of_length(2000);
-  RecordingSink sink;
-  const std::string written = standard_error_of([&] {
-    out_of_memory = true;
-    kzoci_log_inner(LOG_LEVEL_ERROR, file.c_str(), 1, "text");
-    kzoci_log_set_sink(RecordingSink::take, &sink);
-    kzoci_log_inner(LOG_LEVEL_ERROR, file.c_str(), 1, "text");
-    out_of_memory = false;
-  });
-  const Lines lines = lines_of(written);
-  ASSERT_EQ(lines.size(), 1u);
-  const std::string line = without_time(lines[0]);
-  EXPECT_EQ(line, ("ERROR " + file + ":1 text").substr(0, line.size()));
-  ASSERT_EQ(sink.records.size(), 1u);
-  EXPECT_TRUE(sink.records[0].terminated);
-  EXPECT_EQ(sink.records[0].text, std::string("text").substr(0, sink.records[0].text.size()));
 }
 
 TEST_F(LogText, LeavesErrnoAlone) {

@@ -27,132 +27,43 @@
 #include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
+#include "support/log_file_support.h"
 #include "support/logger_support.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
+using logger_support::configure;
+using logger_support::content_of;
 using logger_support::error_line;
 using logger_support::Interruptions;
+using logger_support::largest_count;
 using logger_support::LevelName;
 using logger_support::levels;
+using logger_support::line_of;
 using logger_support::Lines;
+using logger_support::lines_in;
 using logger_support::lines_of_threads;
 using logger_support::lines_without_times;
 using logger_support::log_error;
 using logger_support::log_from_threads;
+using logger_support::log_line_of;
 using logger_support::log_text;
+using logger_support::LogFileTest;
 using logger_support::logged_by;
 using logger_support::LoggerTest;
+using logger_support::numbered;
 using logger_support::RecordingSink;
 using logger_support::SlowReader;
 using logger_support::standard_error_of;
 using logger_support::time_pattern;
+using logger_support::write_file;
 
 constexpr sword level_not_known = -1;
 constexpr sword settings_null = -2;
 constexpr sword file_not_opened = -3;
-
-constexpr ub4 largest_count = std::numeric_limits<ub4>::max();
-
-// An exact-size copy that is not terminated, so that a read behind its end
-// shows under the address sanitizer.
-class ExactText {
- public:
-  explicit ExactText(std::string_view text)
-      : copy_(new char[text.size()]), length_(static_cast<ub4>(text.size())) {
-    std::copy(text.begin(), text.end(), copy_.get());
-  }
-  ~ExactText() { std::fill_n(copy_.get(), length_, '#'); }
-  ExactText(const ExactText &) = delete;
-  ExactText &operator=(const ExactText &) = delete;
-
-  const char *data() const { return copy_.get(); }
-  ub4 length() const { return length_; }
-
- private:
-  std::unique_ptr<char[]> copy_;
-  ub4 length_;
-};
-
-// The settings are gone when the logger works with them.
-sword configure(std::string_view level, std::string_view path, sb8 file_size = 0,
-                ub4 file_count = 0) {
-  const ExactText level_copy(level);
-  const ExactText path_copy(path);
-  const kzoci_log_settings settings = {level_copy.data(),  level_copy.length(), path_copy.data(),
-                                       path_copy.length(), file_size,           file_count};
-  return kzoci_log_configure(&settings);
-}
-
-std::string content_of(const std::string &path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void write_file(const std::string &path, std::string_view text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
-
-// The lines of a file, without their times.
-Lines lines_in(const std::string &path) { return lines_without_times(content_of(path)); }
-
-std::string numbered(const std::string &path, std::size_t number) {
-  return number == 0 ? path : path + "." + std::to_string(number);
-}
-
-// "TIME ERROR a.cpp:1 text" and a line feed: all but the text is this long.
-constexpr std::size_t frame_length =
-    time_pattern.size() + std::string_view(" ERROR a.cpp:1 \n").size();
-
-// A text whose line takes this many bytes in the file.
-std::string text_for(char letter, std::size_t line_length) {
-  return std::string(line_length - frame_length, letter);
-}
-void log_line_of(char letter, std::size_t line_length) { log_error(text_for(letter, line_length)); }
-std::string line_of(char letter, std::size_t line_length) {
-  return error_line(text_for(letter, line_length));
-}
-
-// A folder for log files, removed with the test.
-class LogFileTest : public LoggerTest {
- protected:
-  LogFileTest() {
-    std::string name = (fs::temp_directory_path() / "kzoci_log_XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-    path_ = folder_ + "/a.log";
-  }
-  ~LogFileTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
-  // The files of the log, the newest first, each with its lines.
-  std::vector<Lines> files() const {
-    std::vector<Lines> all;
-    for (std::size_t number = 0; fs::exists(numbered(path_, number)); ++number)
-      all.push_back(lines_in(numbered(path_, number)));
-    return all;
-  }
-
-  // The lines of all files, the oldest first.
-  Lines lines_of_files() const {
-    Lines all;
-    const std::vector<Lines> newest_first = files();
-    for (auto file = newest_first.rbegin(); file != newest_first.rend(); ++file)
-      all.insert(all.end(), file->begin(), file->end());
-    return all;
-  }
-
-  std::size_t entries_in_folder() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
-  }
-
-  std::string folder_;
-  std::string path_;
-};
+constexpr sword path_too_long = -4;
 
 class LogSettings : public LogFileTest {};
 class LogFile : public LogFileTest {};
@@ -323,7 +234,9 @@ std::vector<std::string> unusable_paths(const std::string &folder) {
           folder + "/missing/a.log",
           folder + "/plain/a.log",
           folder + "/" + std::string(256, 'a'),
-          folder + "/" + std::string(10000, 'a')};
+          folder + std::string(KZOCI_LOG_PATH_MAX - folder.size(), '/'),
+          std::string(KZOCI_LOG_PATH_MAX, 'a'),
+          std::string(KZOCI_LOG_PATH_MAX, '/')};
 }
 
 TEST_F(LogSettings, UnusablePathLeavesTheThresholdInForce) {
@@ -347,6 +260,46 @@ TEST_F(LogSettings, UnusablePathEndsTheFileBefore) {
   EXPECT_EQ(logged_by([] { log_error("to standard error"); }),
             Lines{error_line("to standard error")});
   EXPECT_EQ(lines_in(path_), Lines{error_line("to the file")});
+}
+
+TEST_F(LogSettings, TooLongPathChangesNothing) {
+  ASSERT_EQ(configure("info", path_), 0);
+  for (const std::size_t excess : {1u, 2u, 1000000u}) {
+    const std::string path(KZOCI_LOG_PATH_MAX + excess, '/');
+    EXPECT_EQ(configure("error", path, 100, 3), path_too_long);
+    EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_INFO);
+    EXPECT_EQ(standard_error_of([] { log_text(LOG_LEVEL_INFO, "text"); }), "");
+  }
+  EXPECT_EQ(lines_in(path_), Lines(3, "INFO a.cpp:1 text"));
+}
+
+// Slashes that change nothing make the path as long as is taken.
+TEST_F(LogSettings, LongestPathIsTaken) {
+  const std::string slashes(KZOCI_LOG_PATH_MAX - path_.size(), '/');
+  ASSERT_EQ(configure("", slashes + path_), 0);
+  log_error("text");
+  EXPECT_EQ(lines_in(path_), Lines{error_line("text")});
+}
+
+// With the folder in front of it, a relative path may become too long.
+TEST_F(LogSettings, RelativePathIsTakenAsLongAsTheSystemTakesIt) {
+  fs::current_path(folder_);
+  const std::size_t longest = KZOCI_LOG_PATH_MAX - folder_.size() - 1;
+  const std::string slashes(longest - 7, '/');
+  ASSERT_EQ(configure("", "./" + slashes + "a.log", 60, 2), 0);
+  log_line_of('a', 60);
+  EXPECT_EQ(lines_in(path_), Lines{line_of('a', 60)});
+  EXPECT_EQ(configure("", "./" + slashes + "/a.log"), file_not_opened);
+  fs::current_path("/");
+}
+
+TEST_F(LogSettings, RelativePathNeedsAFolder) {
+  const std::string below = folder_ + "/below";
+  fs::create_directory(below);
+  fs::current_path(below);
+  fs::remove(below);
+  EXPECT_EQ(configure("", "a.log"), file_not_opened);
+  fs::current_path("/");
 }
 
 TEST_F(LogSettings, UsablePathEndsStandardError) {
@@ -408,6 +361,31 @@ TEST_F(LogFile, IsSharedWithOtherWriters) {
   log_error("second");
   EXPECT_EQ(lines_in(path_),
             (Lines{error_line("first"), "of another writer", error_line("second")}));
+}
+
+// A daemon goes to the root folder when it has read its settings.
+TEST_F(LogFile, StaysWhereItIsWhenTheProgramChangesItsFolder) {
+  fs::create_directory(folder_ + "/elsewhere");
+  fs::current_path(folder_);
+  ASSERT_EQ(configure("", "a.log", 120, 3), 0);
+  fs::current_path(folder_ + "/elsewhere");
+  for (const char letter : {'a', 'b', 'c'}) log_line_of(letter, 60);
+  fs::current_path("/");
+  EXPECT_EQ(files(),
+            (std::vector<Lines>{{line_of('c', 60)}, {line_of('a', 60), line_of('b', 60)}}));
+  EXPECT_TRUE(fs::is_empty(folder_ + "/elsewhere"));
+}
+
+// Whoever moves or removes a log that is limited in size finds a new one.
+TEST_F(LogFile, IsMadeAnewWhereItWasMoved) {
+  ASSERT_EQ(configure("", path_, 120, 3), 0);
+  log_line_of('a', 60);
+  fs::rename(path_, folder_ + "/moved");
+  log_line_of('b', 60);
+  fs::remove(path_);
+  log_line_of('c', 60);
+  EXPECT_EQ(lines_in(folder_ + "/moved"), Lines{line_of('a', 60)});
+  EXPECT_EQ(files(), std::vector<Lines>{{line_of('c', 60)}});
 }
 
 TEST_F(LogFile, GivesWayToAnother) {
@@ -836,6 +814,21 @@ TEST_F(LogFileGivenUp, LosesNothingToAFolderThatMoves) {
   Lines expected;
   for (char letter = 'a'; letter <= 'j'; ++letter) expected.push_back(line_of(letter, 60));
   EXPECT_EQ(lines, expected);
+}
+
+// A pipe has no size at which it could be rotated.
+TEST_F(LogRotation, IsForRegularFiles) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  const int read_end = open(path_.c_str(), O_RDONLY | O_NONBLOCK);
+  ASSERT_EQ(configure("", path_, 60, 3), 0);
+  for (const char letter : {'a', 'b', 'c'}) log_line_of(letter, 60);
+  ASSERT_EQ(configure("", ""), 0);
+  std::string written(180, '\0');
+  EXPECT_EQ(read(read_end, written.data(), written.size()), 180);
+  close(read_end);
+  EXPECT_EQ(lines_without_times(written),
+            (Lines{line_of('a', 60), line_of('b', 60), line_of('c', 60)}));
+  EXPECT_EQ(entries_in_folder(), 1u);
 }
 
 // A log file may be a pipe, which takes a long line in pieces.

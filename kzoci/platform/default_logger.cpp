@@ -1,19 +1,18 @@
 #include "kzoci/platform/default_logger.h"
 
+#include <pthread.h>
 #include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <memory>
-#include <mutex>
-#include <new>
-#include <string>
+#include <iterator>
 
 #include "kzoci/platform/log_file.h"
 
@@ -24,8 +23,10 @@ using kzoci::platform::LogFile;
 constexpr const char *level_names[] = {"TRACE", "DEBUG", "INFO",   "WARN",
                                        "ERROR", "FATAL", "SLOWSQL"};
 
+// C programs may log at levels that there are not.
 const char *level_name(log_level level) {
-  return level >= LOG_LEVEL_TRACE && level <= LOG_LEVEL_SLOWSQL ? level_names[level - 1] : "?";
+  const std::size_t at = static_cast<std::size_t>(level) - LOG_LEVEL_TRACE;
+  return at < std::size(level_names) ? level_names[at] : "?";
 }
 
 // The level of this name, in any letter case; 0 when there is none.
@@ -38,34 +39,70 @@ int level_of(const char *name, ub4 length) {
 }
 
 struct Logger {
-  std::mutex mutex;
-  std::atomic<int> threshold = LOG_LEVEL_ERROR;
+  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+  int threshold = LOG_LEVEL_ERROR;
   kzoci_log_sink sink = nullptr;
   void *sink_context = nullptr;
   LogFile file;
 };
 
-// Never destroyed, so that destructors of static objects may still log.
-Logger &logger() {
-  static Logger &instance = *new Logger;
-  return instance;
+// By the compiler's own functions: where std::atomic checks its arguments, it needs the
+// C++ library.
+int threshold_of(const Logger &log) { return __atomic_load_n(&log.threshold, __ATOMIC_RELAXED); }
+void set_threshold(Logger &log, int level) {
+  __atomic_store_n(&log.threshold, level, __ATOMIC_RELAXED);
 }
 
-// Where a record comes from, and when.
+// Neither made nor destroyed at run time, so that constructors and destructors of
+// static objects may log.
+constinit Logger logger;
+
+// Room for a record that is too long for the stack; guarded by the logger's mutex.
+char long_line[64 * 1024];
+
+class LoggerLock {
+ public:
+  LoggerLock() { pthread_mutex_lock(&logger.mutex); }
+  ~LoggerLock() { pthread_mutex_unlock(&logger.mutex); }
+  LoggerLock(const LoggerLock &) = delete;
+  LoggerLock &operator=(const LoggerLock &) = delete;
+};
+
+// A child has but the thread that forked: a mutex that another one held would stay
+// locked there for ever.
+void before_fork() { pthread_mutex_lock(&logger.mutex); }
+void after_fork() { pthread_mutex_unlock(&logger.mutex); }
+void after_fork_in_child() {
+  logger.file.part_from_parent();
+  after_fork();
+}
+
+[[maybe_unused]] const int fork_handlers =
+    pthread_atfork(before_fork, after_fork, after_fork_in_child);
+
+// What a record tells but its text.
 struct Origin {
   char time[32];
   log_level level;
   const char *file;
   int line;
+  int error;  // errno of the caller
 };
 
+// Not by gmtime_r, which reads the time zone: that allocates, and takes a lock that
+// a fork may leave locked.
 void put_time(char (&text)[32]) {
+  using namespace std::chrono;
   timespec now = {};
   clock_gettime(CLOCK_REALTIME, &now);
-  tm utc = {};
-  gmtime_r(&now.tv_sec, &utc);
-  const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
-  std::snprintf(text + length, sizeof text - length, ".%03dZ",
+  const sys_seconds second{seconds{now.tv_sec}};
+  const auto day = floor<days>(second);
+  const year_month_day date{day};
+  const hh_mm_ss time{second - day};
+  std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ",
+                static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                static_cast<unsigned>(date.day()), static_cast<int>(time.hours().count()),
+                static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()),
                 static_cast<int>(now.tv_nsec / 1000000));
 }
 
@@ -78,7 +115,7 @@ struct Layout {
   std::size_t room() const { return length() + 1; }
 };
 
-std::size_t not_negative(int length) { return length < 0 ? 0 : static_cast<std::size_t>(length); }
+std::size_t not_negative(int length) { return static_cast<std::size_t>(std::max(length, 0)); }
 
 // Formats as much as there is room for; the layout is that of the whole line.
 Layout format_line(char *buffer, std::size_t size, const Origin &origin, const char *format,
@@ -89,14 +126,22 @@ Layout format_line(char *buffer, std::size_t size, const Origin &origin, const c
   const bool has_room = text_at < size;
   char *const text = has_room ? buffer + text_at : nullptr;
   const std::size_t room = has_room ? size - text_at : 0;
+  errno = origin.error;
   int length = std::vsnprintf(text, room, format, arguments);
   // A text that cannot be formatted is better told by its format than lost.
   if (length < 0) length = std::snprintf(text, room, "%s", format);
   return {text_at, not_negative(length)};
 }
 
-void write_line(Logger &log, const char *line, std::size_t length) {
-  if (log.file.is_open() && log.file.write(line, length)) return;
+// What there is of a line in a buffer of this size.
+Layout cut(const Layout &whole, std::size_t size) {
+  const std::size_t most = size - 2;
+  const std::size_t text_at = std::min(whole.text_at, most);
+  return {text_at, std::min(whole.text_length, most - text_at)};
+}
+
+void write_line(const char *line, std::size_t length) {
+  if (logger.file.is_open() && logger.file.write(line, length)) return;
   // Not through the stream: it would lose the rest of a line that a signal
   // interrupts, and all of it where the program writes wide text.
   kzoci::platform::write_whole(STDERR_FILENO, line, length);
@@ -105,82 +150,85 @@ void write_line(Logger &log, const char *line, std::size_t length) {
 // The line feed takes the place of the terminator only where a line is written:
 // a sink gets the text alone.
 void deliver(const Origin &origin, char *line, const Layout &layout) {
-  Logger &log = logger();
-  const std::lock_guard lock(log.mutex);
-  if (log.sink != nullptr) {
+  char &end = line[layout.length() - 1];
+  if (logger.sink != nullptr) {
+    end = '\0';
     const kzoci_log_record record = {origin.level, origin.file, origin.line, line + layout.text_at,
                                      layout.text_length};
-    log.sink(log.sink_context, &record);
+    logger.sink(logger.sink_context, &record);
     return;
   }
-  line[layout.length() - 1] = '\n';
-  write_line(log, line, layout.length());
+  end = '\n';
+  write_line(line, layout.length());
+}
+
+// Only what the long line cannot hold takes memory, and its beginning is kept where
+// there is none. Memory is asked for before the lock is taken: who replaces malloc
+// may log.
+void log_long_line(const Origin &origin, std::size_t room, const char *format, va_list arguments) {
+  char *const block = room > sizeof long_line ? static_cast<char *>(std::malloc(room)) : nullptr;
+  char *const line = block == nullptr ? long_line : block;
+  const std::size_t size = block == nullptr ? sizeof long_line : room;
+  {
+    const LoggerLock lock;
+    deliver(origin, line, cut(format_line(line, size, origin, format, arguments), size));
+  }
+  std::free(block);
 }
 
 }  // namespace
 
 void kzoci_log_inner(log_level level, const char *file, int line, const char *format, ...) {
-  if (level < logger().threshold.load(std::memory_order_relaxed)) return;
-  const int kept_errno = errno;
-  Origin origin = {{}, level, file, line};
+  if (level < threshold_of(logger)) return;
+  Origin origin = {{}, level, file, line, errno};
   put_time(origin.time);
 
   char short_line[1024];
   va_list arguments;
   va_start(arguments, format);
-  Layout layout = format_line(short_line, sizeof short_line, origin, format, arguments);
+  const Layout layout = format_line(short_line, sizeof short_line, origin, format, arguments);
   va_end(arguments);
   if (layout.room() <= sizeof short_line) {
+    const LoggerLock lock;
     deliver(origin, short_line, layout);
-    errno = kept_errno;
-    return;
-  }
-  const std::unique_ptr<char[]> long_line(new (std::nothrow) char[layout.room()]);
-  if (long_line != nullptr) {
-    va_start(arguments, format);
-    layout = format_line(long_line.get(), layout.room(), origin, format, arguments);
-    va_end(arguments);
-    deliver(origin, long_line.get(), layout);
   } else {
-    // Without memory the beginning of a long record is all there can be.
-    layout.text_at = std::min(layout.text_at, sizeof short_line - 2);
-    layout.text_length = sizeof short_line - 2 - layout.text_at;
-    short_line[sizeof short_line - 2] = '\0';
-    deliver(origin, short_line, layout);
+    va_start(arguments, format);
+    log_long_line(origin, layout.room(), format, arguments);
+    va_end(arguments);
   }
-  errno = kept_errno;
+  errno = origin.error;
 }
 
 void kzoci_log_set_threshold(log_level level) {
   // Slow-SQL batches are written whatever the threshold.
-  logger().threshold = level < LOG_LEVEL_SLOWSQL ? level : LOG_LEVEL_SLOWSQL;
+  set_threshold(logger, level < LOG_LEVEL_SLOWSQL ? level : LOG_LEVEL_SLOWSQL);
 }
 
-log_level kzoci_log_threshold(void) { return static_cast<log_level>(logger().threshold.load()); }
+log_level kzoci_log_threshold(void) { return static_cast<log_level>(threshold_of(logger)); }
 
 void kzoci_log_set_sink(kzoci_log_sink sink, void *context) {
-  Logger &log = logger();
-  const std::lock_guard lock(log.mutex);
-  log.sink = sink;
-  log.sink_context = context;
+  const LoggerLock lock;
+  logger.sink = sink;
+  logger.sink_context = context;
 }
 
 sword kzoci_log_configure(const kzoci_log_settings *settings) {
   constexpr sword level_not_known = -1;
   constexpr sword settings_null = -2;
   constexpr sword file_not_opened = -3;
+  constexpr sword path_too_long = -4;
 
   if (settings == nullptr) return settings_null;
   const int level = settings->level_len == 0 ? kzoci_log_threshold()
                                              : level_of(settings->level, settings->level_len);
   if (level == 0) return level_not_known;
+  if (settings->path_len > KZOCI_LOG_PATH_MAX) return path_too_long;
   kzoci_log_set_threshold(static_cast<log_level>(level));
 
-  Logger &log = logger();
-  const std::lock_guard lock(log.mutex);
-  log.file.close();
+  const LoggerLock lock;
+  logger.file.close();
   if (settings->path_len == 0) return 0;
-  const bool opened = log.file.open(std::string(settings->path, settings->path_len),
-                                    settings->file_size, settings->file_count);
+  const bool opened = logger.file.open(settings->path, settings->path_len, settings->file_size,
+                                       settings->file_count);
   return opened ? 0 : file_not_opened;
 }

@@ -8,7 +8,11 @@
  * never dropped. Lines go to standard error until a file or a sink is set; a
  * sink takes precedence over a file.
  *
- * Every function here may be called while other threads log.
+ * Memory is allocated only for a line of more than 65535 bytes, and its first
+ * 65535, the line feed among them, are written where there is none.
+ *
+ * Every function here may be called while other threads log. A process may fork
+ * while its threads log, and the child may log.
  */
 #ifndef KZOCI_PLATFORM_DEFAULT_LOGGER_H
 #define KZOCI_PLATFORM_DEFAULT_LOGGER_H
@@ -27,15 +31,15 @@ extern "C" {
  *
  * level  the lowest level to be written; LOG_LEVEL_ERROR by default
  */
-void kzoci_log_set_threshold(enum log_level level);
+void kzoci_log_set_threshold(log_level level);
 
 /* The threshold in force. */
-enum log_level kzoci_log_threshold(void);
+log_level kzoci_log_threshold(void);
 
 /* A record as a sink receives it. Texts belong to the logger and last as long
  * as the call. */
 typedef struct kzoci_log_record {
-  enum log_level level;
+  log_level level;
   const char *file; /* path of the source file that logs; terminated */
   int line;
   const char *text; /* the formatted text; terminated */
@@ -48,20 +52,23 @@ typedef void (*kzoci_log_sink)(void *context, const kzoci_log_record *record);
  * Hands records to a function instead of writing them.
  *
  * sink     called for each record at or above the threshold, by one thread at a
- *          time; must not log. Null goes back to writing.
+ *          time; must neither log nor fork. Null goes back to writing.
  * context  given to every call; the caller's
  *
  * When the call returns, the former sink is not running and not called again.
  */
 void kzoci_log_set_sink(kzoci_log_sink sink, void *context);
 
+/* Characters of the longest path of a log file, which are all that systems take. */
+enum { KZOCI_LOG_PATH_MAX = 4095 };
+
 /* What the reserved entry of a names file says of the log. Texts need not be
  * terminated. */
 typedef struct kzoci_log_settings {
   const char *level; /* name of the threshold, in any letter case */
   ub4 level_len;     /* 0: the threshold stays */
-  const char *path;  /* the log file, opened for appending */
-  ub4 path_len;      /* 0: standard error */
+  const char *path;  /* the log file, opened for appending and closed on exec */
+  ub4 path_len;      /* at most KZOCI_LOG_PATH_MAX; 0: standard error */
   sb8 file_size;     /* size in bytes at which the file is rotated; 0 or less: never */
   ub4 file_count;    /* number of files kept, see below */
 } kzoci_log_settings;
@@ -76,15 +83,23 @@ typedef struct kzoci_log_settings {
  * Before a line that would carry the file over file_size, the file is rotated:
  * path becomes path.1, path.1 becomes path.2 and so on up to path.(count - 1),
  * the oldest of which goes. With a count of 0 or 1 the one file starts over. A
- * line that is longer than file_size has a file to itself.
+ * line that is longer than file_size has a file to itself. What is not a regular
+ * file, a pipe for example, is not rotated.
+ *
+ * Processes may share a log file, all with the same settings. Where file_size is
+ * more than 0 each line is written under a lock on the file (flock), and goes to
+ * the file that then stands at the path, whoever rotated it. A relative path
+ * means the folder in which the process is at the time of the call.
  *
  * Returns 0; -1: the level's name is not known, nothing was changed; -2:
  * settings is null, nothing was changed; -3: the file cannot be opened, the
- * threshold is in force and lines go to standard error.
+ * threshold is in force and lines go to standard error; -4: the path is too
+ * long, nothing was changed.
  *
  * When a line cannot be written to the file, or the file cannot be rotated, the
  * file is given up and this line and all that follow go to standard error, until
- * the next call of this function.
+ * the next call of this function. Without a lock, on a file system that has none,
+ * a file is not rotated.
  */
 sword kzoci_log_configure(const kzoci_log_settings *settings);
 

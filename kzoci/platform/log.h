@@ -19,7 +19,7 @@
 extern "C" {
 #endif
 
-enum log_level {
+typedef enum log_level {
   LOG_LEVEL_TRACE = 1,
   LOG_LEVEL_DEBUG,
   LOG_LEVEL_INFO,
@@ -27,7 +27,7 @@ enum log_level {
   LOG_LEVEL_ERROR,
   LOG_LEVEL_FATAL,
   LOG_LEVEL_SLOWSQL /* batches of slow-statement reports; never filtered out */
-};
+} log_level;
 
 /*
  * Takes one log record.
@@ -42,7 +42,7 @@ enum log_level {
  * implementation's business, and best done before anything is formatted. It is
  * called from every thread that uses the module. It must not throw.
  */
-void kzoci_log_inner(enum log_level level, const char *file, int line, const char *format, ...)
+void kzoci_log_inner(log_level level, const char *file, int line, const char *format, ...)
     KZOCI_PRINTF_LIKE(4, 5);
 
 #ifdef __cplusplus

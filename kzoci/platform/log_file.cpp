@@ -1,19 +1,57 @@
 #include "kzoci/platform/log_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cinttypes>
 #include <cstdio>
-#include <utility>
+#include <cstring>
 
 namespace kzoci::platform {
 
+namespace {
+
+// A system call, again and again until no signal interrupts it.
+template <class Call>
+auto uninterrupted(Call call) {
+  auto result = call();
+  while (result == -1 && errno == EINTR) result = call();
+  return result;
+}
+
+// Keeps other processes waiting while it exists, where the file system has locks.
+class FileLock {
+ public:
+  explicit FileLock(int descriptor)
+      : descriptor_(descriptor),
+        is_held_(uninterrupted([descriptor] { return ::flock(descriptor, LOCK_EX); }) == 0) {}
+  ~FileLock() { ::flock(descriptor_, LOCK_UN); }
+  FileLock(const FileLock &) = delete;
+  FileLock &operator=(const FileLock &) = delete;
+
+  bool is_held() const { return is_held_; }
+
+ private:
+  int descriptor_;
+  bool is_held_;
+};
+
+enum class Presence { there, missing, unknown };
+
+Presence presence(const char *path) {
+  struct stat ignored = {};
+  if (::stat(path, &ignored) == 0) return Presence::there;
+  return errno == ENOENT ? Presence::missing : Presence::unknown;
+}
+
+}  // namespace
+
 bool write_whole(int descriptor, const char *text, std::size_t length) {
   while (length > 0) {
-    const ssize_t written = ::write(descriptor, text, length);
-    if (written < 0 && errno == EINTR) continue;
+    const ssize_t written = uninterrupted([=] { return ::write(descriptor, text, length); });
     if (written <= 0) return false;
     text += written;
     length -= static_cast<std::size_t>(written);
@@ -21,12 +59,26 @@ bool write_whole(int descriptor, const char *text, std::size_t length) {
   return true;
 }
 
-bool LogFile::open(std::string path, sb8 size_limit, ub4 count) {
+bool LogFile::open(const char *path, std::size_t path_length, sb8 size_limit, ub4 count) {
   close();
-  path_ = std::move(path);
   size_limit_ = size_limit;
   count_ = count;
-  return open_file(O_APPEND);
+  return set_path(path, path_length) && open_at_path();
+}
+
+// The path is looked at with every line, so that it must mean the same file when
+// the program changes its folder.
+bool LogFile::set_path(const char *path, std::size_t length) {
+  std::size_t at = 0;
+  if (path[0] != '/') {
+    if (::getcwd(path_, sizeof path_ - 1) == nullptr) return false;
+    at = std::strlen(path_);
+    path_[at++] = '/';
+  }
+  if (length >= sizeof path_ - at) return false;
+  std::memcpy(path_ + at, path, length);
+  path_[at + length] = '\0';
+  return true;
 }
 
 void LogFile::close() {
@@ -34,50 +86,95 @@ void LogFile::close() {
   descriptor_ = -1;
 }
 
-bool LogFile::open_file(int flags) {
+// The file open before gives way only to another that is open.
+bool LogFile::open_at_path() {
   constexpr mode_t owner_writes_group_reads = 0640;
-  descriptor_ =
-      ::open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, owner_writes_group_reads);
+  const int opened = uninterrupted([this] {
+    return ::open(path_, O_WRONLY | O_CREAT | O_CLOEXEC | O_APPEND, owner_writes_group_reads);
+  });
+  if (opened == -1) return false;
   struct stat state = {};
-  if (!is_open() || ::fstat(descriptor_, &state) != 0) {
-    close();
+  if (::fstat(opened, &state) != 0) {
+    ::close(opened);
     return false;
   }
-  size_ = state.st_size;
+  close();
+  descriptor_ = opened;
+  // A pipe or a device has no size, and is not ours to rename.
+  is_limited_ = size_limit_ > 0 && S_ISREG(state.st_mode);
   return true;
 }
 
 bool LogFile::write(const char *line, std::size_t length) {
-  const bool over_limit =
-      size_limit_ > 0 && size_ > 0 && static_cast<sb8>(length) > size_limit_ - size_;
-  if ((!over_limit || rotate()) && append(line, length)) return true;
+  // Far more rotations of other processes than can come between two of our calls.
+  constexpr int most_turns = 1000;
+  bool may_open_another = true;
+  Turn turn = is_limited_ ? Turn::moved : append(line, length);
+  for (int i = 0; i < most_turns && turn == Turn::moved; ++i) {
+    turn = take_turn(line, length, may_open_another);
+    if (turn == Turn::moved) may_open_another = open_at_path();
+  }
+  if (turn == Turn::written) return true;
   close();
   return false;
 }
 
-bool LogFile::append(const char *line, std::size_t length) {
-  size_ += static_cast<sb8>(length);
-  return write_whole(descriptor_, line, length);
+// A file that is no longer at its path, where no other can be opened, still takes
+// what fits.
+LogFile::Turn LogFile::take_turn(const char *line, std::size_t length, bool may_open_another) {
+  const FileLock lock(descriptor_);
+  struct stat own = {};
+  if (::fstat(descriptor_, &own) != 0) return Turn::failed;
+  const bool at_path = is_at_path(own);
+  if (!at_path && may_open_another) return Turn::moved;
+  if (has_room(own, length)) return append(line, length);
+  return at_path && lock.is_held() ? rotate(line, length) : Turn::failed;
 }
 
-bool LogFile::rotate() {
-  if (count_ > 1 && !shift_files()) return false;
-  close();
-  return open_file(O_APPEND | O_TRUNC);
+bool LogFile::is_at_path(const struct stat &own) const {
+  struct stat there = {};
+  return ::stat(path_, &there) == 0 && there.st_ino == own.st_ino && there.st_dev == own.st_dev;
 }
 
-// Only files that exist are moved, so that a large count costs nothing.
-bool LogFile::shift_files() const {
+bool LogFile::has_room(const struct stat &own, std::size_t length) const {
+  return own.st_size == 0 || static_cast<sb8>(length) <= size_limit_ - own.st_size;
+}
+
+LogFile::Turn LogFile::append(const char *line, std::size_t length) const {
+  return write_whole(descriptor_, line, length) ? Turn::written : Turn::failed;
+}
+
+LogFile::Turn LogFile::rotate(const char *line, std::size_t length) {
+  if (count_ > 1) return shift_files() ? Turn::moved : Turn::failed;
+  const int status = uninterrupted([this] { return ::ftruncate(descriptor_, 0); });
+  return status == 0 ? append(line, length) : Turn::failed;
+}
+
+// Only files that exist are moved, so that a large count costs nothing. The log
+// itself comes last: with it the other processes' turn begins.
+bool LogFile::shift_files() {
   ub4 last = 0;
-  while (last + 1 < count_ && ::access(numbered(last + 1).c_str(), F_OK) == 0) ++last;
+  Presence next = Presence::there;
+  while (last + 1 < count_ && (next = presence(numbered(older_, last + 1))) == Presence::there)
+    ++last;
+  // A file of which nothing is known may be one that must not be replaced.
+  if (next == Presence::unknown) return false;
   if (last + 1 == count_) --last;
   for (ub4 number = last + 1; number > 0; --number)
-    if (std::rename(numbered(number - 1).c_str(), numbered(number).c_str()) != 0) return false;
+    if (std::rename(numbered(newer_, number - 1), numbered(older_, number)) != 0) return false;
   return true;
 }
 
-std::string LogFile::numbered(ub4 number) const {
-  return number == 0 ? path_ : path_ + "." + std::to_string(number);
+const char *LogFile::numbered(NumberedPath &room, ub4 number) const {
+  if (number == 0) return path_;
+  std::snprintf(room, sizeof room, "%s.%" PRIu32, path_, number);
+  return room;
+}
+
+// A lock belongs to what a call of open made, and parent and child have that in
+// common. With a file of its own the child waits like any other process.
+void LogFile::part_from_parent() {
+  if (is_open() && is_limited_) open_at_path();
 }
 
 }  // namespace kzoci::platform

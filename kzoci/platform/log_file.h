@@ -1,27 +1,35 @@
-// A log file that is rotated at a size.
+// A log file that is rotated at a size, and that several processes may share.
+//
+// Each line is appended under a lock on the file itself, for which every process
+// waits. A rotation ends with the renaming of the file, and whoever gets the lock
+// of a renamed file opens the new one: so there is one rotation at a time, without
+// a lock file beside the log.
 #pragma once
 
 #include <cstddef>
-#include <string>
 
+#include "default_logger.h"
 #include "types.h"
+
+struct stat;
 
 namespace kzoci::platform {
 
-// Writes a text to a file descriptor, however many calls that takes. False when a
-// call fails.
+// Writes a text to a file descriptor, in one call unless the system takes less.
+// False when a call fails.
 bool write_whole(int descriptor, const char *text, std::size_t length);
 
+// Has no destructor: the logger's file serves until the process has ended.
 class LogFile {
  public:
-  LogFile() = default;
-  ~LogFile() { close(); }
+  constexpr LogFile() = default;
   LogFile(const LogFile &) = delete;
   LogFile &operator=(const LogFile &) = delete;
 
-  // Opens the file for appending, in place of the one open before. A size_limit
-  // of 0 or less means no rotation; count is the number of files kept.
-  bool open(std::string path, sb8 size_limit, ub4 count);
+  // Opens the file for appending, in place of the one open before. The path has
+  // from 1 to KZOCI_LOG_PATH_MAX characters. A size_limit of 0 or less means no
+  // rotation; count is the number of files kept.
+  bool open(const char *path, std::size_t path_length, sb8 size_limit, ub4 count);
   void close();
   bool is_open() const { return descriptor_ != -1; }
 
@@ -29,18 +37,35 @@ class LogFile {
   // limit. False when that fails; the file is closed then.
   bool write(const char *line, std::size_t length);
 
+  // To be called in the child after a fork.
+  void part_from_parent();
+
  private:
-  bool open_file(int flags);
-  bool append(const char *line, std::size_t length);
-  bool rotate();
-  bool shift_files() const;
-  std::string numbered(ub4 number) const;
+  enum class Turn { written, moved, failed };
+
+  // ".4294967295"
+  static constexpr std::size_t longest_suffix = 11;
+  using Path = char[KZOCI_LOG_PATH_MAX + 1];
+  using NumberedPath = char[sizeof(Path) + longest_suffix];
+
+  bool set_path(const char *path, std::size_t length);
+  bool open_at_path();
+  Turn take_turn(const char *line, std::size_t length, bool may_open_another);
+  Turn rotate(const char *line, std::size_t length);
+  Turn append(const char *line, std::size_t length) const;
+  bool is_at_path(const struct stat &own) const;
+  bool has_room(const struct stat &own, std::size_t length) const;
+  bool shift_files();
+  const char *numbered(NumberedPath &room, ub4 number) const;
 
   int descriptor_ = -1;
-  std::string path_;
+  bool is_limited_ = false;
   sb8 size_limit_ = 0;
   ub4 count_ = 0;
-  sb8 size_ = 0;
+  Path path_ = {};
+  // Room of its own, for a record may be logged on a small stack.
+  NumberedPath older_ = {};
+  NumberedPath newer_ = {};
 };
 
 }  // namespace kzoci::platform

@@ -1,8 +1,8 @@
 /*
  * The allocator that the module calls.
  *
- * An embedder replaces the default implementation by defining both functions
- * in the program.
+ * An embedder replaces the default implementation by defining the functions in
+ * the program, both or one of them.
  */
 #ifndef KZOCI_PLATFORM_MEMORY_H
 #define KZOCI_PLATFORM_MEMORY_H

@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
-# The module needs its platform and the C library, nothing else: no streams, no
-# exceptions, no run-time types.
-#   module_symbols.sh LIBRARY
+# What a library needs to link: the module its platform and the C library, the
+# platform the C library. No streams, no exceptions, no run-time types, nothing else
+# of the C++ library.
+#   module_symbols.sh module|platform LIBRARY
 # A build with KZOCI_INSTRUMENTED set also needs its instrumentation's runtime.
 set -euo pipefail
 platform='kzoci_log_inner|kzci_malloc|kzci_free|my_strtoll10'
-libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy|ncasecmp)|mem(cmp|cpy|move|set)|stdout)(64)?'
-compiler='__stack_chk_fail|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0'
-instrumentation='__(asan|ubsan|tsan|gcov|sanitizer)_[a-z0-9_]*'
-allowed="$platform|$libc|$compiler"
+module_libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy|ncasecmp)|mem(cmp|cpy|move|set)|stdout)(64)?'
+files='(open|f?stat|ftruncate)(64)?|__f?stat64_time64|close|write|rename|flock|getcwd'
+platform_libc="$files|malloc|free|v?snprintf|strlen|strncasecmp|mem(cmp|cpy|move|set)|(__)?clock_gettime(64)?|__errno_location|pthread_(mutex_(un)?lock|atfork)"
+compiler='__stack_chk_fail(_local)?|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0|__[a-z]+_chk|__u?(div|mod)di3|__x86.get_pc_thunk.[a-z]+'
+instrumentation='__(asan|ubsan|tsan|gcov|sanitizer)_[a-z0-9_]*|_?_?tls_get_addr'
+
+case $1 in
+  module) asked="$platform" allowed="$platform|$module_libc|$compiler" ;;
+  platform) asked=malloc allowed="$platform_libc|$compiler" ;;
+  *) echo "unknown kind of library: $1"; exit 1 ;;
+esac
 [ -z "${KZOCI_INSTRUMENTED:-}" ] || allowed="$allowed|$instrumentation"
 
-undefined=$(nm --undefined-only --format=posix "$1" | awk 'NF > 1 {print $1}' | sort -u)
-defined=$(nm --defined-only --format=posix "$1" | awk 'NF > 2 {print $1}' | sort -u)
+undefined=$(nm --undefined-only --format=posix "$2" | awk 'NF > 1 {print $1}' | sort -u)
+defined=$(nm --defined-only --format=posix "$2" | awk 'NF > 2 {print $1}' | sort -u)
 needed=$(comm -23 <(printf '%s\n' "$undefined") <(printf '%s\n' "$defined"))
 surprising=$(grep -vxE "$allowed" <<<"$needed" || true)
 [ -z "$surprising" ] || { printf 'needed but not expected:\n%s\n' "$surprising"; exit 1; }
-for function in kzoci_log_inner kzci_malloc kzci_free my_strtoll10; do
+for function in ${asked//|/ }; do
   grep -qx "$function" <<<"$needed" || { echo "$function is not asked for"; exit 1; }
 done
