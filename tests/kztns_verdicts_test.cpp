@@ -98,8 +98,9 @@ class Verdicts : public testing::Test {
         EXPECT_EQ(outcome.find, 0) << name;
         break;
       case kztns::Verdict::unreachable:
-        if (!IsDescriptionTns(const_cast<char *>(name.data()), entry.name_length))
+        if (!IsDescriptionTns(const_cast<char *>(name.data()), entry.name_length)) {
           EXPECT_EQ(outcome.find, 0) << name;
+        }
         break;
       case kztns::Verdict::shadowed:
         break;  // the lookup is that of the first entry
