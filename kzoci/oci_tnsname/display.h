@@ -10,7 +10,7 @@
 namespace kzoci::tns {
 
 inline void print_number(FILE *file, const char *label, sb8 number) {
-  std::fprintf(file, "%s:%ld\n", label, long_number(number));
+  std::fprintf(file, "%s:%" KZ_LD "\n", label, long_number(number));
 }
 
 // Texts are printed by their length, and never beyond their array.

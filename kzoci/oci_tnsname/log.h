@@ -21,8 +21,18 @@ namespace kzoci::tns {
 // A pointer for "%p".
 inline const void *pointer(const void *address) { return address; }
 
-// A number for "%ld".
-inline long long_number(sb8 number) { return static_cast<long>(number); }
+// The conversion that prints a 64-bit number whole: "%" KZ_LD. It is "%ld" wherever
+// long has 64 bits.
+#if defined(__LP64__)
+#define KZ_LD "ld"
+using LongNumber = long;
+#else
+#define KZ_LD "lld"
+using LongNumber = long long;
+#endif
+
+// A number for "%" KZ_LD.
+inline LongNumber long_number(sb8 number) { return static_cast<LongNumber>(number); }
 
 // A size for "%lu".
 inline unsigned long size_number(std::size_t size) { return static_cast<unsigned long>(size); }

@@ -10,6 +10,19 @@
 
 using namespace kzoci::tns;
 
+namespace {
+
+// A zeroed buffer; null without memory, also for a size that memory cannot have.
+char *new_buffer(sb8 size) {
+  if (static_cast<std::uint64_t>(size) > SIZE_MAX) return nullptr;
+  const auto characters = static_cast<std::size_t>(size);
+  void *const buffer = kzci_malloc(characters, "KZCISlowSQLBufferInit");
+  if (buffer != nullptr) std::memset(buffer, 0, characters);
+  return static_cast<char *>(buffer);
+}
+
+}  // namespace
+
 sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size) {
   if (slowsql == nullptr) return invalid_handle;
   slowsql->buffer = nullptr;
@@ -19,11 +32,8 @@ sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size) {
     KZ_LOG_DEBUG("KZCISlowSQLBufferInit: buffer_size=%d", static_cast<int>(size));
     return success;
   }
-  const auto characters = static_cast<std::size_t>(size);
-  auto *const buffer = static_cast<char *>(kzci_malloc(characters, "KZCISlowSQLBufferInit"));
-  if (buffer == nullptr) return invalid_handle;
-  std::memset(buffer, 0, characters);
-  slowsql->buffer = buffer;
+  slowsql->buffer = new_buffer(size);
+  if (slowsql->buffer == nullptr) return invalid_handle;
   slowsql->buffer_length = size;
   return success;
 }

@@ -26,7 +26,7 @@ sword read_flush_second(KZCISystemVariables &vars, KZCITnsParseParams *params) {
   sb8 number = 0;
   const sword status = read_integer(params, &number);
   vars.slowsql_flush_second = static_cast<ub4>(number);
-  KZ_LOG_DEBUG("parse system variables get slowsql flush second:%ld",
+  KZ_LOG_DEBUG("parse system variables get slowsql flush second:%" KZ_LD,
                long_number(vars.slowsql_flush_second));
   return status;
 }
@@ -34,7 +34,7 @@ sword read_flush_second(KZCISystemVariables &vars, KZCITnsParseParams *params) {
 sword read_log_size(KZCISystemVariables &vars, KZCITnsParseParams *params) {
   const sword status = read_integer(params, &vars.log_size);
   vars.log_size = std::max(vars.log_size, smallest_log_size);
-  KZ_LOG_DEBUG("parse system variables get log size:%ld", long_number(vars.log_size));
+  KZ_LOG_DEBUG("parse system variables get log size:%" KZ_LD, long_number(vars.log_size));
   return status;
 }
 
@@ -43,7 +43,7 @@ sword read_log_count(KZCISystemVariables &vars, KZCITnsParseParams *params) {
   const sword status = read_integer(params, &number);
   vars.log_count = number <= largest_log_count ? static_cast<ub4>(number) : 0;
   // The count goes by the level's name; log readers know it so.
-  KZ_LOG_DEBUG("parse system variables get log level:%ld", long_number(vars.log_count));
+  KZ_LOG_DEBUG("parse system variables get log level:%" KZ_LD, long_number(vars.log_count));
   return status;
 }
 
@@ -67,10 +67,10 @@ sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams
   if (sys_vars == nullptr || parse_params == nullptr) return invalid_handle;
   switch (parse_params->key_type) {
     case LB_SLOWSQL_THRESHOLD:
-      return read_number(parse_params, "parse system variables get slowsql threshold:%ld",
+      return read_number(parse_params, "parse system variables get slowsql threshold:%" KZ_LD,
                          &sys_vars->slowsql_threshold);
     case LB_SLOWSQL_BUFFER_SIZE:
-      return read_number(parse_params, "parse system variables get slowsql buffer size:%ld",
+      return read_number(parse_params, "parse system variables get slowsql buffer size:%" KZ_LD,
                          &sys_vars->slowsql_buffer_size);
     case LB_SLOWSQL_FLUSH_SECOND:
       return read_flush_second(*sys_vars, parse_params);
