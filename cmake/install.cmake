@@ -11,11 +11,12 @@ if(KZOCI_BUILD_TOOLS)
 endif()
 
 set(kzoci_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
-install(EXPORT kzociTargets NAMESPACE kzoci:: FILE kzociConfig.cmake
+install(EXPORT kzociTargets NAMESPACE kzoci:: FILE kzociTargets.cmake
         DESTINATION ${kzoci_package_dir})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
                                  COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake DESTINATION ${kzoci_package_dir})
+install(FILES cmake/kzociConfig.cmake ${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
+        DESTINATION ${kzoci_package_dir})
 
 if(PROJECT_IS_TOP_LEVEL)
   set(CPACK_GENERATOR TGZ DEB)

@@ -9,7 +9,7 @@ if(NOT KZOCI_SANITIZE MATCHES "fuzzer")
     set(CMAKE_CXX_FLAGS_${build_type} -g)
   endforeach()
   if(NOT KZOCI_SANITIZE MATCHES "thread")
-    set_property(DIRECTORY PROPERTY COMPILE_OPTIONS "")
+    set(KZOCI_PLAIN_CODE ON)
   endif()
 endif()
 

@@ -1,4 +1,4 @@
-// The number conversion, beside a plain one with a wider type.
+// The number conversion, beside a plain one.
 //
 //   input := text
 #include "kzoci/platform/my_strtoll10.h"
@@ -13,10 +13,8 @@
 
 namespace {
 
-__extension__ using wide = __int128;
-
-constexpr wide largest_unsigned = std::numeric_limits<std::uint64_t>::max();
-constexpr wide smallest = std::numeric_limits<sb8>::min();
+// What a sb8's smallest number is without its sign.
+constexpr std::uint64_t largest_negated = std::uint64_t{1} << 63;
 
 struct Conversion {
   sb8 number;
@@ -34,13 +32,16 @@ Conversion convert_plainly(std::string_view text) {
   const std::size_t end = std::min(text.find_first_not_of("0123456789", first_digit), text.size());
   if (end == first_digit) return {0, 33, 0};
 
-  wide number = 0;
-  for (const char c : text.substr(first_digit, end - first_digit))
-    number = std::min(number * 10 + (c - '0'), largest_unsigned + 1);
-  if (negative) number = -number;
-  if (number > largest_unsigned) return {-1, 34, end};
-  if (number < smallest) return {std::numeric_limits<sb8>::min(), 34, end};
-  return {static_cast<sb8>(number), negative ? -1 : 0, end};
+  std::uint64_t number = 0;
+  bool too_large = false;
+  for (const char c : text.substr(first_digit, end - first_digit)) {
+    too_large |= __builtin_mul_overflow(number, 10, &number);
+    too_large |= __builtin_add_overflow(number, c - '0', &number);
+  }
+  if (!negative)
+    return too_large ? Conversion{-1, 34, end} : Conversion{static_cast<sb8>(number), 0, end};
+  if (too_large || number > largest_negated) return {std::numeric_limits<sb8>::min(), 34, end};
+  return {static_cast<sb8>(0 - number), -1, end};
 }
 
 Conversion convert(const fuzz::HeapText &text) {

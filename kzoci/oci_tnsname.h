@@ -53,6 +53,18 @@
 #include "platform/log.h"
 #include "platform/types.h"
 
+/* What must hold where the records are used, checked by the compiler. */
+#if defined(__cplusplus)
+#define KZOCI_REQUIRE(condition, text) static_assert(condition, text)
+#elif defined(__GNUC__) /* also in C99 */
+#define KZOCI_REQUIRE(condition, text) __extension__ _Static_assert(condition, text)
+#else
+#define KZOCI_REQUIRE(condition, text) extern const char kzoci_required[(condition) ? 1 : -1]
+#endif
+
+/* A record holds a time_t, so every program must have the library's. */
+KZOCI_REQUIRE(sizeof(time_t) == 8, "32-bit time_t: define _TIME_BITS=64 and _FILE_OFFSET_BITS=64");
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -437,12 +449,9 @@ sword KZCISlowSQLBufferClear(KZCISLowSQL *slowsql);
  */
 sword KZCISlowSQLWrite(KZCISLowSQL *slowsql, const char *fmt, ...) KZOCI_PRINTF_LIKE(2, 3);
 
-#if defined(__LP64__) && defined(__cplusplus)
-static_assert(sizeof(KZCITnsService) == 2416, "size of the service record");
-static_assert(sizeof(KZCISystemVariables) == 2368, "size of the system variables");
-#elif defined(__LP64__) && defined(__STDC_VERSION__) && __STDC_VERSION__ >= 201112L
-_Static_assert(sizeof(KZCITnsService) == 2416, "size of the service record");
-_Static_assert(sizeof(KZCISystemVariables) == 2368, "size of the system variables");
+#if defined(__LP64__)
+KZOCI_REQUIRE(sizeof(KZCITnsService) == 2416, "size of the service record");
+KZOCI_REQUIRE(sizeof(KZCISystemVariables) == 2368, "size of the system variables");
 #endif
 
 #ifdef __cplusplus

@@ -1,5 +1,6 @@
 # What the scripts share: messages, packages, presets. Sourced, not run.
-set -euo pipefail
+# The error line is for what fails in functions, too.
+set -Eeuo pipefail
 
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project_dir"
@@ -37,9 +38,10 @@ need_packages() {
   done
   [ ${#missing[@]} -gt 0 ] || return 0
   say "Installing ${missing[*]}"
-  as_root apt-get update -qq
+  as_root apt-get update -qq || stop "cannot read the lists of packages (apt-get update)"
   as_root env DEBIAN_FRONTEND=noninteractive \
-    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+    stop "cannot install ${missing[*]}"
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
@@ -51,9 +53,9 @@ configure_and_build() {
   shift
   local cached=()
   # Several builds compile the tests alike; the folder in which that is done makes no
-  # difference.
+  # difference. Source paths stay as they are: log records show them.
   if command -v ccache >/dev/null; then
-    export CCACHE_NOHASHDIR=true
+    export CCACHE_NOHASHDIR=true CCACHE_BASEDIR=
     cached=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
   say "Configuring the $preset preset"

@@ -285,8 +285,9 @@ TEST_F(DescriptionBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
 
 // The message prints the size of a service record.
 TEST_F(DescriptionBuild, NoMemoryLeavesTheInputUnread) {
-  builder.expect_no_memory(service_, description_block,
-                           "ERROR malloc description error, malloc size:2416");
+  builder.expect_no_memory(
+      service_, description_block,
+      "ERROR malloc description error, malloc size:" + std::to_string(sizeof(KZCITnsService)));
   EXPECT_EQ(service_.description, nullptr);
   EXPECT_EQ(service_.description_count, 0u);
 }

@@ -307,7 +307,7 @@ BuildRow passes_on(const std::string &name, Callee callee, std::size_t call, con
 }
 
 std::string service_block(const std::string &name, const std::string &tag) {
-  return block(2416 + name.size(), tag);
+  return block(sizeof(KZCITnsService) + name.size(), tag);
 }
 
 // The parts of a build's log, with the allocations among them.

@@ -20,7 +20,7 @@ using support::build;
 using support::Outcome;
 
 // A service of the literals below, with its name.
-const std::string built_service = block(2416 + 11, "KZCITnsBuildDes");
+const std::string built_service = block(sizeof(KZCITnsService) + 11, "KZCITnsBuildDes");
 
 // ----------------------------------------------------------------------
 // Releasing a tree

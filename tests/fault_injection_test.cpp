@@ -51,6 +51,16 @@ std::size_t read_directly(void *to, std::size_t count, std::FILE *file) {
   return total;
 }
 
+std::FILE *open_as_planned(std::FILE *(*open)(const char *, const char *), const char *name,
+                           const char *mode) {
+  ++open_plan.opened;
+  if (open_plan.error != 0) {
+    errno = open_plan.error;
+    return nullptr;
+  }
+  return open(name, mode);
+}
+
 }  // namespace
 
 extern "C" {
@@ -60,6 +70,9 @@ std::size_t __real_fread(void *to, std::size_t size, std::size_t count, std::FIL
 std::size_t __wrap_fread(void *to, std::size_t size, std::size_t count, std::FILE *file);
 std::FILE *__real_fopen(const char *name, const char *mode);
 std::FILE *__wrap_fopen(const char *name, const char *mode);
+// What fopen is where files of any size must be asked for.
+std::FILE *__real_fopen64(const char *name, const char *mode);
+std::FILE *__wrap_fopen64(const char *name, const char *mode);
 
 std::size_t __wrap_fread(void *to, std::size_t size, std::size_t count, std::FILE *file) {
   const std::size_t number = ++read_plan.reads;
@@ -71,12 +84,11 @@ std::size_t __wrap_fread(void *to, std::size_t size, std::size_t count, std::FIL
 }
 
 std::FILE *__wrap_fopen(const char *name, const char *mode) {
-  ++open_plan.opened;
-  if (open_plan.error != 0) {
-    errno = open_plan.error;
-    return nullptr;
-  }
-  return __real_fopen(name, mode);
+  return open_as_planned(__real_fopen, name, mode);
+}
+
+std::FILE *__wrap_fopen64(const char *name, const char *mode) {
+  return open_as_planned(__real_fopen64, name, mode);
 }
 
 }  // extern "C"

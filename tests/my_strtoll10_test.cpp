@@ -383,7 +383,7 @@ std::string random_text(std::mt19937_64 &random) {
                                        "922337203685477580"};
   static const std::string behind[] = {"", "", " ", "x", "-1"};
   std::string text = before[random() % 9] + starts[random() % 9];
-  for (std::size_t count = random() % 24; count > 0; --count)
+  for (std::uint64_t count = random() % 24; count > 0; --count)
     text += static_cast<char>('0' + random() % 10);
   return text + behind[random() % 5];
 }

@@ -18,7 +18,7 @@ using support::Block;
 using support::build;
 using support::Outcome;
 
-constexpr std::size_t service_size = 2416;  // Without the name.
+constexpr std::size_t service_size = sizeof(KZCITnsService);  // Without the name.
 
 // One allocation: what the log says since the allocation before it, the block,
 // and what follows when there is no memory for it.

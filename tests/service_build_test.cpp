@@ -18,7 +18,10 @@ using support::Block;
 using support::bytes;
 using support::Outcome;
 
-constexpr std::size_t service_size = 2416;  // Without the name.
+constexpr std::size_t service_size = sizeof(KZCITnsService);  // Without the name.
+// The size of a service with a name of this length.
+std::string with_name(std::size_t length) { return std::to_string(service_size + length); }
+
 constexpr char reserved[] = "KZCISYSTEMVARIABLES";
 
 const std::vector<Block> one_description_left = {{"KZCIDescription", sizeof(KZCIDescription)},
@@ -139,9 +142,10 @@ TEST_F(ServiceBuild, NoMemoryForTheService) {
   Entry entry("mydb", one_block);
   support::fail_allocation(1);
   EXPECT_EQ(KZCITnsServiceBuild(&tns_, &entry.params), -1);
-  EXPECT_EQ(support::events(),
-            (service_call() + Lines{"MALLOC FAILS 2420 KZCITnsServiceBuild",
-                                    "ERROR malloc tns_service error, malloc size:2420"}));
+  EXPECT_EQ(
+      support::events(),
+      (service_call() + Lines{"MALLOC FAILS " + with_name(4) + " KZCITnsServiceBuild",
+                              "ERROR malloc tns_service error, malloc size:" + with_name(4)}));
 }
 
 TEST_F(ServiceBuild, ABlockThatIsCompleteMakesAGoodEntry) {
@@ -246,9 +250,9 @@ TEST_F(ServiceBuild, AFailureBehindAGoodDescriptionKeepsItAllocated) {
 
 TEST_F(ServiceBuild, TheMessageOfAFailureStandsBeforeTheRelease) {
   EXPECT_EQ(build_entry("mydb", "x"), -1);
-  EXPECT_EQ(support::events(), service_call() + Lines{"MALLOC 2420 KZCITnsServiceBuild"} +
-                                   mismatch(1, 3) + service_failed(-1) +
-                                   Lines{"FREE KZCITnsServiceBuild"});
+  EXPECT_EQ(support::events(),
+            service_call() + Lines{"MALLOC " + with_name(4) + " KZCITnsServiceBuild"} +
+                mismatch(1, 3) + service_failed(-1) + Lines{"FREE KZCITnsServiceBuild"});
 }
 
 // The rejected second block has consumed all but its own ")": the description
@@ -535,8 +539,8 @@ TEST_F(ServiceBuild, ReservedEntriesThatFail) {
 // Nothing hangs below a record that has read system variables alone.
 TEST_F(ServiceBuild, AReservedEntryThatFailsLeavesNothingAllocated) {
   EXPECT_EQ(build_entry(reserved, "(LOG_COUNT=3)(LOG_COUNT=x)"), -1);
-  EXPECT_EQ(support::memory_events(),
-            (Lines{"MALLOC 2435 KZCITnsServiceBuild", "FREE KZCITnsServiceBuild"}));
+  EXPECT_EQ(support::memory_events(), (Lines{"MALLOC " + with_name(19) + " KZCITnsServiceBuild",
+                                             "FREE KZCITnsServiceBuild"}));
 }
 
 // ----------------------------------------------------------------------
@@ -710,8 +714,8 @@ TEST_F(DescriptorBuild, NoMemoryForTheService) {
   support::fail_allocation(1);
   EXPECT_EQ(build_text(one_block), failed);
   const Lines tried = {"DEBUG bulid_tns_service get key_type 1",
-                       "MALLOC FAILS 2427 KZCITnsBuildDes",
-                       "ERROR malloc tns_service error, malloc size:2427"};
+                       "MALLOC FAILS " + with_name(11) + " KZCITnsBuildDes",
+                       "ERROR malloc tns_service error, malloc size:" + with_name(11)};
   EXPECT_EQ(support::events(), call(one_block) + refill(2) +
                                    key_word("DESCRIPTION", LB_DESCRIPTION) + tried +
                                    service_failed(-1) + Lines{"FREE null"});
@@ -720,7 +724,7 @@ TEST_F(DescriptorBuild, NoMemoryForTheService) {
 TEST_F(DescriptorBuild, TheMessageOfAFailureStandsBeforeTheRelease) {
   EXPECT_EQ(build_text("(DESCRIPTION=)"), failed);
   EXPECT_EQ(support::memory_events(),
-            (Lines{"MALLOC 2427 KZCITnsBuildDes",
+            (Lines{"MALLOC " + with_name(11) + " KZCITnsBuildDes",
                    "MALLOC " + std::to_string(sizeof(KZCIDescription)) + " KZCIDescription",
                    "FREE KZCIDescription", "FREE KZCITnsBuildDes"}));
   const Lines all = support::events();

@@ -18,6 +18,15 @@ bool has_buffer(const KZCISLowSQL *slowsql) {
   return slowsql != nullptr && slowsql->buffer != nullptr && slowsql->buffer_length > 0;
 }
 
+// A zeroed buffer; null without memory, also for a size that memory cannot have.
+char *new_buffer(sb8 size) {
+  if (static_cast<std::uint64_t>(size) > SIZE_MAX) return nullptr;
+  const auto characters = static_cast<std::size_t>(size);
+  void *const buffer = kzci_malloc(characters, "KZCISlowSQLBufferInit");
+  if (buffer != nullptr) std::memset(buffer, 0, characters);
+  return static_cast<char *>(buffer);
+}
+
 }  // namespace
 
 sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size) {
@@ -29,11 +38,8 @@ sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size) {
     KZ_LOG(message::no_buffer_wanted, static_cast<int>(size));
     return success;
   }
-  const auto characters = static_cast<std::size_t>(size);
-  auto *const buffer = static_cast<char *>(kzci_malloc(characters, "KZCISlowSQLBufferInit"));
-  if (buffer == nullptr) return invalid_handle;
-  std::memset(buffer, 0, characters);
-  slowsql->buffer = buffer;
+  slowsql->buffer = new_buffer(size);
+  if (slowsql->buffer == nullptr) return invalid_handle;
   slowsql->buffer_length = size;
   return success;
 }

@@ -3,11 +3,17 @@
 #   command   a shell line that calls it, run in that folder; $scratch is an empty
 #             folder, $examples the project's examples
 #   stdout, stderr, status   what comes of it (missing: empty, empty, 0)
+# A case that needs a terminal calls script(1); where that can make none the case is
+# skipped, status 77.
 #
 #   golden.sh CASE_DIR PROGRAM...
 set -uo pipefail
 case_dir=$1
 shift
+if grep -qw '^script' "$case_dir/command" && ! script -qec true /dev/null >/dev/null 2>&1; then
+  echo "skipped: no pseudo-terminal here"
+  exit 77
+fi
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 mkdir "$out/bin" "$out/scratch"

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The public headers compile alone, without a warning.
-#   header_alone.sh COMPILER STANDARD PROJECT_DIR
+#   header_alone.sh COMPILER STANDARD PROJECT_DIR [FLAG...]
 set -euo pipefail
 compiler=$1 standard=$2 project=$3
+shift 3
 case $standard in
   c++*) language=c++ ;;
   *) language=c ;;
@@ -10,5 +11,5 @@ esac
 for header in kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h; do
   printf '#include "%s"\nint unused;\n' "$header" |
     "$compiler" -std="$standard" -x "$language" -Wall -Wextra -Wpedantic -Werror \
-      -I"$project" -fsyntax-only -
+      "$@" -I"$project" -fsyntax-only -
 done

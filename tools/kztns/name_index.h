@@ -59,8 +59,8 @@ inline std::string_view compared_part(std::string_view name) {
 }
 
 inline std::size_t name_hash(std::string_view name) {
-  const std::size_t hash = std::hash<std::string_view>{}(compared_part(name));
-  return (hash ^ (hash >> 32)) + name.size();
+  const std::uint64_t hash = std::hash<std::string_view>{}(compared_part(name));
+  return static_cast<std::size_t>(hash ^ (hash >> 32)) + name.size();
 }
 
 inline bool same_name(std::string_view left, std::string_view right) {

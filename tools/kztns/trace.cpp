@@ -34,7 +34,7 @@ Offset Trace::here() const {
 std::string Trace::path(int frame) const {
   std::string path;
   for (; frame > 0; frame = frames_[static_cast<std::size_t>(frame)].parent) {
-    if (!path.empty()) path.insert(0, "/");
+    if (!path.empty()) path.insert(path.begin(), '/');
     path.insert(0, word_of(frames_[static_cast<std::size_t>(frame)].block));
   }
   return path;

@@ -245,7 +245,7 @@ std::string tree_dot(const KZCITns &tns) {
   Graph graph;
   for_each_record(tns.tns_service, tns.tns_service_count, KZCITnsServiceNext,
                   [&](const KZCITnsService &service, ub4 number) {
-                    graph.add(service, "s" + std::to_string(number));
+                    graph.add(service, std::to_string(number).insert(0, 1, 's'));
                   });
   return graph.text();
 }
