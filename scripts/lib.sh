@@ -1,4 +1,4 @@
-# What the scripts share: messages, packages, presets. Sourced, not run.
+# Functions that the scripts share: messages, packages, presets. Sourced, not run.
 set -euo pipefail
 
 project_dir=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -50,8 +50,7 @@ configure_and_build() {
   local preset=$1
   shift
   local cached=()
-  # Several builds compile the tests alike; the folder in which that is done makes no
-  # difference.
+  # Several builds compile the tests alike; the folder of the build makes no difference.
   if command -v ccache >/dev/null; then
     export CCACHE_NOHASHDIR=true
     cached=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
