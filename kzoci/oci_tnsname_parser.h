@@ -315,8 +315,8 @@ sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
  *               are not checked
  *
  * Each returns 0; -2 when an argument is null (ERROR where nothing else is
- * said); -1 when a child that must be there is missing (ERROR); the status of a child that fails (ERROR). Lines
- * already written stay.
+ * said); -1 when a child that must be there is missing (ERROR); the status of a
+ * child that fails (ERROR). Lines already written stay.
  * ====================================================================== */
 
 /* The service's name, its descriptions and its system variables; for the

@@ -19,8 +19,8 @@
 
 namespace kzoci::tns {
 
-// Finds the key word that the key just read stands for; no key word is a
-// failure. Failures are logged.
+// Identifies the key word that was read last; a text that is none is a failure.
+// Failures are logged.
 sword identify_key(KZCITnsParseParams *params);
 
 // Consumes "(" KEY "=" and logs the key's type.

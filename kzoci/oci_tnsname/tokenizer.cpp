@@ -172,8 +172,8 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
 
 namespace {
 
-// Most tokens are a parenthesis or an equal sign. What they do not need is in functions
-// of its own, so that the code for them stays short.
+// Most tokens are a parenthesis or an equal sign. What they do not need is in separate
+// functions, so that the code for them stays short.
 
 [[gnu::noinline]] sword refuse_token(KZCITnsTokenType expect_type, KZCITnsTokenType type) {
   KZ_LOG(message::other_token, expect_type, type);

@@ -88,8 +88,8 @@ typedef struct kzoci_log_settings {
  *
  * Processes may share a log file, all with the same settings. Where file_size is
  * more than 0 each line is written under a lock on the file (flock), and goes to
- * the file that then stands at the path, whoever rotated it. A relative path
- * means the folder in which the process is at the time of the call.
+ * the file that is then at the path, whichever process rotated it. A relative path
+ * starts at the process's working directory at the time of the call.
  *
  * Returns 0; -1: the level's name is not known, nothing was changed; -2:
  * settings is null, nothing was changed; -3: the file cannot be opened, the

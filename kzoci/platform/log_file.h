@@ -63,7 +63,7 @@ class LogFile {
   sb8 size_limit_ = 0;
   ub4 count_ = 0;
   Path path_ = {};
-  // Room of its own, for a record may be logged on a small stack.
+  // Members, since a record may be logged on a small stack.
   NumberedPath older_ = {};
   NumberedPath newer_ = {};
 };
