@@ -1,6 +1,6 @@
 # Draws the cost of looking up the last entry over the number of entries, both on
 # logarithmic axes, as SVG. A line of input is a point: curve, entries, seconds;
-# parted by tabs, the points of a curve in their order.
+# separated by tabs, the points of a curve in their order.
 BEGIN {
   FS = "\t"
   width = 760; height = 500
@@ -96,7 +96,7 @@ $1 in colour {
 
 END {
   if (!total) exit 1
-  # Whole decades; a power of ten that the logarithm misses by a hair is one.
+  # Whole decades; the logarithm of a power of ten may be off by a rounding error.
   x_low = floor(log10(x_min) + 1e-9); x_high = ceiling(log10(x_max) - 1e-9)
   y_low = floor(log10(y_min) + 1e-9); y_high = ceiling(log10(y_max) - 1e-9)
   printf "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %d %d\" width=\"%d\" height=\"%d\" font-family=\"Helvetica, Arial, sans-serif\" font-size=\"13\" fill=\"#333333\">\n", width, height, width, height

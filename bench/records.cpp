@@ -40,7 +40,7 @@ class Example {
   KZCITns tns_;
 };
 
-// A stream that takes everything and keeps nothing.
+// A stream that discards what is written to it.
 class NullStream {
  public:
   NullStream() : file_(std::fopen("/dev/null", "w")) {

@@ -13,7 +13,7 @@ namespace bench {
 
 namespace {
 
-// Formats once for the length and once for the text, behind what is there.
+// Formats once for the length and once for the text, after the text that is there.
 class BarePair {
  public:
   [[gnu::format(printf, 2, 3)]] void write(const char *format, ...) {

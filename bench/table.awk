@@ -1,7 +1,6 @@
 # Prints rows as an aligned table. A line of input is a row: name, ratio, a and b
 # in nanoseconds, unit, must, goal, whether these are lower bounds, and whether
-# each is kept ("true", "false"); parted by tabs, empty where there is nothing to
-# say.
+# each is kept ("true", "false"); separated by tabs, empty where a row has none.
 BEGIN {
   FS = "\t"
   layout = "%-52s %7s %10s %10s  %-8s %6s %6s  %s\n"

@@ -100,9 +100,9 @@ double seconds_of_threads(int count, const WorkOnFile &work, long times) {
   return std::chrono::duration<double>(whole.end - whole.start).count();
 }
 
-// Nanoseconds of the work once, that of all threads taken together. The clock is
-// the wall's, so what others take of the machine counts; of several short runs the
-// fastest one has met the least of it.
+// Nanoseconds of the work once, that of all threads taken together. The clock is the
+// wall clock, which includes what other programs take of the machine; the fastest of
+// several short runs includes the least of it.
 Cost threads_cost(int count, const WorkOnFile &work) {
   constexpr long times = 8;
   const int runs = options().quick ? 5 : 15;

@@ -1,9 +1,9 @@
 # How tests are compiled; included by the folders that hold them.
 #
-# Alike in every build, so that builds share what the compiler cache keeps: what
-# is tested is optimised and instrumented, a test is not. Optimising it takes
-# longer than running it. Only threads must be watched wherever they meet; and a
-# fuzzer runs long enough to want all it can get.
+# Alike in every build, so that builds share the compiler cache: what is tested is
+# optimised and instrumented, a test is not, since optimising it takes longer than
+# running it. Only the thread sanitizer needs all code instrumented; and a fuzzer
+# runs long enough for its own code to be optimised.
 if(NOT KZOCI_SANITIZE MATCHES "fuzzer")
   foreach(build_type IN ITEMS DEBUG RELEASE RELWITHDEBINFO MINSIZEREL)
     set(CMAKE_CXX_FLAGS_${build_type} -g)
@@ -13,7 +13,7 @@ if(NOT KZOCI_SANITIZE MATCHES "fuzzer")
   endif()
 endif()
 
-# What does the work of many thousand cases is optimised all the same.
+# Test code that runs many thousand cases is optimised all the same.
 function(kzoci_busy_test_code target)
   target_compile_options(${target} PRIVATE -O2)
 endfunction()

@@ -17,7 +17,7 @@ struct Statement {
   sb8 milliseconds;
 };
 
-// Stands for the statements that a program runs.
+// In place of the statements that a program runs.
 constexpr Statement statements[] = {
     {1, "select * from orders", 450},
     {2, "select 1", 1},

@@ -22,21 +22,22 @@
  *   record and never the record itself.
  * - Failure: a builder that fails leaves its parent unchanged and releases its
  *   own record alone. Children already attached to that record stay allocated.
- * - Texts are lengths: a text field is filled with exactly its length field's
- *   characters and is not terminated. Print it with "%.*s".
+ * - Texts are lengths: a text field holds exactly as many characters as its
+ *   length field says and is not terminated. Print it with "%.*s".
  * - Children: a parent holds its first child and a count. The children form a
  *   ring through their `le` entries, in the order in which they were written.
+ * - Numbers of the input are 64-bit; from 2^63 to 2^64 - 1 they wrap to negative
+ *   ones.
  * - Letter case: where it does not matter, "a" to "z" equal "A" to "Z" and
  *   nothing else is folded, whatever the locale.
  * - Threads: no locks and no global state. Different KZCITns may be used by
- *   different threads at once; one tree is one thread's at a time. A lookup and
- *   KZCITnsDisplay read the environment: no thread may change it meanwhile.
+ *   different threads at once; one tree is used by one thread at a time. A lookup
+ *   and KZCITnsDisplay read the environment: no thread may change it meanwhile.
  * - Log: every function reports through kzoci_log_inner. Failures of a callee
- *   are logged by each caller on the way up. A builder finds that its block is
- *   over by a token that is not "(": the WARN records of that ("expect token
- *   type is %d, but get %d" or, at the end of the input, "fail to call parse
- *   blank, status:%d", then "fail to call KZCITnsParse, status:%d") are part of
- *   every success.
+ *   are logged by each caller on the way up. A block is over where the next token
+ *   is not "(": the WARN records of that ("expect token type is %d, but get %d"
+ *   or, at the end of the input, "fail to call parse blank, status:%d", then
+ *   "fail to call KZCITnsParse, status:%d") are part of every success.
  * - Memory and numbers come from kzci_malloc, kzci_free and my_strtoll10
  *   (kzoci/platform/), which an embedder may replace together with the log.
  *
@@ -79,7 +80,7 @@ extern "C" {
 #define KZCI_SESSION_VARIABLE_SIZE 257 /* session variables; not terminated */
 #define KZCI_DBLINK_SIZE 256           /* a link string and its zero byte */
 
-/* Entry of a circular, doubly linked list; stands inside the records that it
+/* Entry of a circular, doubly linked list; a member of the records that it
  * chains. An entry that is alone points at itself in both directions. */
 typedef struct list_entry {
   ub4 type; /* 0 in every record; nothing reads it */
@@ -87,8 +88,8 @@ typedef struct list_entry {
   struct list_entry *next;
 } list_entry_t;
 
-/* Strategies of load balancing and blacklisting. The connection layer follows
- * them; here they are read and kept. */
+/* Strategies of load balancing and blacklisting. This library reads and keeps
+ * them; following them is the connection layer's work. */
 typedef enum enum_kzci_lb_option {
   LB_OPTION_GROUP_ROTATION = 0,     /* take the address lists in turn */
   LB_OPTION_RANDOM = 1001,          /* take any address */
@@ -187,8 +188,8 @@ typedef struct kzci_description {
 #pragma GCC diagnostic ignored "-Wpedantic"
 #endif
 
-/* One net service. Allocated with its name behind it: sizeof(KZCITnsService)
- * plus net_service_name_len bytes, in one block. */
+/* One net service and its name, in one block of sizeof(KZCITnsService) plus
+ * net_service_name_len bytes. */
 typedef struct kzci_tns_service {
   KZCIDescription *description; /* first description, or null */
   ub4 description_count;        /* descriptions on the ring */
@@ -279,20 +280,19 @@ sword KZCITnsInit(KZCITns *tns);
  *
  * tns         container, initialised; gains one service on success
  * dbname      the identifier, a service name or a literal descriptor; need not
- *             be terminated, save that a literal descriptor must have a zero
- *             byte behind it when DEBUG records are written, since one of them
- *             prints it as a C string
+ *             be terminated. One DEBUG record prints a literal descriptor as a C
+ *             string: where that record is formatted, a zero byte must follow
  * dbname_len  bytes of dbname
  * find        out: 1 when the service was built, 0 otherwise
  *
- * A service name is looked up in the file that the first of these environment
- * variables names, even when its value is empty; names of files are cut to 256
- * characters: KZCI_TNS_FILE (the path), TNS_ADMIN (a directory, "/tnsnames.ora"
- * is appended), ORACLE_HOME (a directory, "/network/admin/tnsnames.ora" is
- * appended). The name must be spelt as in the file, letter case included. The
- * first entry of that name is built; the file is open only during the call.
- * The scan ends at the reserved entry "KZCISYSTEMVARIABLES" and at any entry
- * whose name is a leading part of that word.
+ * A service name is looked up in the names file. The first of these environment
+ * variables that is set, even to an empty value, says where that is:
+ * KZCI_TNS_FILE (the path), TNS_ADMIN (a directory, "/tnsnames.ora" is appended),
+ * ORACLE_HOME (a directory, "/network/admin/tnsnames.ora" is appended). The path
+ * is cut to 256 characters. The name must be spelt as in the file, letter case
+ * included. The first entry of that name is built; the file is open only during
+ * the call. The scan ends at the reserved entry "KZCISYSTEMVARIABLES" and at any
+ * entry whose name is a leading part of that word.
  *
  * Returns 0 with *find 1: built. 0 with *find 0: no entry of that name, no
  * variable that names a file, or a file that cannot be opened; the DEBUG
@@ -326,12 +326,13 @@ boolean IsDescriptionTns(char *description, ub4 description_len);
  *
  * The text goes to standard output. When the environment variable
  * KZCI_TNS_DISPLAY is set, the file that it names is opened for reading and the
- * text goes nowhere: the variable tests that the file exists and keeps the
- * text off standard output.
+ * text goes nowhere: the variable tests that the file can be opened and keeps
+ * the text off standard output. Its path is not cut.
  *
  * Returns 0; -1 when tns is null or empty (ERROR), when the file cannot be
- * opened (DEBUG), or when a description has no address list; the status of a
- * failing record otherwise (ERROR at each level). Lines already written stay.
+ * opened (DEBUG), or when a service has no description or a description no
+ * address list (ERROR at each level); the status of another record that fails
+ * (ERROR at each level). Lines already written stay.
  */
 sword KZCITnsDisplay(KZCITns *tns);
 
@@ -385,8 +386,8 @@ sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, 
  * dblink_len   out: its length before the cut
  *
  * Returns 0; -1: no description, address list, address or connect data (ERROR),
- * or nothing to write (ERROR); -2: an argument is null (ERROR). After a failure
- * *dblink_len is untouched.
+ * or the text cannot be formatted (ERROR); -2: an argument is null (ERROR).
+ * After a failure *dblink_len is untouched.
  */
 sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *dblink_len);
 

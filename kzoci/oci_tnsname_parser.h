@@ -20,8 +20,8 @@ extern "C" {
  * Key words
  * ====================================================================== */
 
-/* Identifiers of the key words (the words stand beside them where the name
- * does not tell). */
+/* Identifiers of the key words; the word is given where it differs from the
+ * name. */
 typedef enum enum_kzci_lb_key_type {
   LB_ERROR_KEY = 0, /* no key word */
   LB_DESCRIPTION = 1,
@@ -78,7 +78,7 @@ typedef enum kzci_tns_token_type {
   TNS_MAX_TOKEN_TYPE = 5
 } KZCITnsTokenType;
 
-/* Where the reader of a key stands. */
+/* Whether the reader of a key is between quotes. */
 typedef enum kzci_tns_parse_status {
   TNS_PARSE_NORMAL = 0, /* outside quotes */
   TNS_PARSE_QUOTE = 1   /* between double quotes */
@@ -164,9 +164,9 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
 sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params);
 
 /*
- * Passes over one entry of the file, from behind its name (in tns_key) and
- * equal sign to behind its balanced parentheses, which are counted even in
- * comments and quotes. An entry whose name is a leading part of
+ * Passes over one entry of the file. On entry its name is in tns_key and its "="
+ * consumed; on success the ")" that balances its first "(" is consumed.
+ * Parentheses are counted even in comments and quotes. An entry whose name is a leading part of
  * "KZCISYSTEMVARIABLES", in this letter case, is not passed over: is_eof
  * becomes 1 and nothing is consumed.
  *
@@ -179,17 +179,17 @@ sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
 /* ======================================================================
  * Builders
  *
- * Each is called right behind a block's "=" and reads the block's items; the
- * ")" that closes the block is left for the caller. A builder is content when
- * the last token that it consumed is ")".
+ * Each is called right after a block's "=" and reads the block's items; the
+ * ")" that closes the block is left for the caller. A builder succeeds when the
+ * last token that it consumed is ")".
  *
- * Logged are: the call at DEBUG, save that of KZCISystemVariablesBuild; the
- * success at DEBUG, save that of KZCIAddressBuild; token failures at WARN; what
+ * Logged are: the call at DEBUG, except by KZCISystemVariablesBuild; the
+ * success at DEBUG, except by KZCIAddressBuild; token failures at WARN; what
  * fails the block at ERROR. A protocol that is not TCP has no record of its own.
  *
  * Each returns 0; -2 when an argument is null (ERROR); -1 on failure, no memory
  * included; the status of the record's Init when that fails, in which case the
- * record stays allocated.
+ * record stays allocated. KZCITnsBuildDes and KZCISystemVariablesBuild differ.
  * ====================================================================== */
 
 /*
@@ -197,7 +197,7 @@ sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
  *
  * tns           container; gains the service on success
  * parse_params  parse state; the entry's name is in tns_key, its "=" consumed.
- *               Left in front of the token that ends the entry.
+ *               Left before the token that ends the entry.
  *
  * An entry whose name is a leading part of "KZCISYSTEMVARIABLES", in any letter
  * case, is read as system variables.
@@ -211,7 +211,7 @@ sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params);
  * tns, dbname, dbname_len, find  as for KZCITnsBuild
  *
  * Returns 0 with *find 1: built. 0 with *find 0: the text ends before the
- * first "=". -1 with *find 0: malformed text, no memory, or text behind the
+ * first "=". -1 with *find 0: malformed text, no memory, or text after the
  * descriptor. -2 with *find 0: a null argument (ERROR; find itself may be null).
  */
 sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
@@ -241,13 +241,14 @@ sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *pars
  * Reads the value of one system variable, the one that key_type names.
  *
  * sys_vars      the record that takes the value
- * parse_params  parse state, right behind the item's "="
+ * parse_params  parse state, right after the item's "="
  *
  * Returns 0, also for a key that is no system variable (its value is skipped,
  * WARN) and for a text that is too long (ERROR; the field keeps its value);
  * -1 for a bad number (ERROR; what was converted stays in the field); the
- * status of the read when a text cannot be read, 100 at the end of the input
- * included; -2 when an argument is null, not logged.
+ * status of the read when a text cannot be read (ERROR), 100 at the end of the
+ * input included; -2 when an argument is null, not logged. The value that the
+ * field then holds is logged at DEBUG.
  */
 sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams *parse_params);
 
@@ -255,12 +256,12 @@ sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams
  * Records one by one: defaults
  *
  * Each sets the whole record to zero and then its defaults; contents on entry
- * do not matter. Each returns 0; -1 for a null record (ERROR), save the last
+ * do not matter. Each returns 0; -1 for a null record (ERROR), except the last
  * two, which return -2. KZCITnsInit, for the container, is in oci_tnsname.h.
  * ====================================================================== */
 
 /*
- * tns_service  record with at least name_size bytes behind its fixed part
+ * tns_service  record with at least name_size bytes after its fixed part
  * name_size    length of the name
  * name         its text, copied up to its first zero byte and filled up with
  *              zeros; not read when name_size is 0
@@ -284,10 +285,10 @@ sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
 /* ======================================================================
  * Records one by one: release
  *
- * Each releases what is below the record, never the record. A null record is
- * nothing to do: status 0. Each logs its call at DEBUG, save
- * KZCISystemVariablesClear, and each record that has nothing below it (DEBUG,
- * ERROR for a null description). Each returns 0; -1 when a count does not agree
+ * Each releases what is below the record, never the record. For a null record
+ * there is nothing to do: status 0. Each logs its call at DEBUG, except
+ * KZCISystemVariablesClear; the first three also log that there is nothing to
+ * release (DEBUG; ERROR for a null description). Each returns 0; -1 when a count does not agree
  * with its ring (ERROR); the status of a child that fails (ERROR). A failure
  * stops the release: children already released are gone while the parent still
  * points at the first one.
@@ -311,12 +312,11 @@ sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
  * Records one by one: print
  *
  * display_file  stream open for writing, the caller's; results of the writes
- *               are not looked at
+ *               are not checked
  *
  * Each returns 0; -2 when an argument is null (ERROR where nothing else is
- * said); -1 when a child that must be
- * there is missing (ERROR); the status of a child that fails (ERROR). Lines
- * already written stay.
+ * said); -1 when a child that must be there is missing (ERROR); the status of a
+ * child that fails (ERROR). Lines already written stay.
  * ====================================================================== */
 
 /* The service's name, its descriptions and its system variables; for the

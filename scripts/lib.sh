@@ -1,4 +1,4 @@
-# What the scripts share: messages, packages, presets. Sourced, not run.
+# Functions that the scripts share: messages, packages, presets. Sourced, not run.
 # The error line is for what fails in functions, too.
 set -Eeuo pipefail
 
@@ -52,8 +52,8 @@ configure_and_build() {
   local preset=$1
   shift
   local cached=()
-  # Several builds compile the tests alike; the folder in which that is done makes no
-  # difference. Source paths stay as they are: log records show them.
+  # Several builds compile the tests alike; the folder of the build makes no difference.
+  # Source paths stay as they are: log records show them.
   if command -v ccache >/dev/null; then
     export CCACHE_NOHASHDIR=true CCACHE_BASEDIR=
     cached=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)

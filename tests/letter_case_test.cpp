@@ -1,31 +1,24 @@
 // Letter case under a locale in which "i" and "I" are no pair: Turkish.
 #include <gtest/gtest.h>
-#include <strings.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "kzoci/oci_tnsname.h"
 #include "support/parsing.h"
+#include "support/turkish_locale.h"
 
 namespace {
 
 class TurkishLetterCase : public testing::Test {
  protected:
   void SetUp() override {
-    setenv("LOCPATH", KZOCI_TEST_LOCALES, 1);
-    ASSERT_NE(std::setlocale(LC_ALL, "tr_TR.ISO-8859-9"), nullptr);
-    ASSERT_NE(strncasecmp("i", "I", 1), 0) << "the C library folds i here";
+    ASSERT_TRUE(locale_.is_in_force());
     support::reset_platform();
     KZCITnsInit(&tns_);
   }
-  void TearDown() override {
-    KZCITnsClear(&tns_);
-    std::setlocale(LC_ALL, "C");
-    unsetenv("LOCPATH");
-  }
+  void TearDown() override { KZCITnsClear(&tns_); }
 
   // The only description of a literal with this body; null when it is refused.
   const KZCIDescription *built(const std::string &body) {
@@ -34,6 +27,7 @@ class TurkishLetterCase : public testing::Test {
     return tns_.tns_service->description;
   }
 
+  const support::TurkishLocale locale_;
   KZCITns tns_;
 };
 

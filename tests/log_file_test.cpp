@@ -29,6 +29,7 @@
 #include "kzoci/platform/default_logger.h"
 #include "support/log_file_support.h"
 #include "support/logger_support.h"
+#include "support/turkish_locale.h"
 
 namespace {
 
@@ -90,6 +91,13 @@ TEST_F(LogSettings, LevelNamesAreTakenInAnyLetterCase) {
       EXPECT_EQ(configure(name, ""), 0);
       EXPECT_EQ(kzoci_log_threshold(), level.level);
     }
+}
+
+TEST_F(LogSettings, LevelNamesDoNotFollowTheLocale) {
+  const support::TurkishLocale locale;
+  ASSERT_TRUE(locale.is_in_force());
+  EXPECT_EQ(configure("info", ""), 0);
+  EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_INFO);
 }
 
 TEST_F(LogSettings, ThresholdIsInForce) {

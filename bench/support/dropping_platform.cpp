@@ -8,8 +8,7 @@
 
 namespace {
 
-// Null while something is measured: the functions below then do nothing of their
-// own but look at it.
+// Null while something is measured: the functions below then only test it.
 bench::PlatformCalls *recorded = nullptr;
 
 [[gnu::noinline]] void record_log(const char *format) {

@@ -1,5 +1,5 @@
 // The platform that the measured module runs on: every log record is dropped at
-// once, memory is malloc's. What a stretch of code asks of it can be recorded.
+// once, memory is malloc's. The calls that some code makes can be recorded.
 #pragma once
 
 #include <cstddef>

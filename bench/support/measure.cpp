@@ -49,8 +49,8 @@ long calibrate(const Work &work) {
   }
 }
 
-// A row while it runs: what setup prepared lives from the first repetition to
-// the last one.
+// A row while it runs: what setup prepared lasts from the first repetition to the
+// last one.
 struct RunningRow {
   Row row;
   std::optional<Costs> costs = {};
@@ -83,7 +83,7 @@ void measure(benchmark::State &state, RunningRow &running) {
   state.SetLabel(row.unit + ";" + row.growth.group);
 }
 
-// Tells on a terminal how far the run is; the results go to the file that
+// Shows on a terminal how far the run is; the results go to the file that
 // --benchmark_out names.
 class Progress : public benchmark::BenchmarkReporter {
  public:
@@ -166,8 +166,8 @@ std::string with_commas(long number) {
 }
 
 int run_rows(int argc, char **argv, const std::function<void()> &add_rows) {
-  // The heap keeps what it has: giving pages back to the system and asking for
-  // them anew, for every large descriptor, is no cost of ours.
+  // The heap keeps what it has: returning pages to the system and getting them back,
+  // for every large descriptor, is not a cost of the library.
   mallopt(M_TRIM_THRESHOLD, 1 << 30);
   mallopt(M_TOP_PAD, 1 << 24);
 

@@ -1,6 +1,6 @@
 // Ratios: each row of the benchmark is what one thing costs over what another
 // costs, both measured in turn in one process, so that the machine's speed and
-// most of its moods cancel out.
+// most of its changes cancel out.
 #pragma once
 
 #include <filesystem>
@@ -18,7 +18,7 @@ struct Options {
 
 const Options &options();
 
-// Says on standard error what went wrong and ends the program: a figure of work
+// Prints on standard error what went wrong and ends the program: a figure of work
 // that was not done is worse than none.
 [[noreturn]] void fail(const std::string &what);
 

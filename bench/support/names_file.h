@@ -25,7 +25,7 @@ std::string absent_service();
 void look_up(const std::string &name, bool expected);
 void look_up_in(const std::filesystem::path &file);
 
-// One lookup in the file, found or not as it ought to be; its cost divided by units.
+// One lookup in the file, checked for being found or not; its cost divided by units.
 Cost lookup_cost(const std::filesystem::path &file, const std::string &name, double units = 1);
 Cost absent_cost(const std::filesystem::path &file);
 

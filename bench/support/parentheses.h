@@ -1,5 +1,5 @@
-// Counting the parentheses of a text: the least that passing over entries asks
-// for, and so a limit to measure a lookup against.
+// Counting the parentheses of a text: the least that passing over entries needs, and
+// so a limit to measure a lookup against.
 #pragma once
 
 #include <cstddef>

@@ -7,7 +7,7 @@
 //                   | "(" PORT "=" text ")" | "(" WEIGHT "=" integer ")" }
 #include "address_list_kind.h"
 #include "children.h"
-#include "letter_case.h"
+#include "kzoci/platform/letter_case.h"
 
 using namespace kzoci::tns;
 

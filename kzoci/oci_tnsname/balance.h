@@ -1,5 +1,5 @@
-// Finding where a parenthesis is closed, many characters at a time: what a lookup
-// spends its time on. The count is raw: comments and quotes are not known here.
+// Finding where a parenthesis is closed, many characters at a time: most of the cost of
+// a lookup. Comments and quotes are not recognised here: every parenthesis counts.
 #pragma once
 
 #include <bit>
@@ -14,8 +14,8 @@
 
 namespace kzoci::tns {
 
-// All three: the character behind the ")" that takes the depth, which is above 0,
-// to 0; null when the range ends first, and depth is what it is there.
+// All three return the character after the ")" that takes the depth, which is above 0,
+// to 0; null when the range ends first, and depth is then the depth at its end.
 
 inline const char *close_bytewise(const char *at, const char *end, sb8 &depth) {
   for (; at != end; ++at) {
@@ -30,7 +30,7 @@ inline const char *close_bytewise(const char *at, const char *end, sb8 &depth) {
 // "(" and ")" differ in their lowest bit only, so that one comparison finds both.
 // With 1 in the byte of each ")", multiplying by 0x0101... leaves in each byte the
 // number of ")" up to it: sums of at most 8, which never carry into the next
-// byte. The same for "(". The depth behind byte i is depth + opened[i] - closed[i],
+// byte. The same for "(". The depth after byte i is depth + opened[i] - closed[i],
 // so it is 0 first where closed[i] == depth + opened[i] first, which can only be
 // when the word has at least depth ")".
 inline const char *close_by_words(const char *at, const char *end, sb8 &depth) {

@@ -29,7 +29,7 @@ sword read_blacklist_value(KZCIBlacklistConf &conf, KZCITnsParseParams *params) 
   }
 }
 
-// What the three blocks differ in.
+// What differs between the three blocks.
 struct BlacklistBlock {
   sword (*read_item_value)(KZCIBlacklistConf &, KZCITnsParseParams *);
   Message<int> key_met;
@@ -45,7 +45,7 @@ constexpr BlacklistBlock append_block = {read_append_value, message::append_stra
                                          message::append_strategy_not_built,
                                          message::append_strategy_built};
 
-// The key type is logged in the address list's words; log readers know it so.
+// The key type is logged by the address list's message; log readers rely on it.
 constexpr BlacklistBlock blacklist_block = {read_blacklist_value, message::address_list_key,
                                             message::blacklist_not_built, message::blacklist_built};
 

@@ -67,8 +67,7 @@ sword release_children(Child *&first, ub4 &count, sword (*clear)(Child *),
   list_entry_t *const header = &first->le;
   list_entry_t *entry = header;
   ub4 i = 0;
-  // Back at the head before the count is reached, the rest of the count has no
-  // children left to release.
+  // A ring that ends before the count is reached has no more children to release.
   do {
     Child *child = child_of<Child>(entry);
     const sword status = reported(clear(child), clear_failed);

@@ -19,7 +19,7 @@ constexpr RecordKind<KZCIDescription> description_kind = {
     .init_failed = message::description_init_failed,
     .key_met = message::description_key,
     .not_built = message::description_not_built,
-    // Log readers know this message with the size of a service.
+    // Log readers expect this message with the size of a service.
     .reported_size = sizeof(KZCITnsService),
 };
 
@@ -37,7 +37,7 @@ sword release_implied_list(KZCIAddressList *list, const Message<> &step_failed, 
   return status;
 }
 
-// A bare address stands for a list of its own, with a list's defaults.
+// A bare address implies a list of its own, with a list's defaults.
 sword read_bare_address(KZCIDescription &des, KZCITnsParseParams *params) {
   if (des.address_list != nullptr) {
     KZ_LOG(message::second_bare_address);
@@ -63,7 +63,7 @@ sword read_description_value(KZCIDescription &des, KZCITnsParseParams *params) {
     case LB_CONNECT_DATA:
       return reported(KZCIConnectDataBuild(&des, params), message::connect_data_failed);
     case LB_KZLB_BLACKLIST:
-      // The message names the address list; log readers know it so.
+      // The message names the address list; log readers rely on it.
       return reported(KZCIBlacklistConfBuild(&des.black_list_conf, params),
                       message::address_list_failed);
     case LB_RETRY_DELAY:

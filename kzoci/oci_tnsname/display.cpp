@@ -46,7 +46,7 @@ void print_values(FILE *file, const char *indentation, std::initializer_list<Blo
   print_values(file, indentation, blocks, record, [](const Key &) { return true; });
 }
 
-// The mode and the switch are shown only beside extra information, as they are handed
+// The mode and the switch are shown only with extra information, as they are handed
 // out; session variables only where there are some.
 bool is_shown(const KZCIConnectData &data, const Key &key) {
   switch (key.type) {
@@ -94,7 +94,7 @@ sword KZCITnsDisplay(KZCITns *tns) {
   }
   KZ_LOG(message::display_in_file, name);
   // Read-only on purpose: the variable tests that the file exists and keeps the
-  // dump off standard output; the file itself is left as it is.
+  // dump off standard output; the file is not changed.
   FILE *const file = std::fopen(name, "r");
   if (file == nullptr) {
     KZ_LOG(message::display_file_not_opened, name);
@@ -157,7 +157,7 @@ sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file) 
   std::fprintf(display_file, "------AddressList:\n");
   print_count(display_file, "--------address_count", address_list->address_count);
   print_values(display_file, "--------", {Block::address_list}, address_list);
-  // The message names the Clear; log readers know it so.
+  // The message names the Clear; log readers rely on it.
   return display_children(address_list->address, address_list->address_count, display_file,
                           KZCIAddressDisplay, message::address_clear_failed);
 }

@@ -1,6 +1,6 @@
-// The grammar: one row for each key of each block, with what it takes and where that
-// goes. The builders read by it, the Inits take their defaults from it, the dump prints by
-// it, and so does whoever explains names files to people.
+// The grammar: one row for each key of each block, with the values that it takes and the
+// field that keeps them. The builders read by it, the Inits take their defaults from it,
+// the dump prints by it.
 //
 // To add a key: its identifier and its field in the public headers, its row here.
 #pragma once
@@ -17,7 +17,7 @@
 
 namespace kzoci::tns {
 
-// Where a key stands.
+// The blocks in which keys have their place.
 enum class Block : unsigned char {
   entry,  // an ordinary entry, and a literal descriptor
   system_variables,
@@ -75,7 +75,7 @@ struct Value {
   Block opens = Block::entry;    // of a block
 };
 
-// What reports a system variable after it was read.
+// The message that logs a system variable after it was read.
 struct Report {
   const Message<long_argument> *number = nullptr;
   const Message<int, const char *> *text = nullptr;
@@ -193,7 +193,7 @@ inline constexpr Key grammar[] = {
      integer(KZ_FIELD(number, KZCIDescription, read_timout)), "read_timeout", "read_timeout"},
     {"KZLB_WRITE_TIMEOUT", LB_WRITE_TIMEOUT, Block::description,
      integer(KZ_FIELD(number, KZCIDescription, write_timout)), "write_timeout", "write_timeout"},
-    // Read for the sake of files that are shared with other readers, and kept nowhere.
+    // Accepted because files are shared with other readers; not kept.
     {"RETRY_DELAY", LB_RETRY_DELAY, Block::description, integer({})},
 
     {"REMOVE_STRATEGY", LB_REMOVE_STRATEGY, Block::blacklist, block(Block::remove_strategy)},

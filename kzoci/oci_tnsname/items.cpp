@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "kzoci/platform/letter_case.h"
 #include "kzoci/platform/my_strtoll10.h"
-#include "letter_case.h"
 
 namespace kzoci::tns {
 

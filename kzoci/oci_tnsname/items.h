@@ -3,10 +3,10 @@
 //   block := item { item }
 //   item  := "(" KEY "=" value ")"
 //
-// A builder is entered after its block's "=" and leaves the ")" that closes
-// the block to its caller. It ends when the next token is not "(", normally at
-// that ")", or at the first fault. What ended it does not matter to the outcome:
-// the block is good when the last token consumed is a ")".
+// A builder starts after its block's "=" and leaves the ")" that closes the block to
+// its caller. It ends when the next token is not "(", normally at that ")", or at the
+// first fault. Which of these ended it does not matter: the block is good when the last
+// token consumed is a ")".
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@
 
 namespace kzoci::tns {
 
-// Finds the key word that the key just read stands for; no key word is a
-// failure. Failures are logged.
+// Identifies the key word that was read last; a text that is none is a failure.
+// Failures are logged.
 sword identify_key(KZCITnsParseParams *params);
 
 // Consumes "(" KEY "=" and logs the key's type.
@@ -35,23 +35,22 @@ inline ub4 key_length(const KZCITnsParseParams *params) {
   return std::min(params->tns_key_len, static_cast<ub4>(sizeof params->tns_key));
 }
 
-// When the value of an item cannot be read, the rules below say so and go on
-// with the text that the parse state then holds, the key word itself as a rule.
-// The status of the read is what they return at last, unless the text is
-// refused as well.
+// When the value of an item cannot be read, the functions below log so and go on with
+// the text that the parse state then holds, usually the key word itself. They return
+// the status of the read, unless that text is refused as well.
 
-// Integer value: the whole text must be a number; a negative one will do. The
-// number is stored even when it is refused.
+// Integer value: the whole text must be a number, which may be negative. The number is
+// stored even when it is refused.
 sword read_integer(KZCITnsParseParams *params, sb8 *number);
 
-// The value of a key that is no block, into a record of the key's block. A text of more
-// characters than the key takes is dropped, which does not fail the item; the field keeps
-// its contents then. A word may be cut short and in any letter case: the first word that
-// it begins is taken, and an empty one begins them all.
+// Reads the value of a key that is no block into a record of the key's block. A text of
+// more characters than the key's limit is dropped, which does not fail the item; the
+// field then keeps its contents. A word may be abbreviated and in any letter case: the
+// first word that begins with it is taken, for an empty one the first of all.
 sword read_value(const Key &key, KZCITnsParseParams *params, void *record);
 
-// The value of the key at hand, as the grammar has it for the block; a key that has no
-// place there is refused.
+// Reads the value of the last key by the grammar's row for the block; a key that has no
+// row there is refused.
 sword read_by_grammar(Block block, const Message<> &key_refused, KZCITnsParseParams *params,
                       void *record);
 
@@ -60,8 +59,8 @@ inline void log_not_built(const Message<sword> &not_built, sword status) {
   KZ_LOG(not_built, status);
 }
 
-// Reads a block's items until one fails or there is none; read_item_value() reads the
-// value of the item whose key is in params->key_type.
+// Reads a block's items until one fails or there are no more; read_item_value() reads
+// the value of the item whose key is in params->key_type.
 template <class NotBuilt, class ReadItemValue>
 sword read_block(KZCITnsParseParams *params, const Message<int> &key_met, const NotBuilt &not_built,
                  ReadItemValue read_item_value) {

@@ -1,9 +1,9 @@
-// Moving a run of ordinary key characters, many at a time: what reading a token
-// spends its time on.
+// Moving a run of ordinary key characters, many at a time: most of the cost of reading
+// a token.
 //
-// A block moves its whole width at once: the characters that are beyond doubt
-// ordinary, from '*' to 0x7F with "=" excepted, and behind them what stood at the
-// target before, since a shorter key leaves the end of the one before it.
+// A block writes its whole width at once: first the characters that are certainly
+// ordinary, from '*' to 0x7F except "=", then what the target held there before, since
+// a shorter key leaves the end of the one before it.
 #pragma once
 
 #include <algorithm>
@@ -69,8 +69,8 @@ using KeyBlock = WordBlock;
 #endif
 
 // Moves characters from `from` to `to` up to the first that is not ordinary, as long
-// as both sides have room for a block; returns how many. Characters may be left
-// behind it that are ordinary as well.
+// as both sides have room for a block; returns how many. Ordinary characters may be
+// left after them.
 template <class Block>
 ub4 move_key_run(char *to, ub4 to_room, const char *from, ub4 from_room) {
   ub4 moved = 0;

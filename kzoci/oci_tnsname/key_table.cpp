@@ -14,7 +14,7 @@ namespace {
 
 constexpr ub4 longest_key_word = 20;
 
-// Up to 24 characters, eight a word, zeros behind them.
+// Up to 24 characters, eight a word, zeros after them.
 using TextWords = std::array<std::uint64_t, 3>;
 static_assert(longest_key_word <= sizeof(TextWords));
 
@@ -29,8 +29,8 @@ constexpr TextWords words_of(std::string_view text, Function function) {
 
 constexpr unsigned char itself(char c) { return static_cast<unsigned char>(c); }
 
-// The bits that tell a character from others: for a letter, all but the one in
-// which small letters differ from capitals.
+// The bits that distinguish a character: for a letter, all but the one in which
+// small letters differ from capitals.
 constexpr unsigned char telling_bits(char c) { return 'A' <= c && c <= 'Z' ? 0xDF : 0xFF; }
 
 struct KeyWord {
@@ -40,7 +40,7 @@ struct KeyWord {
   TextWords mask;
 
   // tns_key has room for more than the longest key word, so that whole words can be
-  // loaded; what stands behind the key is masked.
+  // loaded; what follows the key is masked.
   bool is_spelt(const char *tns_key) const {
     const auto differs = [&](std::size_t i) {
       return ((load_word(tns_key + 8 * i) ^ words[i]) & mask[i]) != 0;

@@ -15,7 +15,7 @@
 
 namespace kzoci::tns {
 
-// Each message has checked its own format against its arguments; compilers do not see that.
+// Each message has checked its format against its arguments; compilers do not see that.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 template <class... Arguments>
@@ -34,7 +34,7 @@ inline unsigned long size_number(std::size_t size) { return static_cast<unsigned
 // The precision for "%.*s" that prints a text of this length.
 inline int precision(ub4 length) { return static_cast<int>(std::min<ub4>(length, INT_MAX)); }
 
-// The same, and never more than the array behind the text holds.
+// The same, and never more than the text's array holds.
 inline int precision(ub4 length, std::size_t capacity) {
   return static_cast<int>(std::min<std::size_t>(length, capacity));
 }

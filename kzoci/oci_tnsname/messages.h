@@ -1,6 +1,6 @@
 // The records that the module logs, by name; their texts are in messages.def. The module
-// logs `message::token_failed`; a program that listens to the log recognises a record by
-// the address of its format.
+// logs `message::token_failed`; a program that reads the log recognises a record by the
+// address of its format.
 #pragma once
 
 #include <climits>
@@ -82,7 +82,7 @@ enum class MessageId {
 };
 
 // Each format is one object of the program or shared library that holds the module, so
-// that its address tells the record.
+// that its address identifies the record.
 #pragma GCC visibility push(hidden)
 namespace message {
 #define MESSAGE(identity, level, format, ...)                   \
@@ -93,7 +93,7 @@ namespace message {
 #undef MESSAGE
 }  // namespace message
 
-// All records, for programs that listen to the log.
+// All records, for programs that read the log.
 struct MessageRow {
   MessageId id;
   const char *name;

@@ -1,4 +1,4 @@
-// Making a record of the tree: allocate it, then give it its defaults; then read it.
+// Making a record of the tree: allocate it, set its defaults, read its block into it.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace kzoci::tns {
 
-// What the builders of records differ in.
+// What differs from one kind of record to another.
 template <class Record, class NotBuilt = Message<>>
 struct RecordKind {
   const char *tag;
@@ -40,7 +40,7 @@ sword make_record(const RecordKind<Record, NotBuilt> &kind, Record **record) {
 }
 
 // Makes a record and reads its block into it; read_item_value(record) reads one value. A
-// record whose block is not good is released alone, without what hangs below it.
+// record whose block is not good is released alone, without its children.
 template <class Record, class NotBuilt, class ReadItemValue>
 sword build_record(const RecordKind<Record, NotBuilt> &kind, KZCITnsParseParams *params,
                    Record **record, ReadItemValue read_item_value) {

@@ -9,8 +9,8 @@ using namespace kzoci::tns;
 
 namespace {
 
-// By the library's memset: with the size in sight, compilers put a string instruction in
-// its place, which is slower for hundreds of bytes.
+// By the library's memset: with the size known, compilers replace it by a string
+// instruction, which is slower for hundreds of bytes.
 [[gnu::noinline]] void set_to_zero(void *record, std::size_t size) { std::memset(record, 0, size); }
 
 }  // namespace

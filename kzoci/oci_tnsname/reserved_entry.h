@@ -1,8 +1,8 @@
 // The reserved entry, which carries the system variables.
 #pragma once
 
+#include "kzoci/platform/letter_case.h"
 #include "kzoci/platform/types.h"
-#include "letter_case.h"
 
 namespace kzoci::tns {
 

@@ -2,7 +2,7 @@
 //
 //   ordinary entry := block { block }         block := "(" DESCRIPTION "=" description ")"
 //   reserved entry := setting { setting }     setting := "(" KEY "=" value ")"
-//   descriptor     := block                   and nothing but blanks behind it
+//   descriptor     := block                   and nothing but blanks after it
 //
 // The entry's name and its "=" have been consumed by the caller.
 #include "children.h"
@@ -15,7 +15,7 @@ using namespace kzoci::tns;
 
 namespace {
 
-// A service is allocated with its name behind it. The name is the key at hand.
+// A service is allocated with room for its name, which is the last key read.
 KZCITnsService *allocate_service(const KZCITnsParseParams &params, const char *tag) {
   const std::size_t size = sizeof(KZCITnsService) + key_length(&params);
   auto *const service = static_cast<KZCITnsService *>(kzci_malloc(size, tag));
@@ -59,7 +59,7 @@ sword read_block(KZCITnsService *service, KZCITnsParseParams *params) {
   return status;
 }
 
-// "(" KEY "=" value. A key that is none does not stop the entry: its value is
+// "(" KEY "=" value. A word that is no key word does not stop the entry: its value is
 // handled under the key type that the parse state holds.
 sword read_setting(KZCITnsService *service, KZCITnsParseParams *params) {
   read_key_word(params);
@@ -69,7 +69,7 @@ sword read_setting(KZCITnsService *service, KZCITnsParseParams *params) {
                   message::system_variables_failed);
 }
 
-// What came of an entry's blocks.
+// The result of reading an entry's blocks.
 struct Blocks {
   sword status;  // of the step that ended the entry
   bool one_completed;
@@ -118,7 +118,7 @@ sword read_descriptor_head(KZCITnsParseParams *params) {
   return status;
 }
 
-// The description, its ")" and nothing but blanks behind it.
+// The description, its ")" and nothing but blanks after it.
 sword read_descriptor_body(KZCITnsService *service, KZCITnsParseParams *params) {
   sword status = build_description(service, params);
   if (status == success) status = expect(params, TNS_RIGHT_PARENTHESES);
@@ -161,7 +161,7 @@ sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boole
   if (status == success) status = build_descriptor_service(*tns, &params);
   if (status != success) return status;
   *find = 1;
-  // The message names the other builder; log readers know it so.
+  // The message names the other builder; log readers rely on it.
   KZ_LOG(message::entry_built, tns->tns_service_count);
   return success;
 }

@@ -1,5 +1,5 @@
-// From a connect identifier to a service: a literal descriptor is built as it
-// stands, a name is looked up in the names file.
+// From a connect identifier to a service: a literal descriptor is built as it is, a
+// name is looked up in the names file.
 //
 //   names file := { NAME "=" entry }
 //
@@ -12,7 +12,7 @@
 
 #include "character_class.h"
 #include "items.h"
-#include "letter_case.h"
+#include "kzoci/platform/letter_case.h"
 #include "tokenizer.h"
 
 using namespace kzoci::tns;
@@ -76,7 +76,7 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   return success;
 }
 
-// The name sought, with the texts that the log prints of it.
+// The name sought, as it is compared and logged.
 struct SoughtName {
   const char *text;
   ub4 length;
@@ -100,7 +100,7 @@ sword build_entry(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &so
 }
 
 sword skip_entry(KZCITnsParseParams *params, const SoughtName &sought) {
-  // The key is printed over the sought name's length; log readers know it so.
+  // The key is printed over the sought name's length; log readers rely on it.
   KZ_LOG(message::other_entry, sought.text_precision(), sought.text,
          precision(sought.length, sizeof params->tns_key), params->tns_key);
   return reported(KZCITnsServiceSkip(params), message::skip_failed);
@@ -131,8 +131,8 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
     KZ_LOG(message::no_names_file, status);
     return success;
   }
-  // The stream reads in larger pieces than it would by itself; where it does not
-  // take the buffer, it reads as it does.
+  // The stream reads in larger pieces than by default; a stream that refuses the
+  // buffer still works.
   std::setvbuf(params.tns_file, stream_buffer, _IOFBF, sizeof stream_buffer);
   status = scan_entries(tns, &params, sought, find);
   if (status == no_data) {
@@ -146,7 +146,7 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
 }  // namespace
 
 boolean IsDescriptionTns(char *description, ub4 description_len) {
-  // Zero bytes behind a shorter text keep it from matching.
+  // Zero bytes after a shorter text keep it from matching.
   char collected[20] = {};
   std::size_t count = 0;
   const sb4 length = static_cast<sb4>(description_len);

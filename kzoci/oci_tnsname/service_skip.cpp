@@ -1,4 +1,4 @@
-// Passing over an entry of the file that nobody asked for.
+// Passing over an entry of the file that is not the one looked up.
 #include <algorithm>
 #include <cstring>
 
@@ -12,8 +12,8 @@ using namespace kzoci::tns;
 
 namespace {
 
-// Whether the entry ends the scan. The terminating zero byte takes part in the
-// comparison, so that a longer name never counts; letter case matters here.
+// Whether the entry ends the scan. The terminating zero byte is compared as well, so
+// that a longer name never counts; letter case matters here.
 bool ends_scan(const KZCITnsParseParams &params) {
   const std::size_t length = std::min<std::size_t>(params.tns_key_len, sizeof reserved_name);
   return std::memcmp(params.tns_key, reserved_name, length) == 0;

@@ -55,16 +55,16 @@ sword KZCISlowSQLBufferFlush(KZCISLowSQL *slowsql) {
 
 namespace {
 
-// Whether the text, with so many characters more, reaches the last character but
-// one. A report that would just fit is logged apart: the thresholds are strict,
-// and the buffer never keeps more than its length minus 2.
+// Whether the text, with so many characters more, reaches the last character but one.
+// A report that would just fit is logged separately: the buffer never keeps more than
+// its length minus 2.
 bool fills_buffer(const KZCISLowSQL &slowsql, int more) {
   return slowsql.buffer_pos >= slowsql.buffer_length - 1 - more;
 }
 
-// Formats a report behind the text. The position follows the formatter's
-// result, also where the text was cut or could not be formatted at all; what is
-// written stays in the buffer.
+// Formats a report after the text. The position moves by the formatter's result, also
+// when the text was cut or could not be formatted at all; what is written stays within
+// the buffer.
 void append_report(KZCISLowSQL &slowsql, const char *fmt, va_list arguments) {
   const sb8 at = std::clamp<sb8>(slowsql.buffer_pos, 0, slowsql.buffer_length);
   slowsql.buffer_pos += std::vsnprintf(

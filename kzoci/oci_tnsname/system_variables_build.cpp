@@ -39,7 +39,7 @@ sword read_variable(const Key &key, KZCISystemVariables &vars, KZCITnsParseParam
   }
 }
 
-// What the field holds now, also where the value was refused.
+// Logs what the field holds now, also when the value was refused.
 void report_variable(const Key &key, const KZCISystemVariables &vars) {
   if (key.report.number != nullptr)
     KZ_LOG(*key.report.number, long_number(number_of(&vars, key.value.field)));

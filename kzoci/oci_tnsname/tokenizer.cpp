@@ -6,7 +6,7 @@
 //   blank   := space | tab | line feed | carriage return
 //   comment := "#" { any but line feed }     only where a token may begin
 //
-// Blanks and comments may stand before every token.
+// Blanks and comments may precede every token.
 #include "tokenizer.h"
 
 #include <cstddef>
@@ -80,7 +80,7 @@ bool pass_blanks(KZCITnsParseParams &params) {
   return window.at != window.end;
 }
 
-// A key on its way into tns_key; it may run across any number of refills.
+// A key that is being read into tns_key, across any number of refills.
 struct KeyInProgress {
   ub4 length = 0;
   KZCITnsParseStatus quoting = TNS_PARSE_NORMAL;
@@ -172,8 +172,8 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
 
 namespace {
 
-// What a parenthesis or an equal sign does not need stands in functions of its
-// own: most tokens are such, and the way to them stays short.
+// Most tokens are a parenthesis or an equal sign. What they do not need is in separate
+// functions, so that the code for them stays short.
 
 [[gnu::noinline]] sword refuse_token(KZCITnsTokenType expect_type, KZCITnsTokenType type) {
   KZ_LOG(message::other_token, expect_type, type);

@@ -8,8 +8,8 @@
 
 namespace kzoci::tns {
 
-// Makes a parse state with nothing read. The buffer is filled before it is looked
-// at and need not be zero; the key must, since messages print what older keys left.
+// Makes a parse state with nothing read. The buffer is filled before it is read and
+// need not be zero; the key must be, since messages print what older keys left.
 void begin_parse(KZCITnsParseParams *params, int mode);
 
 // Reads more input. At its end it logs so and returns no_data; on any other
@@ -21,8 +21,8 @@ inline sword need_character(KZCITnsParseParams *params, const Message<> &refill_
   return params->buffer_pos < params->buffer_len ? success : refill(params, refill_failed);
 }
 
-// Consumes the parenthesis or equal sign of this type if it is the next character:
-// most tokens are such, and the short way to them is worth being inline.
+// Consumes the parenthesis or equal sign of this type if it is the next character.
+// Most tokens are one of these, so this short way is inline.
 inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
   if (sign == TNS_KEY || params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
       token_type(params->tns_buffer[params->buffer_pos]) != sign)

@@ -31,7 +31,7 @@ constexpr std::uint64_t blend(std::uint64_t first, std::uint64_t others, unsigne
 // The word with this byte in all eight places.
 constexpr std::uint64_t each(std::uint64_t byte) { return byte * 0x0101010101010101u; }
 
-// 1 in each byte that is zero in the word, 0 in every other; no byte's answer
+// 1 in each byte that is zero in the word, 0 in every other; no byte's result
 // depends on its neighbours.
 constexpr std::uint64_t zero_bytes(std::uint64_t word) {
   const std::uint64_t low = each(0x7F);

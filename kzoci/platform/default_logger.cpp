@@ -1,7 +1,6 @@
 #include "kzoci/platform/default_logger.h"
 
 #include <pthread.h>
-#include <strings.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +13,7 @@
 #include <ctime>
 #include <iterator>
 
+#include "kzoci/platform/letter_case.h"
 #include "kzoci/platform/log_file.h"
 
 namespace {
@@ -23,7 +23,7 @@ using kzoci::platform::LogFile;
 constexpr const char *level_names[] = {"TRACE", "DEBUG", "INFO",   "WARN",
                                        "ERROR", "FATAL", "SLOWSQL"};
 
-// C programs may log at levels that there are not.
+// C programs may log at a level outside the enumeration.
 const char *level_name(log_level level) {
   const std::size_t at = static_cast<std::size_t>(level) - LOG_LEVEL_TRACE;
   return at < std::size(level_names) ? level_names[at] : "?";
@@ -33,7 +33,7 @@ const char *level_name(log_level level) {
 int level_of(const char *name, ub4 length) {
   for (int level = LOG_LEVEL_TRACE; level <= LOG_LEVEL_SLOWSQL; ++level) {
     const char *const known = level_names[level - 1];
-    if (length == std::strlen(known) && strncasecmp(name, known, length) == 0) return level;
+    if (length == std::strlen(known) && kzoci::is_same_text(name, known, length)) return level;
   }
   return 0;
 }
@@ -46,8 +46,7 @@ struct Logger {
   LogFile file;
 };
 
-// By the compiler's own functions: where std::atomic checks its arguments, it needs the
-// C++ library.
+// Not std::atomic: where it checks its arguments, it needs the C++ library.
 int threshold_of(const Logger &log) { return __atomic_load_n(&log.threshold, __ATOMIC_RELAXED); }
 void set_threshold(Logger &log, int level) {
   __atomic_store_n(&log.threshold, level, __ATOMIC_RELAXED);
@@ -68,7 +67,7 @@ class LoggerLock {
   LoggerLock &operator=(const LoggerLock &) = delete;
 };
 
-// A child has but the thread that forked: a mutex that another one held would stay
+// A child has only the thread that forked: a mutex held by another thread would stay
 // locked there for ever.
 void before_fork() { pthread_mutex_lock(&logger.mutex); }
 void after_fork() { pthread_mutex_unlock(&logger.mutex); }
@@ -80,7 +79,7 @@ void after_fork_in_child() {
 [[maybe_unused]] const int fork_handlers =
     pthread_atfork(before_fork, after_fork, after_fork_in_child);
 
-// What a record tells but its text.
+// All of a record except its text.
 struct Origin {
   char time[32];
   log_level level;
@@ -128,12 +127,12 @@ Layout format_line(char *buffer, std::size_t size, const Origin &origin, const c
   const std::size_t room = has_room ? size - text_at : 0;
   errno = origin.error;
   int length = std::vsnprintf(text, room, format, arguments);
-  // A text that cannot be formatted is better told by its format than lost.
+  // Of a text that cannot be formatted, the format is better than nothing.
   if (length < 0) length = std::snprintf(text, room, "%s", format);
   return {text_at, not_negative(length)};
 }
 
-// What there is of a line in a buffer of this size.
+// The part of a line that fits into a buffer of this size.
 Layout cut(const Layout &whole, std::size_t size) {
   const std::size_t most = size - 2;
   const std::size_t text_at = std::min(whole.text_at, most);
@@ -162,9 +161,8 @@ void deliver(const Origin &origin, char *line, const Layout &layout) {
   write_line(line, layout.length());
 }
 
-// Only what the long line cannot hold takes memory, and its beginning is kept where
-// there is none. Memory is asked for before the lock is taken: who replaces malloc
-// may log.
+// Memory is allocated only for what long_line cannot hold; without memory the line is
+// cut to it. It is allocated before the lock is taken, since a replaced malloc may log.
 void log_long_line(const Origin &origin, std::size_t room, const char *format, va_list arguments) {
   char *const block = room > sizeof long_line ? static_cast<char *>(std::malloc(room)) : nullptr;
   char *const line = block == nullptr ? long_line : block;

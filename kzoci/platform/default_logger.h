@@ -1,6 +1,6 @@
 /*
- * Steering the default logger, the implementation of kzoci_log_inner that comes
- * with the library.
+ * Configuring the default logger, the implementation of kzoci_log_inner that
+ * comes with the library.
  *
  * A record becomes one line: time (UTC, milliseconds), level, source file and
  * line, text. However long, it is written whole, in one piece. Records below
@@ -8,8 +8,8 @@
  * never dropped. Lines go to standard error until a file or a sink is set; a
  * sink takes precedence over a file.
  *
- * Memory is allocated only for a line of more than 65535 bytes, and its first
- * 65535, the line feed among them, are written where there is none.
+ * Memory is allocated only for a line of more than 65535 bytes; when there is
+ * none, its first 65534 bytes and a line feed are written.
  *
  * Every function here may be called while other threads log. A process may fork
  * while its threads log, and the child may log.
@@ -59,10 +59,10 @@ typedef void (*kzoci_log_sink)(void *context, const kzoci_log_record *record);
  */
 void kzoci_log_set_sink(kzoci_log_sink sink, void *context);
 
-/* Characters of the longest path of a log file, which are all that systems take. */
+/* Characters of the longest path of a log file: the longest that systems accept. */
 enum { KZOCI_LOG_PATH_MAX = 4095 };
 
-/* What the reserved entry of a names file says of the log. Texts need not be
+/* The log settings of a names file's reserved entry. Texts need not be
  * terminated. */
 typedef struct kzoci_log_settings {
   const char *level; /* name of the threshold, in any letter case */
@@ -88,8 +88,8 @@ typedef struct kzoci_log_settings {
  *
  * Processes may share a log file, all with the same settings. Where file_size is
  * more than 0 each line is written under a lock on the file (flock), and goes to
- * the file that then stands at the path, whoever rotated it. A relative path
- * means the folder in which the process is at the time of the call.
+ * the file that is then at the path, whichever process rotated it. A relative path
+ * starts at the process's working directory at the time of the call.
  *
  * Returns 0; -1: the level's name is not known, nothing was changed; -2:
  * settings is null, nothing was changed; -3: the file cannot be opened, the

@@ -14,7 +14,7 @@ namespace kzoci::platform {
 
 namespace {
 
-// A system call, again and again until no signal interrupts it.
+// A system call, repeated until no signal interrupts it.
 template <class Call>
 auto uninterrupted(Call call) {
   auto result = call();
@@ -66,8 +66,8 @@ bool LogFile::open(const char *path, std::size_t path_length, sb8 size_limit, ub
   return set_path(path, path_length) && open_at_path();
 }
 
-// The path is looked at with every line, so that it must mean the same file when
-// the program changes its folder.
+// The path is checked with every line, so it must mean the same file after the
+// program has changed its working directory.
 bool LogFile::set_path(const char *path, std::size_t length) {
   std::size_t at = 0;
   if (path[0] != '/') {
@@ -86,7 +86,7 @@ void LogFile::close() {
   descriptor_ = -1;
 }
 
-// The file open before gives way only to another that is open.
+// The file open before is closed only when the other one is open.
 bool LogFile::open_at_path() {
   constexpr mode_t owner_writes_group_reads = 0640;
   const int opened = uninterrupted([this] {
@@ -100,7 +100,7 @@ bool LogFile::open_at_path() {
   }
   close();
   descriptor_ = opened;
-  // A pipe or a device has no size, and is not ours to rename.
+  // A pipe or a device has no size and must not be renamed.
   is_limited_ = size_limit_ > 0 && S_ISREG(state.st_mode);
   return true;
 }
@@ -171,8 +171,8 @@ const char *LogFile::numbered(NumberedPath &room, ub4 number) const {
   return room;
 }
 
-// A lock belongs to what a call of open made, and parent and child have that in
-// common. With a file of its own the child waits like any other process.
+// A lock belongs to the open file description, which parent and child share. With one
+// of its own the child waits like any other process.
 void LogFile::part_from_parent() {
   if (is_open() && is_limited_) open_at_path();
 }

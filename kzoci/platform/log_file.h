@@ -1,9 +1,9 @@
 // A log file that is rotated at a size, and that several processes may share.
 //
 // Each line is appended under a lock on the file itself, for which every process
-// waits. A rotation ends with the renaming of the file, and whoever gets the lock
-// of a renamed file opens the new one: so there is one rotation at a time, without
-// a lock file beside the log.
+// waits. A rotation ends with the renaming of the file, and a process that gets the
+// lock of a renamed file opens the new one. So there is one rotation at a time,
+// without a lock file beside the log.
 #pragma once
 
 #include <cstddef>
@@ -63,7 +63,7 @@ class LogFile {
   sb8 size_limit_ = 0;
   ub4 count_ = 0;
   Path path_ = {};
-  // Room of its own, for a record may be logged on a small stack.
+  // Members, since a record may be logged on a small stack.
   NumberedPath older_ = {};
   NumberedPath newer_ = {};
 };

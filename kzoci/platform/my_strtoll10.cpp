@@ -20,7 +20,7 @@ struct Digits {
   bool overflow = false;
 };
 
-// Reads digits up to the first other character, also behind an overflow.
+// Reads digits up to the first other character, also after an overflow.
 Digits read_digits(const char *&at, const char *end) {
   Digits digits;
   for (; at != end && is_digit(*at); ++at) {

@@ -150,7 +150,8 @@ class Walk {
   Verdict verdict(bool built) {
     const std::string_view name = survey_.name(entry_);
     // Such a name is never looked up: it is built itself.
-    if (IsDescriptionTns(const_cast<char *>(name.data()), entry_.name_length)) return Verdict::unreachable;
+    if (IsDescriptionTns(const_cast<char *>(name.data()), entry_.name_length))
+      return Verdict::unreachable;
     if (is_second()) return Verdict::shadowed;
     if (!built) return Verdict::refused;
     return builder_.trace().is_settings() ? Verdict::reserved : Verdict::ok;

@@ -4,7 +4,7 @@
 
 #include <cstddef>
 
-namespace kzoci::tns {
+namespace kzoci {
 
 constexpr char capital(char c) {
   return 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
@@ -20,4 +20,4 @@ constexpr bool is_same_text(const char *left, const char *right, std::size_t len
   return true;
 }
 
-}  // namespace kzoci::tns
+}  // namespace kzoci
