@@ -30,7 +30,7 @@ sword read_by_address_grammar(KZCIAddress &address, KZCITnsParseParams *params) 
 // too long leaves an earlier TCP in force.
 sword read_protocol(KZCIAddress &address, KZCITnsParseParams *params) {
   const sword status = read_by_address_grammar(address, params);
-  const bool is_tcp = address.protocol_len == 3 && is_same_text(address.protocol, "TCP", 3);
+  const bool is_tcp = address.protocol_len == 3 && kzoci::is_same_text(address.protocol, "TCP", 3);
   return is_tcp ? status : failure;
 }
 

@@ -152,7 +152,7 @@ boolean IsDescriptionTns(char *description, ub4 description_len) {
   const sb4 length = static_cast<sb4>(description_len);
   for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
     if (!is_any_of(description[i], blank)) collected[count++] = description[i];
-  return is_same_text(collected, descriptor_prefix, descriptor_prefix_length);
+  return kzoci::is_same_text(collected, descriptor_prefix, descriptor_prefix_length);
 }
 
 sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
