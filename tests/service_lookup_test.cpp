@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <memory>
@@ -243,7 +244,11 @@ TEST_F(ServiceLookup, TheFileIsClosedOnExec) {
   Outcome outcome{};
   std::thread lookup([&] { outcome = build(tns_, "mydb"); });
   const int writer = open(path.c_str(), O_WRONLY);
-  const int reader = descriptor_reading(path);
+  // The reader's call may return a little later than the writer's.
+  int reader = -1;
+  const auto give_up = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  while (reader == -1 && std::chrono::steady_clock::now() < give_up)
+    reader = descriptor_reading(path);
   const int flags = fcntl(reader, F_GETFD);
   close(writer);
   lookup.join();
