@@ -429,9 +429,8 @@ TEST_F(AddressBuild, UnknownWordFailsWithStatusMinusOne) {
 
 TEST_F(AddressBuild, RefusesKeyWordsOfOtherBlocks) {
   const std::vector<Fault> faults =
-      refused_words({"PROTOCOL", "HOST", "PORT", "WEIGHT"}, "KZCIAddressBuild ",
+      refused_words(support::Place::address, "KZCIAddressBuild ",
                     "KZCIAddressBuild get error key_type");
-  EXPECT_EQ(faults.size(), 34u);
   expect_failures(faults);
 }
 
@@ -860,9 +859,8 @@ TEST_F(AddressListBuild, FaultsBehindAValue) {
 
 TEST_F(AddressListBuild, RefusesKeyWordsOfOtherBlocks) {
   const std::vector<Fault> faults =
-      refused_words({"ADDRESS", "KZLB", "KZLB_STRATEGY"}, "KZCIAddressListBuild ",
+      refused_words(support::Place::address_list, "KZCIAddressListBuild ",
                     "KZCIAddressListBuild get error key_type");
-  EXPECT_EQ(faults.size(), 35u);
   expect_failures(faults);
 }
 

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "expected_log.h"
-#include "key_numbers.h"
+#include "keys.h"
 #include "parsing.h"
 
 namespace builder_body {
@@ -220,19 +220,17 @@ struct BuilderUnderTest {
   }
 };
 
-// Key words that a block refuses: every one but the given ones. Builders tell
+// Key words that a block refuses: every one that is not its own. Builders tell
 // of each with the line "<prefix> get key_type <n>" and an error of their own.
-inline std::vector<Fault> refused_words(const Lines &accepted, const std::string &prefix,
+inline std::vector<Fault> refused_words(support::Place place, const std::string &prefix,
                                         const std::string &error) {
   std::vector<Fault> out;
-  for (const support::KeyNumber &word : support::key_numbers) {
-    bool known = false;
-    for (const std::string &text : accepted) known = known || text == word.text;
-    if (known) continue;
-    const std::string text(word.text);
+  for (const support::Key &key : support::keys) {
+    if (support::key_in(place, key.word) != nullptr) continue;
+    const std::string text(key.word);
     out.push_back({"refused " + text, "(" + text + "=v))",
-                   expected_log::key_word(text, word.number) +
-                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(word.number),
+                   expected_log::key_word(text, key.number) +
+                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(key.number),
                              "ERROR " + error},
                    "v))"});
   }
