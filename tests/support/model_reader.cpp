@@ -19,7 +19,8 @@ constexpr std::string_view literal_beginning = "(DESCRIPTION=";
 // Reads the blocks of one service.
 class Reader {
  public:
-  Reader(std::string_view text, Prediction &out) : input_(text), out_(out) {}
+  Reader(std::string_view text, std::size_t failing_allocation, Prediction &out)
+      : input_(text), failing_allocation_(failing_allocation), out_(out) {}
 
   void look_up(std::string_view name);
   void read_literal();
@@ -28,6 +29,7 @@ class Reader {
   template <class Handle>
   bool items(Handle handle);
 
+  bool allocate() { return ++out_.allocations != failing_allocation_; }
   bool read_value() { return input_.expect(Kind::word) == Step::good; }
   bool value(const Key &key, Values &values);
   bool word(const Key &key, Values &values);
@@ -50,9 +52,10 @@ class Reader {
 
   Step skip_entry(bool &stop);
   sword build_entry();
-  void give(const Service &service);
+  void give(const Service &service, const std::string &block);
 
   Input input_;
+  std::size_t failing_allocation_;
   Prediction &out_;
   std::string_view key_ = no_key;
 };
@@ -128,6 +131,7 @@ bool Reader::values_of(Place place, Values &values) {
 }
 
 bool Reader::address(AddressList &list) {
+  if (!allocate()) return false;
   Values address(Place::address);
   const bool good = values_of(Place::address, address);
   if (good) list.addresses.push_back(std::move(address));
@@ -135,6 +139,7 @@ bool Reader::address(AddressList &list) {
 }
 
 bool Reader::address_list(Description &description) {
+  if (!allocate()) return false;
   AddressList list;
   const bool good = items([&] {
     const Key *const key = key_at(Place::address_list);
@@ -144,19 +149,20 @@ bool Reader::address_list(Description &description) {
   if (good)
     description.lists.push_back(std::move(list));
   else
-    append_tags_below(list, out_.lost);
+    append_blocks_below(list, out_.lost);
   return good;
 }
 
 // An address outside any list gets a list of its own, if it is the first.
 bool Reader::bare_address(Description &description) {
   AddressList list;
-  if (!description.lists.empty() || !address(list)) return false;
+  if (!description.lists.empty() || !allocate() || !address(list)) return false;
   description.lists.push_back(std::move(list));
   return true;
 }
 
 bool Reader::connect_data(Description &description) {
+  if (!allocate()) return false;
   Values data(Place::connect_data);
   if (!values_of(Place::connect_data, data) || description.data) return false;
   description.data = std::move(data);
@@ -167,8 +173,8 @@ bool Reader::blacklist(Description &description) {
   return items([&] {
     const Key *const key = key_at(Place::blacklist);
     if (key == nullptr) return false;
-    return values_of(key->opens, key->opens == Place::remove_strategy ? description.remove
-                                                                      : description.append);
+    return values_of(
+        key->opens, key->opens == Place::remove_strategy ? description.remove : description.append);
   });
 }
 
@@ -189,12 +195,13 @@ bool Reader::description_item(Description &description) {
 }
 
 bool Reader::description(Service &service) {
+  if (!allocate()) return false;
   Description description;
   const bool good = items([&] { return description_item(description); });
   if (good)
     service.descriptions.push_back(std::move(description));
   else
-    append_tags_below(description, out_.lost);
+    append_blocks_below(description, out_.lost);
   return good;
 }
 
@@ -223,24 +230,29 @@ bool Reader::block(Service &service, bool reserved) {
   return good && input_.expect(Kind::close) == Step::good;
 }
 
-void Reader::give(const Service &service) {
+void Reader::give(const Service &service, const std::string &block) {
   out_.status = 0;
   out_.find = 1;
   out_.tree = text_of(service);
+  out_.live.push_back(block);
+  append_blocks_below(service, out_.live);
 }
 
 // The blocks of an entry, its name being the word at hand.
 sword Reader::build_entry() {
+  if (!allocate()) return -1;
   Service service;
+  const std::string allocated =
+      block_of(sizeof(KZCITnsService) + input_.word().size(), "KZCITnsServiceBuild");
   service.name = copied_as_string(input_.word());
   const bool reserved = stands_for(input_.word(), reserved_name);
   bool complete = false;
   while (block(service, reserved)) complete = true;
   if (complete && input_.last() == Kind::close) {
-    give(service);
+    give(service, allocated);
     return 0;
   }
-  append_tags_below(service, out_.lost);
+  append_blocks_below(service, out_.lost);
   return -1;
 }
 
@@ -285,14 +297,16 @@ void Reader::read_literal() {
   if (step == Step::good && key_ == no_key) step = Step::wrong;
   if (step == Step::good) step = input_.expect(Kind::equal);
   out_.status = step == Step::end ? 0 : -1;
-  if (step != Step::good || key_ != "DESCRIPTION") return;
+  if (step != Step::good || key_ != "DESCRIPTION" || !allocate()) return;
 
   Service service;
   service.name = input_.word();
+  const std::string allocated =
+      block_of(sizeof(KZCITnsService) + service.name.size(), "KZCITnsBuildDes");
   if (description(service) && input_.expect(Kind::close) == Step::good && !input_.skip_space())
-    give(service);
+    give(service, allocated);
   else
-    append_tags_below(service, out_.lost);
+    append_blocks_below(service, out_.lost);
 }
 
 // The first characters other than blanks decide.
@@ -304,21 +318,28 @@ bool is_literal(std::string_view identifier) {
   return first.size() == literal_beginning.size() && stands_for(first, literal_beginning);
 }
 
-}  // namespace
-
-Prediction predict_literal(std::string_view text) {
-  Prediction prediction;
-  Reader(text, prediction).read_literal();
-  std::sort(prediction.lost.begin(), prediction.lost.end());
+// What is lost is allocated still.
+Prediction with_blocks_sorted(Prediction prediction) {
+  Blocks &live = prediction.live, &lost = prediction.lost;
+  live.insert(live.end(), lost.begin(), lost.end());
+  std::sort(live.begin(), live.end());
+  std::sort(lost.begin(), lost.end());
   return prediction;
 }
 
-Prediction predict(std::string_view identifier, std::string_view names_file) {
-  if (is_literal(identifier)) return predict_literal(identifier);
+}  // namespace
+
+Prediction predict_literal(std::string_view text, const Fault &fault) {
   Prediction prediction;
-  Reader(names_file, prediction).look_up(identifier);
-  std::sort(prediction.lost.begin(), prediction.lost.end());
-  return prediction;
+  Reader(text.substr(0, fault.input_end), fault.allocation, prediction).read_literal();
+  return with_blocks_sorted(std::move(prediction));
+}
+
+Prediction predict(std::string_view identifier, std::string_view names_file, const Fault &fault) {
+  if (is_literal(identifier)) return predict_literal(identifier, {.allocation = fault.allocation});
+  Prediction prediction;
+  Reader(names_file.substr(0, fault.input_end), fault.allocation, prediction).look_up(identifier);
+  return with_blocks_sorted(std::move(prediction));
 }
 
 }  // namespace model

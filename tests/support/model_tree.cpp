@@ -1,5 +1,7 @@
 #include "model_tree.h"
 
+#include "kzoci/oci_tnsname.h"
+
 namespace model {
 namespace {
 
@@ -41,22 +43,26 @@ std::string text_of(const Service &service) {
   return out;
 }
 
-void append_tags_below(const AddressList &list, Tags &tags) {
-  tags.insert(tags.end(), list.addresses.size(), "address");
+std::string block_of(std::size_t size, const std::string &tag) {
+  return std::to_string(size) + ' ' + tag;
 }
 
-void append_tags_below(const Description &description, Tags &tags) {
+void append_blocks_below(const AddressList &list, Blocks &blocks) {
+  blocks.insert(blocks.end(), list.addresses.size(), block_of(sizeof(KZCIAddress), "address"));
+}
+
+void append_blocks_below(const Description &description, Blocks &blocks) {
   for (const AddressList &list : description.lists) {
-    append_tags_below(list, tags);
-    tags.emplace_back("address_list");
+    append_blocks_below(list, blocks);
+    blocks.push_back(block_of(sizeof(KZCIAddressList), "address_list"));
   }
-  if (description.data) tags.emplace_back("KZCIConnectData");
+  if (description.data) blocks.push_back(block_of(sizeof(KZCIConnectData), "KZCIConnectData"));
 }
 
-void append_tags_below(const Service &service, Tags &tags) {
+void append_blocks_below(const Service &service, Blocks &blocks) {
   for (const Description &description : service.descriptions) {
-    append_tags_below(description, tags);
-    tags.emplace_back("KZCIDescription");
+    append_blocks_below(description, blocks);
+    blocks.push_back(block_of(sizeof(KZCIDescription), "KZCIDescription"));
   }
 }
 

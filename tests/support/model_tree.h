@@ -1,6 +1,7 @@
 // The tree of a service as plain values, and its text.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,10 +36,13 @@ struct Service {
 std::string text_of(const Service &service);
 std::string text_of_nothing();
 
-// Tags of the blocks below a record, and of the record too.
-using Tags = std::vector<std::string>;
-void append_tags_below(const AddressList &list, Tags &tags);
-void append_tags_below(const Description &description, Tags &tags);
-void append_tags_below(const Service &service, Tags &tags);
+// Blocks of memory, each as its size and its tag.
+using Blocks = std::vector<std::string>;
+std::string block_of(std::size_t size, const std::string &tag);
+
+// The blocks of the records below a record.
+void append_blocks_below(const AddressList &list, Blocks &blocks);
+void append_blocks_below(const Description &description, Blocks &blocks);
+void append_blocks_below(const Service &service, Blocks &blocks);
 
 }  // namespace model
