@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
 #include <span>
@@ -203,10 +204,44 @@ inline constexpr Key keys[] = {
 #undef KZ_NUMBER
 #undef KZ_TEXT
 
+namespace details {
+
+inline constexpr std::size_t places = static_cast<std::size_t>(Place::system_variables) + 1;
+
+inline constexpr auto rows = [] {
+  std::array<std::span<const Key>, places> made;
+  for (const Key &key : keys) {
+    std::span<const Key> &row = made[static_cast<std::size_t>(key.place)];
+    row = row.empty() ? std::span(&key, 1) : std::span(row.data(), row.size() + 1);
+  }
+  return made;
+}();
+
+// The first row of the place with the same field.
+constexpr std::size_t first_of(const Key &key) {
+  std::size_t i = 0;
+  for (const Key &row : rows[static_cast<std::size_t>(key.place)]) {
+    if (&row == &key || (row.field.size != 0 && row.field.at == key.field.at)) break;
+    ++i;
+  }
+  return i;
+}
+
+inline constexpr auto value_places = [] {
+  std::array<std::size_t, std::size(keys)> made{};
+  for (std::size_t i = 0; i < made.size(); ++i) made[i] = first_of(keys[i]);
+  return made;
+}();
+
+}  // namespace details
+
 constexpr std::span<const Key> keys_of(Place place) {
-  const auto is_there = [place](const Key &key) { return key.place == place; };
-  const Key *const first = std::find_if(std::begin(keys), std::end(keys), is_there);
-  return {first, std::find_if_not(first, std::end(keys), is_there)};
+  return details::rows[static_cast<std::size_t>(place)];
+}
+
+// Which of the values of its place a key sets; words that mean the same set the same.
+constexpr std::size_t value_place(const Key &key) {
+  return details::value_places[static_cast<std::size_t>(&key - keys)];
 }
 
 // The row of a word in a place; null for a word that has none there.
