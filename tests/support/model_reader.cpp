@@ -167,8 +167,8 @@ bool Reader::blacklist(Description &description) {
   return items([&] {
     const Key *const key = key_at(Place::blacklist);
     if (key == nullptr) return false;
-    return values_of(key->opens, key->opens == Place::remove_strategy ? description.remove
-                                                                      : description.append);
+    return values_of(
+        key->opens, key->opens == Place::remove_strategy ? description.remove : description.append);
   });
 }
 
