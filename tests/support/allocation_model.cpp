@@ -1,9 +1,10 @@
 #include "allocation_model.h"
 
-#include <algorithm>
 #include <cctype>
 #include <string_view>
 #include <utility>
+
+#include "model_input.h"
 
 namespace support {
 namespace {
@@ -19,62 +20,9 @@ struct OpenRecord {
   bool has_data = false;
 };
 
-enum class TokenType { none, open, close, equal, key };
-
 void append(std::vector<Block> &to, const std::vector<Block> &more) {
   to.insert(to.end(), more.begin(), more.end());
 }
-
-class Reader {
- public:
-  explicit Reader(std::string_view text) : text_(text) {}
-
-  TokenType next() {
-    pass_blanks();
-    if (at_ == text_.size()) return TokenType::none;
-    switch (text_[at_]) {
-      case '(':
-        ++at_;
-        return TokenType::open;
-      case ')':
-        ++at_;
-        return TokenType::close;
-      case '=':
-        ++at_;
-        return TokenType::equal;
-      default:
-        read_word();
-        return TokenType::key;
-    }
-  }
-
-  const std::string &word() const { return word_; }
-
- private:
-  static bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-
-  void pass_blanks() {
-    while (at_ < text_.size() && (is_blank(text_[at_]) || text_[at_] == '#'))
-      at_ = text_[at_] == '#' ? std::min(text_.find('\n', at_), text_.size()) : at_ + 1;
-  }
-
-  void read_word() {
-    word_.clear();
-    for (bool quoted = false; at_ < text_.size(); ++at_) {
-      const char c = text_[at_];
-      if (c == '"')
-        quoted = !quoted;
-      else if (!quoted && (is_blank(c) || c == '(' || c == ')' || c == '='))
-        return;
-      else
-        word_ += c;
-    }
-  }
-
-  std::string_view text_;
-  std::size_t at_ = 0;
-  std::string word_;
-};
 
 std::string upper(std::string text) {
   for (char &c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
@@ -86,15 +34,17 @@ class Model {
   Model(const Sample &sample, const Harm &harm) : sample_(sample), harm_(harm) {}
 
   Prediction run(std::string_view entry) {
-    Reader reader(entry);
-    bool goes_on = true;
-    for (TokenType type; goes_on && (type = reader.next()) != TokenType::none;) {
-      if (type == TokenType::key) item_key_ = last_ == TokenType::open;
-      last_ = type;
-      if (type == TokenType::open) item_records_.push_back(0);
-      if (type == TokenType::close) end_item();
-      if (type == TokenType::equal) goes_on = begin_value(reader.word());
+    model::Input input(entry);
+    for (bool goes_on = true; goes_on;) {
+      const model::Kind before = input.last();
+      if (input.next() != model::Step::good) break;
+      const model::Kind kind = input.last();
+      if (kind == model::Kind::word) item_key_ = before == model::Kind::open;
+      if (kind == model::Kind::open) item_records_.push_back(0);
+      if (kind == model::Kind::close) end_item();
+      if (kind == model::Kind::equal) goes_on = begin_value(std::string(input.word()));
     }
+    closed_ = input.last() == model::Kind::close;
     finish();
     return std::move(result_);
   }
@@ -181,12 +131,12 @@ class Model {
   }
 
   bool only_blanks_behind() const {
-    return in_file() || Reader(sample_.rest).next() == TokenType::none;
+    return in_file() || model::Input(sample_.rest).skip_space() == model::Step::end;
   }
 
   void finish() {
     const bool has_service = !open_.empty() || result_.allocations > 0;
-    const bool content = last_ == TokenType::close;
+    const bool content = closed_;
     while (content && open_.size() > 1) join_parent();
     if (content && one_completed_ && only_blanks_behind() && !open_.empty()) {
       result_.outcome = {0, 1};
@@ -203,8 +153,8 @@ class Model {
   Prediction result_;
   std::vector<OpenRecord> open_;
   std::vector<int> item_records_;  // For each open parenthesis, the records it opened.
-  TokenType last_ = TokenType::none;
-  bool item_key_ = false;  // Whether the last key stands behind a "(".
+  bool closed_ = false;            // Whether a ")" is the last token.
+  bool item_key_ = false;          // Whether the last key stands behind a "(".
   bool reserved_ = false;
   bool one_completed_ = false;
 };

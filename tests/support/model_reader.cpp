@@ -289,7 +289,7 @@ void Reader::read_literal() {
 
   Service service;
   service.name = input_.word();
-  if (description(service) && input_.expect(Kind::close) == Step::good && !input_.skip_space())
+  if (description(service) && input_.expect(Kind::close) == Step::good && input_.skip_space() == Step::end)
     give(service);
   else
     append_tags_below(service, out_.lost);
