@@ -642,8 +642,7 @@ TEST_F(RefillInADescriptor, LongHostsAtEveryPlace) {
       const bool is_built = size <= key_limit && fits(front.size(), size);
       EXPECT_EQ(outcome.status, is_built ? 0 : -1);
       EXPECT_EQ(outcome.find, is_built ? 1 : 0);
-      EXPECT_EQ(outcome.tree.find("HOST=" + letters(size) + "\n") != std::string::npos,
-                is_built);
+      EXPECT_EQ(outcome.tree.find("HOST=" + letters(size) + "\n") != std::string::npos, is_built);
       EXPECT_EQ(support::warnings_and_errors(), host_warnings(front.size(), size));
       EXPECT_EQ(support::live_blocks().size(), 0u);
     }

@@ -31,7 +31,7 @@ bool are_linked(const list_entry_t &entry) {
 // Everything in a service that is not reserved keeps its default.
 bool are_default(const KZCISystemVariables &variables) {
   std::string others;
-  support::Values(Place::system_variables, &variables).append_to(others);
+  support::append_values(others, Place::system_variables, &variables);
   return others.empty();
 }
 
@@ -90,8 +90,7 @@ void TreeChecker::text(std::string_view text, std::size_t limit, std::string_vie
 }
 
 // The same for a string copy: zeros stand from the first zero byte on.
-void TreeChecker::text_as_string(std::string_view whole, std::size_t limit,
-                                 std::string_view name) {
+void TreeChecker::text_as_string(std::string_view whole, std::size_t limit, std::string_view name) {
   check(whole == copied_as_string(whole), "%.*s goes on behind a zero byte",
         static_cast<int>(name.size()), name.data());
   check(whole.size() <= limit, "%.*s is %zu characters long", static_cast<int>(name.size()),
@@ -110,13 +109,13 @@ void TreeChecker::values(Place place, const void *record) {
             static_cast<long long>(value));
     }
     if (key.takes != support::Takes::text) continue;
-    const std::string held = support::text_in(record, key.field);
+    const std::string_view held = support::text_in(record, key.field);
     if (place == Place::system_variables)
       text_as_string(held, limit, key.word);
     else
       text(held, limit, key.word);
-    check(key.words.empty() || held.empty() || is_one_of(held, key.words), "%s is \"%s\"",
-          key.word.data(), held.c_str());
+    check(key.words.empty() || held.empty() || is_one_of(held, key.words), "%s is \"%.*s\"",
+          key.word.data(), static_cast<int>(held.size()), held.data());
   }
 }
 

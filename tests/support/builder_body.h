@@ -139,11 +139,11 @@ inline std::vector<Fault> key_faults(const Item &item) {
   };
 }
 
-// Faults behind a good value.
-inline std::vector<Fault> closing_faults(const Item &item) {
+// Faults behind a good value, after which a builder may report what it was.
+inline std::vector<Fault> closing_faults(const Item &item, const Lines &report = {}) {
   using namespace expected_log;
   const std::string text = "(" + item.key + "=" + item.value;
-  const Lines read = item_begins(item) + value(item.value);
+  const Lines read = item_begins(item) + value(item.value) + report;
   return {
       {"block behind the value", text + "(v)))",
        read + mismatch(TNS_RIGHT_PARENTHESES, TNS_LEFT_PARENTHESES), "(v)))"},
@@ -176,49 +176,6 @@ inline std::vector<Ending> good_endings() {
       {"=v)", mismatch(TNS_LEFT_PARENTHESES, TNS_EQUAL_SIGN), "=v)"},
   };
 }
-
-// What every builder does with its arguments; it is told by its name and its first
-// argument's name in the log.
-template <class Record>
-struct BuilderUnderTest {
-  sword (*build)(Record *, KZCITnsParseParams *);
-  std::string name;
-  std::string argument;
-
-  std::string call(const std::string &record, const std::string &params) const {
-    return "DEBUG call " + name + " with params [" + argument + ":" + record +
-           "], [parse_params:" + params + "]";
-  }
-
-  void expect_arguments_in_log(Record &record) const {
-    Body input(")");
-    build(&record, &input.params);
-    EXPECT_EQ(support::log_records().front(),
-              call(support::pointer_text(&record), support::pointer_text(&input.params)));
-  }
-
-  void expect_null_refusal(Record &record) const {
-    Body input("(NAME=T))");
-    EXPECT_EQ(build(nullptr, &input.params), -2);
-    EXPECT_EQ(build(&record, nullptr), -2);
-    EXPECT_EQ(build(nullptr, nullptr), -2);
-    const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-    EXPECT_EQ(joined(support::events()),
-              joined(Lines{call("NULL", "PTR")} + refusal + Lines{call("PTR", "NULL")} + refusal +
-                     Lines{call("NULL", "NULL")} + refusal));
-    EXPECT_EQ(input.unread(), "(NAME=T))");
-  }
-
-  // The record to be built cannot be allocated; the message tells the size.
-  void expect_no_memory(Record &parent, const std::string &what, const std::string &message) const {
-    Body input("(NAME=T))");
-    support::fail_allocation(1);
-    EXPECT_EQ(build(&parent, &input.params), -1);
-    EXPECT_EQ(joined(support::events()),
-              joined(Lines{call("PTR", "PTR")} + refused(what) + Lines{message}));
-    EXPECT_EQ(input.unread(), "(NAME=T))");
-  }
-};
 
 // Key words that a block refuses: every one that is not its own. Builders tell
 // of each with the line "<prefix> get key_type <n>" and an error of their own.

@@ -19,45 +19,54 @@ inline sb8 number_in(const void *record, const Field &field) {
   return field.is_signed ? load(sb4{}) : load(ub4{});
 }
 
-inline std::string text_in(const void *record, const Field &field) {
+inline std::string_view text_in(const void *record, const Field &field) {
   const char *const base = static_cast<const char *>(record);
   ub4 length = 0;
   std::memcpy(&length, base + field.length_at, sizeof length);
   return {base + field.at, length};
 }
 
+// Appends " WORD=value" for each value that is not its default.
+template <class NumberOf, class TextOf>
+void append_values(std::string &out, Place place, NumberOf number_of, TextOf text_of) {
+  const std::span<const Key> rows = keys_of(place);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    const Key &key = rows[i];
+    if (key.field.size == 0 || value_place(key) != i) continue;
+    const bool is_text = key.takes == Takes::text;
+    const sb8 number = is_text ? 0 : number_of(key);
+    const std::string_view text = is_text ? text_of(key) : std::string_view();
+    if (number == key.by_default && text.empty()) continue;
+    out.append(1, ' ').append(key.word).append(1, '=');
+    if (is_text)
+      out += text;
+    else
+      out += std::to_string(number);
+  }
+}
+
+// The same for what a record of the place holds.
+inline void append_values(std::string &out, Place place, const void *record) {
+  append_values(
+      out, place, [record](const Key &key) { return number_in(record, key.field); },
+      [record](const Key &key) { return text_in(record, key.field); });
+}
+
+// Values that belong to no record; the defaults at first.
 class Values {
  public:
-  // The defaults.
-  explicit Values(Place place) : keys_(keys_of(place)), values_(keys_.size()) {
-    for (std::size_t i = 0; i < keys_.size(); ++i) values_[i].number = keys_[i].by_default;
+  explicit Values(Place place) : place_(place), values_(keys_of(place).size()) {
+    for (std::size_t i = 0; i < values_.size(); ++i)
+      values_[i].number = keys_of(place)[i].by_default;
   }
 
-  // What a record of the place holds.
-  Values(Place place, const void *record) : Values(place) {
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-      const Key &key = keys_[i];
-      if (key.field.size == 0) continue;
-      if (key.takes == Takes::text)
-        values_[i].text = text_in(record, key.field);
-      else
-        values_[i].number = number_in(record, key.field);
-    }
-  }
+  sb8 &number(const Key &key) { return values_[value_place(key)].number; }
+  std::string &text(const Key &key) { return values_[value_place(key)].text; }
 
-  sb8 &number(const Key &key) { return values_[first_of(key)].number; }
-  std::string &text(const Key &key) { return values_[first_of(key)].text; }
-
-  // " WORD=value" for each value that is not its default.
   void append_to(std::string &out) const {
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-      const Key &key = keys_[i];
-      const auto &[number, text] = values_[i];
-      if (key.field.size == 0 || first_of(key) != i) continue;
-      if (number == key.by_default && text.empty()) continue;
-      out.append(1, ' ').append(key.word).append(1, '=');
-      out += key.takes == Takes::text ? text : std::to_string(number);
-    }
+    append_values(
+        out, place_, [this](const Key &key) { return values_[value_place(key)].number; },
+        [this](const Key &key) { return std::string_view(values_[value_place(key)].text); });
   }
 
  private:
@@ -66,15 +75,7 @@ class Values {
     std::string text = {};
   };
 
-  // Words that mean the same share the value of the first one.
-  std::size_t first_of(const Key &key) const {
-    std::size_t i = 0;
-    while (&keys_[i] != &key && (keys_[i].field.size == 0 || keys_[i].field.at != key.field.at))
-      ++i;
-    return i;
-  }
-
-  std::span<const Key> keys_;
+  Place place_;
   std::vector<Value> values_;
 };
 

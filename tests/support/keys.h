@@ -6,6 +6,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <iterator>
 #include <span>
@@ -58,9 +59,9 @@ struct Key {
   Place place;
   Takes takes;
   Field field = {};
-  std::string_view label = {};  // in the dump; empty: not printed
-  sb8 by_default = 0;           // texts are empty by default
-  std::size_t limit = 0;        // longest text
+  std::string_view label = {};       // in the dump; empty: not printed
+  sb8 by_default = 0;                // texts are empty by default
+  std::size_t limit = 0;             // longest text
   std::span<const Word> words = {};  // the only ones; of a text too, if it has any
   std::string_view complaint = {};   // about any other word
   Kept kept = as_read;
@@ -91,21 +92,20 @@ constexpr Key text_key(std::string_view word, KZCILBKeyType type, int number, Pl
 constexpr Key word_key(std::string_view word, KZCILBKeyType type, int number, Place place,
                        Field field, std::string_view label, sb8 by_default,
                        std::span<const Word> words, std::string_view complaint) {
-  return {word,       type, number, place,    Takes::word, field, label,
-          by_default, 0,    words,  complaint};
+  return {word, type, number, place, Takes::word, field, label, by_default, 0, words, complaint};
 }
 
 inline constexpr Word on_off[] = {{"ON", 1}, {"OFF", 0}};
 inline constexpr Word group_words[] = {{"ROTATION", 0}};
-inline constexpr Word list_words[] = {{"RANDOM", 1001}, {"SERVERAFFINITY", 1002}, {"ROTATION", 1003}};
+inline constexpr Word list_words[] = {
+    {"RANDOM", 1001}, {"SERVERAFFINITY", 1002}, {"ROTATION", 1003}};
 inline constexpr Word remove_words[] = {{"TIMEOUT", 2001}};
 inline constexpr Word append_words[] = {{"RETRYDURATION", 3001}};
 inline constexpr Word tcp[] = {{"TCP"}};
 
-#define KZ_NUMBER(record, field)                                             \
-  Field {                                                                    \
-    offsetof(record, field), sizeof(record::field), 0,                       \
-        std::is_signed_v<decltype(record::field)>                            \
+#define KZ_NUMBER(record, field)                                                                 \
+  Field {                                                                                        \
+    offsetof(record, field), sizeof(record::field), 0, std::is_signed_v<decltype(record::field)> \
   }
 #define KZ_TEXT(record, field) \
   Field { offsetof(record, field), sizeof(record::field), offsetof(record, field##_len) }
@@ -121,8 +121,8 @@ inline constexpr Key keys[] = {
     word_key("KZLB", LB_KZLB, 2, Place::description, KZ_NUMBER(KZCIDescription, kzlb), "kzlb", 0,
              on_off, "parse LB_KZLB get wrong key:"),
     word_key("KZLB_GROUP_STRATEGY", LB_KZLB_GROUP_STRATEGY, 6, Place::description,
-             KZ_NUMBER(KZCIDescription, kzlb_group_strategy), "kzlb_group_strategy", 0,
-             group_words, "parse LB_KZLB_GROUP_STRATEGY get wrong key:"),
+             KZ_NUMBER(KZCIDescription, kzlb_group_strategy), "kzlb_group_strategy", 0, group_words,
+             "parse LB_KZLB_GROUP_STRATEGY get wrong key:"),
     integer_key("KZLB_RETRY_ALL_DOWNS", LB_KZLB_RETRY_ALL_DOWNS, 7, Place::description,
                 KZ_NUMBER(KZCIDescription, retry_all_downs), "retry_all_downs", 120),
     integer_key("KZLB_RETRY_TIMEOUT", LB_KZLB_RETRY_TIMEOUT, 8, Place::description,
@@ -157,8 +157,8 @@ inline constexpr Key keys[] = {
              KZ_TEXT(KZCIConnectData, user_extra_info), "extra_info", 256),
     text_key("SESSION_VARIABLE", LB_SESSION_VARIABLE, 32, Place::connect_data,
              KZ_TEXT(KZCIConnectData, session_variable), "session_variable", 256),
-    integer_key("KZ_MODE", LB_KZ_MODE, 27, Place::connect_data,
-                KZ_NUMBER(KZCIConnectData, kz_mode), "kzmode"),
+    integer_key("KZ_MODE", LB_KZ_MODE, 27, Place::connect_data, KZ_NUMBER(KZCIConnectData, kz_mode),
+                "kzmode"),
     integer_key("USE_DEFAULT_SID", LB_USE_DEFAULT_SID, 28, Place::connect_data,
                 KZ_NUMBER(KZCIConnectData, use_default_sid), "use_default_sid"),
 
@@ -203,10 +203,44 @@ inline constexpr Key keys[] = {
 #undef KZ_NUMBER
 #undef KZ_TEXT
 
+namespace details {
+
+inline constexpr std::size_t places = static_cast<std::size_t>(Place::system_variables) + 1;
+
+inline constexpr auto rows = [] {
+  std::array<std::span<const Key>, places> made;
+  for (const Key &key : keys) {
+    std::span<const Key> &row = made[static_cast<std::size_t>(key.place)];
+    row = row.empty() ? std::span(&key, 1) : std::span(row.data(), row.size() + 1);
+  }
+  return made;
+}();
+
+// The first row of the place with the same field.
+constexpr std::size_t first_of(const Key &key) {
+  std::size_t i = 0;
+  for (const Key &row : rows[static_cast<std::size_t>(key.place)]) {
+    if (&row == &key || (row.field.size != 0 && row.field.at == key.field.at)) break;
+    ++i;
+  }
+  return i;
+}
+
+inline constexpr auto value_places = [] {
+  std::array<std::size_t, std::size(keys)> made{};
+  for (std::size_t i = 0; i < made.size(); ++i) made[i] = first_of(keys[i]);
+  return made;
+}();
+
+}  // namespace details
+
 constexpr std::span<const Key> keys_of(Place place) {
-  const auto is_there = [place](const Key &key) { return key.place == place; };
-  const Key *const first = std::find_if(std::begin(keys), std::end(keys), is_there);
-  return {first, std::find_if_not(first, std::end(keys), is_there)};
+  return details::rows[static_cast<std::size_t>(place)];
+}
+
+// Which of the values of its place a key sets; words that mean the same set the same.
+constexpr std::size_t value_place(const Key &key) {
+  return details::value_places[static_cast<std::size_t>(&key - keys)];
 }
 
 // The row of a word in a place; null for a word that has none there.

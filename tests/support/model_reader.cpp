@@ -303,7 +303,8 @@ void Reader::read_literal() {
   service.name = input_.word();
   const std::string allocated =
       block_of(sizeof(KZCITnsService) + service.name.size(), "KZCITnsBuildDes");
-  if (description(service) && input_.expect(Kind::close) == Step::good && !input_.skip_space())
+  if (description(service) && input_.expect(Kind::close) == Step::good &&
+      input_.skip_space() == Step::end)
     give(service, allocated);
   else
     append_blocks_below(service, out_.lost);

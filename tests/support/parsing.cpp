@@ -15,13 +15,13 @@ std::string read_all(std::FILE *file) {
 
 void append_address(std::string &out, const KZCIAddress &address) {
   out += "      address";
-  Values(Place::address, &address).append_to(out);
+  append_values(out, Place::address, &address);
   out += '\n';
 }
 
 void append_list(std::string &out, const KZCIAddressList &list) {
   out += "    list";
-  Values(Place::address_list, &list).append_to(out);
+  append_values(out, Place::address_list, &list);
   out += " addresses=" + std::to_string(list.address_count) + '\n';
   KZCIAddress *address = list.address;
   for (ub4 i = 0; i < list.address_count; ++i, address = KZCIAddressNext(address))
@@ -30,18 +30,18 @@ void append_list(std::string &out, const KZCIAddressList &list) {
 
 void append_description(std::string &out, const KZCIDescription &des) {
   out += "  description";
-  Values(Place::description, &des).append_to(out);
+  append_values(out, Place::description, &des);
   out += " remove";
-  Values(Place::remove_strategy, &des.black_list_conf).append_to(out);
+  append_values(out, Place::remove_strategy, &des.black_list_conf);
   out += " append";
-  Values(Place::append_strategy, &des.black_list_conf).append_to(out);
+  append_values(out, Place::append_strategy, &des.black_list_conf);
   out += " lists=" + std::to_string(des.address_list_count) + '\n';
   KZCIAddressList *list = des.address_list;
   for (ub4 i = 0; i < des.address_list_count; ++i, list = KZCIAddressListNext(list))
     append_list(out, *list);
   if (des.connect_data == nullptr) return;
   out += "    data";
-  Values(Place::connect_data, des.connect_data).append_to(out);
+  append_values(out, Place::connect_data, des.connect_data);
   out += '\n';
 }
 
@@ -72,7 +72,7 @@ std::string full_tree(const KZCITns &tns) {
     for (ub4 d = 0; d < service->description_count; ++d, des = KZCIDescriptionNext(des))
       append_description(out, *des);
     out += "  variables";
-    Values(Place::system_variables, &service->sys_vars).append_to(out);
+    append_values(out, Place::system_variables, &service->sys_vars);
     out += '\n';
   }
   return out;
