@@ -8,6 +8,7 @@
 //
 // The variant chooses the name of a service, the key type of a system variable,
 // and for the others whether the parent has a child already.
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -17,11 +18,13 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/target.h"
 #include "fuzz/support/tree_checks.h"
+#include "tests/support/key_values.h"
 #include "tests/support/parsing.h"
 
 namespace {
 
 using fuzz::check;
+using support::Place;
 
 constexpr std::string_view letters = "SDLACBRPV";
 // The names and children that parents have stand here, beside the input, when it
@@ -94,66 +97,44 @@ void take_back_connect_data(KZCIDescription &after, const KZCIDescription &befor
   after.connect_data = nullptr;
 }
 
-void take_back_removal(KZCIBlacklistConf &after, const KZCIBlacklistConf &before,
-                       const KZCITnsParseParams &, sword) {
-  after.remove_strategy = before.remove_strategy;
-  after.remove_timeout = before.remove_timeout;
+void take_back_bytes(void *after, const void *before, std::size_t at, std::size_t size) {
+  std::memcpy(static_cast<char *>(after) + at, static_cast<const char *>(before) + at, size);
 }
 
-void take_back_append(KZCIBlacklistConf &after, const KZCIBlacklistConf &before,
-                      const KZCITnsParseParams &, sword) {
-  after.append_strategy = before.append_strategy;
-  after.retry_times = before.retry_times;
-  after.duration = before.duration;
+void take_back_value(const support::Key &key, void *after, const void *before) {
+  take_back_bytes(after, before, key.field.at, key.field.size);
+  if (key.takes == support::Takes::text)
+    take_back_bytes(after, before, key.field.length_at, sizeof(ub4));
 }
 
-void take_back_blacklist(KZCIBlacklistConf &after, const KZCIBlacklistConf &before,
-                         const KZCITnsParseParams &params, sword status) {
-  take_back_removal(after, before, params, status);
-  take_back_append(after, before, params, status);
-}
-
-template <std::size_t size>
-void take_back_text(char (&after)[size], const char (&before)[size], ub4 &after_length,
-                    ub4 before_length, sword status) {
-  check(status == 0 || after_length == before_length, "a text of %u is stored, status %d",
-        after_length, status);
-  std::memcpy(after, before, size);
-  after_length = before_length;
+template <Place... places>
+void take_back_strategies(KZCIBlacklistConf &after, const KZCIBlacklistConf &before,
+                          const KZCITnsParseParams &, sword) {
+  for (const Place place : {places...})
+    for (const support::Key &key : support::keys_of(place)) take_back_value(key, &after, &before);
 }
 
 void take_back_variable(KZCISystemVariables &after, const KZCISystemVariables &before,
                         const KZCITnsParseParams &params, sword status) {
-  switch (params.key_type) {
-    case LB_SLOWSQL_THRESHOLD:
-      after.slowsql_threshold = before.slowsql_threshold;
-      break;
-    case LB_SLOWSQL_BUFFER_SIZE:
-      after.slowsql_buffer_size = before.slowsql_buffer_size;
-      break;
-    case LB_SLOWSQL_FLUSH_SECOND:
-      after.slowsql_flush_second = before.slowsql_flush_second;
-      break;
-    case LB_LOG_SIZE:
-      check(after.log_size >= 0x100000, "log size %lld", static_cast<long long>(after.log_size));
-      after.log_size = before.log_size;
-      break;
-    case LB_LOG_COUNT:
-      after.log_count = before.log_count;
-      break;
-    case LB_SESSION_VARIABLE:
-      return take_back_text(after.session_variable, before.session_variable,
-                            after.session_variable_len, before.session_variable_len, status);
-    case LB_LOG_LEVEL:
-      return take_back_text(after.log_level, before.log_level, after.log_level_len,
-                            before.log_level_len, status);
-    case LB_LOG_PATH:
-      return take_back_text(after.log_path, before.log_path, after.log_path_len,
-                            before.log_path_len, status);
-    default:
-      check(status == 0, "status %d for a key that is no variable", status);
+  const auto variables = support::keys_of(Place::system_variables);
+  const auto key =
+      std::find_if(variables.begin(), variables.end(),
+                   [&params](const support::Key &row) { return row.type == params.key_type; });
+  if (key == variables.end()) {
+    check(status == 0, "status %d for a key that is no variable", status);
+    return;
   }
-  check(status == 0 || status == -1, "status %d for a number", status);
+  if (key->takes == support::Takes::text) {
+    const std::size_t length = support::text_in(&after, key->field).size();
+    check(status == 0 || length == support::text_in(&before, key->field).size(),
+          "a text of %zu is stored, status %d", length, status);
+  } else {
+    const sb8 number = support::number_in(&after, key->field);
+    check(key->type != LB_LOG_SIZE || number >= 0x100000, "log size %lld",
+          static_cast<long long>(number));
+    check(status == 0 || status == -1, "status %d for a number", status);
+  }
+  take_back_value(*key, &after, &before);
 }
 
 // What a builder shows to its caller and leaves in the parse state.
@@ -320,11 +301,14 @@ using BlacklistBuilder = Builder<KZCIBlacklistConf>;
 
 Outcome build_blacklist(KZCITnsParseParams &params, const Choices &choices) {
   constexpr auto no_clear = nothing_to_clear<KZCIBlacklistConf>;
-  constexpr BlacklistBuilder whole = {KZCIBlacklistConfBuild, no_clear, take_back_blacklist,
-                                      Verdict::last_token};
-  constexpr BlacklistBuilder removal = {KZCIRemoveStrategyBuild, no_clear, take_back_removal,
+  constexpr BlacklistBuilder whole = {
+      KZCIBlacklistConfBuild, no_clear,
+      take_back_strategies<Place::remove_strategy, Place::append_strategy>, Verdict::last_token};
+  constexpr BlacklistBuilder removal = {KZCIRemoveStrategyBuild, no_clear,
+                                        take_back_strategies<Place::remove_strategy>,
                                         Verdict::last_token};
-  constexpr BlacklistBuilder append = {KZCIAppendStrategyBuild, no_clear, take_back_append,
+  constexpr BlacklistBuilder append = {KZCIAppendStrategyBuild, no_clear,
+                                       take_back_strategies<Place::append_strategy>,
                                        Verdict::last_token};
   const BlacklistBuilder &builder = choices.builder == 'B'   ? whole
                                     : choices.builder == 'R' ? removal

@@ -15,7 +15,7 @@
 #include "fuzz/support/input.h"
 #include "fuzz/support/plain_tokenizer.h"
 #include "fuzz/support/target.h"
-#include "tests/support/model_words.h"
+#include "tests/support/keys.h"
 #include "tests/support/parsing.h"
 
 namespace {
@@ -39,11 +39,11 @@ KZCITnsTokenType type_of(char operation) {
   return operation == '=' ? TNS_EQUAL_SIGN : TNS_KEY;
 }
 
-bool is_key_word(std::string key) {
-  std::transform(key.begin(), key.end(), key.begin(),
+bool is_key_word(std::string word) {
+  std::transform(word.begin(), word.end(), word.begin(),
                  [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  return std::find(std::begin(model::key_words), std::end(model::key_words), key) !=
-         std::end(model::key_words);
+  return std::any_of(std::begin(support::keys), std::end(support::keys),
+                     [&word](const support::Key &key) { return key.word == word; });
 }
 
 // Looking up a key consumes nothing and fails for no key.

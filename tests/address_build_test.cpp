@@ -34,9 +34,6 @@ Lines address_failed(sword status) {
 
 class AddressBuild : public ::testing::Test {
  protected:
-  const BuilderUnderTest<KZCIAddressList> builder = {KZCIAddressBuild, "KZCIAddressBuild",
-                                                     "address_list"};
-
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIAddressListInit(&list_), 0);
@@ -108,20 +105,6 @@ TEST_F(AddressBuild, LogsEveryStepOfAGoodAddress) {
   EXPECT_EQ(list_.address->weight, 2);
   EXPECT_EQ(input.unread(), ") (next");
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
-}
-
-TEST_F(AddressBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(list_); }
-
-TEST_F(AddressBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  builder.expect_null_refusal(list_);
-}
-
-TEST_F(AddressBuild, NoMemoryLeavesTheInputUnread) {
-  builder.expect_no_memory(
-      list_, address_block,
-      "ERROR malloc address error, malloc size:" + std::to_string(sizeof(KZCIAddress)));
-  EXPECT_EQ(list_.address, nullptr);
-  EXPECT_EQ(list_.address_count, 0u);
 }
 
 TEST_F(AddressBuild, AbsentKeysLeaveTheDefaults) {
@@ -317,23 +300,6 @@ TEST_F(AddressBuild, OtherProtocolBehindTcpIsRefused) {
   }
 }
 
-TEST_F(AddressBuild, WeightIsAnySignedInteger) {
-  for (const GoodInteger &row : good_integers) {
-    SCOPED_TRACE(row.text);
-    const KZCIAddress *address = good("(WEIGHT="s + row.text + ")");
-    ASSERT_NE(address, nullptr);
-    EXPECT_EQ(address->weight, row.number);
-    EXPECT_EQ(support::warnings_and_errors(), block_end());
-  }
-}
-
-TEST_F(AddressBuild, WeightThatIsNoIntegerIsRefused) {
-  for (const std::string &text : bad_integers()) {
-    expect_failure({"weight", "(WEIGHT=" + text + "))",
-                    read_item(weight_item, unquoted(text)) + not_a_number(unquoted(text)), "))"});
-  }
-}
-
 TEST_F(AddressBuild, WeightMinusFive) {
   const KZCIAddress *address = good("(WEIGHT=-5)");
   ASSERT_NE(address, nullptr);
@@ -353,8 +319,6 @@ TEST_F(AddressBuild, WeightWithATrailingLetterOrWithoutValueIsRefused) {
 }
 
 TEST_F(AddressBuild, HostAndPortThatCannotBeRead) {
-  expect_failures(missing_values(host_item, no_text(), 100));
-  expect_failures(missing_values(port_item, no_text(), 100));
   for (const Item &item : {host_item, port_item}) {
     const Lines cut_off = item_begins(item) + key_cut_off(mode) + no_text();
     expect_failure({"end inside a value", "(" + item.key + "=12", cut_off, "", 100});
@@ -364,7 +328,6 @@ TEST_F(AddressBuild, HostAndPortThatCannotBeRead) {
 }
 
 TEST_F(AddressBuild, ProtocolThatCannotBeReadIsCheckedAsItStands) {
-  expect_failures(missing_values(protocol_item, no_text()));
   const Lines begins = item_begins(protocol_item);
   expect_failure(
       {"end inside a value", "(PROTOCOL=TCP", begins + key_cut_off(mode) + no_text(), "", -1});
@@ -374,10 +337,6 @@ TEST_F(AddressBuild, ProtocolThatCannotBeReadIsCheckedAsItStands) {
       {"end behind TCP", "(PROTOCOL=TCP)(PROTOCOL=", first + input_end(mode) + no_text(), "", 100});
   expect_failure({"end inside a value behind TCP", "(PROTOCOL=TCP)(PROTOCOL=UDP",
                   first + key_cut_off(mode) + no_text(), "", 100});
-}
-
-TEST_F(AddressBuild, WeightThatCannotBeReadConvertsItsKeyWord) {
-  expect_failures(missing_values(weight_item, not_a_number("WEIGHT")));
 }
 
 // The new characters stand over the key word "WEIGHT", six characters long.
@@ -403,21 +362,6 @@ TEST_F(AddressBuild, WeightOfTooManyDigitsConvertsTheFirstSix) {
                   begins + key_too_long() + not_a_number("wwwwww"), ""});
 }
 
-TEST_F(AddressBuild, EmptyBlockIsRefused) {
-  expect_failure(
-      {"empty",
-       ")",
-       {"WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1"},
-       ")"});
-}
-
-TEST_F(AddressBuild, FaultsInFrontOfAValue) { expect_failures(key_faults(host_item)); }
-
-TEST_F(AddressBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(host_item));
-  expect_failures(closing_faults(weight_item));
-}
-
 TEST_F(AddressBuild, UnknownWordFailsWithStatusMinusOne) {
   expect_failure(
       {"unknown word", "(HOST=h)(HOSTNAME=h))",
@@ -425,52 +369,6 @@ TEST_F(AddressBuild, UnknownWordFailsWithStatusMinusOne) {
                                          "DEBUG fail to find key, key size:8, key str:HOSTNAME",
                                          "ERROR get error key type"},
        "=h))", -1});
-}
-
-TEST_F(AddressBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"PROTOCOL", "HOST", "PORT", "WEIGHT"}, "KZCIAddressBuild ",
-                    "KZCIAddressBuild get error key_type");
-  EXPECT_EQ(faults.size(), 34u);
-  expect_failures(faults);
-}
-
-TEST_F(AddressBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    SCOPED_TRACE(ending.text);
-    support::reset_platform();
-    KZCIAddressListInit(&list_);
-    Body input("(HOST=h)" + ending.text);
-    ASSERT_EQ(KZCIAddressBuild(&list_, &input.params), 0);
-    EXPECT_EQ(joined(support::events()),
-              joined(address_call() + allocated(address_block) + refill(mode) +
-                     read_item(host_item, "h") + ending.log));
-    EXPECT_EQ(input.unread(), ending.unread);
-    EXPECT_EQ(list_.address_count, 1u);
-    EXPECT_EQ(host_of(*list_.address), "h");
-  }
-}
-
-TEST_F(AddressBuild, ValueContinuesAcrossARefill) {
-  const std::string blanks(1024 - 8, ' ');
-  Body input(blanks + "(HOST=hosts)(PORT=1))");
-  ASSERT_EQ(KZCIAddressBuild(&list_, &input.params), 0);
-  EXPECT_EQ(
-      joined(support::events()),
-      joined(address_call() + allocated(address_block) + refill(mode) + item_begins(host_item) +
-             refill(mode) + value("hosts") + read_item(port_item, "1") + block_end()));
-  EXPECT_EQ(host_of(*list_.address), "hosts");
-  EXPECT_EQ(input.unread(), ")");
-}
-
-TEST_F(AddressBuild, ReadsFromAFileAsWell) {
-  support::FileState file("(HOST=h)(PORT=1))");
-  file.params.tns_token_type = TNS_EQUAL_SIGN;
-  ASSERT_EQ(KZCIAddressBuild(&list_, &file.params), 0);
-  EXPECT_EQ(joined(support::events()),
-            joined(address_call() + allocated(address_block) + refill(TNS_MODE_FILE) +
-                   read_item(host_item, "h") + read_item(port_item, "1") + block_end()));
-  EXPECT_EQ(host_of(*list_.address), "h");
 }
 
 TEST_F(AddressBuild, LinksASingleAddressToItself) {
@@ -556,9 +454,6 @@ Lines wrong_strategy(const std::string &text) {
 
 class AddressListBuild : public ::testing::Test {
  protected:
-  const BuilderUnderTest<KZCIDescription> builder = {KZCIAddressListBuild, "KZCIAddressListBuild",
-                                                     "des"};
-
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIDescriptionInit(&des_), 0);
@@ -635,19 +530,6 @@ TEST_F(AddressListBuild, LogsEveryStepOfAGoodList) {
   EXPECT_EQ(KZCIAddressNext(list->address)->weight, 1);
   EXPECT_EQ(input.unread(), ")");
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
-}
-
-TEST_F(AddressListBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(des_); }
-
-TEST_F(AddressListBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  builder.expect_null_refusal(des_);
-}
-
-TEST_F(AddressListBuild, NoMemoryForTheListLeavesTheInputUnread) {
-  builder.expect_no_memory(
-      des_, list_block,
-      "ERROR malloc address_list error, malloc size:" + std::to_string(sizeof(KZCIAddressList)));
-  EXPECT_EQ(des_.address_list, nullptr);
 }
 
 TEST_F(AddressListBuild, NoMemoryForTheFirstAddressReleasesTheList) {
@@ -803,10 +685,6 @@ TEST_F(AddressListBuild, StrategyRoIsRotationAndRIsRandom) {
   EXPECT_EQ(random->kzlb_strategy, LB_OPTION_RANDOM);
 }
 
-TEST_F(AddressListBuild, SwitchThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(kzlb_item, wrong_switch("KZLB")));
-}
-
 // The new characters stand over the key word "KZLB", four characters long.
 TEST_F(AddressListBuild, SwitchThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(kzlb_item) + key_cut_off(mode);
@@ -822,10 +700,6 @@ TEST_F(AddressListBuild, SwitchThatTheEndCutsOffComparesWhatTheKeyHolds) {
                   item_begins(kzlb_item) + key_too_long() + wrong_switch("OOOO"), ""});
 }
 
-TEST_F(AddressListBuild, StrategyThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(strategy_item, wrong_strategy("KZLB_STRATEGY")));
-}
-
 // "SERVERAFFINIT" fills the thirteen characters of the key word and matches.
 TEST_F(AddressListBuild, StrategyThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(strategy_item) + key_cut_off(mode);
@@ -838,46 +712,6 @@ TEST_F(AddressListBuild, StrategyThatTheEndCutsOffComparesWhatTheKeyHolds) {
       {"zero byte", "(KZLB_STRATEGY=RO\0"s, cut_off + wrong_strategy("RO"), ""},
       {"zero byte behind a name", "(KZLB_STRATEGY=random\0"s, cut_off, ""},
   });
-}
-
-TEST_F(AddressListBuild, EmptyBlockIsRefused) {
-  expect_failure(
-      {"empty",
-       ")",
-       {"WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1"},
-       ")"});
-}
-
-TEST_F(AddressListBuild, FaultsInFrontOfAValue) {
-  expect_failures(key_faults(kzlb_item));
-  expect_failures(key_faults(strategy_item));
-}
-
-TEST_F(AddressListBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(kzlb_item));
-  expect_failures(closing_faults(strategy_item));
-}
-
-TEST_F(AddressListBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"ADDRESS", "KZLB", "KZLB_STRATEGY"}, "KZCIAddressListBuild ",
-                    "KZCIAddressListBuild get error key_type");
-  EXPECT_EQ(faults.size(), 35u);
-  expect_failures(faults);
-}
-
-TEST_F(AddressListBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    SCOPED_TRACE(ending.text);
-    support::reset_platform();
-    KZCIDescriptionInit(&des_);
-    Body input("(ADDRESS=(HOST=h))" + ending.text);
-    ASSERT_EQ(KZCIAddressListBuild(&des_, &input.params), 0);
-    EXPECT_EQ(joined(support::events()),
-              joined(list_begins() + address_of("h") + ending.log + list_built(1)));
-    EXPECT_EQ(input.unread(), ending.unread);
-    EXPECT_EQ(des_.address_list_count, 1u);
-  }
 }
 
 // The last token consumed is the ")" of the address's own item.
@@ -995,15 +829,6 @@ TEST_F(AddressListBuild, FailureLeavesTheDescriptionAsItWas) {
   EXPECT_EQ(des_.address_list_count, 1u);
   EXPECT_EQ(first->le.next, &first->le);
   EXPECT_EQ(live(), Lines{list_block});
-}
-
-TEST_F(AddressListBuild, ReadsFromAFileAsWell) {
-  support::FileState file("(ADDRESS=(HOST=h)))");
-  file.params.tns_token_type = TNS_EQUAL_SIGN;
-  ASSERT_EQ(KZCIAddressListBuild(&des_, &file.params), 0);
-  EXPECT_EQ(joined(support::events()),
-            joined(address_list_call() + allocated(list_block) + refill(TNS_MODE_FILE) +
-                   address_of("h") + block_end() + list_built(1)));
 }
 
 }  // namespace

@@ -107,15 +107,6 @@ class BlacklistTest : public ::testing::Test {
     for (const Left &row : rows) expect_failure(row.fault, row.record);
   }
 
-  void expect_null_refusal(const std::string &call, const std::string &argument) {
-    BuilderUnderTest<KZCIBlacklistConf>{builder_, call, argument}.expect_null_refusal(black_);
-    EXPECT_EQ(shown(black_), untouched);
-  }
-
-  void expect_arguments_in_log(const std::string &call, const std::string &argument) {
-    BuilderUnderTest<KZCIBlacklistConf>{builder_, call, argument}.expect_arguments_in_log(black_);
-  }
-
   Lines built() const { return {"DEBUG success to call " + name_}; }
   Lines failed() const { return {"ERROR something error in " + name_}; }
 
@@ -156,14 +147,6 @@ TEST_F(RemoveStrategyBuild, LogsEveryStepOfAGoodBlock) {
   EXPECT_EQ(input.unread(), ")(next");
 }
 
-TEST_F(RemoveStrategyBuild, NamesItsArgumentsInTheLog) {
-  expect_arguments_in_log("KZCIAddressListBuild", "black");
-}
-
-TEST_F(RemoveStrategyBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  expect_null_refusal("KZCIAddressListBuild", "black");
-}
-
 TEST_F(RemoveStrategyBuild, NameIsALeadingPartOfTimeout) {
   for (const std::string &text : {"TIMEOUT"s, "timeout"s, "time"s, "T"s, "TimeOu"s, "\"\""s,
                                   "\"time\""s, "TIMEOUT\0"s, "timeout\0zzz"s}) {
@@ -188,15 +171,6 @@ TEST_F(RemoveStrategyBuild, NameTimeIsAcceptedAndTheAppendNameIsNot) {
        item_begins(remove_name) + Lines{"DEBUG get key size:13, key:RETRYDURATION",
                                         "ERROR parse LB_NAME get wrong key:RETRYDURATION"},
        "))"});
-}
-
-TEST_F(RemoveStrategyBuild, TimeoutIsAnySignedInteger) {
-  for (const GoodInteger &row : good_integers) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(good("(TIMEOUT="s + row.text + ")"),
-              "3003," + std::to_string(row.number) + ",3003,1,10");
-    EXPECT_EQ(support::warnings_and_errors(), block_end());
-  }
 }
 
 TEST_F(RemoveStrategyBuild, RefusedTimeoutStaysInTheRecord) {
@@ -244,10 +218,6 @@ TEST_F(RemoveStrategyBuild, ValuesReadBeforeAFaultStay) {
   });
 }
 
-TEST_F(RemoveStrategyBuild, NameThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(remove_name, wrong_name("NAME")));
-}
-
 // The new characters stand over the key word "NAME", four characters long.
 TEST_F(RemoveStrategyBuild, NameThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(remove_name) + key_cut_off(mode);
@@ -260,10 +230,6 @@ TEST_F(RemoveStrategyBuild, NameThatTheEndCutsOffComparesWhatTheKeyHolds) {
       {{"beyond", "(NAME=TIMELESS", cut_off, ""}, stored},
       {{"other", "(NAME=RETRY", cut_off + wrong_name("RETR"), ""}, untouched},
   });
-}
-
-TEST_F(RemoveStrategyBuild, TimeoutThatCannotBeReadConvertsItsKeyWord) {
-  expect_failures(missing_values(timeout_item, not_a_number("TIMEOUT")), "3003,0,3003,1,10");
 }
 
 // The new characters stand over the key word "TIMEOUT", seven characters long.
@@ -290,38 +256,12 @@ TEST_F(RemoveStrategyBuild, TimeoutOf257DigitsIsCutAndOverflows) {
                  "3003,-1,3003,1,10");
 }
 
-TEST_F(RemoveStrategyBuild, EmptyBlockIsRefused) { expect_failure({"", ")", block_end(), ")"}); }
-
-TEST_F(RemoveStrategyBuild, FaultsInFrontOfAValue) {
-  expect_failures(key_faults(remove_name));
-  expect_failures(key_faults(timeout_item));
-}
-
-TEST_F(RemoveStrategyBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(remove_name), "2001,50,3003,1,10");
-  expect_failures(closing_faults(timeout_item), "3003,30,3003,1,10");
-}
-
 TEST_F(RemoveStrategyBuild, HostIsRefused) {
   expect_failure({"host",
                   "(HOST=x))",
                   {"DEBUG get key size:4, key:HOST", "DEBUG succ to find key, key is:20",
                    "DEBUG KZCIRemoveStrategyBuild get key_type 20", "ERROR get error key_type"},
                   "x))"});
-}
-
-TEST_F(RemoveStrategyBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"NAME", "TIMEOUT"}, "KZCIRemoveStrategyBuild ", "get error key_type");
-  EXPECT_EQ(faults.size(), 36u);
-  expect_failures(faults);
-}
-
-TEST_F(RemoveStrategyBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    expect_good("(TIMEOUT=30)" + ending.text, read_item(timeout_item, "30") + ending.log,
-                ending.unread, "3003,30,3003,1,10");
-  }
 }
 
 // ------------------------------------------------------------ append strategy
@@ -356,14 +296,6 @@ TEST_F(AppendStrategyBuild, LogsEveryStepOfAGoodBlock) {
   EXPECT_EQ(input.unread(), ")(next");
 }
 
-TEST_F(AppendStrategyBuild, NamesItsArgumentsInTheLog) {
-  expect_arguments_in_log("KZCIAddressListBuild", "black");
-}
-
-TEST_F(AppendStrategyBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  expect_null_refusal("KZCIAddressListBuild", "black");
-}
-
 TEST_F(AppendStrategyBuild, NameIsALeadingPartOfRetryDuration) {
   for (const std::string &text :
        {"RETRYDURATION"s, "retryduration"s, "RETRY"s, "r"s, "RetryDuratio"s, "\"\""s, "\"RETRY\""s,
@@ -395,17 +327,6 @@ TEST_F(AppendStrategyBuild, BothSpellingsSetTheRetryTimes) {
   EXPECT_EQ(good("(RETRY_TIMES=5)"), "3003,50,3003,5,10");
   EXPECT_EQ(good("(retry_times=5)(RetryTimes=6)"), "3003,50,3003,6,10");
   EXPECT_EQ(good("(RETRYTIMES=5)(RETRY_TIMES=7)"), "3003,50,3003,7,10");
-}
-
-TEST_F(AppendStrategyBuild, IntegersAreKeptAsWritten) {
-  for (const GoodInteger &row : good_integers) {
-    SCOPED_TRACE(row.text);
-    const std::string number = std::to_string(row.number);
-    EXPECT_EQ(good("(RETRYTIMES="s + row.text + ")"), "3003,50,3003," + number + ",10");
-    EXPECT_EQ(good("(RETRY_TIMES="s + row.text + ")"), "3003,50,3003," + number + ",10");
-    EXPECT_EQ(good("(DURATION="s + row.text + ")"), "3003,50,3003,1," + number);
-    EXPECT_EQ(support::warnings_and_errors(), block_end());
-  }
 }
 
 TEST_F(AppendStrategyBuild, DurationMinusOneIsStoredAndAWordOrNothingIsRefused) {
@@ -467,10 +388,6 @@ TEST_F(AppendStrategyBuild, ValuesReadBeforeAFaultStay) {
   });
 }
 
-TEST_F(AppendStrategyBuild, NameThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(append_name, wrong_name("NAME")));
-}
-
 TEST_F(AppendStrategyBuild, NameThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(append_name) + key_cut_off(mode);
   const std::string stored = "3003,50,3001,1,10";
@@ -480,12 +397,6 @@ TEST_F(AppendStrategyBuild, NameThatTheEndCutsOffComparesWhatTheKeyHolds) {
       {{"whole", "(NAME=RETRYDURATION", cut_off, ""}, stored},
       {{"other", "(NAME=TIMEOUT", cut_off + wrong_name("TIME"), ""}, untouched},
   });
-}
-
-TEST_F(AppendStrategyBuild, NumbersThatCannotBeReadConvertTheirKeyWord) {
-  expect_failures(missing_values(retry_item, not_a_number("RETRY_TIMES")), "3003,50,3003,0,10");
-  expect_failures(missing_values(retrytimes_item, not_a_number("RETRYTIMES")), "3003,50,3003,0,10");
-  expect_failures(missing_values(duration_item, not_a_number("DURATION")), "3003,50,3003,1,0");
 }
 
 // The key words have 11, 10 and 8 characters.
@@ -504,34 +415,6 @@ TEST_F(AppendStrategyBuild, NumbersThatTheEndCutsOffConvertWhatTheKeyHolds) {
       {{"a part", "(DURATION=-7", duration + not_a_number("-7RATION"), ""}, "3003,50,3003,1,-7"},
       {{"exactly", "(DURATION=12345678", duration, ""}, "3003,50,3003,1,12345678"},
   });
-}
-
-TEST_F(AppendStrategyBuild, EmptyBlockIsRefused) { expect_failure({"", ")", block_end(), ")"}); }
-
-TEST_F(AppendStrategyBuild, FaultsInFrontOfAValue) {
-  expect_failures(key_faults(append_name));
-  expect_failures(key_faults(retry_item));
-  expect_failures(key_faults(duration_item));
-}
-
-TEST_F(AppendStrategyBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(append_name), "3003,50,3001,1,10");
-  expect_failures(closing_faults(retrytimes_item), "3003,50,3003,3,10");
-  expect_failures(closing_faults(duration_item), "3003,50,3003,1,20");
-}
-
-TEST_F(AppendStrategyBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"NAME", "RETRYTIMES", "RETRY_TIMES", "DURATION"}, "", "get error key_type");
-  EXPECT_EQ(faults.size(), 34u);
-  expect_failures(faults);
-}
-
-TEST_F(AppendStrategyBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    expect_good("(DURATION=20)" + ending.text, read_item(duration_item, "20") + ending.log,
-                ending.unread, "3003,50,3003,1,20");
-  }
 }
 
 // ------------------------------------------------------------ the whole block
@@ -600,14 +483,6 @@ TEST_F(BlacklistConfBuild, LogsEveryStepOfAGoodBlock) {
               "DEBUG success to call build_black_list_conf"}));
   EXPECT_EQ(shown(black_), "2001,50,3001,3,10");
   EXPECT_EQ(input.unread(), ")(next");
-}
-
-TEST_F(BlacklistConfBuild, NamesItsArgumentsInTheLog) {
-  expect_arguments_in_log("KZCIBlacklistConfBuild", "black_list_conf");
-}
-
-TEST_F(BlacklistConfBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  expect_null_refusal("KZCIBlacklistConfBuild", "black_list_conf");
 }
 
 TEST_F(BlacklistConfBuild, HandsItsOwnRecordToTheStrategies) {
@@ -685,19 +560,6 @@ TEST_F(BlacklistConfBuild, NameDirectlyInsideTheBlockIsRefused) {
                   "TIMEOUT))"});
 }
 
-TEST_F(BlacklistConfBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"REMOVE_STRATEGY", "APPEND_STRATEGY"}, "KZCIAddressListBuild ",
-                    "build_black_list_conf get error key_type");
-  EXPECT_EQ(faults.size(), 36u);
-  expect_failures(faults);
-}
-
-TEST_F(BlacklistConfBuild, FaultsInFrontOfAStrategy) {
-  expect_failures(key_faults(remove_item));
-  expect_failures(key_faults(append_item));
-}
-
 TEST_F(BlacklistConfBuild, FailingStrategyFailsTheBlock) {
   expect_left({
       {{"text for a strategy", "(REMOVE_STRATEGY=TIMEOUT))",
@@ -730,14 +592,6 @@ TEST_F(BlacklistConfBuild, FailingStrategyFailsTheBlock) {
   });
 }
 
-TEST_F(BlacklistConfBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    expect_good("(REMOVE_STRATEGY=(TIMEOUT=7))" + ending.text,
-                remove_begins() + read_item(timeout_item, "7") + remove_built() + ending.log,
-                ending.unread, "3003,7,3003,1,10");
-  }
-}
-
 // The last token consumed is the ")" of the strategy's own item.
 TEST_F(BlacklistConfBuild, AcceptsAStrategyThatIsNotClosed) {
   const Lines begins = append_begins() + read_item(duration_item, "7");
@@ -748,16 +602,6 @@ TEST_F(BlacklistConfBuild, AcceptsAStrategyThatIsNotClosed) {
               begins + mismatch(TNS_LEFT_PARENTHESES, TNS_KEY) + strategy_built +
                   mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY),
               "x))", "3003,50,3003,1,7");
-}
-
-TEST_F(BlacklistConfBuild, ReadsFromAFileAsWell) {
-  support::FileState file("(REMOVE_STRATEGY=(TIMEOUT=7)))");
-  file.params.tns_token_type = TNS_EQUAL_SIGN;
-  ASSERT_EQ(KZCIBlacklistConfBuild(&black_, &file.params), 0);
-  EXPECT_EQ(joined(support::events()),
-            joined(conf_call() + refill(TNS_MODE_FILE) + remove_begins() +
-                   read_item(timeout_item, "7") + remove_built() + block_end() + built()));
-  EXPECT_EQ(shown(black_), "3003,7,3003,1,10");
 }
 
 }  // namespace

@@ -62,9 +62,6 @@ std::string text_of_item(const Item &item, const KZCIConnectData &data) {
 
 class ConnectDataBuild : public ::testing::Test {
  protected:
-  const BuilderUnderTest<KZCIDescription> builder = {KZCIConnectDataBuild, "KZCIConnectDataBuild",
-                                                     "des"};
-
   void SetUp() override {
     support::reset_platform();
     ASSERT_EQ(KZCIDescriptionInit(&des_), 0);
@@ -129,19 +126,6 @@ TEST_F(ConnectDataBuild, LogsEveryStepOfGoodData) {
   EXPECT_EQ(data->use_default_sid, 0);
   EXPECT_EQ(input.unread(), ")(next");
   EXPECT_EQ(input.params.tns_token_type, TNS_RIGHT_PARENTHESES);
-}
-
-TEST_F(ConnectDataBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(des_); }
-
-TEST_F(ConnectDataBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  builder.expect_null_refusal(des_);
-}
-
-TEST_F(ConnectDataBuild, NoMemoryLeavesTheInputUnread) {
-  builder.expect_no_memory(
-      des_, data_block,
-      "ERROR malloc connect_data error, malloc size:" + std::to_string(sizeof(KZCIConnectData)));
-  EXPECT_EQ(des_.connect_data, nullptr);
 }
 
 TEST_F(ConnectDataBuild, FillsEveryField) {
@@ -272,18 +256,6 @@ TEST_F(ConnectDataBuild, TextWhose256thCharacterIsTheLastAtHandIsRefused) {
   }
 }
 
-TEST_F(ConnectDataBuild, IntegersAreKeptAsWritten) {
-  for (const GoodInteger &row : good_integers) {
-    SCOPED_TRACE(row.text);
-    const KZCIConnectData *data =
-        good("(KZ_MODE="s + row.text + ")(USE_DEFAULT_SID=" + row.text + ")");
-    ASSERT_NE(data, nullptr);
-    EXPECT_EQ(data->kz_mode, row.number);
-    EXPECT_EQ(data->use_default_sid, row.number);
-    EXPECT_EQ(support::warnings_and_errors(), block_end());
-  }
-}
-
 TEST_F(ConnectDataBuild, ModeMinusOne) {
   const KZCIConnectData *data = good("(KZ_MODE=-1)");
   ASSERT_NE(data, nullptr);
@@ -309,28 +281,13 @@ TEST_F(ConnectDataBuild, ModeOneAndAHalfOrAWordOrNothingIsRefused) {
   });
 }
 
-TEST_F(ConnectDataBuild, TextsThatAreNoIntegersAreRefused) {
-  for (const Item &item : {mode_item, default_sid_item}) {
-    for (const std::string &text : bad_integers()) {
-      expect_failure({item.key, "(" + item.key + "=" + text + "))",
-                      read_item(item, unquoted(text)) + not_a_number(unquoted(text)), "))"});
-    }
-  }
-}
-
 TEST_F(ConnectDataBuild, TextsThatCannotBeRead) {
   for (const Item &item : text_items) {
-    expect_failures(missing_values(item, no_text()));
     const Lines cut_off = item_begins(item) + key_cut_off(mode) + no_text();
     expect_failure({"end inside a value", "(" + item.key + "=ab", cut_off, ""});
     expect_failure({"end inside quotes", "(" + item.key + "=\"ab))", cut_off, ""});
     expect_failure({"end behind empty quotes", "(" + item.key + "=\"\"", cut_off, ""});
   }
-}
-
-TEST_F(ConnectDataBuild, IntegersThatCannotBeReadConvertTheirKeyWord) {
-  for (const Item &item : {mode_item, default_sid_item})
-    expect_failures(missing_values(item, not_a_number(item.key)));
 }
 
 // The new characters stand over the key word, whose length is still in force.
@@ -351,25 +308,6 @@ TEST_F(ConnectDataBuild, IntegersThatTheEndCutsOffConvertWhatTheKeyHolds) {
                   item_begins(mode_item) + key_too_long(), ""});
 }
 
-TEST_F(ConnectDataBuild, EmptyBlockIsRefused) {
-  expect_failure(
-      {"empty",
-       ")",
-       {"WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1"},
-       ")"});
-}
-
-TEST_F(ConnectDataBuild, FaultsInFrontOfAValue) {
-  expect_failures(key_faults(sid_item));
-  expect_failures(key_faults(mode_item));
-}
-
-TEST_F(ConnectDataBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(sid_item));
-  expect_failures(closing_faults(extra_item));
-  expect_failures(closing_faults(default_sid_item));
-}
-
 TEST_F(ConnectDataBuild, HostIsRefused) {
   expect_failure({"host",
                   "(HOST=x))",
@@ -377,29 +315,6 @@ TEST_F(ConnectDataBuild, HostIsRefused) {
                    "DEBUG KZCIConnectDataBuild get key_type 20",
                    "ERROR KZCIConnectDataBuild get error key_type"},
                   "x))"});
-}
-
-TEST_F(ConnectDataBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults =
-      refused_words({"SERVICE_NAME", "SID", "KZ_USER_EXTRA_INFO", "SESSION_VARIABLE", "KZ_MODE",
-                     "USE_DEFAULT_SID"},
-                    "KZCIConnectDataBuild ", "KZCIConnectDataBuild get error key_type");
-  EXPECT_EQ(faults.size(), 32u);
-  expect_failures(faults);
-}
-
-TEST_F(ConnectDataBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    SCOPED_TRACE(ending.text);
-    support::reset_platform();
-    KZCIDescriptionInit(&des_);
-    Body input("(SID=a)" + ending.text);
-    ASSERT_EQ(KZCIConnectDataBuild(&des_, &input.params), 0);
-    EXPECT_EQ(joined(support::events()),
-              joined(data_begins() + read_item(sid_item, "a") + ending.log + data_built("a")));
-    EXPECT_EQ(input.unread(), ending.unread);
-    EXPECT_EQ(live(), Lines{data_block});
-  }
 }
 
 TEST_F(ConnectDataBuild, SecondBlockIsParsedInFullAndThenRefused) {
@@ -430,23 +345,6 @@ TEST_F(ConnectDataBuild, SecondBlockThatIsMalformedFailsAsAnyOther) {
   EXPECT_EQ(des_.connect_data, first);
   EXPECT_EQ(service_of(*first), "a");
   EXPECT_EQ(live(), Lines{data_block});
-}
-
-TEST_F(ConnectDataBuild, ValueContinuesAcrossARefill) {
-  const std::string blanks(1024 - 7, '\n');
-  Body input(blanks + "(SID=orcl))");
-  ASSERT_EQ(KZCIConnectDataBuild(&des_, &input.params), 0);
-  EXPECT_EQ(joined(support::events()), joined(data_begins() + item_begins(sid_item) + refill(mode) +
-                                              value("orcl") + block_end() + data_built("orcl")));
-}
-
-TEST_F(ConnectDataBuild, ReadsFromAFileAsWell) {
-  support::FileState file("(SID=a))");
-  file.params.tns_token_type = TNS_EQUAL_SIGN;
-  ASSERT_EQ(KZCIConnectDataBuild(&des_, &file.params), 0);
-  EXPECT_EQ(joined(support::events()),
-            joined(connect_data_call() + allocated(data_block) + refill(TNS_MODE_FILE) +
-                   read_item(sid_item, "a") + block_end() + data_built("a")));
 }
 
 }  // namespace

@@ -142,9 +142,6 @@ std::string host_of(const KZCIAddressList &list) {
 
 class DescriptionBuild : public ::testing::Test {
  protected:
-  const BuilderUnderTest<KZCITnsService> builder = {KZCIDescriptionBuild, "KZCIDescriptionBuild",
-                                                    "tns_service"};
-
   void SetUp() override { start(); }
   void TearDown() override {
     EXPECT_EQ(support::bad_releases(), 0u);
@@ -277,21 +274,6 @@ TEST_F(DescriptionBuild, SwitchTimeoutListAndData) {
   EXPECT_EQ(live(), (Lines{description_block, list_block, address_block, data_block}));
 }
 
-TEST_F(DescriptionBuild, NamesItsArgumentsInTheLog) { builder.expect_arguments_in_log(service_); }
-
-TEST_F(DescriptionBuild, NullArgumentsAreRefusedBeforeAnythingIsDone) {
-  builder.expect_null_refusal(service_);
-}
-
-// The message prints the size of a service record.
-TEST_F(DescriptionBuild, NoMemoryLeavesTheInputUnread) {
-  builder.expect_no_memory(
-      service_, description_block,
-      "ERROR malloc description error, malloc size:" + std::to_string(sizeof(KZCITnsService)));
-  EXPECT_EQ(service_.description, nullptr);
-  EXPECT_EQ(service_.description_count, 0u);
-}
-
 TEST_F(DescriptionBuild, AbsentKeysLeaveTheDefaults) {
   const KZCIDescription *des = good("(RETRY_DELAY=5)");
   ASSERT_NE(des, nullptr);
@@ -356,10 +338,6 @@ TEST_F(DescriptionBuild, OtherSwitchValuesAreRefused) {
   }
 }
 
-TEST_F(DescriptionBuild, SwitchThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(kzlb_item, wrong_switch("KZLB")));
-}
-
 // The new characters stand over the key word "KZLB", four characters long.
 TEST_F(DescriptionBuild, SwitchThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(kzlb_item) + key_cut_off(mode);
@@ -410,10 +388,6 @@ TEST_F(DescriptionBuild, OtherGroupStrategiesAreRefused) {
   }
 }
 
-TEST_F(DescriptionBuild, GroupStrategyThatCannotBeReadComparesItsKeyWord) {
-  expect_failures(missing_values(group_item, wrong_group("KZLB_GROUP_STRATEGY")));
-}
-
 // The new characters stand over the nineteen of "KZLB_GROUP_STRATEGY".
 TEST_F(DescriptionBuild, GroupStrategyThatTheEndCutsOffComparesWhatTheKeyHolds) {
   const Lines cut_off = item_begins(group_item) + key_cut_off(mode);
@@ -424,18 +398,6 @@ TEST_F(DescriptionBuild, GroupStrategyThatTheEndCutsOffComparesWhatTheKeyHolds) 
       {"leading part and zero byte", "(KZLB_GROUP_STRATEGY=ROT\0"s, cut_off + wrong_group("ROT"),
        ""},
   });
-}
-
-TEST_F(DescriptionBuild, IntegersAreKeptAsWritten) {
-  for (const Stored &key : stored_integers) {
-    for (const GoodInteger &row : good_integers) {
-      SCOPED_TRACE(key.item.key + "=" + row.text);
-      const KZCIDescription *des = good("(" + key.item.key + "=" + row.text + ")");
-      ASSERT_NE(des, nullptr);
-      EXPECT_EQ(key.get(*des), row.number);
-      EXPECT_EQ(support::warnings_and_errors(), block_end());
-    }
-  }
 }
 
 TEST_F(DescriptionBuild, EveryIntegerHasItsOwnField) {
@@ -468,20 +430,6 @@ TEST_F(DescriptionBuild, ReadTimeoutWithUnitOrWithoutValueIsRefused) {
                             "WARN fail to call KZCITnsParse, status:-1",
                             "ERROR fail to covert to int, src value:KZLB_READ_TIMEOUT"},
                   "))"});
-}
-
-TEST_F(DescriptionBuild, TextsThatAreNoIntegersAreRefused) {
-  for (const Stored &key : stored_integers) {
-    for (const std::string &text : bad_integers()) {
-      expect_failure({key.item.key, "(" + key.item.key + "=" + text + "))",
-                      read_item(key.item, unquoted(text)) + not_a_number(unquoted(text)), "))"});
-    }
-  }
-}
-
-TEST_F(DescriptionBuild, IntegersThatCannotBeReadConvertTheirKeyWord) {
-  for (const Stored &key : stored_integers)
-    expect_failures(missing_values(key.item, not_a_number(key.item.key)));
 }
 
 // The key words have 20, 18, 20, 17 and 18 characters.
@@ -564,10 +512,6 @@ TEST_F(DescriptionBuild, RefusedRetryDelayIsLoggedAsConverted) {
   }
 }
 
-TEST_F(DescriptionBuild, RetryDelayThatCannotBeReadConvertsItsKeyWord) {
-  expect_failures(missing_values(delay_item, not_a_number("RETRY_DELAY") + delay_of("0")));
-}
-
 // The new characters stand over the eleven of "RETRY_DELAY". The low 32 bits of
 // 12345678901 are 3755744309, which print as -539222987.
 TEST_F(DescriptionBuild, RetryDelayThatTheEndCutsOffConvertsWhatTheKeyHolds) {
@@ -605,36 +549,6 @@ TEST_F(DescriptionBuild, LaterItemOfTheSameKeyWins) {
   EXPECT_EQ(des->black_list_conf.retry_times, 4);
 }
 
-TEST_F(DescriptionBuild, EmptyBlockIsRefused) {
-  expect_failure(
-      {"empty",
-       ")",
-       {"WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1"},
-       ")"});
-}
-
-TEST_F(DescriptionBuild, FaultsInFrontOfAValue) {
-  expect_failures(key_faults(kzlb_item));
-  expect_failures(key_faults(read_timeout_item));
-}
-
-TEST_F(DescriptionBuild, FaultsBehindAValue) {
-  expect_failures(closing_faults(kzlb_item));
-  expect_failures(closing_faults(group_item));
-  for (const Stored &key : stored_integers) expect_failures(closing_faults(key.item));
-}
-
-TEST_F(DescriptionBuild, FaultsBehindTheRetryDelay) {
-  const Lines read = read_item(delay_item, "5") + delay_of("5");
-  expect_failures({
-      {"block behind the value", "(RETRY_DELAY=5(v)))",
-       read + mismatch(TNS_RIGHT_PARENTHESES, TNS_LEFT_PARENTHESES), "(v)))"},
-      {"second value", "(RETRY_DELAY=5 6))", read + mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY),
-       "6))"},
-      {"end behind the value", "(RETRY_DELAY=5 ", read + input_end(mode), ""},
-  });
-}
-
 TEST_F(DescriptionBuild, RetryTimesIsRefused) {
   expect_failure(
       {"retry times",
@@ -642,23 +556,6 @@ TEST_F(DescriptionBuild, RetryTimesIsRefused) {
        {"DEBUG get key size:11, key:RETRY_TIMES", "DEBUG succ to find key, key is:14",
         "DEBUG bulid_description get key_type 14", "ERROR KZCIDescriptionBuild get error key_type"},
        "3))"});
-}
-
-TEST_F(DescriptionBuild, RefusesKeyWordsOfOtherBlocks) {
-  const std::vector<Fault> faults = refused_words(
-      {"KZLB", "KZLB_RETRY_ALL_DOWNS", "KZLB_RETRY_TIMEOUT", "KZLB_CONNECT_TIMEOUT",
-       "KZLB_READ_TIMEOUT", "KZLB_WRITE_TIMEOUT", "RETRY_DELAY", "KZLB_GROUP_STRATEGY",
-       "KZLB_BLACKLIST", "ADDRESS_LIST", "CONNECT_DATA", "ADDRESS"},
-      "bulid_description ", "KZCIDescriptionBuild get error key_type");
-  EXPECT_EQ(faults.size(), 26u);
-  expect_failures(faults);
-}
-
-TEST_F(DescriptionBuild, AcceptsWhatEndsBehindACompleteItem) {
-  for (const Ending &ending : good_endings()) {
-    expect_good("(KZLB=ON)" + ending.text, read_item(kzlb_item, "ON") + ending.log + built(0),
-                ending.unread);
-  }
 }
 
 TEST_F(DescriptionBuild, BareAddressMakesAListWithDefaults) {

@@ -467,11 +467,6 @@ class FailingCalleeOfABuild : public FailingCallee {
 
 // ---------------------------------------------------------------- in the file
 
-Lines lookup_begins() {
-  return Lines{"DEBUG call KZCITnsBuild with params [tns:PTR]", "DEBUG get KZCI_TNS_FILE:names.ora",
-               "DEBUG get configure file:names.ora"};
-}
-
 Lines entry_begins(const std::string &name) {
   return lookup_begins() + refill(TNS_MODE_FILE) + key(name) +
          Lines{"DEBUG find tns service, dbname:" + name,

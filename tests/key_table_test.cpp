@@ -4,20 +4,21 @@
 #include <cctype>
 #include <cstddef>
 #include <cstring>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "support/key_numbers.h"
+#include "support/keys.h"
 #include "support/parsing.h"
 
 namespace {
 
 using support::bytes;
 using support::DescriptorState;
-using support::key_numbers;
-using support::KeyNumber;
+using support::Key;
+using support::keys;
 using support::Lines;
 using namespace std::string_view_literals;
 
@@ -70,8 +71,8 @@ void expect_not_found(std::string_view key) {
 }
 
 bool is_word(std::string_view text) {
-  for (const KeyNumber &word : key_numbers)
-    if (word.text == text) return true;
+  for (const Key &key : keys)
+    if (key.word == text) return true;
   return false;
 }
 
@@ -90,68 +91,30 @@ std::string mixed(std::string_view text, bool lower_first) {
 
 TEST_F(KeyTable, IdentifiersHaveTheirNumbers) {
   EXPECT_EQ(LB_ERROR_KEY, 0);
-  EXPECT_EQ(LB_DESCRIPTION, 1);
-  EXPECT_EQ(LB_KZLB, 2);
-  EXPECT_EQ(LB_CONNECT_TIMEOUT, 3);
-  EXPECT_EQ(LB_READ_TIMEOUT, 4);
-  EXPECT_EQ(LB_WRITE_TIMEOUT, 5);
-  EXPECT_EQ(LB_KZLB_GROUP_STRATEGY, 6);
-  EXPECT_EQ(LB_KZLB_RETRY_ALL_DOWNS, 7);
-  EXPECT_EQ(LB_KZLB_RETRY_TIMEOUT, 8);
-  EXPECT_EQ(LB_KZLB_BLACKLIST, 9);
-  EXPECT_EQ(LB_REMOVE_STRATEGY, 10);
-  EXPECT_EQ(LB_NAME, 11);
-  EXPECT_EQ(LB_TIMEOUT, 12);
-  EXPECT_EQ(LB_APPEND_STRATEGY, 13);
-  EXPECT_EQ(LB_RETRY_TIMES, 14);
-  EXPECT_EQ(LB_DRUATION, 15);
-  EXPECT_EQ(LB_ADDRESS_LIST, 16);
-  EXPECT_EQ(LB_KZLB_STRATEGY, 17);
-  EXPECT_EQ(LB_ADDRESS, 18);
-  EXPECT_EQ(LB_PROTOCOL, 19);
-  EXPECT_EQ(LB_HOST, 20);
-  EXPECT_EQ(LB_PORT, 21);
-  EXPECT_EQ(LB_WEIGHT, 22);
-  EXPECT_EQ(LB_CONNECT_DATA, 23);
-  EXPECT_EQ(LB_SERVICE_NAME, 24);
-  EXPECT_EQ(LB_SID, 25);
-  EXPECT_EQ(LB_EXTRA_INFO, 26);
-  EXPECT_EQ(LB_KZ_MODE, 27);
-  EXPECT_EQ(LB_USE_DEFAULT_SID, 28);
-  EXPECT_EQ(LB_SLOWSQL_THRESHOLD, 29);
-  EXPECT_EQ(LB_SLOWSQL_BUFFER_SIZE, 30);
-  EXPECT_EQ(LB_SLOWSQL_FLUSH_SECOND, 31);
-  EXPECT_EQ(LB_SESSION_VARIABLE, 32);
-  EXPECT_EQ(LB_LOG_SIZE, 33);
-  EXPECT_EQ(LB_LOG_LEVEL, 34);
-  EXPECT_EQ(LB_LOG_COUNT, 35);
-  EXPECT_EQ(LB_LOG_PATH, 36);
-  EXPECT_EQ(LB_RETRY_DELAY, 37);
-  EXPECT_EQ(LB_MAX_KEY_TYPE, 38);
+  for (const Key &key : keys) EXPECT_EQ(key.type, key.number) << key.word;
 }
 
-// Keeps the table of this file honest: every identifier between the bounds has
-// a word, and only the retry count has two.
+// Every identifier between the bounds has a word, and only the retry count has two.
 TEST_F(KeyTable, EveryIdentifierHasAWord) {
-  std::multiset<int> numbers;
-  for (const KeyNumber &word : key_numbers) numbers.insert(word.number);
-  EXPECT_EQ(numbers.size(), 38u);
+  std::map<int, std::set<std::string_view>> words;
+  for (const Key &key : keys) words[key.number].insert(key.word);
+  EXPECT_EQ(words.size(), static_cast<std::size_t>(LB_MAX_KEY_TYPE) - 1);
   for (int number = LB_ERROR_KEY + 1; number < LB_MAX_KEY_TYPE; ++number)
-    EXPECT_EQ(numbers.count(number), number == LB_RETRY_TIMES ? 2u : 1u) << number;
+    EXPECT_EQ(words[number].size(), number == LB_RETRY_TIMES ? 2u : 1u) << number;
 }
 
 TEST_F(KeyTable, WordsInUpperCase) {
-  for (const KeyNumber &word : key_numbers) expect_found(word.text, word.number);
+  for (const Key &key : keys) expect_found(key.word, key.number);
 }
 
 TEST_F(KeyTable, WordsInLowerCase) {
-  for (const KeyNumber &word : key_numbers) expect_found(lower(word.text), word.number);
+  for (const Key &key : keys) expect_found(lower(key.word), key.number);
 }
 
 TEST_F(KeyTable, WordsInMixedCase) {
-  for (const KeyNumber &word : key_numbers) {
-    expect_found(mixed(word.text, true), word.number);
-    expect_found(mixed(word.text, false), word.number);
+  for (const Key &key : keys) {
+    expect_found(mixed(key.word, true), key.number);
+    expect_found(mixed(key.word, false), key.number);
   }
 }
 
@@ -213,11 +176,11 @@ TEST_F(KeyTable, LengthsAboveTheLimit) {
 TEST_F(KeyTable, LargestLengthIsAboveTheLimit) { expect_too_long(0xFFFFFFFFu, "-1"); }
 
 TEST_F(KeyTable, AWordWithACharacterMoreThanTheLimit) {
-  for (const KeyNumber &word : key_numbers) {
-    if (word.text.size() != 20) continue;
-    SCOPED_TRACE(word.text);
+  for (const Key &key : keys) {
+    if (key.word.size() != 20) continue;
+    SCOPED_TRACE(key.word);
     support::reset_platform();
-    KZCITnsParseParams params = state_with(bytes(word.text) + "S");
+    KZCITnsParseParams params = state_with(bytes(key.word) + "S");
     EXPECT_EQ(KZCITnsGetKeyType(&params), 0);
     EXPECT_EQ(params.key_type, LB_ERROR_KEY);
     EXPECT_EQ(support::log_records(), Lines{"ERROR parse_params tns_key_len:21 > 20"});
@@ -225,23 +188,23 @@ TEST_F(KeyTable, AWordWithACharacterMoreThanTheLimit) {
 }
 
 TEST_F(KeyTable, LeadingPartsOfWordsAreNoWords) {
-  for (const KeyNumber &word : key_numbers)
-    for (std::size_t size = 0; size < word.text.size(); ++size)
-      if (!is_word(word.text.substr(0, size))) expect_not_found(word.text.substr(0, size));
+  for (const Key &key : keys)
+    for (std::size_t size = 0; size < key.word.size(); ++size)
+      if (!is_word(key.word.substr(0, size))) expect_not_found(key.word.substr(0, size));
 }
 
 TEST_F(KeyTable, TrailingPartsOfWordsAreNoWords) {
-  for (const KeyNumber &word : key_numbers)
-    for (std::size_t from = 1; from < word.text.size(); ++from)
-      if (!is_word(word.text.substr(from))) expect_not_found(word.text.substr(from));
+  for (const Key &key : keys)
+    for (std::size_t from = 1; from < key.word.size(); ++from)
+      if (!is_word(key.word.substr(from))) expect_not_found(key.word.substr(from));
 }
 
 TEST_F(KeyTable, OneCharacterMoreMakesNoWord) {
-  for (const KeyNumber &word : key_numbers) {
-    if (word.text.size() == 20) continue;
+  for (const Key &key : keys) {
+    if (key.word.size() == 20) continue;
     for (const char more : {'S', '_', ' ', '\0', '1'}) {
-      expect_not_found(bytes(word.text) + more);
-      expect_not_found(more + bytes(word.text));
+      expect_not_found(bytes(key.word) + more);
+      expect_not_found(more + bytes(key.word));
     }
   }
 }
@@ -249,15 +212,15 @@ TEST_F(KeyTable, OneCharacterMoreMakesNoWord) {
 // Only letters have a case: a byte that differs from the word's own in the bit
 // of the case alone is another byte when the word has no letter there.
 TEST_F(KeyTable, OneOtherByteAtAnyPlaceMakesNoWord) {
-  for (const KeyNumber &word : key_numbers) {
-    for (std::size_t place = 0; place < word.text.size(); ++place) {
+  for (const Key &key : keys) {
+    for (std::size_t place = 0; place < key.word.size(); ++place) {
       for (int byte = 0; byte < 256; ++byte) {
-        std::string key(word.text);
-        key[place] = static_cast<char>(byte);
-        if (byte < 128 && std::toupper(byte) == word.text[place])
-          expect_found(key, word.number);
+        std::string word(key.word);
+        word[place] = static_cast<char>(byte);
+        if (byte < 128 && std::toupper(byte) == key.word[place])
+          expect_found(word, key.number);
         else
-          expect_not_found(key);
+          expect_not_found(word);
       }
     }
   }

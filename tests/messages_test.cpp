@@ -7,8 +7,10 @@
 #include <iterator>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "kzoci/oci_tnsname/messages.h"
+#include "support/log_messages.h"
 #include "support/parsing.h"
 
 namespace {
@@ -49,10 +51,19 @@ class Messages : public testing::Test {
   KZCITns tns_;
 };
 
-TEST_F(Messages, NoTwoHaveTheSameLevelAndText) {
-  std::set<std::pair<int, std::string>> seen;
-  for (const MessageRow &row : messages)
-    EXPECT_TRUE(seen.emplace(row.level, row.format).second) << row.name;
+using LevelAndText = std::pair<int, std::string>;
+
+template <class Rows>
+std::set<LevelAndText> texts_of(const Rows &rows) {
+  std::set<LevelAndText> texts;
+  for (const auto &row : rows)
+    EXPECT_TRUE(texts.emplace(row.level, row.format).second) << row.format;
+  return texts;
+}
+
+// Nor do two have the same level and text.
+TEST_F(Messages, AreTheOnesWrittenDownHere) {
+  EXPECT_EQ(texts_of(messages), texts_of(support::log_messages));
 }
 
 TEST_F(Messages, NoneIsABareText) {

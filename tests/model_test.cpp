@@ -1,6 +1,6 @@
 // The module against a second, simple reader of the same grammar: on random
-// input, sound and damaged, both say the same about the status, the flag, the
-// tree and the blocks that are left behind.
+// input, sound and damaged, with enough memory and without, both say the same about
+// the status, the flag, the tree and the blocks that are left behind.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,7 +26,8 @@ using support::Tokens;
 struct Case {
   std::string identifier;
   std::string file;
-  bool taken_for_literal = false;  // whatever the identifier looks like
+  bool taken_for_literal = false;      // whatever the identifier looks like
+  std::size_t failing_allocation = 0;  // 0: none
 };
 
 using Generator = Case (*)(Random &random);
@@ -119,6 +120,19 @@ Case literal_with_changed_characters(Random &random) {
   return c;
 }
 
+// Memory that ends somewhere within most builds.
+Case sound_file_without_memory(Random &random) {
+  Case c = sound_file(random);
+  c.failing_allocation = random.between(1, 12);
+  return c;
+}
+
+Case literal_with_changed_tokens_without_memory(Random &random) {
+  Case c = literal_with_changed_tokens(random);
+  c.failing_allocation = random.between(1, 12);
+  return c;
+}
+
 // Texts that no lookup would take for literals.
 Case any_text(Random &random) {
   Tokens tokens = support::random_description(random);
@@ -150,11 +164,12 @@ Case long_words(Random &random) {
   return {entry.name, text};
 }
 
-std::vector<std::string> tags_of_live_blocks() {
-  std::vector<std::string> tags;
-  for (const support::Block &block : support::live_blocks()) tags.push_back(block.tag);
-  std::sort(tags.begin(), tags.end());
-  return tags;
+model::Blocks sorted_live_blocks() {
+  model::Blocks blocks;
+  for (const support::Block &block : support::live_blocks())
+    blocks.push_back(model::block_of(block.size, block.tag));
+  std::sort(blocks.begin(), blocks.end());
+  return blocks;
 }
 
 // Error records about values: the ones that print the text at hand.
@@ -197,8 +212,9 @@ class ModelReader : public ::testing::Test {
 
  private:
   void compare(std::uint64_t seed, const Case &c, Log log) {
-    Prediction expected = c.taken_for_literal ? model::predict_literal(c.identifier)
-                                              : model::predict(c.identifier, c.file);
+    const model::Fault fault = {.allocation = c.failing_allocation};
+    Prediction expected = c.taken_for_literal ? model::predict_literal(c.identifier, fault)
+                                              : model::predict(c.identifier, c.file, fault);
     if (log == Log::ignored) expected.complaints.clear();
     sword cleared = 0;
     const Prediction seen = observe(c, log, cleared);
@@ -207,9 +223,12 @@ class ModelReader : public ::testing::Test {
     SCOPED_TRACE("seed " + std::to_string(seed));
     SCOPED_TRACE("identifier " + ::testing::PrintToString(c.identifier));
     SCOPED_TRACE("file " + ::testing::PrintToString(c.file));
+    SCOPED_TRACE("failing allocation " + std::to_string(c.failing_allocation));
     EXPECT_EQ(seen.status, expected.status);
     EXPECT_EQ(seen.find, expected.find);
     EXPECT_EQ(seen.tree, expected.tree);
+    EXPECT_EQ(seen.allocations, expected.allocations);
+    EXPECT_EQ(seen.live, expected.live);
     EXPECT_EQ(seen.lost, expected.lost);
     EXPECT_EQ(seen.complaints, expected.complaints);
     EXPECT_EQ(cleared, 0);
@@ -230,14 +249,17 @@ class ModelReader : public ::testing::Test {
     EXPECT_TRUE(file_.write(c.file));
     KZCITns tns;
     KZCITnsInit(&tns);
+    support::fail_allocation(c.failing_allocation);
     Prediction seen;
     const support::Outcome outcome = build(tns, c);
     seen.status = outcome.status;
     seen.find = outcome.find;
     seen.tree = support::full_tree(tns);
+    seen.allocations = support::allocation_count();
+    seen.live = sorted_live_blocks();
     if (log == Log::compared) seen.complaints = complaints();
     cleared = KZCITnsClear(&tns);
-    seen.lost = tags_of_live_blocks();
+    seen.lost = sorted_live_blocks();
     return seen;
   }
 
@@ -295,6 +317,16 @@ TEST_F(ModelReader, AgreesOnLiteralsWithChangedCharacters) {
 TEST_F(ModelReader, AgreesOnAnyTextTakenForALiteral) {
   agree(any_text, 15'000'000, 15'000);
   expect_all_outcomes(15'000);
+}
+
+TEST_F(ModelReader, AgreesOnFilesWithoutMemory) {
+  agree(sound_file_without_memory, 16'000'000, 10'000);
+  expect_all_outcomes(10'000);
+}
+
+TEST_F(ModelReader, AgreesOnLiteralsWithoutMemory) {
+  agree(literal_with_changed_tokens_without_memory, 17'000'000, 10'000);
+  expect_all_outcomes(10'000);
 }
 
 TEST_F(ModelReader, AgreesOnWordsAboutTheLongest) { agree(long_words, 10'000'000, 10'000); }

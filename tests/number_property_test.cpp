@@ -2,83 +2,46 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "support/key_inputs.h"
 #include "support/model_numbers.h"
 #include "support/property.h"
 #include "support/random_input.h"
 
 namespace {
 
-using model::Number;
 using support::Built;
 using support::found;
+using support::Key;
+using support::Place;
 using support::Random;
 using support::refused;
+using support::Takes;
 using namespace std::string_view_literals;
 
-using Service = KZCITnsService;
-
-// A key whose value is an integer: the input around the value, and where the
-// number is found. A key without such a place is read and not stored.
-struct Key {
+// A key whose value is an integer, and the input around the value.
+struct Number {
+  const Key *key;
   std::string before;
   std::string after;
-  sb8 (*stored)(const Service &service);
-  sb8 (*kept)(sb8 number) = [](sb8 number) { return number; };
 };
 
-const KZCIBlacklistConf &black(const Service &s) { return s.description->black_list_conf; }
-const KZCIConnectData &data(const Service &s) { return *s.description->connect_data; }
-
-const std::string address = "(DESCRIPTION=(ADDRESS=(";
-const std::string in_list = "(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(";
-const std::string connect_data = "(DESCRIPTION=(CONNECT_DATA=(";
-const std::string remove_strategy = "(DESCRIPTION=(KZLB_BLACKLIST=(REMOVE_STRATEGY=(";
-const std::string append_strategy = "(DESCRIPTION=(KZLB_BLACKLIST=(APPEND_STRATEGY=(";
-
-sb8 weight(const Service &s) { return s.description->address_list->address->weight; }
-sb8 low_32_bits(sb8 number) { return static_cast<ub4>(number); }
-
-const Key description_keys[] = {
-    {"(DESCRIPTION=(KZLB_RETRY_ALL_DOWNS=", "))",
-     [](const Service &s) { return s.description->retry_all_downs; }},
-    {"(DESCRIPTION=(KZLB_RETRY_TIMEOUT=", "))",
-     [](const Service &s) { return sb8{s.description->retry_timeout}; }},
-    {"(DESCRIPTION=(KZLB_CONNECT_TIMEOUT=", "))",
-     [](const Service &s) { return s.description->connect_timout; }},
-    {"(DESCRIPTION=(KZLB_READ_TIMEOUT=", "))",
-     [](const Service &s) { return s.description->read_timout; }},
-    {"(DESCRIPTION=(KZLB_WRITE_TIMEOUT=", "))",
-     [](const Service &s) { return s.description->write_timout; }},
-    {"(DESCRIPTION=(RETRY_DELAY=", "))", nullptr},
-    {address + "WEIGHT=", ")))", weight},
-    {in_list + "WEIGHT=", "))))", weight},
-    {connect_data + "KZ_MODE=", ")))", [](const Service &s) { return data(s).kz_mode; }},
-    {connect_data + "USE_DEFAULT_SID=", ")))",
-     [](const Service &s) { return data(s).use_default_sid; }},
-    {remove_strategy + "TIMEOUT=", "))))",
-     [](const Service &s) { return black(s).remove_timeout; }},
-    {append_strategy + "RETRY_TIMES=", "))))",
-     [](const Service &s) { return black(s).retry_times; }},
-    {append_strategy + "RETRYTIMES=", "))))",
-     [](const Service &s) { return black(s).retry_times; }},
-    {append_strategy + "DURATION=", "))))", [](const Service &s) { return black(s).duration; }},
-};
+std::vector<Number> integers_of(std::initializer_list<Place> places) {
+  std::vector<Number> out;
+  for (const Key &key : support::keys) {
+    if (key.takes != Takes::integer) continue;
+    if (std::find(places.begin(), places.end(), key.place) == places.end()) continue;
+    for (const support::Way &way : support::ways_to(key))
+      out.push_back({&key, way.before + std::string(key.word) + '=', way.after});
+  }
+  return out;
+}
 
 const std::string reserved_name = "KZCISYSTEMVARIABLES";
-
-const Key variable_keys[] = {
-    {"(SLOWSQL_THRESHOLD=", ")", [](const Service &s) { return s.sys_vars.slowsql_threshold; }},
-    {"(SLOWSQL_BUFFER_SIZE=", ")", [](const Service &s) { return s.sys_vars.slowsql_buffer_size; }},
-    {"(SLOWSQL_FLUSH_SECOND=", ")",
-     [](const Service &s) { return sb8{s.sys_vars.slowsql_flush_second}; }, low_32_bits},
-    {"(LOG_SIZE=", ")", [](const Service &s) { return s.sys_vars.log_size; },
-     [](sb8 number) { return std::max<sb8>(number, 1048576); }},
-    {"(LOG_COUNT=", ")", [](const Service &s) { return sb8{s.sys_vars.log_count}; },
-     [](sb8 number) { return number > 4294967295 ? 0 : low_32_bits(number); }},
-};
 
 // An integer, or something that is nearly one.
 std::string random_number_text(Random &random) {
@@ -101,27 +64,29 @@ std::string random_number_text(Random &random) {
 }
 
 // The value in quotes, which hold all characters of these texts together.
-std::string input_of(const Key &key, const std::string &text) {
-  return key.before + '"' + text + '"' + key.after;
+std::string input_of(const Number &number, const std::string &text) {
+  return number.before + '"' + text + '"' + number.after;
 }
 
 class Numbers : public support::Property {
  protected:
   // Builds one key's value and compares what is stored with the prediction.
   template <class Build>
-  void compare(const Key &key, const std::string &text, Build build) {
-    const Number number = model::number_of(text);
-    const std::string input = input_of(key, text);
+  void compare(const Number &number, const std::string &text, Build build) {
+    const model::Number meant = model::number_of(text);
+    const std::string input = input_of(number, text);
     Container container(file_);
     const Built built = build(container, input);
-    expect(built, {number.accepted ? found : refused, built.tree}, input);
-    if (number.accepted) ++accepted_;
-    if (!number.accepted || HasFailure() || key.stored == nullptr) return;
-    const sb8 stored = key.stored(*container.service());
-    if (stored == key.kept(number.value)) return;
+    expect(built, {meant.accepted ? found : refused, built.tree}, input);
+    if (meant.accepted) ++accepted_;
+    const Key &key = *number.key;
+    if (!meant.accepted || HasFailure() || key.field.size == 0) return;
+    const sb8 stored =
+        support::number_in(support::record_of(*container.service(), key.place), key.field);
+    if (stored == key.kept(meant.value)) return;
     SCOPED_TRACE("seed " + std::to_string(seed_));
     SCOPED_TRACE("input " + ::testing::PrintToString(input));
-    EXPECT_EQ(stored, key.kept(number.value));
+    EXPECT_EQ(stored, key.kept(meant.value));
   }
 
   void expect_both_outcomes(std::size_t count) const {
@@ -134,9 +99,11 @@ class Numbers : public support::Property {
 
 TEST_F(Numbers, MeanTheSameEverywhereInDescriptions) {
   constexpr std::size_t count = 25'000;
+  const auto keys = integers_of({Place::description, Place::address, Place::connect_data,
+                                 Place::remove_strategy, Place::append_strategy});
   for_seeds(20'000'000, count, [&](Random &random) {
-    const Key &key = random.pick(description_keys);
-    compare(key, random_number_text(random),
+    const Number &number = random.pick(keys);
+    compare(number, random_number_text(random),
             [](Container &into, const std::string &input) { return into.build(input); });
   });
   expect_both_outcomes(count);
@@ -144,9 +111,10 @@ TEST_F(Numbers, MeanTheSameEverywhereInDescriptions) {
 
 TEST_F(Numbers, MeanTheSameInSystemVariables) {
   constexpr std::size_t count = 15'000;
+  const auto keys = integers_of({Place::system_variables});
   for_seeds(21'000'000, count, [&](Random &random) {
-    const Key &key = random.pick(variable_keys);
-    compare(key, random_number_text(random), [](Container &into, const std::string &input) {
+    const Number &number = random.pick(keys);
+    compare(number, random_number_text(random), [](Container &into, const std::string &input) {
       return into.look_up(reserved_name, reserved_name + '=' + input);
     });
   });

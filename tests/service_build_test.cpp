@@ -315,12 +315,10 @@ TEST_F(ServiceBuild, AnOrdinaryServiceKeepsTheDefaultsOfItsVariables) {
   EXPECT_EQ(support::full_tree(tns_),
             "services=1\n"
             " service mydb descriptions=1\n"
-            "  description kzlb=0 group=0 all_downs=120 retry=10000 connect=0 read=0 write=0 "
-            "black=2001,50,3002,1,10 lists=1\n"
-            "    list kzlb=1 strategy=1001 addresses=1\n"
-            "      address host=h port= protocol= weight=1\n"
-            "  variables threshold=100 buffer=0 flush=60 session= log_size=0 log_count=0 "
-            "log_level= log_path=\n");
+            "  description remove append lists=1\n"
+            "    list addresses=1\n"
+            "      address HOST=h\n"
+            "  variables\n");
 }
 
 TEST_F(ServiceBuild, TheNameIsStoredWithItsLengthInTheRecordsOwnBlock) {

@@ -1,17 +1,18 @@
-// The tokenizer once more, made to be obviously right: it has the whole input as
-// one text and looks at one character at a time.
+// The tests' plain tokenizer with the operations, the statuses and the state of the
+// module's one.
 #pragma once
 
 #include <cstddef>
 #include <string_view>
 
 #include "kzoci/oci_tnsname.h"
+#include "tests/support/model_input.h"
 
 namespace fuzz {
 
 class PlainTokenizer {
  public:
-  explicit PlainTokenizer(std::string_view text) : text_(text) {}
+  explicit PlainTokenizer(std::string_view text) : input_(text) {}
 
   // Each returns the status of the operation that it stands for.
   sword check_buffer();
@@ -23,20 +24,11 @@ class PlainTokenizer {
   // Ends the process when the parse state is not what it should be by now.
   void check_state(const KZCITnsParseParams &params) const;
 
-  std::size_t position() const { return at_; }
-  std::string_view key() const { return {key_, key_length_}; }
+  std::size_t position() const { return input_.position(); }
+  std::string_view key() const { return input_.word(); }
 
  private:
-  bool has_character() { return check_buffer() == 0; }
-
-  std::string_view text_;
-  std::size_t at_ = 0;      // next character
-  std::size_t loaded_ = 0;  // end of the part that has been read
-  bool is_eof_ = false;
-  bool is_comment_ = false;
-  KZCITnsTokenType last_token_ = TNS_EQUAL_SIGN;
-  char key_[sizeof(KZCITnsParseParams::tns_key)] = {};
-  std::size_t key_length_ = 0;
+  model::Input input_;
 };
 
 }  // namespace fuzz

@@ -4,26 +4,23 @@
 
 #include <algorithm>
 #include <cstring>
-#include <initializer_list>
+#include <span>
 
 #include "fuzz_platform.h"
+#include "tests/support/key_values.h"
 
 namespace fuzz {
 namespace {
+
+using support::Key;
+using support::Place;
+
+constexpr std::size_t longest_key = 256;
 
 std::string without_quotes(std::string_view text) {
   std::string out(text);
   out.erase(std::remove(out.begin(), out.end(), '"'), out.end());
   return out;
-}
-
-template <class Value>
-bool is_one_of(Value value, std::initializer_list<Value> values) {
-  return std::find(values.begin(), values.end(), value) != values.end();
-}
-
-void check_switch(boolean value, const char *name) {
-  check(value == 0 || value == 1, "%s is %d", name, value);
 }
 
 bool are_linked(const list_entry_t &entry) {
@@ -32,10 +29,23 @@ bool are_linked(const list_entry_t &entry) {
 }
 
 // Everything in a service that is not reserved keeps its default.
-bool are_default(const KZCISystemVariables &v) {
-  return v.slowsql_threshold == 100 && v.slowsql_buffer_size == 0 && v.slowsql_flush_second == 60 &&
-         v.session_variable_len == 0 && v.log_size == 0 && v.log_count == 0 &&
-         v.log_level_len == 0 && v.log_path_len == 0;
+bool are_default(const KZCISystemVariables &variables) {
+  std::string others;
+  support::append_values(others, Place::system_variables, &variables);
+  return others.empty();
+}
+
+bool is_default_or_a_word(const Key &key, sb8 value) {
+  return value == key.by_default ||
+         std::any_of(key.words.begin(), key.words.end(),
+                     [value](const support::Word &word) { return word.value == value; });
+}
+
+bool is_one_of(std::string_view text, std::span<const support::Word> words) {
+  return std::any_of(words.begin(), words.end(), [text](const support::Word &word) {
+    return text.size() == word.text.size() &&
+           strncasecmp(text.data(), word.text.data(), text.size()) == 0;
+  });
 }
 
 }  // namespace
@@ -72,19 +82,41 @@ void TreeChecker::ring(const Child *first, ub4 count, const char *kind, Visit vi
 }
 
 // A text stands in the input as it is, but for quotes, which may stand anywhere.
-void TreeChecker::text(const char *field, ub4 length, std::size_t limit, const char *name) {
-  check(length <= limit, "%s is %u characters long", name, length);
-  check(input_without_quotes_.find(std::string_view(field, length)) != std::string::npos,
-        "%s \"%.*s\" is not in the input", name, static_cast<int>(length), field);
+void TreeChecker::text(std::string_view text, std::size_t limit, std::string_view name) {
+  const int name_length = static_cast<int>(name.size());
+  check(text.size() <= limit, "%.*s is %zu characters long", name_length, name.data(), text.size());
+  check(input_without_quotes_.find(text) != std::string::npos, "%.*s \"%.*s\" is not in the input",
+        name_length, name.data(), static_cast<int>(text.size()), text.data());
 }
 
 // The same for a string copy: zeros stand from the first zero byte on.
-void TreeChecker::text_as_string(const char *field, ub4 length, std::size_t limit,
-                                 const char *name) {
-  check(length <= limit, "%s is %u characters long", name, length);
-  const std::string_view whole(field, length);
-  check(whole == copied_as_string(whole), "%s goes on behind a zero byte", name);
-  text(field, static_cast<ub4>(std::min(whole.find('\0'), whole.size())), limit, name);
+void TreeChecker::text_as_string(std::string_view whole, std::size_t limit, std::string_view name) {
+  check(whole == copied_as_string(whole), "%.*s goes on behind a zero byte",
+        static_cast<int>(name.size()), name.data());
+  check(whole.size() <= limit, "%.*s is %zu characters long", static_cast<int>(name.size()),
+        name.data(), whole.size());
+  text(whole.substr(0, whole.find('\0')), limit, name);
+}
+
+// The values that the keys of a place give a record.
+void TreeChecker::values(Place place, const void *record) {
+  for (const Key &key : support::keys_of(place)) {
+    if (key.field.size == 0) continue;
+    const std::size_t limit = std::min(key.limit, longest_key);
+    if (key.takes == support::Takes::word) {
+      const sb8 value = support::number_in(record, key.field);
+      check(is_default_or_a_word(key, value), "%s is %lld", key.word.data(),
+            static_cast<long long>(value));
+    }
+    if (key.takes != support::Takes::text) continue;
+    const std::string_view held = support::text_in(record, key.field);
+    if (place == Place::system_variables)
+      text_as_string(held, limit, key.word);
+    else
+      text(held, limit, key.word);
+    check(key.words.empty() || held.empty() || is_one_of(held, key.words), "%s is \"%.*s\"",
+          key.word.data(), static_cast<int>(held.size()), held.data());
+  }
 }
 
 void TreeChecker::walk(const KZCITns &tns) {
@@ -96,7 +128,7 @@ void TreeChecker::walk(const KZCITnsService &service) {
   check(service.net_service_name_len == 0 ||
             is_live(&service, sizeof service + service.net_service_name_len),
         "a service's name is longer than its block");
-  text_as_string(service.net_service_name, service.net_service_name_len, 256, "a service's name");
+  text_as_string(name_of(service), longest_key, "a service's name");
   ring(service.description, service.description_count, "descriptions",
        [this](const KZCIDescription &child) { walk(child); });
   walk(service.sys_vars);
@@ -109,9 +141,7 @@ void TreeChecker::walk(const KZCITnsService &service) {
 void TreeChecker::walk(const KZCIDescription &d) {
   ring(d.address_list, d.address_list_count, "address lists",
        [this](const KZCIAddressList &child) { walk(child); });
-  check_switch(d.kzlb, "a description's kzlb");
-  check(d.kzlb_group_strategy == LB_OPTION_GROUP_ROTATION, "group strategy %d",
-        d.kzlb_group_strategy);
+  values(Place::description, &d);
   walk(d.black_list_conf);
   if (d.connect_data == nullptr) return;
   check(is_live(d.connect_data, sizeof *d.connect_data), "connect data is not allocated");
@@ -122,41 +152,26 @@ void TreeChecker::walk(const KZCIDescription &d) {
 void TreeChecker::walk(const KZCIAddressList &list) {
   ring(list.address, list.address_count, "addresses",
        [this](const KZCIAddress &child) { walk(child); });
-  check_switch(list.kzlb, "an address list's kzlb");
-  check(is_one_of(list.kzlb_strategy,
-                  {LB_OPTION_RANDOM, LB_OPTION_SERVERAFFINITY, LB_OPTION_ROTATION}),
-        "list strategy %d", list.kzlb_strategy);
+  values(Place::address_list, &list);
 }
 
 void TreeChecker::walk(const KZCIAddress &a) {
-  text(a.host, a.host_len, 256, "a host");
-  text(a.port, a.port_len, 6, "a port");
-  text(a.protocol, a.protocol_len, 6, "a protocol");
-  check(a.protocol_len == 0 || (a.protocol_len == 3 && strncasecmp(a.protocol, "TCP", 3) == 0),
-        "protocol \"%.*s\"", static_cast<int>(a.protocol_len), a.protocol);
+  values(Place::address, &a);
   check(a.connect_le.next == &a.connect_le && are_linked(a.connect_le),
         "the connection layer's entry is linked");
 }
 
-void TreeChecker::walk(const KZCIConnectData &data) {
-  text(data.service_name, data.service_name_len, 256, "a service name");
-  text(data.user_extra_info, data.user_extra_info_len, 256, "extra information");
-  text(data.session_variable, data.session_variable_len, 256, "a session variable");
-}
+void TreeChecker::walk(const KZCIConnectData &data) { values(Place::connect_data, &data); }
 
 void TreeChecker::walk(const KZCIBlacklistConf &blacklist) {
-  check(blacklist.remove_strategy == LB_OPTION_TIMEOUT, "remove strategy %d",
-        blacklist.remove_strategy);
-  check(is_one_of(blacklist.append_strategy, {LB_OPTION_RETRY_DERUATION, LB_OPTION_NORMAL}),
-        "append strategy %d", blacklist.append_strategy);
+  values(Place::remove_strategy, &blacklist);
+  values(Place::append_strategy, &blacklist);
 }
 
-void TreeChecker::walk(const KZCISystemVariables &v) {
-  text_as_string(v.session_variable, v.session_variable_len, 256, "the session variable");
-  text_as_string(v.log_level, v.log_level_len, 256, "the log level");
-  text_as_string(v.log_path, v.log_path_len, 256, "the log path");
-  check(v.log_size == 0 || v.log_size >= 0x100000, "log size %lld",
-        static_cast<long long>(v.log_size));
+void TreeChecker::walk(const KZCISystemVariables &variables) {
+  values(Place::system_variables, &variables);
+  check(variables.log_size == 0 || variables.log_size >= 0x100000, "log size %lld",
+        static_cast<long long>(variables.log_size));
 }
 
 std::size_t blocks_below(const KZCITns &tns, std::string_view input) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "kzoci/oci_tnsname.h"
+#include "tests/support/keys.h"
 
 namespace fuzz {
 
@@ -31,8 +32,9 @@ class TreeChecker {
  private:
   template <class Child, class Visit>
   void ring(const Child *first, ub4 count, const char *kind, Visit visit);
-  void text(const char *field, ub4 length, std::size_t limit, const char *name);
-  void text_as_string(const char *field, ub4 length, std::size_t limit, const char *name);
+  void values(support::Place place, const void *record);
+  void text(std::string_view text, std::size_t limit, std::string_view name);
+  void text_as_string(std::string_view whole, std::size_t limit, std::string_view name);
 
   std::string input_without_quotes_;
   std::size_t blocks_ = 0;

@@ -1,41 +1,60 @@
 #!/usr/bin/env bash
-# One case of a program: a folder with
-#   command   a shell line that calls it, run in that folder; $scratch is an empty
-#             folder, $examples the project's examples
-#   stdout, stderr, status   what comes of it (missing: empty, empty, 0)
-# A case that needs a terminal calls script(1); where that can make none the case is
-# skipped, status 77.
+# One case of a program: a text file of a comment and sections, each under a line
+# "-- NAME --". docs/testing.md describes the form. A case that needs
+# a terminal calls script(1); where that can make none the case is skipped, status 77.
 #
-#   golden.sh CASE_DIR PROGRAM...
+#   golden.sh CASE SOURCE_DIR PROGRAM...
 set -uo pipefail
-case_dir=$1
-shift
-if grep -qw '^script' "$case_dir/command" && ! script -qec true /dev/null >/dev/null 2>&1; then
+case_file=$1
+source_dir=$2
+shift 2
+out=$(mktemp -d)
+trap 'rm -rf "$out"' EXIT
+mkdir "$out"/{bin,case,scratch,expected,actual}
+ln -s "$@" "$out/bin/"
+ln -s "$source_dir"/{examples,docs} "$out/case/"
+
+# Each section into a file of its name; the names of escaped ones to standard output.
+unpack() {
+  LC_ALL=C awk -v out="$out" '
+    /^-- [^ ]+ (\(escaped\) )?--$/ {
+      file = out ($2 ~ /^(stdout|stderr|status|command)$/ ? "/expected/" : "/case/") $2
+      printf "" >file
+      if ($3 == "(escaped)") print file
+      next
+    }
+    file { print >file }
+    !file && !/^# ./ { print "not a comment: " $0 >"/dev/stderr"; exit 1 }
+  ' "$case_file"
+}
+unpack >"$out/escaped" || exit 1
+while read -r file; do
+  printf '%b\n' "$(<"$file")" >"$out/bytes" && mv "$out/bytes" "$file"
+done <"$out/escaped"
+if ! head -n 1 "$case_file" | grep -q '^# ' || [ ! -s "$out/expected/command" ]; then
+  echo "$case_file: no comment or no command" >&2
+  exit 1
+fi
+
+if grep -qw '^script' "$out/expected/command" && ! script -qec true /dev/null >/dev/null 2>&1; then
   echo "skipped: no pseudo-terminal here"
   exit 77
 fi
-out=$(mktemp -d)
-trap 'rm -rf "$out"' EXIT
-mkdir "$out/bin" "$out/scratch"
-ln -s "$@" "$out/bin/"
 
-cd "$case_dir"
+cd "$out/case" || exit 1
 unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME KZCI_TNS_DISPLAY NO_COLOR
-export scratch=$out/scratch
-export examples=$PWD/../../../examples
-PATH="$out/bin:$PATH" bash ./command >"$out/stdout" 2>"$out/stderr" </dev/null
-echo $? >"$out/status"
+export scratch=$out/scratch examples=$out/case/examples
+PATH="$out/bin:$PATH" bash "$out/expected/command" >"$out/actual/stdout" 2>"$out/actual/stderr" \
+  </dev/null
+echo $? >"$out/actual/status"
 
 failed=0
-touch "$out/empty"
-echo 0 >"$out/zero"
-# expect NAME DEFAULT: compares with the case's file, or with the default.
+# expect NAME [DEFAULT]: compares with the case's section, or with the default.
 expect() {
-  local expected=$2
-  [ ! -e "$1" ] || expected=$1
-  diff -u --label "expected $1" --label "actual $1" "$expected" "$out/$1" || failed=1
+  [ -e "$out/expected/$1" ] || printf "${2-}" >"$out/expected/$1"
+  diff -u --label "expected $1" --label "actual $1" "$out/expected/$1" "$out/actual/$1" || failed=1
 }
-expect stdout "$out/empty"
-expect stderr "$out/empty"
-expect status "$out/zero"
+expect stdout
+expect stderr
+expect status '0\n'
 exit $failed

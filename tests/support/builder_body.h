@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "expected_log.h"
-#include "key_numbers.h"
+#include "keys.h"
 #include "parsing.h"
 
 namespace builder_body {
@@ -139,11 +139,11 @@ inline std::vector<Fault> key_faults(const Item &item) {
   };
 }
 
-// Faults behind a good value.
-inline std::vector<Fault> closing_faults(const Item &item) {
+// Faults behind a good value, after which a builder may report what it was.
+inline std::vector<Fault> closing_faults(const Item &item, const Lines &report = {}) {
   using namespace expected_log;
   const std::string text = "(" + item.key + "=" + item.value;
-  const Lines read = item_begins(item) + value(item.value);
+  const Lines read = item_begins(item) + value(item.value) + report;
   return {
       {"block behind the value", text + "(v)))",
        read + mismatch(TNS_RIGHT_PARENTHESES, TNS_LEFT_PARENTHESES), "(v)))"},
@@ -177,62 +177,17 @@ inline std::vector<Ending> good_endings() {
   };
 }
 
-// What every builder does with its arguments; it is told by its name and its first
-// argument's name in the log.
-template <class Record>
-struct BuilderUnderTest {
-  sword (*build)(Record *, KZCITnsParseParams *);
-  std::string name;
-  std::string argument;
-
-  std::string call(const std::string &record, const std::string &params) const {
-    return "DEBUG call " + name + " with params [" + argument + ":" + record +
-           "], [parse_params:" + params + "]";
-  }
-
-  void expect_arguments_in_log(Record &record) const {
-    Body input(")");
-    build(&record, &input.params);
-    EXPECT_EQ(support::log_records().front(),
-              call(support::pointer_text(&record), support::pointer_text(&input.params)));
-  }
-
-  void expect_null_refusal(Record &record) const {
-    Body input("(NAME=T))");
-    EXPECT_EQ(build(nullptr, &input.params), -2);
-    EXPECT_EQ(build(&record, nullptr), -2);
-    EXPECT_EQ(build(nullptr, nullptr), -2);
-    const Lines refusal = {"ERROR invalid handle, handle is NULL"};
-    EXPECT_EQ(joined(support::events()),
-              joined(Lines{call("NULL", "PTR")} + refusal + Lines{call("PTR", "NULL")} + refusal +
-                     Lines{call("NULL", "NULL")} + refusal));
-    EXPECT_EQ(input.unread(), "(NAME=T))");
-  }
-
-  // The record to be built cannot be allocated; the message tells the size.
-  void expect_no_memory(Record &parent, const std::string &what, const std::string &message) const {
-    Body input("(NAME=T))");
-    support::fail_allocation(1);
-    EXPECT_EQ(build(&parent, &input.params), -1);
-    EXPECT_EQ(joined(support::events()),
-              joined(Lines{call("PTR", "PTR")} + refused(what) + Lines{message}));
-    EXPECT_EQ(input.unread(), "(NAME=T))");
-  }
-};
-
-// Key words that a block refuses: every one but the given ones. Builders tell
+// Key words that a block refuses: every one that is not its own. Builders tell
 // of each with the line "<prefix> get key_type <n>" and an error of their own.
-inline std::vector<Fault> refused_words(const Lines &accepted, const std::string &prefix,
+inline std::vector<Fault> refused_words(support::Place place, const std::string &prefix,
                                         const std::string &error) {
   std::vector<Fault> out;
-  for (const support::KeyNumber &word : support::key_numbers) {
-    bool known = false;
-    for (const std::string &text : accepted) known = known || text == word.text;
-    if (known) continue;
-    const std::string text(word.text);
+  for (const support::Key &key : support::keys) {
+    if (support::key_in(place, key.word) != nullptr) continue;
+    const std::string text(key.word);
     out.push_back({"refused " + text, "(" + text + "=v))",
-                   expected_log::key_word(text, word.number) +
-                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(word.number),
+                   expected_log::key_word(text, key.number) +
+                       Lines{"DEBUG " + prefix + "get key_type " + std::to_string(key.number),
                              "ERROR " + error},
                    "v))"});
   }

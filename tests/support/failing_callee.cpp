@@ -49,8 +49,7 @@ using namespace failing_callee;
 
 namespace {
 
-// The module's own function of this name: the module is a shared library here, whose calls
-// find the stand-ins of the program first.
+// The module's own function of this name.
 template <class Function>
 Function *next(const char *name) {
   return reinterpret_cast<Function *>(dlsym(RTLD_NEXT, name));

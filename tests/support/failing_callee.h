@@ -1,20 +1,18 @@
-// Functions of the module that fail when a test says so. The linker puts a
-// stand-in in front of each (--wrap); it sees the calls from one object file to
-// another.
+// Functions of the module that fail when a test says so. The module is a shared library
+// here, whose calls find the stand-ins of the program first.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
-#include <filesystem>
-#include <iterator>
 #include <string>
 
+#include "fault_folder.h"
 #include "kzoci/oci_tnsname.h"
-#include "parsing.h"
 
 namespace failing_callee {
 
+using faults::lookup_begins;
+using faults::open_files;
+using faults::release;
 using support::operator+;
 using support::Lines;
 
@@ -70,48 +68,24 @@ inline Lines with_status(Lines lines, sword status) {
   return lines;
 }
 
-inline std::ptrdiff_t open_files() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                       std::filesystem::directory_iterator());
-}
-
-inline Lines release(const std::string &tag) { return {"FREE " + tag}; }
-
-// Works in a folder of its own, so that the name of the file is short and known.
-class FailingCallee : public testing::Test {
+// Nothing fails when a test begins and when it ends.
+class FailingCallee : public faults::FaultFolder {
  protected:
   void SetUp() override {
-    start_ = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.path());
-    environment_.set("KZCI_TNS_FILE", "names.ora");
+    FaultFolder::SetUp();
     begin();
   }
 
   void TearDown() override {
     EXPECT_TRUE(all_struck());
-    EXPECT_EQ(support::bad_releases(), 0u);
-    begin();
-    std::filesystem::current_path(start_);
+    forget_failures();
+    FaultFolder::TearDown();
   }
 
   void begin() {
-    support::reset_platform();
     forget_failures();
-    KZCITnsInit(&tns_);
+    FaultFolder::begin();
   }
-
-  void names_file(const std::string &text) { folder_.write("names.ora", text); }
-
-  // What happened since the given number of events.
-  static Lines since(std::size_t count) {
-    const Lines all = support::events();
-    return Lines(all.begin() + static_cast<std::ptrdiff_t>(count), all.end());
-  }
-
-  support::Environment environment_;
-  support::TemporaryFolder folder_;
-  std::filesystem::path start_;
-  KZCITns tns_;
 };
 
 }  // namespace failing_callee

@@ -30,9 +30,12 @@ const std::string bare =
     "(address = (host = c)) # a comment\n"
     "(ADDRESS_LIST = (ADDRESS = (HOST = d))) (KZLB = o)";
 
+const std::string small_entry = "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))";
+
+// The text is written in two parts: up to where the builder stops, and the rest.
 Sample in_file(const std::string &name, const std::string &entry, const std::string &rest,
                Outcome outcome) {
-  return {name, Source::file, "mydb", "other = (x)\n", "mydb = " + entry, rest, outcome};
+  return {name, Source::file, "mydb", "other = (x)\nmydb = " + entry + rest, outcome};
 }
 
 std::string many_blocks() {
@@ -59,24 +62,20 @@ std::vector<Sample> good_entries() {
       in_file("default SID",
               "(DESCRIPTION = (ADDRESS = (HOST = a)) (CONNECT_DATA = (USE_DEFAULT_SID = 1)))", "",
               found),
-      {"quoted name", Source::file, "my db", "", "my\" \"db=(DESCRIPTION=(ADDRESS=(HOST=a)))", "",
-       found},
-      {"empty name", Source::file, "", "", "\"\"=(LOG_COUNT=1)", "", found},
-      {"entry behind others", Source::file, "mydb", other_entries,
-       "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))", "", found},
-      {"entry behind many small blocks", Source::file, "mydb", "other = (" + many_blocks() + ")\n",
-       "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))", "", found},
-      {"entry behind a long one", Source::file, "mydb",
-       "other = (" + std::string(3000, 'x') + ")\n",
-       "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))", "", found},
+      {"quoted name", Source::file, "my db", "my\" \"db=(DESCRIPTION=(ADDRESS=(HOST=a)))", found},
+      {"empty name", Source::file, "", "\"\"=(LOG_COUNT=1)", found},
+      {"entry after others", Source::file, "mydb", other_entries + small_entry, found},
+      {"entry after many small blocks", Source::file, "mydb",
+       "other = (" + many_blocks() + ")\n" + small_entry, found},
+      {"entry after a long one", Source::file, "mydb",
+       "other = (" + std::string(3000, 'x') + ")\n" + small_entry, found},
       {"long blanks and comments", Source::file, "mydb",
-       std::string(1500, ' ') + "#" + std::string(1500, '(') + "\n",
-       "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))", "", found},
+       std::string(1500, ' ') + "#" + std::string(1500, '(') + "\n" + small_entry, found},
   };
 }
 
-// Entries that end too early, yet behind a complete item.
-std::vector<Sample> entries_cut_behind_an_item() {
+// Entries that end too early, yet after a complete item.
+std::vector<Sample> entries_cut_after_an_item() {
   return {
       in_file("one block, then an open parenthesis", "(DESCRIPTION = (ADDRESS = (HOST = a)))\n(",
               "= x", malformed),
@@ -178,7 +177,7 @@ std::vector<Sample> bad_keys() {
 
 Sample no_entry(const std::string &name, const std::string &before, const std::string &rest,
                 Outcome outcome) {
-  return {name, Source::file, "mydb", before, "", rest, outcome};
+  return {name, Source::file, "mydb", before + rest, outcome};
 }
 
 // Files in which the entry is not reached.
@@ -201,9 +200,8 @@ std::vector<Sample> other_files() {
 
 Sample reserved(const std::string &name, const std::string &settings, const std::string &rest,
                 Outcome outcome) {
-  return {
-      name, Source::file, "KZCISYSTEMVARIABLES", other_entries, "KZCISYSTEMVARIABLES = " + settings,
-      rest, outcome};
+  return {name, Source::file, "KZCISYSTEMVARIABLES",
+          other_entries + "KZCISYSTEMVARIABLES = " + settings + rest, outcome};
 }
 
 std::vector<Sample> reserved_entries() {
@@ -221,17 +219,17 @@ std::vector<Sample> reserved_entries() {
       reserved("block for an unknown value", "(LOG_COUNT = 1)(ANYTHING = ", "(x))", malformed),
       reserved("block for a key", "(LOG_COUNT = 1)(", "(x))", malformed),
       reserved("key alone", "(LOG_COUNT = 1)(LOG_LEVEL ", ")", malformed),
-      reserved("no equal sign behind no key word", "(LOG_COUNT = 1)(ANYTHING ", ")", malformed),
+      reserved("no equal sign after no key word", "(LOG_COUNT = 1)(ANYTHING ", ")", malformed),
       reserved("key left out", "(LOG_COUNT = 1)(= 2)", "", found),
-      {"prefix in another letter case", Source::file, "kzci", "", "kzci = (LOG_LEVEL = INFO)",
-       "\nnext = (x)", found},
+      {"prefix in another letter case", Source::file, "kzci",
+       "kzci = (LOG_LEVEL = INFO)\nnext = (x)", found},
   };
 }
 
 std::vector<Sample> descriptors() {
   const auto literal = [](const std::string &name, const std::string &entry,
                           const std::string &rest, Outcome outcome) {
-    return Sample{name, Source::literal, "", "", entry, rest, outcome};
+    return Sample{name, Source::literal, "", entry + rest, outcome};
   };
   return {
       literal("every key", "(DESCRIPTION = " + every_key + ")", " \n", found),
@@ -239,8 +237,8 @@ std::vector<Sample> descriptors() {
       literal("second connect data",
               "(DESCRIPTION=(CONNECT_DATA=(SID=s))(ADDRESS=(HOST=a))(CONNECT_DATA=(SID=t))", ")",
               malformed),
-      literal("text behind", "(DESCRIPTION=" + bare + ")", "x", malformed),
-      literal("block behind", "(DESCRIPTION=" + bare + ")", "(DESCRIPTION=(KZLB=ON))", malformed),
+      literal("text after", "(DESCRIPTION=" + bare + ")", "x", malformed),
+      literal("block after", "(DESCRIPTION=" + bare + ")", "(DESCRIPTION=(KZLB=ON))", malformed),
       literal("no end", "(DESCRIPTION=" + bare, "", malformed),
       literal("no end of an address", "(DESCRIPTION=" + bare + "(ADDRESS_LIST=(ADDRESS=(HOST=a)",
               "", malformed),
@@ -248,12 +246,12 @@ std::vector<Sample> descriptors() {
       literal("bad connect data", in_data("(HOST="), "x)))", malformed),
       literal("empty description", "(DESCRIPTION=", "", malformed),
       literal("blank in the word", "(DESC ", "RIPTION=(KZLB=ON))", malformed),
-      {"wrong word", Source::literal_only, "", "", "(ADDRESS=", "(HOST=a))", malformed},
-      {"unknown word", Source::literal_only, "", "", "(x ", "=(HOST=a))", malformed},
-      {"no parenthesis", Source::literal_only, "", "", "", "x", malformed},
-      {"end before the word", Source::literal_only, "", "", "(", "", absent},
-      {"end before the equal sign", Source::literal_only, "", "", "(DESCRIPTION ", "", absent},
-      {"empty text", Source::literal_only, "", "", "", "", absent},
+      {"wrong word", Source::literal_only, "", "(ADDRESS=(HOST=a))", malformed},
+      {"unknown word", Source::literal_only, "", "(x =(HOST=a))", malformed},
+      {"no parenthesis", Source::literal_only, "", "x", malformed},
+      {"end before the word", Source::literal_only, "", "(", absent},
+      {"end before the equal sign", Source::literal_only, "", "(DESCRIPTION ", absent},
+      {"empty text", Source::literal_only, "", "", absent},
   };
 }
 
@@ -261,7 +259,7 @@ std::vector<Sample> descriptors() {
 
 std::vector<Sample> fault_corpus() {
   std::vector<Sample> all;
-  for (const auto &part : {good_entries(), entries_cut_behind_an_item(), bad_values(), bad_keys(),
+  for (const auto &part : {good_entries(), entries_cut_after_an_item(), bad_values(), bad_keys(),
                            other_files(), reserved_entries(), descriptors()})
     all.insert(all.end(), part.begin(), part.end());
   return all;

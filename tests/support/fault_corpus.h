@@ -19,12 +19,8 @@ struct Sample {
   std::string name;
   Source source;
   std::string identifier;  // The name sought, in a file.
-  std::string before;      // What stands in the file in front of the entry.
-  std::string entry;       // What the builder consumes: with name and "=" in a file.
-  std::string rest;        // What the builder stops at; empty at the end.
+  std::string text;        // The file, or the descriptor.
   Outcome outcome;
-
-  std::string text() const { return before + entry + rest; }
 };
 
 std::vector<Sample> fault_corpus();

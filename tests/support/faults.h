@@ -1,31 +1,22 @@
-// What the tests of faults share: samples built one by one, and what is expected
-// of each when memory or input end half-way.
+// Samples built one by one, and what is expected of each when memory or input end half-way.
 #pragma once
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
-#include <filesystem>
-#include <iterator>
 #include <string>
 #include <vector>
 
-#include "allocation_model.h"
-#include "expected_log.h"
 #include "fault_corpus.h"
-#include "parsing.h"
+#include "fault_folder.h"
+#include "model_reader.h"
 
 namespace faults {
 
-using expected_log::operator+;
-using support::Block;
+using model::Fault;
+using model::Prediction;
 using support::build;
 using support::fault_corpus;
-using support::Lines;
 using support::Outcome;
-using support::predict;
-using support::Prediction;
 using support::Sample;
 using support::Source;
 
@@ -35,12 +26,26 @@ inline constexpr Outcome malformed = {-1, 0};
 
 inline constexpr std::size_t buffer_size = sizeof(KZCITnsParseParams::tns_buffer);
 
-// Blocks in an order of their own, to be compared as multisets.
-inline Lines sorted(const std::vector<Block> &blocks, const std::vector<Block> &more = {}) {
+inline Prediction predict(const Sample &sample, const Fault &fault = {}) {
+  if (sample.source == Source::literal_only) return model::predict_literal(sample.text, fault);
+  if (sample.source == Source::literal) return model::predict(sample.text, "", fault);
+  return model::predict(sample.identifier, sample.text, fault);
+}
+
+inline Outcome outcome_of(const Prediction &prediction) {
+  return {prediction.status, prediction.find};
+}
+
+inline Lines sorted(Lines blocks) {
+  std::sort(blocks.begin(), blocks.end());
+  return blocks;
+}
+
+// The blocks that are allocated now, in the order of their allocation.
+inline Lines live() {
   Lines out;
-  for (const std::vector<Block> *part : {&blocks, &more})
-    for (const Block &block : *part) out.push_back(std::to_string(block.size) + " " + block.tag);
-  std::sort(out.begin(), out.end());
+  for (const support::Block &b : support::live_blocks())
+    out.push_back(model::block_of(b.size, b.tag));
   return out;
 }
 
@@ -52,40 +57,26 @@ inline Lines log_without_refills() {
   return out;
 }
 
-inline std::ptrdiff_t open_files() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                       std::filesystem::directory_iterator());
-}
-
 // A sample for the message of a failing row.
 inline std::string shown(const Sample &sample) {
-  return sample.name + ": " + sample.text().substr(0, 400);
+  return sample.name + ": " + sample.text.substr(0, 400);
 }
 
 inline Outcome build_sample(KZCITns &tns, const Sample &sample) {
   if (sample.source == Source::file) return build(tns, sample.identifier);
-  const std::string text = sample.text();
-  if (sample.source == Source::literal) return build(tns, text);
+  if (sample.source == Source::literal) return build(tns, sample.text);
   Outcome outcome = {0, 7};
-  outcome.status = KZCITnsBuildDes(&tns, reinterpret_cast<const OraText *>(text.c_str()),
-                                   static_cast<ub4>(text.size()), &outcome.find);
+  outcome.status = KZCITnsBuildDes(&tns, reinterpret_cast<const OraText *>(sample.text.c_str()),
+                                   static_cast<ub4>(sample.text.size()), &outcome.find);
   return outcome;
 }
 
-// An entry that is found behind another one.
+// An entry that is found after another one.
 inline Sample small_sample() {
-  return {"small",
-          Source::file,
-          "mydb",
-          "other = (x)\n",
-          "mydb = (DESCRIPTION = (ADDRESS = (HOST = a))(ADDRESS_LIST = (ADDRESS = (HOST = b))))",
-          "\n",
+  return {"small", Source::file, "mydb",
+          "other = (x)\n"
+          "mydb = (DESCRIPTION = (ADDRESS = (HOST = a))(ADDRESS_LIST = (ADDRESS = (HOST = b))))\n",
           found};
-}
-
-inline Lines lookup_begins(const std::string &file) {
-  return {"DEBUG call KZCITnsBuild with params [tns:PTR]", "DEBUG get KZCI_TNS_FILE:" + file,
-          "DEBUG get configure file:" + file};
 }
 
 // What a lookup logs whose file cannot be opened.
@@ -103,30 +94,17 @@ struct Trial {
   bool operator==(const Trial &other) const = default;
 };
 
-// Works in a folder of its own, so that the name of the file is short and known.
-class Faults : public testing::Test {
+class Faults : public FaultFolder {
  protected:
   void SetUp() override {
-    start_ = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.path());
-    environment_.set("KZCI_TNS_FILE", "names.ora");
-    begin();
+    FaultFolder::SetUp();
     open_before_ = open_files();
   }
 
   void TearDown() override {
-    EXPECT_EQ(support::bad_releases(), 0u);
-    begin();
-    std::filesystem::current_path(start_);
+    FaultFolder::TearDown();
     RecordProperty("faults", static_cast<int>(faults_));
   }
-
-  void begin() {
-    support::reset_platform();
-    KZCITnsInit(&tns_);
-  }
-
-  void names_file(const std::string &text) const { folder_.write("names.ora", text); }
 
   Trial look_up(const Sample &sample, bool keep_log = true) {
     begin();
@@ -136,24 +114,21 @@ class Faults : public testing::Test {
   }
 
   // Releases the tree; only the lost blocks are still allocated then.
-  void expect_left(const std::vector<Block> &lost) {
+  void expect_left(const Lines &lost) {
     EXPECT_EQ(KZCITnsClear(&tns_), 0);
-    EXPECT_EQ(sorted(support::live_blocks()), sorted(lost));
+    EXPECT_EQ(sorted(live()), sorted(lost));
     EXPECT_EQ(support::bad_releases(), 0u);
   }
 
   void expect(const Outcome &outcome, const Prediction &expected) {
-    EXPECT_EQ(outcome, expected.outcome);
-    EXPECT_EQ(tns_.tns_service_count, expected.outcome == found ? 1u : 0u);
-    EXPECT_EQ(sorted(support::live_blocks()), sorted(expected.kept, expected.lost));
+    EXPECT_EQ(outcome, outcome_of(expected));
+    EXPECT_EQ(tns_.tns_service_count, expected.find);
+    EXPECT_EQ(support::full_tree(tns_), expected.tree);
+    EXPECT_EQ(sorted(live()), expected.live);
     EXPECT_EQ(open_files(), open_before_);
     expect_left(expected.lost);
   }
 
-  support::Environment environment_;
-  support::TemporaryFolder folder_;
-  std::filesystem::path start_;
-  KZCITns tns_;
   std::ptrdiff_t open_before_ = 0;
   std::size_t faults_ = 0;
 };

@@ -1,5 +1,7 @@
 #include "model_input.h"
 
+#include <algorithm>
+
 namespace model {
 namespace {
 
@@ -15,20 +17,29 @@ bool ends_word(char c) { return is_blank(c) || kind_of(c) != Kind::word; }
 
 }  // namespace
 
-bool Input::skip_space() {
-  bool comment = false;
-  for (; at_ < text_.size(); ++at_) {
+bool Input::has_character() {
+  if (at_ < taken_over_) return true;
+  if (ended_ || taken_over_ == text_.size()) {
+    ended_ = true;
+    return false;
+  }
+  taken_over_ = std::min(taken_over_ + slice, text_.size());
+  return true;
+}
+
+Step Input::skip_space() {
+  for (; has_character(); ++at_) {
     const char c = text_[at_];
     // A zero byte ends a comment, but is no part of it.
-    if (comment && (c == '\n' || c == '\0')) comment = false;
-    if (!comment && c == '#') comment = true;
-    if (!comment && !is_blank(c)) return true;
+    if (comment_ && (c == '\n' || c == '\0')) comment_ = false;
+    if (!comment_ && c == '#') comment_ = true;
+    if (!comment_ && !is_blank(c)) return Step::good;
   }
-  return false;
+  return Step::end;
 }
 
 Step Input::expect(Kind kind) {
-  if (!skip_space()) return Step::end;
+  if (skip_space() == Step::end) return Step::end;
   if (kind_of(text_[at_]) != kind) return Step::wrong;
   last_ = kind;
   if (kind == Kind::word) return read_word();
@@ -36,33 +47,30 @@ Step Input::expect(Kind kind) {
   return Step::good;
 }
 
+Step Input::next() { return skip_space() == Step::end ? Step::end : expect(kind_of(text_[at_])); }
+
 Step Input::read_word() {
   std::size_t length = 0;
-  bool quoted = false;
-  for (; at_ < text_.size(); ++at_) {
+  for (bool quoted = false; has_character(); ++at_) {
     const char c = text_[at_];
     if (length == word_limit || (!quoted && ends_word(c))) {
       held_length_ = length;
       return Step::good;
     }
-    if (c == '"') {
+    if (c == '"')
       quoted = !quoted;
-      continue;
-    }
-    held_[length++] = c;
+    else
+      held_[length++] = c;
     // The longest word may not be the last thing in its slice of the text.
-    const std::size_t behind = at_ + 1;
-    if (length == word_limit && (behind % slice == 0 || behind == text_.size())) {
-      at_ = behind;
-      return Step::wrong;
-    }
+    if (length < word_limit || at_ + 1 < taken_over_) continue;
+    ++at_;
+    return Step::wrong;
   }
   return Step::end;
 }
 
 bool Input::skip_block() {
-  std::size_t depth = 1;
-  while (at_ < text_.size()) {
+  for (std::size_t depth = 1; has_character();) {
     const char c = text_[at_++];
     if (c == '(') ++depth;
     if (c == ')' && --depth == 0) return true;

@@ -1,4 +1,5 @@
-// The tokens of a text, as a builder asks for them.
+// The tokens of a text, once more and made to be obviously right: it has the whole text and
+// looks at one character at a time.
 #pragma once
 
 #include <cstddef>
@@ -21,12 +22,24 @@ class Input {
   // Consumes the next token if it is of this kind.
   Step expect(Kind kind);
 
-  // Passes over blanks and comments; false at the end of the text.
-  bool skip_space();
+  // Consumes the next token, of whatever kind.
+  Step next();
+
+  // Passes over blanks and comments; end at the end of the text.
+  Step skip_space();
 
   // Consumes characters up to the ")" that closes one open "("; false at the
   // end of the text. Quotes and comments do not matter.
   bool skip_block();
+
+  // Consumes a word from the next character on.
+  Step read_word();
+
+  // Whether there is a next character; takes over the next part of the text for it.
+  bool has_character();
+
+  // Nothing is taken over any more.
+  void end() { ended_ = true; }
 
   // The kind of the last token that was consumed, even if it was a word that
   // could not be read to its end.
@@ -36,11 +49,20 @@ class Input {
   // over the beginning of the word before, whose length holds on.
   std::string_view word() const { return std::string_view(held_).substr(0, held_length_); }
 
- private:
-  Step read_word();
+  // All that is held of words, beyond the last one's length too.
+  const std::string &held() const { return held_; }
 
+  std::size_t position() const { return at_; }
+  std::string_view at_hand() const { return text_.substr(at_, taken_over_ - at_); }
+  bool has_ended() const { return ended_; }
+  bool in_comment() const { return comment_; }
+
+ private:
   std::string_view text_;
   std::size_t at_ = 0;
+  std::size_t taken_over_ = 0;
+  bool ended_ = false;
+  bool comment_ = false;
   Kind last_ = Kind::equal;
   std::string held_ = std::string(word_limit, '\0');
   std::size_t held_length_ = 0;

@@ -1,7 +1,6 @@
 #include "model_reader.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <utility>
 
 #include "model_input.h"
@@ -11,18 +10,17 @@
 namespace model {
 namespace {
 
+using support::Key;
+using support::Takes;
+
 constexpr std::string_view reserved_name = "KZCISYSTEMVARIABLES";
 constexpr std::string_view literal_beginning = "(DESCRIPTION=";
-
-struct Choice {
-  std::string_view word;
-  int value;
-};
 
 // Reads the blocks of one service.
 class Reader {
  public:
-  Reader(std::string_view text, Prediction &out) : input_(text), out_(out) {}
+  Reader(std::string_view text, std::size_t failing_allocation, Prediction &out)
+      : input_(text), failing_allocation_(failing_allocation), out_(out) {}
 
   void look_up(std::string_view name);
   void read_literal();
@@ -31,74 +29,85 @@ class Reader {
   template <class Handle>
   bool items(Handle handle);
 
+  bool allocate() { return ++out_.allocations != failing_allocation_; }
   bool read_value() { return input_.expect(Kind::word) == Step::good; }
-  bool choose(std::initializer_list<Choice> choices, int &field, const char *complaint);
-  bool number(sb8 &field);
-  bool text(std::string &field, std::size_t limit);
-  bool text_of_variable(std::string &field, std::size_t limit);
+  bool value(const Key &key, Values &values);
+  bool word(const Key &key, Values &values);
+  bool number(const Key &key, Values &values);
+  bool text(const Key &key, Values &values);
   void complain(const std::string &about) { out_.complaints.push_back(about); }
-
-  bool on_off(int &field) {
-    return choose({{"ON", 1}, {"OFF", 0}}, field, "parse LB_KZLB get wrong key:");
-  }
+  const Key *key_at(Place place) const { return support::key_in(place, key_); }
 
   bool address(AddressList &list);
-  bool protocol(Address &address);
   bool address_list(Description &description);
   bool bare_address(Description &description);
   bool connect_data(Description &description);
-  bool blacklist(Blacklist &black);
-  bool remove_strategy(Blacklist &black);
-  bool append_strategy(Blacklist &black);
+  bool values_of(Place place, Values &values);
+  bool blacklist(Description &description);
   bool description(Service &service);
   bool description_item(Description &description);
-  bool variable(Variables &variables);
+  bool variable(Values &variables);
   bool begin_block(bool reserved);
   bool block(Service &service, bool reserved);
 
   Step skip_entry(bool &stop);
   sword build_entry();
-  void give(const Service &service);
+  void give(const Service &service, const std::string &block);
 
   Input input_;
+  std::size_t failing_allocation_;
   Prediction &out_;
   std::string_view key_ = no_key;
 };
 
-bool Reader::choose(std::initializer_list<Choice> choices, int &field, const char *complaint) {
+// The first word that the value is a leading part of.
+bool Reader::word(const Key &key, Values &values) {
   const bool read = read_value();
   const std::string_view value = input_.word();
-  for (const Choice &choice : choices) {
-    if (!stands_for(value, choice.word)) continue;
-    field = choice.value;
+  for (const support::Word &word : key.words) {
+    if (!stands_for(value, word.text)) continue;
+    values.number(key) = word.value;
     return read;
   }
-  complain(complaint + printed(value));
+  complain(std::string(key.complaint) + printed(value));
   return false;
 }
 
-bool Reader::number(sb8 &field) {
+bool Reader::number(const Key &key, Values &values) {
   const bool read = read_value();
   const Number number = number_of(input_.word());
-  field = number.value;
+  values.number(key) = key.kept(number.value);
   if (!number.accepted) complain("fail to covert to int, src value:" + printed(input_.word()));
   return read && number.accepted;
 }
 
-// A text beyond the limit is dropped; only a text that is not there is a fault.
-bool Reader::text(std::string &field, std::size_t limit) {
+// A text beyond the limit is dropped; only a text that is not there is a fault, and a
+// field that holds none of the words, if there are only some.
+bool Reader::text(const Key &key, Values &values) {
+  std::string &field = values.text(key);
   const bool read = read_value();
-  if (read && input_.word().size() <= limit)
+  if (read && input_.word().size() <= key.limit)
     field = input_.word();
   else
     complain("fail to parse string value");
-  return read;
+  if (key.place == Place::system_variables) field = copied_as_string(field);
+  const auto is_field = [&field](const support::Word &word) {
+    return field.size() == word.text.size() && stands_for(field, word.text);
+  };
+  return read && (key.words.empty() || std::any_of(key.words.begin(), key.words.end(), is_field));
 }
 
-bool Reader::text_of_variable(std::string &field, std::size_t limit) {
-  const bool read = text(field, limit);
-  field = copied_as_string(field);
-  return read;
+bool Reader::value(const Key &key, Values &values) {
+  switch (key.takes) {
+    case Takes::word:
+      return word(key, values);
+    case Takes::integer:
+      return number(key, values);
+    case Takes::text:
+      return text(key, values);
+    default:
+      return false;
+  }
 }
 
 // block := item { item }, item := "(" KEY "=" value ")". A block is good when
@@ -113,137 +122,95 @@ bool Reader::items(Handle handle) {
   return input_.last() == Kind::close;
 }
 
-bool Reader::protocol(Address &address) {
-  const bool read = text(address.protocol, 6);
-  return read && address.protocol.size() == 3 && stands_for(address.protocol, "TCP");
+// A block of nothing but values.
+bool Reader::values_of(Place place, Values &values) {
+  return items([&] {
+    const Key *const key = key_at(place);
+    return key != nullptr && value(*key, values);
+  });
 }
 
 bool Reader::address(AddressList &list) {
-  Address address;
-  const bool good = items([&] {
-    if (key_ == "PROTOCOL") return protocol(address);
-    if (key_ == "HOST") return text(address.host, 256);
-    if (key_ == "PORT") return text(address.port, 6);
-    return key_ == "WEIGHT" && number(address.weight);
-  });
+  if (!allocate()) return false;
+  Values address(Place::address);
+  const bool good = values_of(Place::address, address);
   if (good) list.addresses.push_back(std::move(address));
   return good;
 }
 
 bool Reader::address_list(Description &description) {
+  if (!allocate()) return false;
   AddressList list;
   const bool good = items([&] {
-    if (key_ == "ADDRESS") return address(list);
-    if (key_ == "KZLB") return on_off(list.balanced);
-    return key_ == "KZLB_STRATEGY" &&
-           choose({{"RANDOM", 1001}, {"SERVERAFFINITY", 1002}, {"ROTATION", 1003}}, list.strategy,
-                  "parse LB_KZLB_STRATEGY get wrong key:");
+    const Key *const key = key_at(Place::address_list);
+    if (key == nullptr) return false;
+    return key->takes == Takes::block ? address(list) : value(*key, list.values);
   });
   if (good)
     description.lists.push_back(std::move(list));
   else
-    append_tags_below(list, out_.lost);
+    append_blocks_below(list, out_.lost);
   return good;
 }
 
 // An address outside any list gets a list of its own, if it is the first.
 bool Reader::bare_address(Description &description) {
   AddressList list;
-  if (!description.lists.empty() || !address(list)) return false;
+  if (!description.lists.empty() || !allocate() || !address(list)) return false;
   description.lists.push_back(std::move(list));
   return true;
 }
 
 bool Reader::connect_data(Description &description) {
-  ConnectData data;
-  const bool good = items([&] {
-    if (key_ == "SERVICE_NAME" || key_ == "SID") return text(data.service, 256);
-    if (key_ == "KZ_USER_EXTRA_INFO") return text(data.extra, 256);
-    if (key_ == "SESSION_VARIABLE") return text(data.session, 256);
-    if (key_ == "KZ_MODE") return number(data.mode);
-    return key_ == "USE_DEFAULT_SID" && number(data.default_sid);
-  });
-  if (!good || description.data) return false;
+  if (!allocate()) return false;
+  Values data(Place::connect_data);
+  if (!values_of(Place::connect_data, data) || description.data) return false;
   description.data = std::move(data);
   return true;
 }
 
-bool Reader::blacklist(Blacklist &black) {
+bool Reader::blacklist(Description &description) {
   return items([&] {
-    if (key_ == "REMOVE_STRATEGY") return remove_strategy(black);
-    return key_ == "APPEND_STRATEGY" && append_strategy(black);
+    const Key *const key = key_at(Place::blacklist);
+    if (key == nullptr) return false;
+    return values_of(
+        key->opens, key->opens == Place::remove_strategy ? description.remove : description.append);
   });
 }
 
-bool Reader::remove_strategy(Blacklist &black) {
-  return items([&] {
-    if (key_ == "NAME")
-      return choose({{"TIMEOUT", 2001}}, black.remove, "parse LB_NAME get wrong key:");
-    return key_ == "TIMEOUT" && number(black.remove_timeout);
-  });
-}
-
-bool Reader::append_strategy(Blacklist &black) {
-  return items([&] {
-    if (key_ == "NAME")
-      return choose({{"RETRYDURATION", 3001}}, black.append, "parse LB_NAME get wrong key:");
-    if (key_ == "RETRY_TIMES" || key_ == "RETRYTIMES") return number(black.retry_times);
-    return key_ == "DURATION" && number(black.duration);
-  });
-}
-
-bool Reader::description_item(Description &d) {
-  sb8 stored_nowhere = 0;
-  if (key_ == "KZLB") return on_off(d.balanced);
-  if (key_ == "KZLB_RETRY_ALL_DOWNS") return number(d.all_downs);
-  if (key_ == "KZLB_RETRY_TIMEOUT") return number(d.retry);
-  if (key_ == "KZLB_CONNECT_TIMEOUT") return number(d.connect);
-  if (key_ == "KZLB_READ_TIMEOUT") return number(d.read);
-  if (key_ == "KZLB_WRITE_TIMEOUT") return number(d.write);
-  if (key_ == "RETRY_DELAY") return number(stored_nowhere);
-  if (key_ == "KZLB_GROUP_STRATEGY")
-    return choose({{"ROTATION", 0}}, d.group, "parse LB_KZLB_GROUP_STRATEGY get wrong key:");
-  if (key_ == "KZLB_BLACKLIST") return blacklist(d.black);
-  if (key_ == "ADDRESS_LIST") return address_list(d);
-  if (key_ == "CONNECT_DATA") return connect_data(d);
-  return key_ == "ADDRESS" && bare_address(d);
+bool Reader::description_item(Description &description) {
+  const Key *const key = key_at(Place::description);
+  if (key == nullptr) return false;
+  if (key->takes != Takes::block) return value(*key, description.values);
+  switch (key->opens) {
+    case Place::address_list:
+      return address_list(description);
+    case Place::address:
+      return bare_address(description);
+    case Place::connect_data:
+      return connect_data(description);
+    default:
+      return blacklist(description);
+  }
 }
 
 bool Reader::description(Service &service) {
+  if (!allocate()) return false;
   Description description;
   const bool good = items([&] { return description_item(description); });
   if (good)
     service.descriptions.push_back(std::move(description));
   else
-    append_tags_below(description, out_.lost);
+    append_blocks_below(description, out_.lost);
   return good;
 }
 
 // Reads the value of one system variable, or passes over that of another key.
-bool Reader::variable(Variables &v) {
-  sb8 value = 0;
-  bool good = true;
-  if (key_ == "SLOWSQL_THRESHOLD") return number(v.threshold);
-  if (key_ == "SLOWSQL_BUFFER_SIZE") return number(v.buffer);
-  if (key_ == "SLOWSQL_FLUSH_SECOND") {
-    good = number(value);
-    v.flush = static_cast<ub4>(value);
-  } else if (key_ == "LOG_SIZE") {
-    good = number(value);
-    v.log_size = std::max<sb8>(value, 1048576);
-  } else if (key_ == "LOG_COUNT") {
-    good = number(value);
-    v.log_count = value > 4294967295 ? 0 : static_cast<ub4>(value);
-  } else if (key_ == "SESSION_VARIABLE") {
-    good = text_of_variable(v.session, 256);
-  } else if (key_ == "LOG_LEVEL") {
-    good = text_of_variable(v.log_level, 1025);
-  } else if (key_ == "LOG_PATH") {
-    good = text_of_variable(v.log_path, 1025);
-  } else {
-    read_value();
-  }
-  return good;
+bool Reader::variable(Values &variables) {
+  const Key *const key = key_at(Place::system_variables);
+  if (key != nullptr) return value(*key, variables);
+  read_value();
+  return true;
 }
 
 // "(" KEY "=". In the reserved entry an unknown or missing key is no fault: an
@@ -263,24 +230,29 @@ bool Reader::block(Service &service, bool reserved) {
   return good && input_.expect(Kind::close) == Step::good;
 }
 
-void Reader::give(const Service &service) {
+void Reader::give(const Service &service, const std::string &block) {
   out_.status = 0;
   out_.find = 1;
   out_.tree = text_of(service);
+  out_.live.push_back(block);
+  append_blocks_below(service, out_.live);
 }
 
 // The blocks of an entry, its name being the word at hand.
 sword Reader::build_entry() {
+  if (!allocate()) return -1;
   Service service;
+  const std::string allocated =
+      block_of(sizeof(KZCITnsService) + input_.word().size(), "KZCITnsServiceBuild");
   service.name = copied_as_string(input_.word());
   const bool reserved = stands_for(input_.word(), reserved_name);
   bool complete = false;
   while (block(service, reserved)) complete = true;
   if (complete && input_.last() == Kind::close) {
-    give(service);
+    give(service, allocated);
     return 0;
   }
-  append_tags_below(service, out_.lost);
+  append_blocks_below(service, out_.lost);
   return -1;
 }
 
@@ -325,14 +297,17 @@ void Reader::read_literal() {
   if (step == Step::good && key_ == no_key) step = Step::wrong;
   if (step == Step::good) step = input_.expect(Kind::equal);
   out_.status = step == Step::end ? 0 : -1;
-  if (step != Step::good || key_ != "DESCRIPTION") return;
+  if (step != Step::good || key_ != "DESCRIPTION" || !allocate()) return;
 
   Service service;
   service.name = input_.word();
-  if (description(service) && input_.expect(Kind::close) == Step::good && !input_.skip_space())
-    give(service);
+  const std::string allocated =
+      block_of(sizeof(KZCITnsService) + service.name.size(), "KZCITnsBuildDes");
+  if (description(service) && input_.expect(Kind::close) == Step::good &&
+      input_.skip_space() == Step::end)
+    give(service, allocated);
   else
-    append_tags_below(service, out_.lost);
+    append_blocks_below(service, out_.lost);
 }
 
 // The first characters other than blanks decide.
@@ -344,21 +319,28 @@ bool is_literal(std::string_view identifier) {
   return first.size() == literal_beginning.size() && stands_for(first, literal_beginning);
 }
 
-}  // namespace
-
-Prediction predict_literal(std::string_view text) {
-  Prediction prediction;
-  Reader(text, prediction).read_literal();
-  std::sort(prediction.lost.begin(), prediction.lost.end());
+// What is lost is allocated still.
+Prediction with_blocks_sorted(Prediction prediction) {
+  Blocks &live = prediction.live, &lost = prediction.lost;
+  live.insert(live.end(), lost.begin(), lost.end());
+  std::sort(live.begin(), live.end());
+  std::sort(lost.begin(), lost.end());
   return prediction;
 }
 
-Prediction predict(std::string_view identifier, std::string_view names_file) {
-  if (is_literal(identifier)) return predict_literal(identifier);
+}  // namespace
+
+Prediction predict_literal(std::string_view text, const Fault &fault) {
   Prediction prediction;
-  Reader(names_file, prediction).look_up(identifier);
-  std::sort(prediction.lost.begin(), prediction.lost.end());
-  return prediction;
+  Reader(text.substr(0, fault.input_end), fault.allocation, prediction).read_literal();
+  return with_blocks_sorted(std::move(prediction));
+}
+
+Prediction predict(std::string_view identifier, std::string_view names_file, const Fault &fault) {
+  if (is_literal(identifier)) return predict_literal(identifier, {.allocation = fault.allocation});
+  Prediction prediction;
+  Reader(names_file.substr(0, fault.input_end), fault.allocation, prediction).look_up(identifier);
+  return with_blocks_sorted(std::move(prediction));
 }
 
 }  // namespace model

@@ -1,81 +1,33 @@
 #include "model_tree.h"
 
+#include "kzoci/oci_tnsname.h"
+
 namespace model {
 namespace {
 
-class Line {
- public:
-  explicit Line(std::string &out, const char *beginning) : out_(out) { out_ += beginning; }
-  ~Line() { out_ += '\n'; }
-  Line(const Line &) = delete;
-  Line &operator=(const Line &) = delete;
-
-  Line &add(const char *label, const std::string &text) {
-    out_ += label;
-    out_ += text;
-    return *this;
-  }
-  Line &add(const char *label, sb8 number) { return add(label, std::to_string(number)); }
-  Line &count(const char *label, std::size_t number) { return add(label, std::to_string(number)); }
-
- private:
-  std::string &out_;
-};
-
-void append(const Address &address, std::string &out) {
-  Line(out, "      address")
-      .add(" host=", address.host)
-      .add(" port=", address.port)
-      .add(" protocol=", address.protocol)
-      .add(" weight=", address.weight);
+void append_line(std::string &out, const char *name, const Values &values) {
+  out += name;
+  values.append_to(out);
+  out += '\n';
 }
 
 void append(const AddressList &list, std::string &out) {
-  Line(out, "    list")
-      .add(" kzlb=", list.balanced)
-      .add(" strategy=", list.strategy)
-      .count(" addresses=", list.addresses.size());
-  for (const Address &address : list.addresses) append(address, out);
-}
-
-void append(const ConnectData &data, std::string &out) {
-  Line(out, "    data")
-      .add(" service=", data.service)
-      .add(" extra=", data.extra)
-      .add(" session=", data.session)
-      .add(" mode=", data.mode)
-      .add(" default_sid=", data.default_sid);
+  out += "    list";
+  list.values.append_to(out);
+  out += " addresses=" + std::to_string(list.addresses.size()) + '\n';
+  for (const Values &address : list.addresses) append_line(out, "      address", address);
 }
 
 void append(const Description &d, std::string &out) {
-  Line(out, "  description")
-      .add(" kzlb=", d.balanced)
-      .add(" group=", d.group)
-      .add(" all_downs=", d.all_downs)
-      .add(" retry=", d.retry)
-      .add(" connect=", d.connect)
-      .add(" read=", d.read)
-      .add(" write=", d.write)
-      .add(" black=", d.black.remove)
-      .add(",", d.black.remove_timeout)
-      .add(",", d.black.append)
-      .add(",", d.black.retry_times)
-      .add(",", d.black.duration)
-      .count(" lists=", d.lists.size());
+  out += "  description";
+  d.values.append_to(out);
+  out += " remove";
+  d.remove.append_to(out);
+  out += " append";
+  d.append.append_to(out);
+  out += " lists=" + std::to_string(d.lists.size()) + '\n';
   for (const AddressList &list : d.lists) append(list, out);
-  if (d.data) append(*d.data, out);
-}
-
-void append(const Variables &v, std::string &out) {
-  Line(out, "  variables")
-      .add(" threshold=", v.threshold)
-      .add(" buffer=", v.buffer)
-      .add(" flush=", v.flush)
-      .add(" session=", v.session)
-      .add(" log_size=", v.log_size)
-      .add(" log_count=", v.log_count)
-      .add(" log_level=", v.log_level)
-      .add(" log_path=", v.log_path);
+  if (d.data) append_line(out, "    data", *d.data);
 }
 
 }  // namespace
@@ -84,28 +36,33 @@ std::string text_of_nothing() { return "services=0\n"; }
 
 std::string text_of(const Service &service) {
   std::string out = "services=1\n";
-  Line(out, " service ").add("", service.name).count(" descriptions=", service.descriptions.size());
+  out += " service " + service.name +
+         " descriptions=" + std::to_string(service.descriptions.size()) + '\n';
   for (const Description &description : service.descriptions) append(description, out);
-  append(service.variables, out);
+  append_line(out, "  variables", service.variables);
   return out;
 }
 
-void append_tags_below(const AddressList &list, Tags &tags) {
-  tags.insert(tags.end(), list.addresses.size(), "address");
+std::string block_of(std::size_t size, const std::string &tag) {
+  return std::to_string(size) + ' ' + tag;
 }
 
-void append_tags_below(const Description &description, Tags &tags) {
+void append_blocks_below(const AddressList &list, Blocks &blocks) {
+  blocks.insert(blocks.end(), list.addresses.size(), block_of(sizeof(KZCIAddress), "address"));
+}
+
+void append_blocks_below(const Description &description, Blocks &blocks) {
   for (const AddressList &list : description.lists) {
-    append_tags_below(list, tags);
-    tags.emplace_back("address_list");
+    append_blocks_below(list, blocks);
+    blocks.push_back(block_of(sizeof(KZCIAddressList), "address_list"));
   }
-  if (description.data) tags.emplace_back("KZCIConnectData");
+  if (description.data) blocks.push_back(block_of(sizeof(KZCIConnectData), "KZCIConnectData"));
 }
 
-void append_tags_below(const Service &service, Tags &tags) {
+void append_blocks_below(const Service &service, Blocks &blocks) {
   for (const Description &description : service.descriptions) {
-    append_tags_below(description, tags);
-    tags.emplace_back("KZCIDescription");
+    append_blocks_below(description, blocks);
+    blocks.push_back(block_of(sizeof(KZCIDescription), "KZCIDescription"));
   }
 }
 

@@ -1,81 +1,48 @@
 // The tree of a service as plain values, and its text.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "kzoci/oci_tnsname.h"
+#include "key_values.h"
 
 namespace model {
 
-struct Address {
-  std::string host;
-  std::string port;
-  std::string protocol;
-  sb8 weight = 1;
-};
+using support::Place;
+using support::Values;
 
 struct AddressList {
-  int balanced = 1;
-  int strategy = 1001;  // random
-  std::vector<Address> addresses;
-};
-
-struct ConnectData {
-  std::string service;
-  std::string extra;
-  std::string session;
-  sb8 mode = 0;
-  sb8 default_sid = 0;
-};
-
-struct Blacklist {
-  int remove = 2001;  // after a time-out
-  sb8 remove_timeout = 50;
-  int append = 3002;  // normal
-  sb8 retry_times = 1;
-  sb8 duration = 10;
+  Values values{Place::address_list};
+  std::vector<Values> addresses;
 };
 
 struct Description {
-  int balanced = 0;
-  int group = 0;  // rotation
-  sb8 all_downs = 120;
-  sb8 retry = 10000;
-  sb8 connect = 0;
-  sb8 read = 0;
-  sb8 write = 0;
-  Blacklist black;
+  Values values{Place::description};
+  Values remove{Place::remove_strategy};
+  Values append{Place::append_strategy};
   std::vector<AddressList> lists;
-  std::optional<ConnectData> data;
-};
-
-struct Variables {
-  sb8 threshold = 100;
-  sb8 buffer = 0;
-  ub4 flush = 60;
-  std::string session;
-  sb8 log_size = 0;
-  ub4 log_count = 0;
-  std::string log_level;
-  std::string log_path;
+  std::optional<Values> data;
 };
 
 struct Service {
   std::string name;
   std::vector<Description> descriptions;
-  Variables variables;
+  Values variables{Place::system_variables};
 };
 
 // The text that support::full_tree gives for a container of this one service.
 std::string text_of(const Service &service);
 std::string text_of_nothing();
 
-// Tags of the blocks below a record, and of the record too.
-using Tags = std::vector<std::string>;
-void append_tags_below(const AddressList &list, Tags &tags);
-void append_tags_below(const Description &description, Tags &tags);
-void append_tags_below(const Service &service, Tags &tags);
+// Blocks of memory, each as its size and its tag.
+using Blocks = std::vector<std::string>;
+std::string block_of(std::size_t size, const std::string &tag);
+
+// The blocks of the records below a record.
+void append_blocks_below(const AddressList &list, Blocks &blocks);
+void append_blocks_below(const Description &description, Blocks &blocks);
+void append_blocks_below(const Service &service, Blocks &blocks);
 
 }  // namespace model

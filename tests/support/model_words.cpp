@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "keys.h"
+
 namespace model {
 namespace {
 
@@ -18,8 +20,8 @@ bool stands_for(std::string_view value, std::string_view word) {
 }
 
 std::string_view key_of(std::string_view text) {
-  for (const std::string_view key : key_words)
-    if (text.size() == key.size() && stands_for(text, key)) return key;
+  for (const support::Key &key : support::keys)
+    if (text.size() == key.word.size() && stands_for(text, key.word)) return key.word;
   return no_key;
 }
 

@@ -6,47 +6,6 @@
 
 namespace model {
 
-inline constexpr std::string_view key_words[] = {
-    "SID",
-    "KZLB",
-    "HOST",
-    "PORT",
-    "NAME",
-    "WEIGHT",
-    "ADDRESS",
-    "TIMEOUT",
-    "KZ_MODE",
-    "PROTOCOL",
-    "DURATION",
-    "LOG_SIZE",
-    "LOG_PATH",
-    "LOG_LEVEL",
-    "LOG_COUNT",
-    "RETRYTIMES",
-    "DESCRIPTION",
-    "RETRY_TIMES",
-    "RETRY_DELAY",
-    "ADDRESS_LIST",
-    "CONNECT_DATA",
-    "SERVICE_NAME",
-    "KZLB_STRATEGY",
-    "KZLB_BLACKLIST",
-    "REMOVE_STRATEGY",
-    "APPEND_STRATEGY",
-    "USE_DEFAULT_SID",
-    "SESSION_VARIABLE",
-    "SLOWSQL_THRESHOLD",
-    "KZLB_READ_TIMEOUT",
-    "KZ_USER_EXTRA_INFO",
-    "KZLB_RETRY_TIMEOUT",
-    "KZLB_WRITE_TIMEOUT",
-    "KZLB_GROUP_STRATEGY",
-    "SLOWSQL_BUFFER_SIZE",
-    "KZLB_RETRY_ALL_DOWNS",
-    "KZLB_CONNECT_TIMEOUT",
-    "SLOWSQL_FLUSH_SECOND",
-};
-
 inline constexpr std::string_view no_key = "";
 
 // Whether a value stands for an upper-case word: a leading part in any case. A

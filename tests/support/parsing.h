@@ -160,8 +160,7 @@ inline Outcome build(KZCITns &tns, const std::string &identifier) {
 // What KZCITnsDisplay prints, taken from the process's standard output.
 std::string display_text(KZCITns &tns, sword *status = nullptr);
 
-// The tree as KZCITnsServiceDisplay prints a service, together with the fields
-// that the display leaves out.
+// The tree with every value that is not its default, a record a line.
 std::string full_tree(const KZCITns &tns);
 
 }  // namespace support

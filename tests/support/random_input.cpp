@@ -3,108 +3,16 @@
 #include <cctype>
 #include <span>
 
+#include "keys.h"
+
 namespace support {
 namespace {
 
 using namespace std::string_view_literals;
 
-enum class Value {
-  on_off,
-  list_strategy,
-  group_strategy,
-  remove_name,
-  append_name,
-  protocol,
-  port,
-  text,
-  integer,
-  address,
-  address_list,
-  connect_data,
-  blacklist,
-  remove_strategy,
-  append_strategy,
-};
-
-struct Item {
-  std::string_view key;
-  Value value;
-};
-
-constexpr Item description_items[] = {
-    {"KZLB", Value::on_off},
-    {"KZLB_RETRY_ALL_DOWNS", Value::integer},
-    {"KZLB_RETRY_TIMEOUT", Value::integer},
-    {"KZLB_CONNECT_TIMEOUT", Value::integer},
-    {"KZLB_READ_TIMEOUT", Value::integer},
-    {"KZLB_WRITE_TIMEOUT", Value::integer},
-    {"RETRY_DELAY", Value::integer},
-    {"KZLB_GROUP_STRATEGY", Value::group_strategy},
-    {"KZLB_BLACKLIST", Value::blacklist},
-    {"ADDRESS_LIST", Value::address_list},
-    {"ADDRESS_LIST", Value::address_list},
-    {"CONNECT_DATA", Value::connect_data},
-    {"CONNECT_DATA", Value::connect_data},
-    {"ADDRESS", Value::address},
-};
-
-constexpr Item list_items[] = {
-    {"KZLB", Value::on_off},
-    {"KZLB_STRATEGY", Value::list_strategy},
-    {"ADDRESS", Value::address},
-    {"ADDRESS", Value::address},
-};
-
-constexpr Item address_items[] = {
-    {"PROTOCOL", Value::protocol},
-    {"HOST", Value::text},
-    {"PORT", Value::port},
-    {"WEIGHT", Value::integer},
-};
-
-constexpr Item data_items[] = {
-    {"SERVICE_NAME", Value::text},       {"SID", Value::text},
-    {"KZ_USER_EXTRA_INFO", Value::text}, {"SESSION_VARIABLE", Value::text},
-    {"KZ_MODE", Value::integer},         {"USE_DEFAULT_SID", Value::integer},
-};
-
-constexpr Item blacklist_items[] = {
-    {"REMOVE_STRATEGY", Value::remove_strategy},
-    {"APPEND_STRATEGY", Value::append_strategy},
-};
-
-constexpr Item remove_items[] = {
-    {"NAME", Value::remove_name},
-    {"TIMEOUT", Value::integer},
-};
-
-constexpr Item append_items[] = {
-    {"NAME", Value::append_name},
-    {"RETRY_TIMES", Value::integer},
-    {"RETRYTIMES", Value::integer},
-    {"DURATION", Value::integer},
-};
-
 // In the reserved entry, keys that name no system variable are passed over.
-constexpr Item variable_items[] = {
-    {"SLOWSQL_THRESHOLD", Value::integer},
-    {"SLOWSQL_BUFFER_SIZE", Value::integer},
-    {"SLOWSQL_FLUSH_SECOND", Value::integer},
-    {"SESSION_VARIABLE", Value::text},
-    {"LOG_SIZE", Value::integer},
-    {"LOG_LEVEL", Value::text},
-    {"LOG_COUNT", Value::integer},
-    {"LOG_PATH", Value::text},
-    {"ANYTHING", Value::text},
-    {"A_KEY_LONGER_THAN_ANY_WORD", Value::text},
-    {"DESCRIPTION", Value::integer},
-};
-
-constexpr std::string_view on_off_words[] = {"ON", "OFF"};
-constexpr std::string_view list_words[] = {"RANDOM", "SERVERAFFINITY", "ROTATION"};
-constexpr std::string_view group_words[] = {"ROTATION"};
-constexpr std::string_view remove_words[] = {"TIMEOUT"};
-constexpr std::string_view append_words[] = {"RETRYDURATION"};
+constexpr std::string_view other_variables[] = {"ANYTHING", "A_KEY_LONGER_THAN_ANY_WORD",
+                                                "DESCRIPTION"};
 
 constexpr std::string_view integers[] = {
     "0",
@@ -135,6 +43,8 @@ constexpr std::string_view plain_characters =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/:,;<@+*";
 constexpr std::string_view odd_characters = " \t\r\n\v()=##\0\xFFz09'\\%"sv;
 
+constexpr std::size_t longest_key = 256;
+
 std::string random_characters(Random &random, std::size_t length, bool odd) {
   std::string text;
   while (text.size() < length)
@@ -142,7 +52,9 @@ std::string random_characters(Random &random, std::size_t length, bool odd) {
   return text;
 }
 
-std::string random_text(Random &random, const Taste &taste) {
+std::string random_text(Random &random, const Taste &taste, std::size_t limit) {
+  // Some are just beyond the limit, which the longest key sets for most.
+  if (limit < longest_key) return random_characters(random, random.between(1, limit + 1), false);
   std::size_t length = random.between(1, 12);
   if (random.one_in(16)) length = random.between(0, taste.longest_text);
   if (random.one_in(40)) length = taste.longest_text;
@@ -150,9 +62,8 @@ std::string random_text(Random &random, const Taste &taste) {
 }
 
 // A leading part of one of the words; seldom the empty one.
-std::string random_word(Random &random, std::span<const std::string_view> words,
-                        const Taste &taste) {
-  const std::string_view word = random.pick(words);
+std::string random_word(Random &random, std::span<const Word> words, const Taste &taste) {
+  const std::string_view word = random.pick(words).text;
   if (taste.odd_texts && random.one_in(30)) return "";
   return std::string(word.substr(0, random.between(1, word.size())));
 }
@@ -170,18 +81,24 @@ class Composer {
     bool has_list = false;
     bool has_data = false;
     for (std::size_t left = random_.between(1, 4); left > 0; --left) {
-      Item item = random_.pick(description_items);
+      const Key *key = nullptr;
       // A bare address stands before any list, and connect data stand once.
-      while ((has_list && item.key == "ADDRESS") || (has_data && item.key == "CONNECT_DATA"))
-        item = random_.pick(description_items);
-      has_list = has_list || item.key == "ADDRESS" || item.key == "ADDRESS_LIST";
-      has_data = has_data || item.key == "CONNECT_DATA";
-      write(item);
+      do {
+        key = &pick(Place::description);
+      } while ((has_list && key->word == "ADDRESS") || (has_data && key->word == "CONNECT_DATA"));
+      has_list = has_list || key->word == "ADDRESS" || key->word == "ADDRESS_LIST";
+      has_data = has_data || key->word == "CONNECT_DATA";
+      write(*key);
     }
     add(TokenKind::close, ")");
   }
 
-  void variable() { write(random_.pick(variable_items)); }
+  void variable() {
+    if (!random_.one_in(4)) return write(pick(Place::system_variables));
+    begin(random_.pick(other_variables));
+    add(TokenKind::text, random_text(random_, taste_, longest_key));
+    add(TokenKind::close, ")");
+  }
 
   void name(const std::string &text) {
     add(TokenKind::name, text);
@@ -197,52 +114,32 @@ class Composer {
     add(TokenKind::equal, "=");
   }
 
-  void write(const Item &item) {
-    begin(item.key);
-    write(item.value);
+  // Blocks come twice as often as values, which makes deeper trees.
+  const Key &pick(Place place) {
+    const Key *key = &random_.pick(keys_of(place));
+    if (key->takes != Takes::block) key = &random_.pick(keys_of(place));
+    return *key;
+  }
+
+  void write(const Key &key) {
+    begin(key.word);
+    write_value(key);
     add(TokenKind::close, ")");
   }
 
-  void items(std::span<const Item> rows) {
-    for (std::size_t left = random_.between(1, 3); left > 0; --left) write(random_.pick(rows));
-  }
-
-  void word(std::span<const std::string_view> words) {
-    add(TokenKind::word, random_word(random_, words, taste_));
-  }
-
-  void write(Value value) {
-    switch (value) {
-      case Value::on_off:
-        return word(on_off_words);
-      case Value::list_strategy:
-        return word(list_words);
-      case Value::group_strategy:
-        return word(group_words);
-      case Value::remove_name:
-        return word(remove_words);
-      case Value::append_name:
-        return word(append_words);
-      case Value::protocol:
-        return add(TokenKind::text, random_case(random_, "TCP"));
-      case Value::port:
-        return add(TokenKind::text, random_characters(random_, random_.between(1, 7), false));
-      case Value::text:
-        return add(TokenKind::text, random_text(random_, taste_));
-      case Value::integer:
+  void write_value(const Key &key) {
+    switch (key.takes) {
+      case Takes::block:
+        for (std::size_t left = random_.between(1, 3); left > 0; --left) write(pick(key.opens));
+        return;
+      case Takes::word:
+        return add(TokenKind::word, random_word(random_, key.words, taste_));
+      case Takes::integer:
         return add(TokenKind::integer, random_integer(random_));
-      case Value::address:
-        return items(address_items);
-      case Value::address_list:
-        return items(list_items);
-      case Value::connect_data:
-        return items(data_items);
-      case Value::blacklist:
-        return items(blacklist_items);
-      case Value::remove_strategy:
-        return items(remove_items);
-      case Value::append_strategy:
-        return items(append_items);
+      case Takes::text:
+        return add(TokenKind::text, key.words.empty()
+                                        ? random_text(random_, taste_, key.limit)
+                                        : random_case(random_, random_.pick(key.words).text));
     }
   }
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "model_words.h"
+#include "keys.h"
 
 namespace support {
 namespace {
@@ -59,7 +59,7 @@ constexpr std::string_view values[] = {
 };
 
 std::string random_key_word(Random &random) {
-  return std::string(random.one_in(8) ? random.pick(no_key_words) : random.pick(model::key_words));
+  return std::string(random.one_in(8) ? random.pick(no_key_words) : random.pick(keys).word);
 }
 
 Token random_token(Random &random) {
