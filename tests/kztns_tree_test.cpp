@@ -9,12 +9,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "lookup.h"
+#include "lookup/lookup.h"
+#include "report/tree_dot.h"
+#include "report/tree_json.h"
+#include "report/tree_walk.h"
 #include "support/json_schema.h"
 #include "support/parsing.h"
-#include "tree_dot.h"
-#include "tree_json.h"
-#include "tree_walk.h"
 
 namespace {
 

@@ -12,13 +12,13 @@
 
 #include <gtest/gtest.h>
 
-#include "aftermath.h"
-#include "diagnose.h"
-#include "explain.h"
-#include "key_words.h"
-#include "log_watch.h"
-#include "names_text.h"
-#include "progress.h"
+#include "io/progress.h"
+#include "lookup/lookup_failure.h"
+#include "rules/diagnosis.h"
+#include "rules/file_rules.h"
+#include "text/names_text.h"
+#include "trace/key_words.h"
+#include "trace/log_watch.h"
 
 using namespace std::string_view_literals;
 
@@ -64,7 +64,7 @@ TEST(VisibleText, EscapesInvisibleCharacters) {
   for (const auto &[text, shown] : texts) EXPECT_EQ(kztns::visible(text), shown);
 }
 
-// What looks like an escape is told from one.
+// What looks like an escape is reported from one.
 TEST(VisibleText, EscapesABackslashOnlyBeforeTheLettersOfAnEscape) {
   const std::pair<std::string_view, std::string_view> texts[] = {
       {"C:\\x\\n", "C:\\x\\n"},  {"\\x4", "\\x4"},

@@ -1,0 +1,26 @@
+// A report as lines for people and editors.
+#pragma once
+
+#include <string>
+
+#include "rules/check_report.h"
+
+namespace kztns {
+
+struct TextStyle {
+  bool color = false;
+  bool source = false;  // the source line with a caret under it
+};
+
+// A finding as "FILE:LINE:COL: error: ENTRY: PATH: TEXT; REMEDY [rule]".
+std::string finding_line(const std::string &file, const Finding &finding);
+
+std::string render_text(const CheckReport &report, const TextStyle &style);
+
+// "2 entries: 1 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved"
+std::string summary(const CheckReport &report);
+
+// A source line that may be printed, and a caret under the place of an index.
+std::string with_caret(const std::string &source, std::size_t caret);
+
+}  // namespace kztns
