@@ -98,20 +98,6 @@ TEST(Rules, HaveDifferentIdsAndWords) {
   }
 }
 
-TEST(KeyWords, AreTheLibrarys) {
-  std::set<KZCILBKeyType> types;
-  for (const kztns::KeyWord &key : kztns::key_words()) {
-    KZCITnsParseParams params = {};
-    key.word.copy(params.tns_key, sizeof params.tns_key);
-    params.tns_key_len = static_cast<ub4>(key.word.size());
-    EXPECT_EQ(KZCITnsGetKeyType(&params), 0);
-    EXPECT_EQ(params.key_type, key.type) << key.word;
-    EXPECT_FALSE(key.places.empty()) << key.word;
-    types.insert(key.type);
-  }
-  EXPECT_EQ(types.size(), static_cast<std::size_t>(LB_MAX_KEY_TYPE) - 1);
-}
-
 TEST(EditDistance, CountsSlips) {
   EXPECT_EQ(kztns::edit_distance("PORT", "port", 3), 0u);
   EXPECT_EQ(kztns::edit_distance("PROT", "PORT", 3), 1u);

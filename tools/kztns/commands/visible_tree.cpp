@@ -13,6 +13,8 @@
 namespace kztns {
 namespace {
 
+using kzoci::tns::Block;
+
 // What the display prints: it knows no other place than standard output.
 std::string printed(Tree &tree) {
   const MemoryFile paper;
@@ -26,37 +28,38 @@ std::string printed(Tree &tree) {
   return paper.text();
 }
 
-void blank_line_feeds(char *text, ub4 length) { std::replace(text, text + length, '\n', ' '); }
+// The length is that of a text, not of its array.
+void blank_line_feeds(char *text, std::size_t length) {
+  std::replace(text, text + length, '\n', ' ');
+}
 
-void blank_line_feeds(KZCIAddress &address, ub4) {
-  blank_line_feeds(address.protocol, address.protocol_len);
-  blank_line_feeds(address.host, address.host_len);
-  blank_line_feeds(address.port, address.port_len);
+// In the texts of a block's record.
+void blank_line_feeds(Block block, void *record) {
+  for_each_field(block, [&](const kzoci::tns::Key &key) {
+    if (key.value.kind != kzoci::tns::ValueKind::text) return;
+    auto *const text = static_cast<char *>(kzoci::tns::field_of(record, key.value.field));
+    blank_line_feeds(text, text_value(key, record).size());
+  });
 }
 
 void blank_line_feeds(KZCIAddressList &list, ub4) {
+  blank_line_feeds(Block::address_list, &list);
   for_each_record(list.address, list.address_count, KZCIAddressNext,
-                  [](KZCIAddress &address, ub4 number) { blank_line_feeds(address, number); });
+                  [](KZCIAddress &address, ub4) { blank_line_feeds(Block::address, &address); });
 }
 
 void blank_line_feeds(KZCIDescription &des, ub4) {
+  blank_line_feeds(Block::description, &des);
   for_each_record(des.address_list, des.address_list_count, KZCIAddressListNext,
                   [](KZCIAddressList &list, ub4 number) { blank_line_feeds(list, number); });
-  if (des.connect_data == nullptr) return;
-  KZCIConnectData &data = *des.connect_data;
-  blank_line_feeds(data.service_name, data.service_name_len);
-  blank_line_feeds(data.user_extra_info, data.user_extra_info_len);
-  blank_line_feeds(data.session_variable, data.session_variable_len);
+  if (des.connect_data != nullptr) blank_line_feeds(Block::connect_data, des.connect_data);
 }
 
 void blank_line_feeds(KZCITnsService &service, ub4) {
   blank_line_feeds(service.net_service_name, service.net_service_name_len);
   for_each_record(service.description, service.description_count, KZCIDescriptionNext,
                   [](KZCIDescription &des, ub4 number) { blank_line_feeds(des, number); });
-  KZCISystemVariables &vars = service.sys_vars;
-  blank_line_feeds(vars.session_variable, vars.session_variable_len);
-  blank_line_feeds(vars.log_level, vars.log_level_len);
-  blank_line_feeds(vars.log_path, vars.log_path_len);
+  blank_line_feeds(Block::system_variables, &service.sys_vars);
 }
 
 }  // namespace

@@ -44,10 +44,9 @@ void take_content(const std::string &path, std::uint64_t max_size, Lookup &looku
 }
 
 // The library reads the content in place of the file; the log names the file.
-std::vector<Rewording> rewordings(const FileChoice &choice, const std::string &path) {
-  return {{std::string("get ") + file_variable + ":" + path,
-           "get " + choice.variable + ":" + choice.value},
-          {"get configure file:" + path, "get configure file:" + choice.path}};
+std::vector<Rewording> rewordings(const FileChoice &choice) {
+  return {{MessageId::tns_file_variable, "get " + choice.variable + ":" + choice.value},
+          {MessageId::names_file, "get configure file:" + choice.path}};
 }
 
 void build(const std::string &identifier, const LogWatch &watch, Tree &tree, Lookup &lookup) {
@@ -79,10 +78,10 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
   if (lookup.content != nullptr) {
     const std::string &path = lookup.content->path();
     const NamedFile named(path);
-    build(identifier, LogWatch(options.shown, rewordings(*choice, path)), tree, lookup);
+    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
   } else if (lookup.file_fault.missing) {
     const NamedFile named(choice->path);
-    build(identifier, LogWatch(options.shown, rewordings(*choice, choice->path)), tree, lookup);
+    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
   } else {
     lookup.outcome = Outcome::unreadable;
   }

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lookup/near_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
@@ -83,7 +84,7 @@ class NameVisitor : public EntryVisitor {
 
   // What is read as system variables only because of its name is reported so.
   Remark told_by_name(const EntryView &view, const Remark &remark) const {
-    if (!view.trace.is_settings() || view.name == "KZCISYSTEMVARIABLES") return remark;
+    if (!view.trace.is_system_variables() || view.name == kzoci::tns::reserved_name) return remark;
     return make_remark(
         subject_.text, view.entry.at,
         with_remedy(excerpt(view.name) +
@@ -118,7 +119,7 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
   std::string words = cause.text;
   if (scan.stop().kind == StopKind::reserved) {
     const std::string name = excerpt(scan.name(*scan.last_reached()));
-    words = name + " is " + (name == "KZCISYSTEMVARIABLES" ? "" : "a leading part of ") +
+    words = name + " is " + (name == kzoci::tns::reserved_name ? "" : "a leading part of ") +
             "the reserved name: every lookup of a later name ends here";
     return make_remark(text, cause.at, words);
   }

@@ -9,6 +9,10 @@
 namespace kztns {
 namespace {
 
+using kzoci::tns::Block;
+using kzoci::tns::Key;
+using kzoci::tns::ValueKind;
+
 constexpr char service_colour[] = "#dbeafe";
 constexpr char description_colour[] = "#e0e7ff";
 constexpr char list_colour[] = "#dcfce7";
@@ -49,13 +53,13 @@ class Label {
   void setting(std::string_view key, std::string_view value) {
     line(std::string(key) + " = " + std::string(value));
   }
-  void on_or_off(std::string_view key, boolean value) { setting(key, value != 0 ? "ON" : "OFF"); }
-  void set_text(std::string_view key, std::string_view value, std::string_view by_default) {
-    if (value != by_default) setting(key, value);
+  // The fields of a block that are not at their defaults; of switches and strategies all.
+  void fields(Block block, const void *record) {
+    for_each_field(block, [&](const Key &key) {
+      if (key.value.kind == ValueKind::word || !is_default(key, record)) field(key, record);
+    });
   }
-  void set_number(std::string_view key, sb8 value, sb8 by_default) {
-    if (value != by_default) setting(key, std::to_string(value));
-  }
+  void field(const Key &key, const void *record) { setting(key.word, value_text(key, record)); }
 
   const std::string &text() const { return text_; }
   bool empty() const { return text_.empty(); }
@@ -91,91 +95,76 @@ std::string percent(long double part, long double sum) {
   return result + " %";
 }
 
+// What the label of an address says of it in words of its own, and PROTOCOL, of which
+// there is only one.
+bool is_in_address_line(const Key &key) {
+  return key.type == LB_HOST || key.type == LB_PORT || key.type == LB_WEIGHT ||
+         key.type == LB_PROTOCOL;
+}
+
 std::string address_label(const KZCIAddress &address, long double weights) {
-  const auto or_none = [](std::string_view text, const char *none) {
-    return text.empty() ? std::string(none) : std::string(text);
+  const auto or_none = [](const char *text, ub4 length, const char *none) {
+    return length == 0 ? std::string(none) : std::string(text, length);
   };
   Label label(centred);
-  label.line(or_none(text_of(address.host, address.host_len), "(no host)") + ":" +
-             or_none(text_of(address.port, address.port_len), "(no port)"));
+  label.line(or_none(address.host, address.host_len, "(no host)") + ":" +
+             or_none(address.port, address.port_len, "(no port)"));
   label.line("weight " + std::to_string(address.weight) +
              (weights > 0 ? ", " + percent(static_cast<long double>(address.weight), weights)
                           : std::string()));
+  for_each_field(Block::address, [&](const Key &key) {
+    if (!is_in_address_line(key) && !is_default(key, &address)) label.field(key, &address);
+  });
   return label.text();
 }
 
 std::string address_list_label(const KZCIAddressList &list, ub4 number) {
   Label label(to_the_left);
   label.line(numbered("address list", number));
-  label.on_or_off("KZLB", list.kzlb);
-  label.setting("KZLB_STRATEGY", strategy_word(list.kzlb_strategy));
+  label.fields(Block::address_list, &list);
   return label.text();
 }
 
-// Each of the two strategies, with what belongs to it, if any of that is not at
-// its default.
+// A strategy's name with what belongs to it, if any of that is not at its default.
+void add_strategy(Label &label, Block strategy, const char *key_word,
+                  const KZCIBlacklistConf &conf) {
+  bool by_default = true;
+  for_each_field(strategy, [&](const Key &key) { by_default &= is_default(key, &conf); });
+  if (by_default) return;
+  for_each_field(strategy, [&](const Key &key) {
+    if (key.type == LB_NAME)
+      label.setting(key_word, value_text(key, &conf));
+    else
+      label.line("  " + std::string(key.word) + " = " + value_text(key, &conf));
+  });
+}
+
 void add_blacklist(Label &label, const KZCIBlacklistConf &conf) {
-  const auto by_default = defaults_of(KZCIBlacklistConfInit);
-  if (conf.remove_strategy != by_default.remove_strategy ||
-      conf.remove_timeout != by_default.remove_timeout) {
-    label.setting("REMOVE_STRATEGY", strategy_word(conf.remove_strategy));
-    label.line("  TIMEOUT = " + std::to_string(conf.remove_timeout));
-  }
-  if (conf.append_strategy != by_default.append_strategy ||
-      conf.retry_times != by_default.retry_times || conf.duration != by_default.duration) {
-    label.setting("APPEND_STRATEGY", strategy_word(conf.append_strategy));
-    label.line("  RETRY_TIMES = " + std::to_string(conf.retry_times));
-    label.line("  DURATION = " + std::to_string(conf.duration));
-  }
+  label.fields(Block::blacklist, &conf);
+  for (const Key &key : kzoci::tns::grammar)
+    if (key.block == Block::blacklist && key.value.kind == ValueKind::block)
+      add_strategy(label, key.value.opens, key.word, conf);
 }
 
 std::string description_label(const KZCIDescription &des, ub4 number) {
-  const auto by_default = defaults_of(KZCIDescriptionInit);
   Label label(to_the_left);
   label.line(numbered("description", number));
-  label.on_or_off("KZLB", des.kzlb);
-  label.setting("KZLB_GROUP_STRATEGY", strategy_word(des.kzlb_group_strategy));
-  label.set_number("KZLB_RETRY_ALL_DOWNS", des.retry_all_downs, by_default.retry_all_downs);
-  label.set_number("KZLB_RETRY_TIMEOUT", des.retry_timeout, by_default.retry_timeout);
-  label.set_number("KZLB_CONNECT_TIMEOUT", des.connect_timout, by_default.connect_timout);
-  label.set_number("KZLB_READ_TIMEOUT", des.read_timout, by_default.read_timout);
-  label.set_number("KZLB_WRITE_TIMEOUT", des.write_timout, by_default.write_timout);
+  label.fields(Block::description, &des);
   add_blacklist(label, des.black_list_conf);
   return label.text();
 }
 
 std::string connect_data_label(const KZCIConnectData &data) {
-  const auto by_default = defaults_of(KZCIConnectDataInit);
   Label label(to_the_left);
   label.line("connect data");
-  label.set_text("SERVICE_NAME", text_of(data.service_name, data.service_name_len),
-                 text_of(by_default.service_name, by_default.service_name_len));
-  label.set_text("KZ_USER_EXTRA_INFO", text_of(data.user_extra_info, data.user_extra_info_len),
-                 text_of(by_default.user_extra_info, by_default.user_extra_info_len));
-  label.set_text("SESSION_VARIABLE", text_of(data.session_variable, data.session_variable_len),
-                 text_of(by_default.session_variable, by_default.session_variable_len));
-  label.set_number("KZ_MODE", data.kz_mode, by_default.kz_mode);
-  label.set_number("USE_DEFAULT_SID", data.use_default_sid, by_default.use_default_sid);
+  label.fields(Block::connect_data, &data);
   return label.text();
 }
 
 // Empty when all are at their defaults.
 std::string system_variables_label(const KZCISystemVariables &vars) {
-  const auto by_default = defaults_of(KZCISystemVariablesInit);
   Label settings(to_the_left);
-  settings.set_number("SLOWSQL_THRESHOLD", vars.slowsql_threshold, by_default.slowsql_threshold);
-  settings.set_number("SLOWSQL_BUFFER_SIZE", vars.slowsql_buffer_size,
-                      by_default.slowsql_buffer_size);
-  settings.set_number("SLOWSQL_FLUSH_SECOND", vars.slowsql_flush_second,
-                      by_default.slowsql_flush_second);
-  settings.set_text("SESSION_VARIABLE", text_of(vars.session_variable, vars.session_variable_len),
-                    text_of(by_default.session_variable, by_default.session_variable_len));
-  settings.set_text("LOG_LEVEL", text_of(vars.log_level, vars.log_level_len),
-                    text_of(by_default.log_level, by_default.log_level_len));
-  settings.set_number("LOG_SIZE", vars.log_size, by_default.log_size);
-  settings.set_number("LOG_COUNT", vars.log_count, by_default.log_count);
-  settings.set_text("LOG_PATH", text_of(vars.log_path, vars.log_path_len),
-                    text_of(by_default.log_path, by_default.log_path_len));
+  settings.fields(Block::system_variables, &vars);
   if (settings.empty()) return {};
   Label label(to_the_left);
   label.line("system variables");
@@ -190,7 +179,7 @@ class Graph {
 
   void add(const KZCITnsService &service, const std::string &id) {
     Label label(centred);
-    label.line(text_of(service.net_service_name, service.net_service_name_len));
+    label.line({service.net_service_name, service.net_service_name_len});
     node(id, label.text(), service_colour);
     for_each_record(service.description, service.description_count, KZCIDescriptionNext,
                     [&](const KZCIDescription &des, ub4 number) { add(des, id, number); });

@@ -1,9 +1,10 @@
 // Every setting is an object {"value": ..., "default": true|false}, with a
 // "length" for a text and a "name" for a strategy. "default" tells whether the
 // setting is as the record's Init leaves it. Counts and arrays stand bare: a
-// count is the length of the array behind it.
+// count is the length of the array after it.
 #include "report/tree_json.h"
 
+#include <initializer_list>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
@@ -15,24 +16,30 @@ namespace kztns {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-Json number(sb8 value, sb8 by_default) {
-  return {{"value", value}, {"default", value == by_default}};
-}
-
-Json flag(boolean value, boolean by_default) {
-  return {{"value", value != 0}, {"default", value == by_default}};
-}
+using kzoci::tns::Block;
+using kzoci::tns::Key;
+using kzoci::tns::ValueKind;
 
 // The length is that of the bytes in the record, before any is escaped.
-Json text(std::string_view value, std::string_view by_default) {
-  return {{"value", valid_utf8(value)}, {"length", value.size()}, {"default", value == by_default}};
+Json text_json(std::string_view value, bool by_default) {
+  return {{"value", valid_utf8(value)}, {"length", value.size()}, {"default", by_default}};
 }
 
-Json strategy(KZCILBOption value, KZCILBOption by_default) {
-  return {{"name", strategy_word(value)},
-          {"value", static_cast<int>(value)},
-          {"default", value == by_default}};
+Json field_json(const Key &key, const void *record) {
+  const bool by_default = is_default(key, record);
+  if (key.value.kind == ValueKind::text) return text_json(text_value(key, record), by_default);
+  const sb8 value = kzoci::tns::number_of(record, key.value.field);
+  if (key.value.kind == ValueKind::integer) return {{"value", value}, {"default", by_default}};
+  if (is_switch(key)) return {{"value", value != 0}, {"default", by_default}};
+  return {{"name", value_text(key, record)}, {"value", value}, {"default", by_default}};
+}
+
+// The fields of the blocks that share a record.
+Json fields_json(std::initializer_list<Block> blocks, const void *record) {
+  Json fields = Json::object();
+  for (const Block block : blocks)
+    for_each_field(block, [&](const Key &key) { fields[key.name] = field_json(key, record); });
+  return fields;
 }
 
 template <typename Record>
@@ -43,91 +50,39 @@ Json array_of(Record *first, ub4 count, Record *(*next)(Record *), Json (*render
   return array;
 }
 
-Json address_json(const KZCIAddress &address) {
-  const auto by_default = defaults_of(KZCIAddressInit);
-  return {{"protocol", text(text_of(address.protocol, address.protocol_len),
-                            text_of(by_default.protocol, by_default.protocol_len))},
-          {"host", text(text_of(address.host, address.host_len),
-                        text_of(by_default.host, by_default.host_len))},
-          {"port", text(text_of(address.port, address.port_len),
-                        text_of(by_default.port, by_default.port_len))},
-          {"weight", number(address.weight, by_default.weight)}};
-}
+Json address_json(const KZCIAddress &address) { return fields_json({Block::address}, &address); }
 
 Json address_list_json(const KZCIAddressList &list) {
-  const auto by_default = defaults_of(KZCIAddressListInit);
-  return {{"kzlb", flag(list.kzlb, by_default.kzlb)},
-          {"kzlb_strategy", strategy(list.kzlb_strategy, by_default.kzlb_strategy)},
-          {"address_count", list.address_count},
-          {"addresses", array_of(list.address, list.address_count, KZCIAddressNext, address_json)}};
+  Json fields = fields_json({Block::address_list}, &list);
+  fields["address_count"] = list.address_count;
+  fields["addresses"] = array_of(list.address, list.address_count, KZCIAddressNext, address_json);
+  return fields;
 }
 
 Json connect_data_json(const KZCIConnectData *data) {
   if (data == nullptr) return nullptr;
-  const auto by_default = defaults_of(KZCIConnectDataInit);
-  return {{"service_name", text(text_of(data->service_name, data->service_name_len),
-                                text_of(by_default.service_name, by_default.service_name_len))},
-          {"user_extra_info",
-           text(text_of(data->user_extra_info, data->user_extra_info_len),
-                text_of(by_default.user_extra_info, by_default.user_extra_info_len))},
-          {"session_variable",
-           text(text_of(data->session_variable, data->session_variable_len),
-                text_of(by_default.session_variable, by_default.session_variable_len))},
-          {"kz_mode", number(data->kz_mode, by_default.kz_mode)},
-          {"use_default_sid", number(data->use_default_sid, by_default.use_default_sid)}};
-}
-
-Json blacklist_json(const KZCIBlacklistConf &conf) {
-  const auto by_default = defaults_of(KZCIBlacklistConfInit);
-  return {{"remove_strategy", strategy(conf.remove_strategy, by_default.remove_strategy)},
-          {"remove_timeout", number(conf.remove_timeout, by_default.remove_timeout)},
-          {"append_strategy", strategy(conf.append_strategy, by_default.append_strategy)},
-          {"retry_times", number(conf.retry_times, by_default.retry_times)},
-          {"duration", number(conf.duration, by_default.duration)}};
+  return fields_json({Block::connect_data}, data);
 }
 
 Json description_json(const KZCIDescription &des) {
-  const auto by_default = defaults_of(KZCIDescriptionInit);
-  return {
-      {"kzlb", flag(des.kzlb, by_default.kzlb)},
-      {"kzlb_group_strategy", strategy(des.kzlb_group_strategy, by_default.kzlb_group_strategy)},
-      {"retry_all_downs", number(des.retry_all_downs, by_default.retry_all_downs)},
-      {"retry_timeout", number(des.retry_timeout, by_default.retry_timeout)},
-      {"connect_timeout", number(des.connect_timout, by_default.connect_timout)},
-      {"read_timeout", number(des.read_timout, by_default.read_timout)},
-      {"write_timeout", number(des.write_timout, by_default.write_timout)},
-      {"blacklist", blacklist_json(des.black_list_conf)},
-      {"address_list_count", des.address_list_count},
-      {"address_lists",
-       array_of(des.address_list, des.address_list_count, KZCIAddressListNext, address_list_json)},
-      {"connect_data", connect_data_json(des.connect_data)}};
-}
-
-Json system_variables_json(const KZCISystemVariables &vars) {
-  const auto by_default = defaults_of(KZCISystemVariablesInit);
-  return {
-      {"slowsql_threshold", number(vars.slowsql_threshold, by_default.slowsql_threshold)},
-      {"slowsql_buffer_size", number(vars.slowsql_buffer_size, by_default.slowsql_buffer_size)},
-      {"slowsql_flush_second", number(vars.slowsql_flush_second, by_default.slowsql_flush_second)},
-      {"session_variable",
-       text(text_of(vars.session_variable, vars.session_variable_len),
-            text_of(by_default.session_variable, by_default.session_variable_len))},
-      {"log_level", text(text_of(vars.log_level, vars.log_level_len),
-                         text_of(by_default.log_level, by_default.log_level_len))},
-      {"log_size", number(vars.log_size, by_default.log_size)},
-      {"log_count", number(vars.log_count, by_default.log_count)},
-      {"log_path", text(text_of(vars.log_path, vars.log_path_len),
-                        text_of(by_default.log_path, by_default.log_path_len))}};
+  Json fields = fields_json({Block::description}, &des);
+  fields["blacklist"] = fields_json(
+      {Block::blacklist, Block::remove_strategy, Block::append_strategy}, &des.black_list_conf);
+  fields["address_list_count"] = des.address_list_count;
+  fields["address_lists"] =
+      array_of(des.address_list, des.address_list_count, KZCIAddressListNext, address_list_json);
+  fields["connect_data"] = connect_data_json(des.connect_data);
+  return fields;
 }
 
 // A service's Init is given its name: the default is a service without one.
 Json service_json(const KZCITnsService &service) {
-  const std::string_view name = text_of(service.net_service_name, service.net_service_name_len);
-  return {{"net_service_name", text(name, {})},
+  const std::string_view name(service.net_service_name, service.net_service_name_len);
+  return {{"net_service_name", text_json(name, name.empty())},
           {"description_count", service.description_count},
           {"descriptions", array_of(service.description, service.description_count,
                                     KZCIDescriptionNext, description_json)},
-          {"system_variables", system_variables_json(service.sys_vars)}};
+          {"system_variables", fields_json({Block::system_variables}, &service.sys_vars)}};
 }
 
 }  // namespace

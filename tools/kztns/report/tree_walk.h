@@ -1,9 +1,12 @@
-// What the renderers of a built tree share: the walk, the defaults, the words.
+// What the printers of a built tree share: its records, and the fields that the grammar
+// gives them.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "kzoci/oci_tnsname.h"
+#include "kzoci/oci_tnsname/grammar.h"
 
 namespace kztns {
 
@@ -18,19 +21,26 @@ void for_each_record(Record *first, ub4 count, Record *(*next)(Record *), Visit 
   }
 }
 
-// A record as its Init leaves it.
-template <typename Record>
-Record defaults_of(sword (*init)(Record *)) {
-  Record record;
-  init(&record);
-  return record;
+// Calls visit(key) for the keys of a block that have a field of their own, in the grammar's
+// order.
+template <typename Visit>
+void for_each_field(kzoci::tns::Block block, Visit visit) {
+  for (const kzoci::tns::Key &key : kzoci::tns::grammar)
+    if (key.block == block && key.name != nullptr) visit(key);
 }
 
-// A text field and its length field.
-inline std::string_view text_of(const char *text, ub4 length) { return {text, length}; }
+// The value of a key's field in a record, as a names file would give it: a text as it is,
+// a number in digits, a word's value as the word. For the value that is reached only by
+// leaving the word out: "NORMAL".
+std::string value_text(const kzoci::tns::Key &key, const void *record);
 
-// The word that selects a strategy in a names file; "NORMAL" for the one that is
-// reached only by leaving the word out.
-std::string_view strategy_word(KZCILBOption strategy);
+// The text of a key that takes one.
+std::string_view text_value(const kzoci::tns::Key &key, const void *record);
+
+// Whether a field holds what it holds when the names file gives nothing.
+bool is_default(const kzoci::tns::Key &key, const void *record);
+
+// Whether a key takes ON and OFF.
+bool is_switch(const kzoci::tns::Key &key);
 
 }  // namespace kztns

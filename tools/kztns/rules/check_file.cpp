@@ -1,5 +1,6 @@
 #include "rules/check_file.h"
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_rules.h"
@@ -15,7 +16,8 @@ class EntryChecker : public EntryVisitor {
 
   void visit(const EntryView &view) override {
     if (utf_16_) return;
-    if (view.service == nullptr && view.trace.is_settings() && view.name != "KZCISYSTEMVARIABLES")
+    if (view.service == nullptr && view.trace.is_system_variables() &&
+        view.name != kzoci::tns::reserved_name)
       return;  // the name is to blame
     if (view.trace.fault().kind != FaultKind::none) report_fault(view);
     if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)

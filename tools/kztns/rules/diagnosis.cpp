@@ -46,10 +46,10 @@ class FaultExplainer {
   }
   const Frame &frame() const { return trace_.frames()[static_cast<std::size_t>(fault_.frame)]; }
   std::string key() const {
-    return item() == nullptr ? "the key" : excerpt(trace_.key_of(*item()));
+    return item() == nullptr ? "the key" : excerpt(trace_.key_word_of(*item()));
   }
   std::string value() const {
-    return item() == nullptr ? "\"\"" : in_quotes(trace_.text_of(*item()));
+    return item() == nullptr ? "\"\"" : in_quotes(trace_.value_of(*item()));
   }
   std::string met() const { return quoted_token(subject_, fault_.at); }
   std::string_view text() const { return subject_.text.text(); }
@@ -72,7 +72,7 @@ class FaultExplainer {
   }
 
   Diagnosis unknown_key() const {
-    const std::string_view word = trace_.key_of(*item());
+    const std::string_view word = trace_.key_word_of(*item());
     if (item()->key.end - item()->key.begin >= 256) return cut(item()->key, "this key");
     const std::string_view near = near_key(word, frame().block);
     std::string remedy;
@@ -156,8 +156,8 @@ class FaultExplainer {
       return found(Rule::bad_protocol, "PROTOCOL is " + value() + ": only TCP is served");
     if (fault_.kind == FaultKind::bad_number)
       return found(Rule::bad_number, key() + " is " + value() + ", which is no integer of 64 bits");
-    const std::vector<std::string_view> words = words_for(item()->type, frame().block);
-    const std::string_view near = near_word(trace_.text_of(*item()), words);
+    const std::vector<std::string_view> words = choices(*trace_.row_of(*item()));
+    const std::string_view near = near_word(trace_.value_of(*item()), words);
     return found(Rule::bad_word, key() + " is " + value() + ": it may be " + one_of(words),
                  near.empty() ? "" : "did you mean " + std::string(near) + "?");
   }

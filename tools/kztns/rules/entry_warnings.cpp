@@ -55,56 +55,50 @@ class EntryWarnings {
 
   void report() {
     for (const Item &item : trace_.items()) check_item(item);
-    if (trace_.is_settings()) return;
+    if (trace_.is_system_variables()) return;
     const std::vector<Frame> &frames = trace_.frames();
     for (std::size_t i = 1; i < frames.size(); ++i) check_block(static_cast<int>(i));
   }
 
  private:
-  Block block_of(const Item &item) const {
-    return trace_.frames()[static_cast<std::size_t>(item.frame)].block;
-  }
-
   void add(Rule rule, Offset at, int frame, const std::string &text) {
     if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text});
   }
 
   // About an item's value.
   void add(Rule rule, const Item &item, const std::string &text) {
-    add(rule, item.value.begin, item.frame, excerpt(trace_.key_of(item)) + text);
+    add(rule, item.value.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
   }
 
   // About the item itself.
   void add_item(Rule rule, const Item &item, const std::string &text) {
-    add(rule, item.key.begin, item.frame, excerpt(trace_.key_of(item)) + text);
+    add(rule, item.key.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
   }
 
   std::string value_of(const Item &item) const {
-    return " is \"" + excerpt(trace_.text_of(item)) + "\"";
+    return " is \"" + excerpt(trace_.value_of(item)) + "\"";
   }
 
   void check_item(const Item &item) {
-    if (item.type == LB_ERROR_KEY || (trace_.is_settings() && is_foreign(item)))
+    if (item.type == LB_ERROR_KEY ||
+        (trace_.is_system_variables() && trace_.row_of(item) == nullptr))
       return add_item(Rule::unknown_setting, item, " is no system variable");
     if (!item.has_value) return;
-    if (item.dropped) return add_dropped(item);
-    if (is_integer(item.type)) return check_number(item);
-    check_text(item);
+    const Key *const key = trace_.row_of(item);
+    if (key == nullptr) return;
+    if (item.dropped) return add_dropped(item, *key);
+    if (key->value.kind == ValueKind::integer) return check_number(item);
+    check_text(item, *key);
   }
 
-  static bool is_foreign(const Item &item) {
-    const KeyWord *const key = key_word(item.type);
-    return key == nullptr || key->places.back() != Block::settings;
-  }
-
-  void add_dropped(const Item &item) {
+  void add_dropped(const Item &item, const Key &key) {
     add(Rule::overlong_value, item,
         " of " + std::to_string(item.text_length) + " characters is dropped: the limit is " +
-            std::to_string(longest_text(item.type, block_of(item))));
+            std::to_string(key.value.limit));
   }
 
-  void check_text(const Item &item) {
-    const std::string_view text = trace_.text_of(item);
+  void check_text(const Item &item, const Key &key) {
+    const std::string_view text = trace_.value_of(item);
     if (item.type == LB_PORT) {
       const std::optional<sb8> port = number(text);
       if (!port || *port < 1 || *port > 65535)
@@ -112,12 +106,12 @@ class EntryWarnings {
     } else if (item.type == LB_LOG_LEVEL && !is_level(text)) {
       add(Rule::log_level, item, value_of(item) + ": the default logger does not know it");
     } else {
-      check_word(item, text);
+      check_word(item, key, text);
     }
   }
 
-  void check_word(const Item &item, std::string_view text) {
-    for (const std::string_view word : words_for(item.type, block_of(item))) {
+  void check_word(const Item &item, const Key &key, std::string_view text) {
+    for (const std::string_view word : choices(key)) {
       if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
         continue;
       if (text.size() < word.size())
@@ -129,7 +123,7 @@ class EntryWarnings {
   void check_number(const Item &item) {
     if (item.type == LB_RETRY_DELAY)
       return add_item(Rule::retry_delay, item, " is read and dropped");
-    const std::optional<sb8> value = number(trace_.text_of(item));
+    const std::optional<sb8> value = number(trace_.value_of(item));
     if (!value) return add_too_large(item);
     if (const auto stored = narrowed(item.type, *value))
       add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
@@ -140,7 +134,7 @@ class EntryWarnings {
   // The library takes numbers up to twice what 64 bits hold, the upper half as
   // negative ones.
   void add_too_large(const Item &item) {
-    std::string text(trace_.text_of(item));
+    std::string text(trace_.value_of(item));
     char *end = text.data() + text.size();
     int error = 0;
     const sb8 stored = my_strtoll10(text.data(), &end, &error);

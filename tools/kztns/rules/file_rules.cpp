@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
@@ -11,7 +12,12 @@ namespace kztns {
 namespace {
 
 constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-constexpr std::string_view full_name = "KZCISYSTEMVARIABLES";
+using kzoci::tns::reserved_name;
+
+// Whether the library reads an entry of this name as system variables.
+bool is_reserved(std::string_view name) {
+  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
+}
 
 StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
   const char *const where = hidden.in_comment ? "comment" : "quotes";
@@ -240,8 +246,8 @@ class FileRules {
 
   void report_name(const Entry &entry) {
     const std::string_view name = scan_.name(entry);
-    if (entry.reached && entry.verdict != Verdict::shadowed && is_reserved_part(name) &&
-        name != full_name)
+    if (entry.reached && entry.verdict != Verdict::shadowed && is_reserved(name) &&
+        name != reserved_name)
       report_reserved_part(entry, name);
     if (entry.name_length == 256)
       add(Rule::key_cut, entry.at, name, "a name of 256 characters may be cut");
@@ -258,7 +264,7 @@ class FileRules {
 
   void report_reserved_part(const Entry &entry, std::string_view name) {
     const bool stops = scan_.stop().kind == StopKind::reserved && ends_lookups(name);
-    std::string text = "a leading part of " + std::string(full_name);
+    std::string text = "a leading part of " + std::string(reserved_name);
     text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
     if (stops) text += "; every lookup of a later name ends here";
     if (findings_.wanted(Rule::reserved_part))

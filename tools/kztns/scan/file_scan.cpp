@@ -1,18 +1,15 @@
 #include "scan/file_scan.h"
 
-#include <strings.h>
-
 #include <algorithm>
 #include <cstring>
 #include <optional>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 
 namespace kztns {
 namespace {
-
-constexpr char reserved_name[] = "KZCISYSTEMVARIABLES";
 
 Offset here(const KZCITnsParseParams &params) {
   return static_cast<Offset>(params.description_offset) - params.buffer_len + params.buffer_pos;
@@ -26,7 +23,7 @@ class MetToken : public LogListener {
 
  private:
   void record(log_level, const char *format, std::va_list arguments) override {
-    if (log_event(format, arguments) != LogEvent::unexpected_token) return;
+    if (message_of(format) != MessageId::other_token) return;
     std::va_list again;
     va_copy(again, arguments);
     va_arg(again, int);
@@ -154,7 +151,7 @@ class Walk {
       return Verdict::unreachable;
     if (is_second()) return Verdict::shadowed;
     if (!built) return Verdict::refused;
-    return builder_.trace().is_settings() ? Verdict::reserved : Verdict::ok;
+    return builder_.trace().is_system_variables() ? Verdict::reserved : Verdict::ok;
   }
 
   // Builds the entry, passes it over as a lookup does, and shows it.
@@ -319,13 +316,8 @@ void build_literal(const NamesText &text, Trace &trace) {
   KZCITnsServiceBuild(&tns, &params);
 }
 
-bool is_reserved_part(std::string_view name) {
-  return name.size() < sizeof reserved_name &&
-         strncasecmp(reserved_name, name.data(), name.size()) == 0;
-}
-
 bool ends_lookups(std::string_view name) {
-  return std::string_view(reserved_name).starts_with(name);
+  return std::string_view(kzoci::tns::reserved_name).starts_with(name);
 }
 
 }  // namespace kztns

@@ -109,9 +109,6 @@ void build_literal(const NamesText &text, Trace &trace);
 // of 1024 bytes from the beginning.
 KZCITnsParseParams parse_at(const std::string &text, Offset at);
 
-// Whether a name is a leading part of the reserved one, in any letter case.
-bool is_reserved_part(std::string_view name);
-
 // Whether an entry of that name ends every lookup.
 bool ends_lookups(std::string_view name);
 

@@ -35,13 +35,14 @@ std::string Trace::path(int frame) const {
   std::string path;
   for (; frame > 0; frame = frames_[static_cast<std::size_t>(frame)].parent) {
     if (!path.empty()) path.insert(0, "/");
-    path.insert(0, word_of(frames_[static_cast<std::size_t>(frame)].block));
+    path.insert(0, opening_key(frames_[static_cast<std::size_t>(frame)].block));
   }
   return path;
 }
 
 void Trace::record(log_level, const char *format, std::va_list arguments) {
-  const LogEvent event = log_event(format, arguments);
+  const std::optional<MessageId> id = message_of(format);
+  const LogEvent event = id ? event_of(*id) : LogEvent::other;
   if (event == LogEvent::other) return;
   if (event <= LogEvent::no_key_word)
     take_token(event, arguments);
@@ -106,7 +107,7 @@ void Trace::take_block(LogEvent event) {
 void Trace::take_value_fault(LogEvent event) {
   switch (event) {
     case LogEvent::unknown_key:
-      if (!is_settings()) fail(FaultKind::unknown_key, last_key());
+      if (!is_system_variables()) fail(FaultKind::unknown_key, last_key());
       return;
     case LogEvent::not_description:
       return fail(FaultKind::not_description, last_key());
@@ -123,8 +124,8 @@ void Trace::take_value_fault(LogEvent event) {
       return fail(FaultKind::second_address, last_key());
     case LogEvent::second_connect_data:
       return second_connect_data();
-    case LogEvent::settings_begin:
-      frames_[0].block = Block::settings;
+    case LogEvent::system_variables_begin:
+      frames_[0].block = Block::system_variables;
       return;
     default:
       return;
@@ -260,9 +261,9 @@ void Trace::second_connect_data() {
 // Only the first fault counts; what follows is its consequence. System variables
 // get over a key that is missing.
 void Trace::fail(FaultKind kind, Offset at, KZCITnsTokenType met) {
-  const bool soft =
-      is_settings() && (kind == FaultKind::missing_key || kind == FaultKind::block_for_value ||
-                        kind == FaultKind::missing_value);
+  const bool soft = is_system_variables() &&
+                    (kind == FaultKind::missing_key || kind == FaultKind::block_for_value ||
+                     kind == FaultKind::missing_value);
   Fault &fault = soft ? soft_fault_ : fault_;
   if (fault.kind != FaultKind::none) return;
   fault = {kind, at, met, top_, static_cast<int>(items_.size()) - 1, ends_block_well()};

@@ -10,7 +10,7 @@
 
 #include "text/names_text.h"
 #include "trace/key_words.h"
-#include "trace/log_events.h"
+#include "trace/log_records.h"
 #include "trace/platform.h"
 
 namespace kztns {
@@ -30,6 +30,7 @@ class KeySet {
 
  private:
   static std::uint64_t bit(KZCILBKeyType type) { return std::uint64_t{1} << type; }
+  static_assert(LB_MAX_KEY_TYPE <= 64);
   std::uint64_t bits_ = 0;
 };
 
@@ -100,7 +101,7 @@ class Trace : public LogListener {
   const Fault &fault() const { return fault_; }
   const std::vector<Item> &items() const { return items_; }
   const std::vector<Frame> &frames() const { return frames_; }
-  bool is_settings() const { return frames_[0].block == Block::settings; }
+  bool is_system_variables() const { return frames_[0].block == Block::system_variables; }
 
   // The end of the entry's first block, behind its ")"; absent when it was not
   // reached.
@@ -109,10 +110,15 @@ class Trace : public LogListener {
   // Where the parse stands.
   Offset here() const;
 
-  std::string_view text_of(const Item &item) const {
+  std::string_view value_of(const Item &item) const {
     return std::string_view(texts_).substr(item.text, item.text_length);
   }
-  std::string_view key_of(const Item &item) const { return slice(item.key); }
+  std::string_view key_word_of(const Item &item) const { return slice(item.key); }
+
+  // The grammar's row of an item's key; null for one that has no place in its block.
+  const Key *row_of(const Item &item) const {
+    return kzoci::tns::key_of(frames_[static_cast<std::size_t>(item.frame)].block, item.type);
+  }
   std::string_view slice(Span span) const {
     return std::string_view(text_).substr(span.begin, span.end - span.begin);
   }

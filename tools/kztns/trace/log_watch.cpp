@@ -30,16 +30,17 @@ std::string formatted(const char *format, std::va_list arguments) {
 void LogWatch::record(log_level level, const char *format, std::va_list arguments) {
   if (level < LOG_LEVEL_WARN && !is_shown(level)) return;
   const std::string text = formatted(format, arguments);
-  if (is_shown(level)) show(level, text);
+  if (is_shown(level))
+    std::fprintf(stderr, "%s %s\n", level_name(level), visible(reworded(format, text)).c_str());
   if (level >= LOG_LEVEL_WARN) take_fault(level, text);
 }
 
-void LogWatch::show(log_level level, const std::string &text) const {
-  const auto reworded =
+const std::string &LogWatch::reworded(const char *format, const std::string &text) const {
+  const std::optional<MessageId> id = message_of(format);
+  const auto found =
       std::find_if(rewordings_.begin(), rewordings_.end(),
-                   [&](const Rewording &rewording) { return rewording.said == text; });
-  const std::string &words = reworded == rewordings_.end() ? text : reworded->shown;
-  std::fprintf(stderr, "%s %s\n", level_name(level), visible(words).c_str());
+                   [&](const Rewording &rewording) { return rewording.record == id; });
+  return found == rewordings_.end() ? text : found->shown;
 }
 
 void LogWatch::take_fault(log_level level, const std::string &text) {

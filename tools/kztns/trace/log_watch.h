@@ -6,13 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "trace/log_records.h"
 #include "trace/platform.h"
 
 namespace kztns {
 
 // A record that is shown in other words.
 struct Rewording {
-  std::string said;
+  MessageId record;
   std::string shown;
 };
 
@@ -30,7 +31,8 @@ class LogWatch : private LogListener {
  private:
   void record(log_level level, const char *format, std::va_list arguments) override;
   bool is_shown(log_level level) const { return shown_ && level >= *shown_; }
-  void show(log_level level, const std::string &text) const;
+  // In other words if there are some for it.
+  const std::string &reworded(const char *format, const std::string &text) const;
   void take_fault(log_level level, const std::string &text);
 
   std::optional<log_level> shown_;

@@ -1,14 +1,22 @@
-// What a record of the module's log says, reported by its format.
+// The records of the module's log, recognised by their formats: one address, one record.
 #pragma once
 
-#include <cstdarg>
+#include <optional>
+
+#include "kzoci/oci_tnsname/messages.h"
 
 namespace kztns {
 
+using kzoci::tns::MessageId;
+
+// The record of a format; absent for a format that is not the module's.
+std::optional<MessageId> message_of(const char *format);
+
+// What a record tells about the build of an entry.
 enum class LogEvent {
   other,
-  key_read,            // behind a key; its text is in the parse state
-  unexpected_token,    // arguments: the type expected, the type met
+  key_read,            // after a key; its text is in the parse state
+  unexpected_token,    // arguments: the type expected, the type found
   input_ended,         // where a token was expected
   key_unfinished,      // the input ended, or the room, inside a key; argument: status
   key_word,            // the key just read is a key word; argument: its type
@@ -31,11 +39,9 @@ enum class LogEvent {
   text_refused,  // cannot be read, or is too long
   second_address,
   second_connect_data,
-  settings_begin,  // the entry is read as system variables
-  unknown_setting
+  system_variables_begin  // the entry is read as system variables
 };
 
-// The arguments are those of the format, of which "%s" takes one.
-LogEvent log_event(const char *format, std::va_list arguments);
+LogEvent event_of(MessageId id);
 
 }  // namespace kztns
