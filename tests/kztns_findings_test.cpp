@@ -123,18 +123,18 @@ TEST(FindingLine, HasAllPartsThatThereAre) {
   finding.rule = kztns::Rule::unknown_key;
   finding.severity = kztns::Severity::error;
   finding.position = {3, 17};
-  finding.text = "SERVER is no key here";
+  finding.text = "unknown key SERVER";
   finding.remedy = "remove the item";
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: error: SERVER is no key here; remove the item [unknown-key]");
+            "f:3:17: error: unknown key SERVER; remove the item [unknown-key]");
   finding.entry = "sales";
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: error: sales: SERVER is no key here; remove the item [unknown-key]");
+            "f:3:17: error: sales: unknown key SERVER; remove the item [unknown-key]");
   finding.path = "DESCRIPTION/CONNECT_DATA";
   finding.severity = kztns::Severity::note;
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: note: sales: DESCRIPTION/CONNECT_DATA: SERVER is no key here; "
-            "remove the item [unknown-key]");
+            "f:3:17: note: sales: DESCRIPTION/CONNECT_DATA: unknown key SERVER; remove the item "
+            "[unknown-key]");
 }
 
 TEST(Caret, StandsUnderItsPlace) {
@@ -149,13 +149,13 @@ TEST(Caret, StandsUnderItsPlace) {
 
 TEST(TextReport, ColoursWhereItIsAskedTo) {
   const kztns::CheckReport report = report_of("a = x\n");
-  EXPECT_EQ(kztns::render_text(report, {true, true}),
-            "\x1b[1mnames.ora:1:5:\x1b[0m \x1b[1;31merror:\x1b[0m a: \"(\" must stand behind "
-            "\"=\", not \"x\"; lookups of later names end here too; write NAME = (DESCRIPTION = "
-            "...) [no-block]\n"
-            "  a = x\n"
-            "\x1b[32m      ^\x1b[0m\n"
-            "names.ora: 1 entry: 0 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved\n");
+  EXPECT_EQ(
+      kztns::render_text(report, {true, true}),
+      "\x1b[1mnames.ora:1:5:\x1b[0m \x1b[1;31merror:\x1b[0m a: expected \"(\" after \"=\", found "
+      "\"x\"; the entries after it are lost; write NAME = (DESCRIPTION = ...) [no-block]\n"
+      "  a = x\n"
+      "\x1b[32m      ^\x1b[0m\n"
+      "names.ora: 1 entry: 0 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved\n");
 }
 
 TEST(CheckReport, CountsEntriesBySumOfVerdicts) {

@@ -18,8 +18,10 @@
 #include "commands/show.h"
 #include "commands/why.h"
 #include "io/exit_status.h"
+#include "io/names_file.h"
 #include "io/output.h"
 #include "io/standard_streams.h"
+#include "kzoci/platform/level_names.h"
 #include "text/spelling.h"
 
 namespace {
@@ -38,11 +40,15 @@ struct Arguments {
   bool session = false;
 };
 
-const std::map<std::string, log_level> level_names = {{"trace", LOG_LEVEL_TRACE},
-                                                      {"debug", LOG_LEVEL_DEBUG},
-                                                      {"info", LOG_LEVEL_INFO},
-                                                      {"warn", LOG_LEVEL_WARN},
-                                                      {"error", LOG_LEVEL_ERROR}};
+// The levels on which the module logs faults and its steps.
+std::map<std::string, log_level> shown_levels() {
+  std::map<std::string, log_level> levels;
+  for (int level = LOG_LEVEL_TRACE; level <= LOG_LEVEL_ERROR; ++level) {
+    const auto value = static_cast<log_level>(level);
+    levels[CLI::detail::to_lower(kzoci::platform::level_name(value))] = value;
+  }
+  return levels;
+}
 
 const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::ShowWhat::tree},
                                                              {"json", kztns::ShowWhat::json},
@@ -63,15 +69,15 @@ constexpr char version[] = "kztns " KZTNS_VERSION;
 
 // What each subcommand has of its own, and what all have.
 constexpr char show_statuses[] =
-    "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n"
-    "69 graphviz is not installed or fails";
+    "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n69 graphviz is not "
+    "installed or fails";
 constexpr char why_statuses[] = "0 found, 1 not found, 2 malformed";
 constexpr char settings_statuses[] = "0 shown, 1 no names file, 2 malformed";
 constexpr char check_statuses[] = "0 no error, 1 errors";
 constexpr char list_statuses[] = "0 listed";
 constexpr char common_statuses[] =
-    "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n"
-    "74 standard output cannot be written.";
+    "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n74 standard output "
+    "cannot be written.";
 
 // A subcommand: all of them read a names file.
 CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses,
@@ -81,11 +87,12 @@ CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, cons
   command->footer(std::string("Exit status: ") + statuses + ",\n" + common_statuses);
   command
       ->add_option("--file", arguments.file,
-                   "Names file; without it KZCI_TNS_FILE, TNS_ADMIN or ORACLE_HOME decides")
+                   "Names file; without it " + kztns::file_variables("or") + " decides")
       ->type_name("PATH");
   command
-      ->add_option("--max-size", arguments.max_size,
-                   "Read no names file of more bytes; K, M and G may follow the number (1G)")
+      ->add_option(
+          "--max-size", arguments.max_size,
+          "Largest names file to read, in bytes; the suffixes K, M and G are understood (1G)")
       ->type_name("SIZE")
       ->transform(CLI::AsSizeValue(false).description(""))
       ->check(CLI::Range(std::uint64_t{1}, kztns::largest_max_size).description(""));
@@ -104,7 +111,7 @@ void add_log(CLI::App *command, Arguments &arguments) {
       ->add_option("--log", arguments.level,
                    "Show log records from this level on, on standard error")
       ->type_name("LEVEL")
-      ->check(CLI::IsMember(level_names, CLI::ignore_case));
+      ->check(CLI::IsMember(shown_levels(), CLI::ignore_case));
 }
 
 void add_identifier(CLI::App *command, Arguments &arguments) {
@@ -145,23 +152,23 @@ void add_settings(CLI::App &app, Arguments &arguments) {
 
 void add_why(CLI::App &app, Arguments &arguments) {
   CLI::App *const why =
-      add_command(app, "why", "Tell the report of one lookup", why_statuses, arguments);
+      add_command(app, "why", "Explain one lookup, step by step", why_statuses, arguments);
   add_log(why, arguments);
   add_identifier(why, arguments);
 }
 
 void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
-      add_command(app, "check", "Tell what is wrong with a names file", check_statuses, arguments);
+      add_command(app, "check", "Check a names file for errors", check_statuses, arguments);
   add_positional_file(check, arguments);
   check->add_option("--format", arguments.format, "text, json or sarif")
       ->type_name("FORMAT")
       ->check(CLI::IsMember(report_formats));
-  check->add_flag("--strict", arguments.strict, "Take warnings for errors");
+  check->add_flag("--strict", arguments.strict, "Treat warnings as errors");
   check->add_option("--color", arguments.color, "auto, always or never")
       ->type_name("WHEN")
       ->check(CLI::IsMember(color_choices));
-  check->add_flag("--no-color", arguments.no_color, "Write no colours");
+  check->add_flag("--no-color", arguments.no_color, "Do not use colours");
 }
 
 void add_list(CLI::App &app, Arguments &arguments) {
@@ -205,7 +212,7 @@ int run_lookup(const CLI::App &command, const Arguments &arguments) {
   options.file = given_file(command, arguments);
   options.max_size = arguments.max_size;
   if (command.count("--log") > 0)
-    options.shown = level_names.at(CLI::detail::to_lower(arguments.level));
+    options.shown = shown_levels().at(CLI::detail::to_lower(arguments.level));
   if (command.get_name() == "settings") return kztns::settings(options);
   if (command.get_name() == "why") return kztns::why(arguments.identifier, options);
   return kztns::show(arguments.identifier, shown_part(arguments), options);
@@ -233,7 +240,7 @@ bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
     names.push_back(command->get_name());
   if (std::find(names.begin(), names.end(), word) != names.end()) return false;
   const std::string_view near = kztns::near_word(word, names);
-  std::string what = "there is no such command";
+  std::string what = "unknown command";
   if (!near.empty()) what += "; did you mean " + std::string(near) + "?";
   kztns::complain(kztns::quoted(kztns::visible(word)), what);
   return true;
@@ -260,7 +267,7 @@ std::string usage_message(const CLI::App *, const CLI::Error &error) {
 
 int main(int argc, char **argv) {
   kztns::reserve_standard_streams();
-  CLI::App app("What a connect identifier resolves to, and why not.", "kztns");
+  CLI::App app("Resolves connect identifiers and checks names files.", "kztns");
   app.set_version_flag("--version", version);
   app.require_subcommand(1);
   app.failure_message(usage_message);

@@ -4,14 +4,13 @@
 #include <cstdlib>
 
 #include "io/output.h"
+#include "kzoci/oci_tnsname/names_file.h"
 #include "lookup/lookup_failure.h"
 #include "report/check_text.h"
 #include "trace/log_watch.h"
 
 namespace kztns {
 namespace {
-
-constexpr const char *variables[] = {"KZCI_TNS_FILE", "TNS_ADMIN", "ORACLE_HOME"};
 
 void print(const char *label, const std::string &text) {
   std::printf("%s: %s\n", label, text.c_str());
@@ -24,10 +23,10 @@ void print_file(const Lookup &lookup, bool file_given) {
   std::string text = quoted(visible(*lookup.file_name)) + ", chosen by " + lookup.variable;
   bool chosen = false;
   std::string ignored;
-  for (const char *const variable : variables) {
-    if (chosen && std::getenv(variable) != nullptr)
-      ignored += (ignored.empty() ? "" : ", ") + std::string(variable);
-    chosen = chosen || lookup.variable == variable;
+  for (const auto &source : kzoci::tns::names_file_sources) {
+    if (chosen && std::getenv(source.variable) != nullptr)
+      ignored += (ignored.empty() ? "" : ", ") + std::string(source.variable);
+    chosen = chosen || lookup.variable == source.variable;
   }
   if (!ignored.empty()) text += "; ignored: " + ignored;
   print("file", text);
@@ -51,9 +50,9 @@ void print_found(const LookupReport &report, Tree &tree) {
   print("found", place + ", and built" + link_string(tree));
   constexpr std::size_t most = 4;
   for (std::size_t i = 0; i < report.warnings.size() && i < most; ++i)
-    print_remark("suspicious", report.warnings[i], false);
+    print_remark("warning", report.warnings[i], false);
   if (report.warnings.size() > most)
-    print("suspicious", std::to_string(report.warnings.size() - most) + " more");
+    print("warning", std::to_string(report.warnings.size() - most) + " more");
 }
 
 // Where the lookup ended, and whose fault that is.
@@ -76,8 +75,7 @@ int why(const std::string &identifier, const LookupOptions &options) {
   print_file(lookup, options.file.has_value());
   const bool read = lookup.is_literal || lookup.content != nullptr;
   if (read && !lookup.is_literal)
-    print("passed over",
-          std::to_string(report.passed) + (report.passed == 1 ? " entry" : " entries"));
+    print("skipped", std::to_string(report.passed) + (report.passed == 1 ? " entry" : " entries"));
   if (lookup.outcome == Outcome::found)
     print_found(report, tree);
   else if (read)

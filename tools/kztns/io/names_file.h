@@ -18,6 +18,12 @@ struct FileChoice {
 // library does; absent when no variable names one. The file itself is not touched.
 std::optional<FileChoice> choose_file(const std::optional<std::string> &given);
 
+// The variables of the environment that name the file: "A, B or C".
+std::string file_variables(const std::string &last_joint);
+
+// Why the environment chooses no file.
+std::string no_file_chosen();
+
 // Reads the file, or the one that the environment chooses; absent with the reason
 // on standard error. path becomes the file's name.
 std::optional<std::string> read_names_file(const std::optional<std::string> &file,

@@ -50,7 +50,7 @@ std::optional<ReadFault> refused_kind(const struct stat &status) {
                            : S_ISCHR(status.st_mode)  ? "is a character device"
                            : S_ISBLK(status.st_mode)  ? "is a block device"
                            : S_ISSOCK(status.st_mode) ? "is a socket"
-                                                      : "is no regular file or pipe";
+                                                      : "is not a regular file or pipe";
   return ReadFault{false, kind};
 }
 

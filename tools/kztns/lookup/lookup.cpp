@@ -4,12 +4,14 @@
 #include <cstring>
 
 #include "io/names_file.h"
+#include "kzoci/oci_tnsname/names_file.h"
 #include "trace/log_watch.h"
 
 namespace kztns {
 namespace {
 
-constexpr char file_variable[] = "KZCI_TNS_FILE";
+// The one that names the file itself.
+constexpr const char *file_variable = kzoci::tns::names_file_sources[0].variable;
 
 // Sets the variable that names the file for the time of its life.
 class NamedFile {

@@ -1,14 +1,14 @@
 #include "lookup/lookup_failure.h"
 
 #include "io/exit_status.h"
+#include "io/names_file.h"
 #include "io/output.h"
 
 namespace kztns {
 namespace {
 
 std::string why_not_found(const Lookup &lookup, const LookupReport &report) {
-  if (!lookup.file_name)
-    return "not found: none of KZCI_TNS_FILE, TNS_ADMIN and ORACLE_HOME is set";
+  if (!lookup.file_name) return "not found: " + no_file_chosen();
   const std::string file = quoted(visible(*lookup.file_name));
   if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text;
   return "not found in " + file + near_clauses(report);

@@ -88,7 +88,7 @@ class NameVisitor : public EntryVisitor {
     return make_remark(
         subject_.text, view.entry.at,
         with_remedy(excerpt(view.name) +
-                        " is a leading part of KZCISYSTEMVARIABLES, and read as system variables",
+                        " is a prefix of KZCISYSTEMVARIABLES, and is read as system variables",
                     {}, Rule::reserved_part));
   }
 
@@ -119,8 +119,8 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
   std::string words = cause.text;
   if (scan.stop().kind == StopKind::reserved) {
     const std::string name = excerpt(scan.name(*scan.last_reached()));
-    words = name + " is " + (name == kzoci::tns::reserved_name ? "" : "a leading part of ") +
-            "the reserved name: every lookup of a later name ends here";
+    words = name + " is " + (name == kzoci::tns::reserved_name ? "" : "a prefix of ") +
+            "the reserved name: the entries after it are lost";
     return make_remark(text, cause.at, words);
   }
   return make_remark(text, cause.at, with_remedy(words, {}, cause.rule));
@@ -150,10 +150,10 @@ LookupReport report_of_literal(const std::string &descriptor) {
   }
   const Offset behind = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));
   if (behind < text.size())
-    report.fault = make_remark(text, behind,
-                               with_remedy("nothing may stand behind the descriptor, but here is " +
-                                               quoted_token(subject, behind),
-                                           "remove it", Rule::stray_text));
+    report.fault = make_remark(
+        text, behind,
+        with_remedy("expected nothing after the descriptor, found " + quoted_token(subject, behind),
+                    "remove it", Rule::stray_text));
   else
     report.warnings = warnings_of(text, trace, {});
   return report;

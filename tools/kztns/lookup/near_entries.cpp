@@ -52,15 +52,15 @@ Nearness nearness(std::string_view entry, std::string_view name) {
 std::string how(Nearness nearness) {
   switch (nearness) {
     case Nearness::other_case:
-      return ", which differs in letter case only";
+      return ", which differs only in case";
     case Nearness::odd_bytes:
       return ", which has an invisible character in its name";
     case Nearness::in_list:
-      return ", a list of names, which is one name here";
+      return ", a list of names, which is read as one name";
     case Nearness::domain:
-      return ", which differs by a domain only";
+      return ", which differs only by a domain";
     case Nearness::misspelt:
-      return ", which is spelt alike";
+      return ", which is spelled similarly";
     default:
       return "";
   }
@@ -70,7 +70,7 @@ std::string why_hidden(const FileScan &scan, const Entry &entry) {
   if (entry.reached) return "";
   const Entry *const last = scan.last_reached();
   if (scan.stop().kind == StopKind::reserved && entry.at > last->at)
-    return ", behind the entry \"" + visible(scan.name(*last)) + "\", where every lookup ends";
+    return ", after the entry \"" + visible(scan.name(*last)) + "\", where every lookup ends";
   return ", which no lookup reaches";
 }
 

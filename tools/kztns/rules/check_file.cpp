@@ -37,7 +37,7 @@ class EntryChecker : public EntryVisitor {
   }
 
   std::string consequence(const Stop &stop) const {
-    if (stop.kind == StopKind::no_open) return "; lookups of later names end here too";
+    if (stop.kind == StopKind::no_open) return "; the entries after it are lost";
     return "; lookups of later names read on to the end of the file at " +
            subject_.text.place(subject_.text.size());
   }

@@ -80,27 +80,26 @@ class FaultExplainer {
       remedy = "did you mean " + std::string(near) + "?";
     else if (frame().block == Block::entry)
       remedy = "an entry is made of DESCRIPTION blocks";
-    return found(Rule::unknown_key, key() + " is no key here", remedy);
+    return found(Rule::unknown_key, "unknown key " + key(), remedy);
   }
 
   Diagnosis misplaced_key() const {
     return found(Rule::misplaced_key,
-                 key() + " is no key here: it belongs in " + places_of(item()->type));
+                 "misplaced key " + key() + ": it belongs in " + places_of(item()->type));
   }
 
   Diagnosis no_block() const {
     if (fault_.at >= text().size())
-      return found(Rule::no_block,
-                   "the " + std::string(subject_.noun) + " ends where \"(\" must stand");
+      return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
     if (equal_but_for_case(name_, "IFILE"))
-      return found(Rule::ifile, "IFILE is read as a name: files are not included");
+      return found(Rule::ifile, "IFILE is read as a name: included files are not supported");
     const std::string_view odd = odd_character(text().substr(fault_.at, 4));
     if (!odd.empty() && text().substr(fault_.at).starts_with(odd))
       return found(Rule::odd_bytes,
-                   visible(odd) + " is no blank here: \"(\" must stand behind \"=\"");
+                   "expected \"(\" after \"=\", found the invisible character " + visible(odd));
     if (text().substr(fault_.at).starts_with("\"("))
-      return found(Rule::quoted_entry, "the entry's value stands in quotes: \"(\" must stand here");
-    return found(Rule::no_block, "\"(\" must stand behind \"=\", not " + met());
+      return found(Rule::quoted_entry, "expected \"(\" after \"=\", found a value in quotes");
+    return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
   }
 
   // A comment between the value and what was met, which hides a ")".
@@ -113,16 +112,15 @@ class FaultExplainer {
 
   Diagnosis comment_in_value(Offset at) const {
     return found_at(Rule::comment_in_value, at,
-                    "a comment begins here, behind the value of " + key() +
-                        ", and hides the \")\": what follows is " + met() + " at " +
-                        subject_.text.place(fault_.at));
+                    "this comment after the value of " + key() + " hides the \")\": found " +
+                        met() + " at " + subject_.text.place(fault_.at));
   }
 
   Diagnosis cut(Span token, const std::string &what) const {
     const auto quote = open_quote(text(), token.begin, token.end);
     if (quote)
       return found_at(Rule::unclosed_quote, *quote,
-                      "the quotes that open here are not closed within 256 characters");
+                      "unterminated quote: not closed within 256 characters");
     return found_at(Rule::key_cut, token.begin, what + " is cut at 256 characters");
   }
 
@@ -130,7 +128,7 @@ class FaultExplainer {
     if (item() != nullptr && item()->text_length >= 256)
       return cut(item()->value, "the value of " + key());
     if (const auto comment = hiding_comment()) return comment_in_value(*comment);
-    const std::string text = "\")\" must stand behind the value of " + key() + ", not " + met();
+    const std::string text = "expected \")\" after the value of " + key() + ", found " + met();
     if (fault_.met == TNS_LEFT_PARENTHESES) return found(Rule::missing_close, text);
     return found(Rule::unquoted_value, text);
   }
@@ -140,25 +138,24 @@ class FaultExplainer {
       return comment_in_value(*comment);
     const bool in_item = !fault_.between || fault_.frame == 0;
     const Offset open = in_item && item() != nullptr ? item()->open : block_open();
-    return found_at(Rule::unclosed_block, open, "what is opened here is not closed: " + end());
+    return found_at(Rule::unclosed_block, open, "this \"(\" is never closed: " + end());
   }
 
   Diagnosis key_unended() const {
     const auto quote = open_quote(text(), fault_.at, static_cast<Offset>(text().size()));
-    if (quote)
-      return found_at(Rule::unclosed_quote, *quote,
-                      "the quotes that open here are not closed: " + end());
+    if (quote) return found_at(Rule::unclosed_quote, *quote, "unterminated quote: " + end());
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }
 
   Diagnosis bad_value() const {
     if (fault_.kind == FaultKind::bad_protocol)
-      return found(Rule::bad_protocol, "PROTOCOL is " + value() + ": only TCP is served");
+      return found(Rule::bad_protocol,
+                   "unsupported protocol " + value() + ": only TCP is supported");
     if (fault_.kind == FaultKind::bad_number)
-      return found(Rule::bad_number, key() + " is " + value() + ", which is no integer of 64 bits");
+      return found(Rule::bad_number, key() + " is " + value() + ", not a 64-bit integer");
     const std::vector<std::string_view> words = choices(*trace_.row_of(*item()));
     const std::string_view near = near_word(trace_.value_of(*item()), words);
-    return found(Rule::bad_word, key() + " is " + value() + ": it may be " + one_of(words),
+    return found(Rule::bad_word, key() + " is " + value() + ": expected " + one_of(words),
                  near.empty() ? "" : "did you mean " + std::string(near) + "?");
   }
 
@@ -167,15 +164,16 @@ class FaultExplainer {
       case FaultKind::empty_block:
         return found(Rule::empty_block, key() + " is empty");
       case FaultKind::value_for_block:
-        return found(Rule::value_for_block, key() + " takes a block, not " + met());
+        return found(Rule::value_for_block,
+                     "expected a block as the value of " + key() + ", found " + met());
       case FaultKind::not_closed:
-        return found(Rule::missing_close, "\"(\" or \")\" must stand here, not " + met() +
+        return found(Rule::missing_close, "expected \"(\" or \")\", found " + met() +
                                               ": the block was opened at " +
                                               subject_.text.place(block_open()));
       case FaultKind::missing_key:
-        return found(Rule::missing_key, "a key must stand behind \"(\", not " + met());
+        return found(Rule::missing_key, "expected a key after \"(\", found " + met());
       case FaultKind::missing_equal:
-        return found(Rule::missing_equal, "\"=\" must stand behind " + key() + ", not " + met());
+        return found(Rule::missing_equal, "expected \"=\" after " + key() + ", found " + met());
       case FaultKind::missing_value:
         return found(Rule::missing_value, key() + " has no value");
       case FaultKind::block_for_value:
@@ -189,12 +187,13 @@ class FaultExplainer {
     switch (fault_.kind) {
       case FaultKind::second_address:
         return found(Rule::second_address,
-                     "this ADDRESS stands behind another one or an ADDRESS_LIST");
+                     "this ADDRESS follows another ADDRESS or an ADDRESS_LIST");
       case FaultKind::second_connect_data:
         return found(Rule::second_connect_data,
-                     "the second CONNECT_DATA is dropped, and ends its description");
+                     "second CONNECT_DATA: it is dropped, and ends its description");
       case FaultKind::key_too_long:
-        return found(Rule::key_refused, "this token of 256 characters ends with a piece of 1024");
+        return found(Rule::key_refused,
+                     "a token of 256 characters ends at a 1024-byte read boundary");
       default:
         return found(Rule::unexplained, "the library refuses the entry");
     }

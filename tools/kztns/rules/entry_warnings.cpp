@@ -3,6 +3,7 @@
 #include <charconv>
 #include <optional>
 
+#include "kzoci/platform/level_names.h"
 #include "kzoci/platform/my_strtoll10.h"
 #include "text/spelling.h"
 
@@ -43,7 +44,7 @@ std::optional<std::string> narrowed(KZCILBKeyType type, sb8 value) {
 }
 
 bool is_level(std::string_view text) {
-  for (const char *const level : {"TRACE", "DEBUG", "INFO", "WARN", "ERROR", "FATAL", "SLOWSQL"})
+  for (const char *const level : kzoci::platform::level_names)
     if (equal_but_for_case(text, level)) return true;
   return false;
 }
@@ -82,7 +83,7 @@ class EntryWarnings {
   void check_item(const Item &item) {
     if (item.type == LB_ERROR_KEY ||
         (trace_.is_system_variables() && trace_.row_of(item) == nullptr))
-      return add_item(Rule::unknown_setting, item, " is no system variable");
+      return add_item(Rule::unknown_setting, item, " is not a system variable");
     if (!item.has_value) return;
     const Key *const key = trace_.row_of(item);
     if (key == nullptr) return;
@@ -102,9 +103,9 @@ class EntryWarnings {
     if (item.type == LB_PORT) {
       const std::optional<sb8> port = number(text);
       if (!port || *port < 1 || *port > 65535)
-        add(Rule::bad_port, item, value_of(item) + ", which is no number from 1 to 65535");
+        add(Rule::bad_port, item, value_of(item) + ", not a number from 1 to 65535");
     } else if (item.type == LB_LOG_LEVEL && !is_level(text)) {
-      add(Rule::log_level, item, value_of(item) + ": the default logger does not know it");
+      add(Rule::log_level, item, value_of(item) + ", not a log level");
     } else {
       check_word(item, key, text);
     }
@@ -122,7 +123,7 @@ class EntryWarnings {
 
   void check_number(const Item &item) {
     if (item.type == LB_RETRY_DELAY)
-      return add_item(Rule::retry_delay, item, " is read and dropped");
+      return add_item(Rule::retry_delay, item, " is read but ignored");
     const std::optional<sb8> value = number(trace_.value_of(item));
     if (!value) return add_too_large(item);
     if (const auto stored = narrowed(item.type, *value))

@@ -22,7 +22,7 @@ bool is_reserved(std::string_view name) {
 StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
   const char *const where = hidden.in_comment ? "comment" : "quotes";
   return {hidden.in_comment ? Rule::paren_in_comment : Rule::paren_in_quotes, hidden.at,
-          "lookups of later names count this parenthesis, although it stands in " +
+          "lookups of later names count this parenthesis, although it is in " +
               std::string(hidden.in_comment ? "a " : "") + where + std::string(consequence)};
 }
 
@@ -48,10 +48,10 @@ class StopExplainer {
         return lost_name();
       case StopKind::name_too_long:
         return {Rule::key_refused, stop_.at,
-                "this name of 256 characters ends with a piece of 1024"};
+                "a name of 256 characters ends at a 1024-byte read boundary"};
       case StopKind::gave_up:
         return {Rule::gave_up, stop_.at,
-                "the entries up to here are built to far behind their ends: the check ends here"};
+                "the entries up to here overlap too often: the check stops here"};
       default:
         return at_entry();
     }
@@ -65,63 +65,59 @@ class StopExplainer {
     if (before != nullptr) {
       if (before->built && before->end > stop_.at && stop_.met == TNS_LEFT_PARENTHESES &&
           scan_.skip_mismatches().empty())
-        return {Rule::second_block, stop_.at,
-                "the second block of " + excerpt(scan_.name(*before)) +
-                    " begins here: every lookup of a later name ends here"};
+        return {
+            Rule::second_block, stop_.at,
+            "second block of " + excerpt(scan_.name(*before)) + ": the entries after it are lost"};
       if (const auto hidden = find_hidden(text(), before->body, stop_.at, ')'))
         return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
     }
     if (stop_.met == TNS_RIGHT_PARENTHESES)
-      return {Rule::extra_close, stop_.at,
-              "this \")\" closes nothing: every lookup of a later name ends here"};
+      return {Rule::extra_close, stop_.at, "unmatched \")\": the entries after it are lost"};
     return {Rule::stray_text, stop_.at,
-            "a name must stand here, not " + quoted_token(subject_, stop_.at) +
-                ": every lookup of a later name ends here"};
+            "expected a name, found " + quoted_token(subject_, stop_.at) +
+                ": the entries after it are lost"};
   }
 
   StopCause no_equal() const {
     if (stop_.name == 0 && text().starts_with(byte_order_mark))
-      return {Rule::byte_order_mark, 0,
-              "the byte order mark belongs to the name behind it: every lookup of a later name "
-              "ends here"};
+      return {
+          Rule::byte_order_mark, 0,
+          "the byte order mark is read as part of the first name: the entries after it are lost"};
     const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
     const bool comma =
         name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
     if (comma)
       return {Rule::comma_list, stop_.name,
-              "a list of names is no entry: every lookup of a later name ends at its second word"};
+              "a list of names is not an entry: the entries after it are lost"};
     const std::string word = quoted_token(subject_, stop_.name);
     if (stop_.met == TNS_LEFT_PARENTHESES)
-      return {
-          Rule::missing_equal, stop_.at,
-          "\"=\" must stand behind the name " + word + ": every lookup of a later name ends here"};
-    return {
-        Rule::stray_text, stop_.name,
-        word +
-            " is read as a name, but no \"=\" follows it: every lookup of a later name ends here"};
+      return {Rule::missing_equal, stop_.at,
+              "expected \"=\" after the name " + word + ": the entries after it are lost"};
+    return {Rule::stray_text, stop_.name,
+            word + " is read as a name, but no \"=\" follows: the entries after it are lost"};
   }
 
   StopCause lost_name() const {
     const auto quote = open_quote(text(), stop_.name, subject_.text.size());
-    if (quote) return {Rule::unclosed_quote, *quote, "the quotes that open here are not closed"};
+    if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
     return {Rule::lost_name, stop_.name,
-            quoted_token(subject_, stop_.name) + " ends the file and is lost"};
+            quoted_token(subject_, stop_.name) + " at the end of the file is lost"};
   }
 
   StopCause at_entry() const {
     const Entry &entry = *scan_.last_reached();
     const std::string name = excerpt(scan_.name(entry));
     if (stop_.kind == StopKind::reserved)
-      return {Rule::reserved_part, entry.at, name + " ends every lookup of a later name"};
+      return {Rule::reserved_part, entry.at,
+              name + " ends every lookup: the entries after it are lost"};
     if (stop_.kind == StopKind::no_open)
       return {Rule::no_block, stop_.at,
-              "\"(\" must stand behind \"=\": every lookup of a later name ends here"};
+              "expected \"(\" after \"=\": the entries after it are lost"};
     if (const auto hidden = find_hidden(text(), entry.body, subject_.text.size(), '(');
         entry.built && hidden && hidden->at < entry.end)
       return found_parenthesis(*hidden, read_on(subject_.text, subject_.text.size()));
-    return {
-        Rule::unclosed_block, pass_blanks(text(), entry.body),
-        "the parentheses of " + name + " never balance: every lookup of a later name ends here"};
+    return {Rule::unclosed_block, pass_blanks(text(), entry.body),
+            "the parentheses of " + name + " never balance: the entries after it are lost"};
   }
 
   Subject subject_;
@@ -192,7 +188,7 @@ class FileRules {
                    cause->at,
                    scan_.name(entry_of(skip_mismatch)),
                    {},
-                   cause->text + (lost.empty() ? "" : "; entries lost through it: " + lost)});
+                   cause->text + (lost.empty() ? "" : "; entries lost: " + lost)});
   }
 
   void report_entry(std::size_t i) {
@@ -209,8 +205,8 @@ class FileRules {
                      entry.at,
                      name,
                      {},
-                     "differs in letter case only from " + excerpt(scan_.name(entries()[alike])) +
-                         " at " + text_.place(entries()[alike].at)});
+                     "differs only in case from " + excerpt(scan_.name(entries()[alike])) + " at " +
+                         text_.place(entries()[alike].at)});
     }
   }
 
@@ -240,8 +236,8 @@ class FileRules {
                    entry.at,
                    scan_.name(entry),
                    {},
-                   "a second entry of this name: the first one, at " + text_.place(first.at) +
-                       ", wins here; other readers of such files let the last one win"});
+                   "duplicate name: the first entry, at " + text_.place(first.at) +
+                       ", is used; other readers of such files use the last one"});
   }
 
   void report_name(const Entry &entry) {
@@ -253,20 +249,22 @@ class FileRules {
       add(Rule::key_cut, entry.at, name, "a name of 256 characters may be cut");
     if (entry.in_list || name.find(',') != std::string_view::npos) {
       if (entry.reached)
-        add(Rule::comma_list, entry.at, name, "this is one name: its parts are found by no lookup");
+        add(Rule::comma_list, entry.at, name,
+            "a list of names is read as one name: no lookup finds its parts");
     }
     const std::string_view odd = odd_character(name);
     if (odd.empty()) return;
     const bool at_file_start = entry.at == 0 && odd == byte_order_mark;
     add(at_file_start ? Rule::byte_order_mark : Rule::odd_bytes, entry.at, name,
-        visible(odd) + " belongs to the name: the entry is found only under a name with it");
+        "invisible character " + visible(odd) +
+            " in the name: the entry is found only by a name with it");
   }
 
   void report_reserved_part(const Entry &entry, std::string_view name) {
     const bool stops = scan_.stop().kind == StopKind::reserved && ends_lookups(name);
-    std::string text = "a leading part of " + std::string(reserved_name);
+    std::string text = "a prefix of " + std::string(reserved_name);
     text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
-    if (stops) text += "; every lookup of a later name ends here";
+    if (stops) text += "; the entries after it are lost";
     if (findings_.wanted(Rule::reserved_part))
       findings_.add({Rule::reserved_part, entry.at, name, {}, std::move(text)});
   }
@@ -285,12 +283,12 @@ class FileRules {
     if (entry.reached) return "a name like this is read as a descriptor, and never looked up";
     const Entry *const last = scan_.last_reached();
     if (scan_.stop().kind == StopKind::reserved && last != nullptr && entry.at > last->at)
-      return "stands behind " + excerpt(scan_.name(*last)) + " at " + text_.place(last->at) +
+      return "comes after " + excerpt(scan_.name(*last)) + " at " + text_.place(last->at) +
              ", where every lookup ends";
     if (scan_.stop().kind == StopKind::end || entry.at < scan_.stop().name)
-      return "lookups pass over it as a part of the entry before";
+      return "lookups skip it as part of the entry before";
     if (entry.in_list) return "one of a list of names: no lookup finds it";
-    return "no lookup comes here: stopped by the finding at " + text_.place(cause_.at) + " [" +
+    return "no lookup gets here: see the finding at " + text_.place(cause_.at) + " [" +
            std::string(text_of(cause_.rule).id) + "]";
   }
 

@@ -3,15 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "kzoci/platform/level_names.h"
 #include "text/escape.h"
 
 namespace kztns {
 namespace {
-
-const char *level_name(log_level level) {
-  constexpr const char *names[] = {"TRACE", "DEBUG", "INFO", "WARN", "ERROR", "FATAL", "SLOWSQL"};
-  return names[level - LOG_LEVEL_TRACE];
-}
 
 std::string formatted(const char *format, std::va_list arguments) {
   std::va_list again;
@@ -31,7 +27,8 @@ void LogWatch::record(log_level level, const char *format, std::va_list argument
   if (level < LOG_LEVEL_WARN && !is_shown(level)) return;
   const std::string text = formatted(format, arguments);
   if (is_shown(level))
-    std::fprintf(stderr, "%s %s\n", level_name(level), visible(reworded(format, text)).c_str());
+    std::fprintf(stderr, "%s %s\n", kzoci::platform::level_name(level),
+                 visible(reworded(format, text)).c_str());
   if (level >= LOG_LEVEL_WARN) take_fault(level, text);
 }
 
