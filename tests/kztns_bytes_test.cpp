@@ -9,8 +9,7 @@
 
 #include "commands/list.h"
 #include "lookup/lookup.h"
-#include "report/check_json.h"
-#include "report/check_sarif.h"
+#include "report/check_formats.h"
 #include "report/tree_json.h"
 #include "rules/check_file.h"
 #include "support/random.h"

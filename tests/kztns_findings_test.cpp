@@ -8,8 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/list.h"
-#include "report/check_json.h"
-#include "report/check_sarif.h"
+#include "report/check_formats.h"
 #include "report/check_text.h"
 #include "rules/check_file.h"
 #include "support/json_schema.h"
@@ -90,7 +89,7 @@ TEST(Excerpt, CutsLongTextsBetweenCharacters) {
 TEST(Rules, HaveDifferentIdsAndWords) {
   std::set<std::string_view> ids;
   for (std::size_t i = 0; i < kztns::rule_count; ++i) {
-    const kztns::RuleText &rule = kztns::text_of(static_cast<kztns::Rule>(i));
+    const kztns::RuleRow &rule = kztns::row_of(static_cast<kztns::Rule>(i));
     EXPECT_TRUE(ids.insert(rule.id).second) << rule.id;
     EXPECT_EQ(rule.id.find_first_not_of("abcdefghijklmnopqrstuvwxyz-16"), std::string_view::npos);
     EXPECT_FALSE(rule.text.empty()) << rule.id;

@@ -37,7 +37,7 @@ TEST(VisibleText, EscapesWhatIsNoCharacter) {
       {"\xE0\x9F\xBF", "\\xe0\\x9f\\xbf"},           // overlong
       {"\xF0\x8F\xBF\xBF", "\\xf0\\x8f\\xbf\\xbf"},  // overlong
       {"\xED\xA0\x80", "\\xed\\xa0\\x80"},           // a surrogate
-      {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // behind the last character
+      {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // after the last character
       {"\xF5\x80\x80\x80", "\\xf5\\x80\\x80\\x80"},  // no first byte
       {"\xC3x", "\\xc3x"},                           // a second byte that is none
       {"\xE2\x82x", "\\xe2\\x82x"},                  // a third

@@ -9,25 +9,14 @@
 #include "io/names_file.h"
 #include "io/output.h"
 #include "io/progress.h"
-#include "report/check_json.h"
-#include "report/check_sarif.h"
-#include "report/check_text.h"
 #include "rules/check_file.h"
 
 namespace kztns {
 namespace {
 
 std::string render(const CheckReport &report, const CheckOptions &options) {
-  switch (options.format) {
-    case ReportFormat::json:
-      return render_json(report);
-    case ReportFormat::sarif:
-      return render_sarif(report);
-    case ReportFormat::text:
-      break;
-  }
   const bool color = wants_color(options.color);
-  return render_text(report, {color, color || isatty(STDOUT_FILENO) != 0});
+  return options.format->render(report, {color, color || isatty(STDOUT_FILENO) != 0});
 }
 
 void make_warnings_errors(CheckReport &report) {
@@ -43,7 +32,7 @@ CheckReport make_report(const std::string &path, std::string text, const CheckOp
   Progress progress(names.size());
   CheckRequest request;
   request.file = path;
-  request.with_entries = options.format == ReportFormat::json;
+  request.with_entries = options.format->with_entries;
   request.progress = [&progress](Offset at) { progress.at(at); };
   CheckReport report = check_file(names, request);
   if (options.strict) make_warnings_errors(report);

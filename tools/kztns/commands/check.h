@@ -5,16 +5,16 @@
 #include <string>
 
 #include "io/read_file.h"
+#include "report/check_formats.h"
 
 namespace kztns {
 
-enum class ReportFormat { text, json, sarif };
 enum class ColorChoice { automatic, always, never };
 
 struct CheckOptions {
   std::optional<std::string> file;  // absent: the one that the environment chooses
   std::uint64_t max_size = default_max_size;
-  ReportFormat format = ReportFormat::text;
+  const CheckFormat *format = check_formats;
   ColorChoice color = ColorChoice::automatic;
   bool strict = false;  // warnings count as errors
 };

@@ -23,6 +23,7 @@
 #include "io/standard_streams.h"
 #include "kzoci/platform/level_names.h"
 #include "text/spelling.h"
+#include "trace/key_words.h"
 
 namespace {
 
@@ -55,10 +56,19 @@ const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::Sho
                                                              {"dot", kztns::ShowWhat::dot},
                                                              {"svg", kztns::ShowWhat::svg}};
 
-const std::map<std::string, kztns::ReportFormat> report_formats = {
-    {"text", kztns::ReportFormat::text},
-    {"json", kztns::ReportFormat::json},
-    {"sarif", kztns::ReportFormat::sarif}};
+std::map<std::string, const kztns::CheckFormat *> report_formats() {
+  std::map<std::string, const kztns::CheckFormat *> formats;
+  for (const kztns::CheckFormat &format : kztns::check_formats)
+    formats[std::string(format.name)] = &format;
+  return formats;
+}
+
+// "text, json or sarif", in the order of the formats.
+std::string report_format_names() {
+  std::vector<std::string_view> names;
+  for (const kztns::CheckFormat &format : kztns::check_formats) names.push_back(format.name);
+  return kztns::one_of(names);
+}
 
 const std::map<std::string, kztns::ColorChoice> color_choices = {
     {"auto", kztns::ColorChoice::automatic},
@@ -161,9 +171,9 @@ void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
       add_command(app, "check", "Check a names file for errors", check_statuses, arguments);
   add_positional_file(check, arguments);
-  check->add_option("--format", arguments.format, "text, json or sarif")
+  check->add_option("--format", arguments.format, report_format_names())
       ->type_name("FORMAT")
-      ->check(CLI::IsMember(report_formats));
+      ->check(CLI::IsMember(report_formats()));
   check->add_flag("--strict", arguments.strict, "Treat warnings as errors");
   check->add_option("--color", arguments.color, "auto, always or never")
       ->type_name("WHEN")
@@ -195,7 +205,7 @@ int run_check(const CLI::App &command, const Arguments &arguments) {
   kztns::CheckOptions options;
   options.file = given_file(command, arguments);
   options.max_size = arguments.max_size;
-  options.format = report_formats.at(arguments.format);
+  options.format = report_formats().at(arguments.format);
   options.color =
       arguments.no_color ? kztns::ColorChoice::never : color_choices.at(arguments.color);
   options.strict = arguments.strict;
@@ -231,7 +241,7 @@ const char *command_word(int argc, char **argv) {
   return nullptr;
 }
 
-// Whether the arguments name a command that there is not; tells so.
+// Whether the arguments name a command that there is not; if so, says so.
 bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
   const char *const word = command_word(argc, argv);
   if (word == nullptr) return false;

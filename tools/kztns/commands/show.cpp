@@ -20,7 +20,7 @@ namespace {
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 
-// Whether the display prints the whole of the tree, tried where nobody sees it.
+// Whether the display prints the whole of the tree, tried where nothing is shown.
 bool can_be_displayed(Tree &tree) {
   [[maybe_unused]] const LogWatch silent(std::nullopt);
   const File nowhere(std::fopen("/dev/null", "w"), std::fclose);

@@ -1,4 +1,4 @@
-// kztns why: the report of one lookup.
+// kztns why: one lookup, step by step.
 #pragma once
 
 #include <string>

@@ -19,7 +19,7 @@ std::string near_clauses(const LookupReport &report);
 // the label.
 std::string describe_failure(const Lookup &lookup, const LookupReport &report);
 
-// Tells on standard error why there is nothing to show; returns the ExitStatus
+// Prints on standard error why there is nothing to show; returns the ExitStatus
 // that goes with it.
 int explain_failure(const std::string &identifier, const Lookup &lookup);
 

@@ -22,8 +22,8 @@ Remark make_remark(const NamesText &text, Offset at, std::string words) {
 }
 
 std::string with_remedy(const std::string &text, const std::string &remedy, Rule rule) {
-  return text + "; " + (remedy.empty() ? std::string(text_of(rule).remedy) : remedy) + " [" +
-         std::string(text_of(rule).id) + "]";
+  return text + "; " + (remedy.empty() ? std::string(row_of(rule).remedy) : remedy) + " [" +
+         std::string(row_of(rule).id) + "]";
 }
 
 Remark remark_of(const NamesText &text, const Diagnosis &diagnosis) {
@@ -148,11 +148,11 @@ LookupReport report_of_literal(const std::string &descriptor) {
     report.fault = remark_of(text, diagnose(subject, trace, {}));
     return report;
   }
-  const Offset behind = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));
-  if (behind < text.size())
+  const Offset rest = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));
+  if (rest < text.size())
     report.fault = make_remark(
-        text, behind,
-        with_remedy("expected nothing after the descriptor, found " + quoted_token(subject, behind),
+        text, rest,
+        with_remedy("expected nothing after the descriptor, found " + quoted_token(subject, rest),
                     "remove it", Rule::stray_text));
   else
     report.warnings = warnings_of(text, trace, {});

@@ -30,7 +30,7 @@ bool has_part(std::string_view list, std::string_view name) {
   return false;
 }
 
-// Whether one name is the other with a domain behind it.
+// Whether one name is the other with a domain after it.
 bool differ_by_domain(std::string_view left, std::string_view right) {
   if (left.size() > right.size()) std::swap(left, right);
   return !left.empty() && left.size() < right.size() && right[left.size()] == '.' &&

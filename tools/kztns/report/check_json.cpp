@@ -1,4 +1,4 @@
-#include "report/check_json.h"
+#include "report/check_formats.h"
 
 #include <nlohmann/json.hpp>
 
@@ -8,7 +8,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 Json json_of(const Finding &finding) {
-  const RuleText &rule = text_of(finding.rule);
+  const RuleRow &rule = row_of(finding.rule);
   return {{"line", finding.position.line},
           {"column", finding.position.column},
           {"severity", name_of(finding.severity)},
@@ -40,7 +40,7 @@ Json left_out(const CheckReport &report) {
   Json counts = Json::object();
   for (std::size_t i = 0; i < rule_count; ++i)
     if (report.left_out[i] > 0)
-      counts[std::string(text_of(static_cast<Rule>(i)).id)] = report.left_out[i];
+      counts[std::string(row_of(static_cast<Rule>(i)).id)] = report.left_out[i];
   return counts;
 }
 
@@ -59,7 +59,8 @@ Json summary_of(const CheckReport &report) {
 
 }  // namespace
 
-std::string render_json(const CheckReport &report) {
+// docs/check.schema.json describes it.
+std::string render_json(const CheckReport &report, const TextStyle &) {
   std::string text = "{\n  \"file\": " + visible_json(Json(valid_utf8(report.file)).dump()) +
                      ",\n  \"findings\": ";
   append_list(text, report.findings);

@@ -1,4 +1,4 @@
-#include "report/check_sarif.h"
+#include "report/check_formats.h"
 
 #include <cctype>
 #include <cstdio>
@@ -29,7 +29,7 @@ std::string uri_of(const std::string &path) {
 Json rules() {
   Json list = Json::array();
   for (std::size_t i = 0; i < rule_count; ++i) {
-    const RuleText &rule = text_of(static_cast<Rule>(i));
+    const RuleRow &rule = row_of(static_cast<Rule>(i));
     list.push_back({{"id", rule.id},
                     {"shortDescription", {{"text", rule.text}}},
                     {"help", {{"text", rule.remedy}}},
@@ -49,7 +49,7 @@ Json result(const std::string &uri, const Finding &finding) {
   const Json region = {{"startLine", finding.position.line}, {"startColumn", finding.character}};
   const Json location = {
       {"physicalLocation", {{"artifactLocation", {{"uri", uri}}}, {"region", region}}}};
-  return {{"ruleId", text_of(finding.rule).id},
+  return {{"ruleId", row_of(finding.rule).id},
           {"ruleIndex", static_cast<std::size_t>(finding.rule)},
           {"level", name_of(finding.severity)},
           {"message", {{"text", message(finding)}}},
@@ -58,7 +58,8 @@ Json result(const std::string &uri, const Finding &finding) {
 
 }  // namespace
 
-std::string render_sarif(const CheckReport &report) {
+// Code review tools read it.
+std::string render_sarif(const CheckReport &report, const TextStyle &) {
   Json results = Json::array();
   const std::string uri = uri_of(report.file);
   for (const Finding &finding : report.findings) results.push_back(result(uri, finding));

@@ -1,5 +1,7 @@
 #include "report/check_text.h"
 
+#include "report/check_formats.h"
+
 namespace kztns {
 namespace {
 
@@ -45,7 +47,7 @@ std::string line(const std::string &file, const Finding &finding, bool color) {
   painter.add(" ");
   if (!finding.entry.empty()) painter.add(excerpt(finding.entry) + ": ");
   if (!finding.path.empty()) painter.add(finding.path + ": ");
-  painter.add(finding.text + "; " + finding.remedy + " [" + std::string(text_of(finding.rule).id) +
+  painter.add(finding.text + "; " + finding.remedy + " [" + std::string(row_of(finding.rule).id) +
               "]");
   return painter.take();
 }
@@ -103,7 +105,7 @@ std::string render_text(const CheckReport &report, const TextStyle &style) {
   for (std::size_t i = 0; i < rule_count; ++i)
     if (report.left_out[i] > 0)
       painter.add(visible(report.file) + ": and " + std::to_string(report.left_out[i]) +
-                  " more of [" + std::string(text_of(static_cast<Rule>(i)).id) + "]\n");
+                  " more of [" + std::string(row_of(static_cast<Rule>(i)).id) + "]\n");
   painter.add(visible(report.file) + ": " + summary(report) + "\n");
   return painter.take();
 }

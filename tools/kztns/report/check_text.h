@@ -1,4 +1,4 @@
-// A report as lines for people and editors.
+// The lines of a report for people and editors.
 #pragma once
 
 #include <string>
@@ -7,15 +7,8 @@
 
 namespace kztns {
 
-struct TextStyle {
-  bool color = false;
-  bool source = false;  // the source line with a caret under it
-};
-
 // A finding as "FILE:LINE:COL: error: ENTRY: PATH: TEXT; REMEDY [rule]".
 std::string finding_line(const std::string &file, const Finding &finding);
-
-std::string render_text(const CheckReport &report, const TextStyle &style);
 
 // "2 entries: 1 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved"
 std::string summary(const CheckReport &report);

@@ -5,7 +5,7 @@
 
 namespace kztns {
 
-// Prints the SVG picture of a graph in the dot language, or tells on standard
+// Prints the SVG picture of a graph in the dot language, or prints on standard
 // error why there is none. Returns an ExitStatus. Standard output gets the whole
 // picture or nothing.
 int print_svg(const std::string &graph);

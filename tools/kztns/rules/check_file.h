@@ -1,4 +1,4 @@
-// A file's report: its scan, put into words.
+// Checks a file: its scan, with the findings of all rules.
 #pragma once
 
 #include <functional>

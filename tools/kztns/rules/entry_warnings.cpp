@@ -81,15 +81,15 @@ class EntryWarnings {
   }
 
   void check_item(const Item &item) {
-    if (item.type == LB_ERROR_KEY ||
-        (trace_.is_system_variables() && trace_.row_of(item) == nullptr))
-      return add_item(Rule::unknown_setting, item, " is not a system variable");
-    if (!item.has_value) return;
     const Key *const key = trace_.row_of(item);
-    if (key == nullptr) return;
+    if (item.type == LB_ERROR_KEY || (trace_.is_system_variables() && key == nullptr))
+      return add_item(Rule::unknown_setting, item, " is not a system variable");
+    if (!item.has_value || key == nullptr) return;
     if (item.dropped) return add_dropped(item, *key);
-    if (key->value.kind == ValueKind::integer) return check_number(item);
-    check_text(item, *key);
+#define RULE(...)
+#define BLOCK_RULE(...)
+#define VALUE_RULE(rule, ...) check_##rule(item, *key);
+#include "rules/rules.def"
   }
 
   void add_dropped(const Item &item, const Key &key) {
@@ -98,20 +98,21 @@ class EntryWarnings {
             std::to_string(key.value.limit));
   }
 
-  void check_text(const Item &item, const Key &key) {
-    const std::string_view text = trace_.value_of(item);
-    if (item.type == LB_PORT) {
-      const std::optional<sb8> port = number(text);
-      if (!port || *port < 1 || *port > 65535)
-        add(Rule::bad_port, item, value_of(item) + ", not a number from 1 to 65535");
-    } else if (item.type == LB_LOG_LEVEL && !is_level(text)) {
-      add(Rule::log_level, item, value_of(item) + ", not a log level");
-    } else {
-      check_word(item, key, text);
-    }
+  void check_bad_port(const Item &item, const Key &) {
+    if (item.type != LB_PORT) return;
+    const std::optional<sb8> port = number(trace_.value_of(item));
+    if (!port || *port < 1 || *port > 65535)
+      add(Rule::bad_port, item, value_of(item) + ", not a number from 1 to 65535");
   }
 
-  void check_word(const Item &item, const Key &key, std::string_view text) {
+  void check_log_level(const Item &item, const Key &) {
+    if (item.type == LB_LOG_LEVEL && !is_level(trace_.value_of(item)))
+      add(Rule::log_level, item, value_of(item) + ", not a log level");
+  }
+
+  void check_abbreviated_word(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::word) return;
+    const std::string_view text = trace_.value_of(item);
     for (const std::string_view word : choices(key)) {
       if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
         continue;
@@ -121,14 +122,22 @@ class EntryWarnings {
     }
   }
 
-  void check_number(const Item &item) {
-    if (item.type == LB_RETRY_DELAY)
-      return add_item(Rule::retry_delay, item, " is read but ignored");
+  void check_retry_delay(const Item &item, const Key &) {
+    if (item.type == LB_RETRY_DELAY) add_item(Rule::retry_delay, item, " is read but ignored");
+  }
+
+  void check_narrowed_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
     const std::optional<sb8> value = number(trace_.value_of(item));
     if (!value) return add_too_large(item);
     if (const auto stored = narrowed(item.type, *value))
       add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
-    else if (*value < 0 && !may_be_negative(item.type))
+  }
+
+  void check_negative_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || may_be_negative(item.type)) return;
+    const std::optional<sb8> value = number(trace_.value_of(item));
+    if (value && *value < 0 && !narrowed(item.type, *value))
       add(Rule::negative_number, item, " is " + std::to_string(*value));
   }
 
@@ -147,24 +156,35 @@ class EntryWarnings {
   void check_block(int index) {
     const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];
     const Offset at = trace_.items()[static_cast<std::size_t>(frame.item)].key.begin;
-    if (frame.block == Block::address) {
-      if (!frame.keys.has(LB_HOST)) add(Rule::no_host, at, index, "no HOST");
-      if (!frame.keys.has(LB_PORT)) add(Rule::no_port, at, index, "no PORT");
-    } else if (frame.block == Block::address_list) {
-      if (!frame.keys.has(LB_ADDRESS)) add(Rule::no_address, at, index, "no ADDRESS in this list");
-    } else if (frame.block == Block::description) {
-      check_description(index, frame, at);
-    }
+#define RULE(...)
+#define VALUE_RULE(...)
+#define BLOCK_RULE(rule, ...) check_##rule(index, frame, at);
+#include "rules/rules.def"
   }
 
-  void check_description(int index, const Frame &frame, Offset at) {
-    if (!frame.keys.has(LB_ADDRESS_LIST) && !frame.keys.has(LB_ADDRESS))
+  void check_no_host(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_HOST))
+      add(Rule::no_host, at, index, "no HOST");
+  }
+
+  void check_no_port(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_PORT))
+      add(Rule::no_port, at, index, "no PORT");
+  }
+
+  void check_no_address(int index, const Frame &frame, Offset at) {
+    if (frame.keys.has(LB_ADDRESS)) return;
+    if (frame.block == Block::address_list)
+      add(Rule::no_address, at, index, "no ADDRESS in this list");
+    else if (frame.block == Block::description && !frame.keys.has(LB_ADDRESS_LIST))
       add(Rule::no_address, at, index, "no ADDRESS: the tree cannot be displayed");
-    // A link string may be meant to go without.
-    const bool names_service = frame.inner_keys.has(LB_SERVICE_NAME) ||
-                               frame.inner_keys.has(LB_SID) ||
-                               frame.inner_keys.has(LB_USE_DEFAULT_SID);
-    if (!names_service) add(Rule::no_service, at, index, "neither SERVICE_NAME nor SID");
+  }
+
+  // A link string may be meant to go without.
+  void check_no_service(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::description && !frame.inner_keys.has(LB_SERVICE_NAME) &&
+        !frame.inner_keys.has(LB_SID) && !frame.inner_keys.has(LB_USE_DEFAULT_SID))
+      add(Rule::no_service, at, index, "neither SERVICE_NAME nor SID");
   }
 
   const Trace &trace_;

@@ -1,4 +1,4 @@
-// What the library accepts, but hardly anybody means.
+// Warnings: what the library accepts, but is hardly intended.
 #pragma once
 
 #include "rules/findings.h"
@@ -6,7 +6,7 @@
 
 namespace kztns {
 
-// Reports what is suspicious in an entry that is built; name is the entry's.
+// Reports the warnings about an entry that is built; name is the entry's.
 void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings);
 
 }  // namespace kztns

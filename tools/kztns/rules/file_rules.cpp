@@ -135,7 +135,8 @@ class FileRules {
     if (is_utf_16(text_.text()))
       return add(Rule::utf_16, 0, {}, "the file is in UTF-16, in which no name can be read");
     if (scan_.stop().kind != StopKind::end) take_stop();
-    for (const SkipMismatch &skip_mismatch : scan_.skip_mismatches()) report_misskip(skip_mismatch);
+    for (const SkipMismatch &skip_mismatch : scan_.skip_mismatches())
+      report_skip_mismatch(skip_mismatch);
     for (std::size_t i = 0; i < scan_.entries().size(); ++i) report_entry(i);
   }
 
@@ -146,12 +147,13 @@ class FileRules {
     if (findings_.wanted(rule)) findings_.add({rule, at, entry, {}, std::move(text)});
   }
 
-  // The stop is a finding of its own unless an entry's finding tells it.
+  // The stop is a finding of its own unless an entry's finding explains it.
   void take_stop() {
     cause_ = reported_ ? *reported_ : cause_of_stop(text_, scan_);
     const Entry *const last = scan_.last_reached();
-    const bool told_by_misskip = is_parenthesis(cause_.rule) && !scan_.skip_mismatches().empty();
-    if (reported_ || told_by_misskip || scan_.stop().kind == StopKind::reserved) return;
+    const bool told_by_skip_mismatch =
+        is_parenthesis(cause_.rule) && !scan_.skip_mismatches().empty();
+    if (reported_ || told_by_skip_mismatch || scan_.stop().kind == StopKind::reserved) return;
     const bool in_entry = is_parenthesis(cause_.rule) || cause_.rule == Rule::second_block;
     add(cause_.rule, cause_.at, in_entry && last ? scan_.name(*last) : std::string_view(),
         cause_.text);
@@ -168,7 +170,7 @@ class FileRules {
   }
 
   // The entries from a place on that no lookup reaches.
-  std::string lost_behind(Offset from) const {
+  std::string lost_after(Offset from) const {
     constexpr std::size_t most = 3;
     std::string names;
     std::size_t count = 0;
@@ -180,10 +182,10 @@ class FileRules {
     return names;
   }
 
-  void report_misskip(const SkipMismatch &skip_mismatch) {
-    const auto cause = cause_of_misskip(text_, skip_mismatch);
+  void report_skip_mismatch(const SkipMismatch &skip_mismatch) {
+    const auto cause = cause_of_skip_mismatch(text_, skip_mismatch);
     if (!cause || !findings_.wanted(cause->rule)) return;
-    const std::string lost = lost_behind(skip_mismatch.body);
+    const std::string lost = lost_after(skip_mismatch.body);
     findings_.add({cause->rule,
                    cause->at,
                    scan_.name(entry_of(skip_mismatch)),
@@ -270,9 +272,9 @@ class FileRules {
   }
 
   void report_unreachable(const Entry &entry) {
-    const bool behind_reserved = scan_.stop().kind == StopKind::reserved && !entry.reached &&
-                                 entry.at > scan_.last_reached()->at;
-    const Rule rule = behind_reserved ? Rule::after_reserved
+    const bool after_reserved = scan_.stop().kind == StopKind::reserved && !entry.reached &&
+                                entry.at > scan_.last_reached()->at;
+    const Rule rule = after_reserved  ? Rule::after_reserved
                       : entry.in_list ? Rule::comma_list
                                       : Rule::unreachable;
     if (!findings_.wanted(rule)) return;
@@ -289,7 +291,7 @@ class FileRules {
       return "lookups skip it as part of the entry before";
     if (entry.in_list) return "one of a list of names: no lookup finds it";
     return "no lookup gets here: see the finding at " + text_.place(cause_.at) + " [" +
-           std::string(text_of(cause_.rule).id) + "]";
+           std::string(row_of(cause_.rule).id) + "]";
   }
 
   const NamesText &text_;
@@ -312,8 +314,8 @@ StopCause cause_of_stop(const NamesText &text, const FileScan &scan) {
   return StopExplainer(text, scan).explain();
 }
 
-std::optional<StopCause> cause_of_misskip(const NamesText &text,
-                                          const SkipMismatch &skip_mismatch) {
+std::optional<StopCause> cause_of_skip_mismatch(const NamesText &text,
+                                                const SkipMismatch &skip_mismatch) {
   const bool too_far = skip_mismatch.passed_to > skip_mismatch.built_to;
   const auto hidden =
       find_hidden(text.text(), skip_mismatch.body, skip_mismatch.built_to, too_far ? '(' : ')');

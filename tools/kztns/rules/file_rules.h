@@ -1,5 +1,4 @@
-// What can be said when the whole file is surveyed: about names, and about where
-// the lookups end.
+// The rules about the file as a whole: names, and where lookups end.
 #pragma once
 
 #include "rules/findings.h"
@@ -20,9 +19,10 @@ struct StopCause {
 StopCause cause_of_stop(const NamesText &text, const FileScan &scan);
 
 // The parenthesis that leads passing over an entry astray, when there is one.
-std::optional<StopCause> cause_of_misskip(const NamesText &text, const SkipMismatch &skip_mismatch);
+std::optional<StopCause> cause_of_skip_mismatch(const NamesText &text,
+                                                const SkipMismatch &skip_mismatch);
 
-// reported is the finding about the last entry that tells already what ends the
+// reported is the finding about the last entry that already explains what ends the
 // lookups; absent when there is none.
 void apply_file_rules(const NamesText &text, const FileScan &scan,
                       const std::optional<StopCause> &reported, Findings &findings);

@@ -4,7 +4,7 @@
 
 namespace kztns {
 
-bool Findings::wanted(Rule rule) { return wanted(rule, text_of(rule).severity); }
+bool Findings::wanted(Rule rule) { return wanted(rule, row_of(rule).severity); }
 
 bool Findings::wanted(Rule rule, Severity severity) {
   const auto index = static_cast<std::size_t>(rule);
@@ -15,7 +15,7 @@ bool Findings::wanted(Rule rule, Severity severity) {
 }
 
 void Findings::add(NewFinding found) {
-  const Severity severity = text_of(found.rule).severity;
+  const Severity severity = row_of(found.rule).severity;
   add(std::move(found), severity);
 }
 
@@ -29,7 +29,7 @@ void Findings::add(NewFinding found, Severity severity) {
   finding.entry = found.entry;
   finding.path = std::move(found.path);
   finding.text = std::move(found.text);
-  finding.remedy = found.remedy.empty() ? text_of(found.rule).remedy : std::move(found.remedy);
+  finding.remedy = found.remedy.empty() ? row_of(found.rule).remedy : std::move(found.remedy);
   finding.source = text_.line_around(found.at, finding.caret);
   report_.findings.push_back(std::move(finding));
 }

@@ -23,7 +23,7 @@ class Findings {
   Findings(const NamesText &text, CheckReport &report) : text_(text), report_(report) {}
 
   // Counts a finding; whether it is to be added, too. Asking first saves making
-  // texts that nobody sees.
+  // texts that are invisible.
   bool wanted(Rule rule);
   bool wanted(Rule rule, Severity severity);
 

@@ -41,7 +41,7 @@ class Builder {
 
   const Trace &trace() const { return trace_; }
 
-  // Builds what stands behind an entry's "=", then calls then(service, end).
+  // Builds what stands after an entry's "=", then calls then(service, end).
   template <class Then>
   void build(const KZCITnsParseParams &at_body, const Then &then) {
     const AllocationScope scope;
@@ -163,7 +163,7 @@ class Walk {
       entry_.verdict = verdict(entry_.built);
       const Offset body = here(params_);
       goes_on = pass_over();
-      note_misskip();
+      note_skip_mismatch();
       scan_.last_reached_ = entry_;
       scan_.entries_.push_back(entry_);
       builder_.show(entry_, scan_.name(entry_), service, goes_on ? nullptr : &scan_.stop_);
@@ -184,17 +184,17 @@ class Walk {
   }
 
   // Of an entry that is built well the end is known.
-  void note_misskip() {
+  void note_skip_mismatch() {
     const std::optional<Offset> &end = builder_.trace().first_block_end();
     if (!entry_.built || !end || scan_.stop_.kind == StopKind::reserved) return;
     const bool balanced = scan_.stop_.kind == StopKind::end;
     const Offset passed_to = balanced ? here(params_) : scan_.text_.size();
     constexpr std::size_t most = 100;
-    if (passed_to != *end && scan_.misskips_.size() < most)
-      scan_.misskips_.push_back({entry_.body, *end, passed_to});
+    if (passed_to != *end && scan_.skip_mismatches_.size() < most)
+      scan_.skip_mismatches_.push_back({entry_.body, *end, passed_to});
   }
 
-  // An entry may be built to far behind the place to which it is passed over, and
+  // An entry may be built far past the place to which it is skipped, and
   // the next one too: a file made for it costs the square of its length.
   bool can_afford(Offset cost) {
     constexpr std::uint64_t basis = 64 << 20;

@@ -16,7 +16,7 @@ namespace kztns {
 
 struct Entry {
   Offset at;    // its name
-  Offset body;  // behind the "="
+  Offset body;  // after the "="
   Offset end;   // to where it is built
   Offset name;  // index of the name's text, see FileScan::name
   std::uint16_t name_length;
@@ -31,11 +31,11 @@ struct Entry {
 enum class StopKind {
   end,             // of the file
   reserved,        // at an entry that ends every lookup
-  no_name,         // another token where a name must stand
-  no_equal,        // another token behind a name
+  no_name,         // another token where a name is expected
+  no_equal,        // another token after a name
   no_open,         // an entry's value does not begin with "("
   never_balanced,  // the file ends in passing over an entry
-  lost_name,       // the file ends within a name, or behind it
+  lost_name,       // the file ends within a name, or after it
   name_too_long,
   gave_up  // the walk came over the same text too often
 };
@@ -50,7 +50,7 @@ struct Stop {
 // An entry that is passed over to another end than the one it is built to.
 struct SkipMismatch {
   Offset body;
-  Offset built_to;   // behind the ")" of its first block
+  Offset built_to;   // after the ")" of its first block
   Offset passed_to;  // the text's size when the skip finds no end
 };
 
@@ -81,7 +81,7 @@ class FileScan {
 
   const std::vector<Entry> &entries() const { return entries_; }  // in the text's order
   const Stop &stop() const { return stop_; }
-  const std::vector<SkipMismatch> &skip_mismatches() const { return misskips_; }
+  const std::vector<SkipMismatch> &skip_mismatches() const { return skip_mismatches_; }
   // The entry that was reached last; null for none.
   const Entry *last_reached() const { return last_reached_ ? &*last_reached_ : nullptr; }
 
@@ -99,7 +99,7 @@ class FileScan {
   std::optional<Entry> last_reached_;
   std::string names_;  // of entries whose names are written in quotes
   Stop stop_;
-  std::vector<SkipMismatch> misskips_;
+  std::vector<SkipMismatch> skip_mismatches_;
 };
 
 // Traces the build of a literal descriptor, as far as its description goes.

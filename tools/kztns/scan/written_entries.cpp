@@ -14,7 +14,7 @@ Offset end_of_line(std::string_view text, Offset from) {
   return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
 }
 
-// Of a longer list nobody wants to know every name.
+// Of a longer list not every name is worth knowing.
 constexpr std::size_t most_names = 256;
 
 class Scanner {
@@ -49,7 +49,7 @@ class Scanner {
     return at;
   }
 
-  // Whether an entry begins here; if so, visits it and goes behind its "=".
+  // Whether an entry begins here; if so, visits it and goes past its "=".
   bool take_entry() {
     const bool indented = depth_ == 0 && indentation_only();
     if (!at_line_start() && !indented) return false;
@@ -90,7 +90,7 @@ class Scanner {
       pass_key();
       last_ = 'k';
     }
-    // What stands behind another token is no indentation.
+    // What stands after another token is no indentation.
     if (!is_blank(c)) line_ = at_ + 1;
   }
 
@@ -117,7 +117,7 @@ class Scanner {
   std::string_view text_;
   const std::function<void(const WrittenEntry &)> &visit_;
   Offset at_ = 0;
-  Offset line_ = 0;  // where the line begins; behind at_ when it has tokens already
+  Offset line_ = 0;  // where the line begins; after at_ when it has tokens already
   Offset no_entry_before_ = 0;
   std::int64_t depth_ = 0;
   char last_ = '\0';

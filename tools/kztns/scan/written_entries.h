@@ -10,14 +10,14 @@
 
 namespace kztns {
 
-// Behind the blanks and comments from a place on.
+// After the blanks and comments from a place on.
 Offset pass_blanks(std::string_view text, Offset from);
 
-// A name at the beginning of a line, behind which "=" and "(" stand.
+// A name at the beginning of a line, after which "=" and "(" stand.
 struct WrittenEntry {
   Offset name_begin;
   Offset name_end;
-  Offset body;   // behind the "="
+  Offset body;   // after the "="
   bool in_list;  // one of several names
 };
 

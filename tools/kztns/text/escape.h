@@ -11,7 +11,7 @@ namespace kztns {
 
 // A text as messages, logs and terminals take it: bytes that are not UTF-8,
 // control characters (line feeds and tabs too), bidirectional controls and other
-// characters that nobody sees are escaped.
+// characters that are invisible are escaped.
 std::string visible(std::string_view text);
 
 // The same, cut to some forty characters.
@@ -20,7 +20,7 @@ std::string excerpt(std::string_view text);
 // A text as a JSON string takes it: only bytes that are not UTF-8 are escaped.
 std::string valid_utf8(std::string_view text);
 
-// A JSON document with the characters that nobody sees as JSON's own \uHHHH,
+// A JSON document with the characters that are invisible as JSON's own \uHHHH,
 // which leaves its meaning as it is. Line feeds between its tokens stay.
 std::string visible_json(std::string_view json);
 

@@ -59,14 +59,14 @@ struct Item {
 enum class FaultKind {
   none,
   no_block,         // the entry's value does not begin with "("
-  empty_block,      // "(KEY=)" where a block must stand
-  value_for_block,  // another token where a block must stand
+  empty_block,      // "(KEY=)" where a block is expected
+  value_for_block,  // another token where a block is expected
   not_closed,       // between items: neither "(" nor ")"
-  missing_key,      // behind "("
-  missing_equal,    // behind a key
+  missing_key,      // after "("
+  missing_equal,    // after a key
   missing_value,    // "(KEY=)"
   block_for_value,
-  value_goes_on,  // behind a value something else than ")"
+  value_goes_on,  // after a value something else than ")"
   unknown_key,
   misplaced_key,
   not_description,
@@ -87,7 +87,7 @@ struct Fault {
   KZCITnsTokenType met = TNS_ERROR_TYPE;
   int frame = 0;
   int item = -1;         // the last item begun; -1 for none
-  bool between = false;  // behind a complete item
+  bool between = false;  // after a complete item
 };
 
 // One build's trace. Used again for the next one, it allocates nothing.
@@ -95,7 +95,7 @@ class Trace : public LogListener {
  public:
   explicit Trace(const std::string &text) : text_(text) {}
 
-  // Begins anew, for a parse that stands behind an entry's "=".
+  // Begins anew, for a parse that stands after an entry's "=".
   void begin(const KZCITnsParseParams &params);
 
   const Fault &fault() const { return fault_; }
@@ -103,7 +103,7 @@ class Trace : public LogListener {
   const std::vector<Frame> &frames() const { return frames_; }
   bool is_system_variables() const { return frames_[0].block == Block::system_variables; }
 
-  // The end of the entry's first block, behind its ")"; absent when it was not
+  // The end of the entry's first block, after its ")"; absent when it was not
   // reached.
   const std::optional<Offset> &first_block_end() const { return first_block_end_; }
 
@@ -154,7 +154,7 @@ class Trace : public LogListener {
 
   const std::string &text_;
   const KZCITnsParseParams *params_ = nullptr;
-  Offset cursor_ = 0;  // behind the last key
+  Offset cursor_ = 0;  // after the last key
   Offset open_ = 0;    // the last "(" before the key at hand
   char before_ = '=';  // the last of "(", ")" and "=" before it
   Span key_;           // the key at hand
