@@ -41,8 +41,7 @@ std::string Trace::path(int frame) const {
 }
 
 void Trace::record(log_level, const char *format, std::va_list arguments) {
-  const std::optional<MessageId> id = message_of(format);
-  const LogEvent event = id ? event_of(*id) : LogEvent::other;
+  const LogEvent event = event_of(format);
   if (event == LogEvent::other) return;
   if (event <= LogEvent::no_key_word)
     take_token(event, arguments);

@@ -11,44 +11,6 @@ namespace {
 using kzoci::tns::MessageRow;
 using kzoci::tns::messages;
 
-// Finds a format by its address, and fast: a large file makes millions of records.
-class Formats {
- public:
-  Formats() {
-    for (const MessageRow &row : messages) slots_[slot_of(row.format)] = {row.format, row.id};
-  }
-
-  std::optional<MessageId> find(const char *format) const {
-    const Slot &slot = slots_[slot_of(format)];
-    if (slot.format == nullptr) return std::nullopt;
-    return slot.id;
-  }
-
- private:
-  struct Slot {
-    const char *format = nullptr;  // null: free
-    MessageId id = {};
-  };
-
-  // The slot of a format, or the free one that it would take.
-  std::size_t slot_of(const char *format) const {
-    std::size_t at = (reinterpret_cast<std::uintptr_t>(format) >> 3) % count;
-    while (slots_[at].format != nullptr && slots_[at].format != format) at = (at + 1) % count;
-    return at;
-  }
-
-  static constexpr std::size_t count = 1024;  // mostly free, so that searches are short
-  static_assert(std::size(messages) * 4 < count);
-  std::array<Slot, count> slots_ = {};
-};
-
-}  // namespace
-
-std::optional<MessageId> message_of(const char *format) {
-  static const Formats formats;
-  return formats.find(format);
-}
-
 // Names every record, so that the compiler tells of a new one.
 LogEvent event_of(MessageId id) {
   switch (id) {
@@ -239,5 +201,46 @@ LogEvent event_of(MessageId id) {
   }
   return LogEvent::other;
 }
+
+// Finds a format by its address, and fast: a large file makes millions of records.
+class Formats {
+ public:
+  struct Slot {
+    const char *format = nullptr;  // null: free
+    MessageId id = {};
+    LogEvent event = LogEvent::other;
+  };
+
+  Formats() {
+    for (const MessageRow &row : messages)
+      slots_[place_of(row.format)] = {row.format, row.id, event_of(row.id)};
+  }
+
+  // The slot of a format, a free one when it is not the module's.
+  const Slot &slot_of(const char *format) const { return slots_[place_of(format)]; }
+
+ private:
+  std::size_t place_of(const char *format) const {
+    std::size_t at = (reinterpret_cast<std::uintptr_t>(format) >> 3) % count;
+    while (slots_[at].format != format && slots_[at].format != nullptr) at = (at + 1) % count;
+    return at;
+  }
+
+  static constexpr std::size_t count = 1024;  // mostly free, so that searches are short
+  static_assert(std::size(messages) * 4 < count);
+  std::array<Slot, count> slots_ = {};
+};
+
+const Formats formats;
+
+}  // namespace
+
+std::optional<MessageId> message_of(const char *format) {
+  const Formats::Slot &slot = formats.slot_of(format);
+  if (slot.format == nullptr) return std::nullopt;
+  return slot.id;
+}
+
+LogEvent event_of(const char *format) { return formats.slot_of(format).event; }
 
 }  // namespace kztns

@@ -42,6 +42,7 @@ enum class LogEvent {
   system_variables_begin  // the entry is read as system variables
 };
 
-LogEvent event_of(MessageId id);
+// The event of a format; other for a format that is not the module's.
+LogEvent event_of(const char *format);
 
 }  // namespace kztns
