@@ -7,14 +7,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "escape.h"
-#include "examine.h"
-#include "list.h"
-#include "lookup.h"
-#include "render_json.h"
-#include "render_sarif.h"
+#include "commands/list.h"
+#include "lookup/lookup.h"
+#include "report/check_formats.h"
+#include "report/tree_json.h"
+#include "rules/check_file.h"
 #include "support/random.h"
-#include "tree_json.h"
+#include "text/escape.h"
 
 namespace {
 
@@ -71,7 +70,7 @@ TEST(Bytes, ComeBackFromMessages) {
 
 TEST(Bytes, ComeBackFromTheReportOfCheck) {
   for (const std::string &text : samples()) {
-    kztns::Report report;
+    kztns::CheckReport report;
     report.file = text;
     report.entries.push_back({text, {}, kztns::Verdict::ok});
     kztns::Finding finding = {};
@@ -88,7 +87,7 @@ TEST(Bytes, ComeBackFromTheReportOfCheck) {
 
 TEST(Bytes, ComeBackFromTheReportForReviewTools) {
   for (const std::string &text : samples()) {
-    kztns::Report report;
+    kztns::CheckReport report;
     kztns::Finding finding = {};
     finding.entry = text;
     finding.text = "x";

@@ -10,10 +10,10 @@
 
 #include <gtest/gtest.h>
 
-#include "names_file_choice.h"
-#include "platform.h"
-#include "read_file.h"
+#include "io/names_file.h"
+#include "io/read_file.h"
 #include "support/parsing.h"
+#include "trace/platform.h"
 
 #include "kzoci/oci_tnsname.h"
 

@@ -7,15 +7,14 @@
 
 #include <nlohmann/json.hpp>
 
-#include "examine.h"
-#include "key_words.h"
-#include "list.h"
-#include "near_miss.h"
-#include "platform.h"
-#include "render_json.h"
-#include "render_sarif.h"
-#include "render_text.h"
+#include "commands/list.h"
+#include "report/check_formats.h"
+#include "report/check_text.h"
+#include "rules/check_file.h"
 #include "support/json_schema.h"
+#include "text/spelling.h"
+#include "trace/key_words.h"
+#include "trace/platform.h"
 
 namespace {
 
@@ -24,19 +23,19 @@ using namespace std::string_view_literals;
 
 const std::string project = KZOCI_SOURCE_DIR;
 
-kztns::Report report_of(const std::string &content) {
+kztns::CheckReport report_of(const std::string &content) {
   const kztns::NamesText text(content);
-  kztns::Examination examination;
-  examination.file = "names.ora";
-  examination.with_entries = true;
-  return kztns::examine(text, examination);
+  kztns::CheckRequest request;
+  request.file = "names.ora";
+  request.with_entries = true;
+  return kztns::check_file(text, request);
 }
 
 std::string good_entry(const std::string &name) {
   return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
 }
 
-kztns::Report varied_report() {
+kztns::CheckReport varied_report() {
   return report_of(good_entry("a") + "b = (DESCRIPTION = (ADDRESS = (PROT = TCP)))\n" +
                    good_entry("a") + "c = (DESCRIPTION = (RETRY_DELAY = 1))\n" + "\xC2\xA0" +
                    good_entry("d") + "stray\n" + good_entry("e"));
@@ -90,26 +89,12 @@ TEST(Excerpt, CutsLongTextsBetweenCharacters) {
 TEST(Rules, HaveDifferentIdsAndWords) {
   std::set<std::string_view> ids;
   for (std::size_t i = 0; i < kztns::rule_count; ++i) {
-    const kztns::RuleText &rule = kztns::text_of(static_cast<kztns::Rule>(i));
+    const kztns::RuleRow &rule = kztns::row_of(static_cast<kztns::Rule>(i));
     EXPECT_TRUE(ids.insert(rule.id).second) << rule.id;
     EXPECT_EQ(rule.id.find_first_not_of("abcdefghijklmnopqrstuvwxyz-16"), std::string_view::npos);
     EXPECT_FALSE(rule.text.empty()) << rule.id;
     EXPECT_FALSE(rule.remedy.empty()) << rule.id;
   }
-}
-
-TEST(KeyWords, AreTheLibrarys) {
-  std::set<KZCILBKeyType> types;
-  for (const kztns::KeyWord &key : kztns::key_words()) {
-    KZCITnsParseParams params = {};
-    key.word.copy(params.tns_key, sizeof params.tns_key);
-    params.tns_key_len = static_cast<ub4>(key.word.size());
-    EXPECT_EQ(KZCITnsGetKeyType(&params), 0);
-    EXPECT_EQ(params.key_type, key.type) << key.word;
-    EXPECT_FALSE(key.places.empty()) << key.word;
-    types.insert(key.type);
-  }
-  EXPECT_EQ(types.size(), static_cast<std::size_t>(LB_MAX_KEY_TYPE) - 1);
 }
 
 TEST(EditDistance, CountsSlips) {
@@ -137,18 +122,18 @@ TEST(FindingLine, HasAllPartsThatThereAre) {
   finding.rule = kztns::Rule::unknown_key;
   finding.severity = kztns::Severity::error;
   finding.position = {3, 17};
-  finding.text = "SERVER is no key here";
+  finding.text = "unknown key SERVER";
   finding.remedy = "remove the item";
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: error: SERVER is no key here; remove the item [unknown-key]");
+            "f:3:17: error: unknown key SERVER; remove the item [unknown-key]");
   finding.entry = "sales";
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: error: sales: SERVER is no key here; remove the item [unknown-key]");
+            "f:3:17: error: sales: unknown key SERVER; remove the item [unknown-key]");
   finding.path = "DESCRIPTION/CONNECT_DATA";
   finding.severity = kztns::Severity::note;
   EXPECT_EQ(kztns::finding_line("f", finding),
-            "f:3:17: note: sales: DESCRIPTION/CONNECT_DATA: SERVER is no key here; "
-            "remove the item [unknown-key]");
+            "f:3:17: note: sales: DESCRIPTION/CONNECT_DATA: unknown key SERVER; remove the item "
+            "[unknown-key]");
 }
 
 TEST(Caret, StandsUnderItsPlace) {
@@ -162,28 +147,28 @@ TEST(Caret, StandsUnderItsPlace) {
 }
 
 TEST(TextReport, ColoursWhereItIsAskedTo) {
-  const kztns::Report report = report_of("a = x\n");
-  EXPECT_EQ(kztns::render_text(report, {true, true}),
-            "\x1b[1mnames.ora:1:5:\x1b[0m \x1b[1;31merror:\x1b[0m a: \"(\" must stand behind "
-            "\"=\", not \"x\"; lookups of later names end here too; write NAME = (DESCRIPTION = "
-            "...) [no-block]\n"
-            "  a = x\n"
-            "\x1b[32m      ^\x1b[0m\n"
-            "names.ora: 1 entry: 0 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved\n");
+  const kztns::CheckReport report = report_of("a = x\n");
+  EXPECT_EQ(
+      kztns::render_text(report, {true, true}),
+      "\x1b[1mnames.ora:1:5:\x1b[0m \x1b[1;31merror:\x1b[0m a: expected \"(\" after \"=\", found "
+      "\"x\"; the entries after it are lost; write NAME = (DESCRIPTION = ...) [no-block]\n"
+      "  a = x\n"
+      "\x1b[32m      ^\x1b[0m\n"
+      "names.ora: 1 entry: 0 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved\n");
 }
 
-TEST(Report, CountsEntriesBySumOfVerdicts) {
-  const kztns::Report report = varied_report();
+TEST(CheckReport, CountsEntriesBySumOfVerdicts) {
+  const kztns::CheckReport report = varied_report();
   EXPECT_EQ(kztns::summary(report),
             "6 entries: 3 ok, 1 refused, 1 unreachable, 1 shadowed, 0 reserved");
   EXPECT_EQ(report.entries.size(), 6u);
 }
 
-TEST(Report, LeavesOutWhatIsTooMuch) {
+TEST(CheckReport, LeavesOutWhatIsTooMuch) {
   std::string content;
   for (int i = 0; i < 1500; ++i)
     content += "n" + std::to_string(i) + " = (DESCRIPTION = (SERVER = 1))\n";
-  const kztns::Report report = report_of(content);
+  const kztns::CheckReport report = report_of(content);
   EXPECT_EQ(report.findings.size(), 1000u);
   EXPECT_EQ(report.left_out[static_cast<std::size_t>(kztns::Rule::unknown_key)], 500u);
   EXPECT_EQ(report.severities[static_cast<std::size_t>(kztns::Severity::error)], 1500u);
@@ -217,7 +202,7 @@ TEST(JsonReport, NamesAnEntryInFullInItsFindings) {
 }
 
 TEST(SarifReport, FollowsTheStandardsSchema) {
-  kztns::Report report = varied_report();
+  kztns::CheckReport report = varied_report();
   report.file = "a b/names.ora";
   const json log = json::parse(kztns::render_sarif(report));
   EXPECT_EQ(violations_of("/tests/schemas/sarif.schema.json", log), "");
@@ -243,7 +228,7 @@ TEST(ListLine, HasThreeForms) {
   EXPECT_EQ(violations_of("/docs/list.schema.json", json::array({object})), "");
 }
 
-TEST(BlockScope, ReleasesWhatAFailedBuildLeaves) {
+TEST(AllocationScope, ReleasesWhatAFailedBuildLeaves) {
   // The first address hangs at a description that fails at its second one; the
   // address sanitizer would tell if it were lost.
   for (int i = 0; i < 3; ++i)

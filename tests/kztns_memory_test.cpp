@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "examine.h"
 #include "kzoci/platform/memory.h"
-#include "names_text.h"
+#include "rules/check_file.h"
+#include "text/names_text.h"
 
 namespace {
 
@@ -36,7 +36,8 @@ TEST(Memory, ThatRunsOutIsNoFaultOfTheEntry) {
     SCOPED_TRACE(number);
     failing = number;
     has_failed = false;
-    const kztns::Report report = kztns::examine(text, {.file = "names", .with_entries = true});
+    const kztns::CheckReport report =
+        kztns::check_file(text, {.file = "names", .with_entries = true});
     failing = 0;
     ASSERT_EQ(has_failed, number <= records);
     ASSERT_EQ(report.entries.size(), 1u);

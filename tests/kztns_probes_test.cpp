@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "examine.h"
-#include "explain.h"
-#include "lookup.h"
-#include "names_text.h"
+#include "lookup/lookup.h"
+#include "lookup/lookup_failure.h"
+#include "rules/check_file.h"
+#include "text/names_text.h"
 
 namespace {
 
@@ -62,17 +62,17 @@ class Probes : public testing::TestWithParam<Probe> {
 
   std::string path() const { return folder + GetParam().file; }
 
-  kztns::Report report() const {
+  kztns::CheckReport report() const {
     kztns::ReadFault fault;
     const kztns::NamesText text(kztns::read_file(path(), kztns::default_max_size, fault).value());
-    kztns::Examination examination;
-    examination.file = GetParam().file;
-    examination.with_entries = true;
-    return kztns::examine(text, examination);
+    kztns::CheckRequest request;
+    request.file = GetParam().file;
+    request.with_entries = true;
+    return kztns::check_file(text, request);
   }
 };
 
-std::string all_texts(const kztns::Report &report) {
+std::string all_texts(const kztns::CheckReport &report) {
   std::string texts;
   for (const kztns::Finding &finding : report.findings)
     texts += to_string(finding.position) + ": " + finding.text + "\n";
@@ -80,15 +80,15 @@ std::string all_texts(const kztns::Report &report) {
 }
 
 // Whether a finding is in the line, or names it: what is met at the end of the
-// file is told where it begins.
-bool points_at_line(const kztns::Report &report, unsigned line) {
+// file is reported where it begins.
+bool points_at_line(const kztns::CheckReport &report, unsigned line) {
   const std::string named = " " + std::to_string(line) + ":";
   for (const kztns::Finding &finding : report.findings)
     if (finding.position.line == line || finding.text.find(named) != std::string::npos) return true;
   return false;
 }
 
-const kztns::ReportEntry *first_of(const kztns::Report &report, const std::string &name) {
+const kztns::ReportEntry *first_of(const kztns::CheckReport &report, const std::string &name) {
   for (const kztns::ReportEntry &entry : report.entries)
     if (entry.name == name) return &entry;
   return nullptr;
@@ -111,7 +111,7 @@ TEST_P(Probes, LookupEndsAsInTheTable) {
 
 TEST_P(Probes, CheckNamesTheCauseAtItsLine) {
   const Probe &probe = GetParam();
-  const kztns::Report found = report();
+  const kztns::CheckReport found = report();
   if (probe.line == 0) return;
   EXPECT_FALSE(found.findings.empty()) << probe.reason;
   EXPECT_TRUE(points_at_line(found, probe.line)) << probe.reason << "\n" << all_texts(found);
@@ -119,7 +119,7 @@ TEST_P(Probes, CheckNamesTheCauseAtItsLine) {
 
 TEST_P(Probes, VerdictAgreesWithTheTable) {
   const Probe &probe = GetParam();
-  const kztns::Report found = report();
+  const kztns::CheckReport found = report();
   const kztns::ReportEntry *const entry = first_of(found, probe.name);
   if (entry == nullptr) {
     EXPECT_EQ(probe.find, 0) << probe.reason;
@@ -134,18 +134,18 @@ TEST_P(Probes, WhyTellsTheCause) {
   const Probe &probe = GetParam();
   kztns::Tree tree;
   const kztns::Lookup lookup = kztns::look_up(probe.name, {}, tree);
-  const kztns::Story story = kztns::tell(probe.name, lookup);
+  const kztns::LookupReport report = kztns::make_lookup_report(probe.name, lookup);
   if (probe.status != 0) {
-    ASSERT_TRUE(story.fault.has_value()) << probe.reason;
-    EXPECT_NE(kztns::describe_failure(lookup, story).find(to_string(story.fault->position)),
+    ASSERT_TRUE(report.fault.has_value()) << probe.reason;
+    EXPECT_NE(kztns::describe_failure(lookup, report).find(to_string(report.fault->position)),
               std::string::npos);
   } else if (probe.find == 0) {
-    EXPECT_TRUE(story.fault.has_value() || !story.near.empty() || probe.file.starts_with("05"))
+    EXPECT_TRUE(report.fault.has_value() || !report.near.empty() || probe.file.starts_with("05"))
         << probe.reason;
   } else {
-    EXPECT_FALSE(story.fault.has_value()) << probe.reason;
-    EXPECT_TRUE(story.entry.has_value()) << probe.reason;
-    EXPECT_EQ(story.suspicions.empty() && probe.line != 0, false) << probe.reason;
+    EXPECT_FALSE(report.fault.has_value()) << probe.reason;
+    EXPECT_TRUE(report.entry.has_value()) << probe.reason;
+    EXPECT_EQ(report.warnings.empty() && probe.line != 0, false) << probe.reason;
   }
 }
 

@@ -1,6 +1,7 @@
 // The tree of a service as JSON and as a graph.
 #include <algorithm>
 #include <cstdint>
+#include <fstream>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -9,12 +10,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "lookup.h"
+#include "lookup/lookup.h"
+#include "report/tree_dot.h"
+#include "report/tree_json.h"
+#include "report/tree_walk.h"
 #include "support/json_schema.h"
 #include "support/parsing.h"
-#include "tree_dot.h"
-#include "tree_json.h"
-#include "tree_walk.h"
 
 namespace {
 
@@ -216,10 +217,10 @@ TEST(TreeJson, KeepsTheOrderOfTheFile) {
 TEST(TreeJson, FieldsStandInAFixedOrder) {
   const std::string text = Built(everything).json_text();
   std::size_t last = 0;
-  for (const char *field :
-       {"service_count", "services", "net_service_name", "description_count", "descriptions",
-        "kzlb", "retry_timeout", "blacklist", "address_lists", "addresses", "protocol", "host",
-        "port", "weight", "connect_data", "system_variables", "slowsql_threshold", "log_path"}) {
+  for (const char *field : {"service_count", "services", "net_service_name", "description_count",
+                            "descriptions", "kzlb", "retry_timeout", "blacklist", "address_lists",
+                            "addresses", "host", "port", "protocol", "weight", "connect_data",
+                            "system_variables", "slowsql_threshold", "log_path"}) {
     const std::size_t at = text.find("\"" + std::string(field) + "\":", last);
     ASSERT_NE(at, std::string::npos) << field;
     last = at;
@@ -347,6 +348,44 @@ TEST(TreeJsonSchema, RefusesWhatIsNoTree) {
   EXPECT_EQ(found, expected);
 }
 
+// The definition of the record that a block's keys fill.
+std::string definition_of(kzoci::tns::Block block) {
+  using kzoci::tns::Block;
+  if (block == Block::remove_strategy || block == Block::append_strategy) return "blacklist";
+  const std::map<Block, std::string> names = {{Block::address, "address"},
+                                              {Block::address_list, "address_list"},
+                                              {Block::connect_data, "connect_data"},
+                                              {Block::description, "description"},
+                                              {Block::system_variables, "system_variables"}};
+  return names.at(block);
+}
+
+std::string kind_of(const kzoci::tns::Key &key) {
+  switch (key.value.kind) {
+    case kzoci::tns::ValueKind::integer:
+      return "number";
+    case kzoci::tns::ValueKind::text:
+      return "text";
+    default:
+      return kztns::is_switch(key) ? "flag" : "strategy";
+  }
+}
+
+TEST(TreeJsonSchema, DescribesEveryKeyOfTheGrammar) {
+  std::ifstream file(project + "/docs/tree.schema.json");
+  const json definitions = json::parse(file)["$defs"];
+  for (const kzoci::tns::Key &key : kzoci::tns::grammar) {
+    if (key.name == nullptr) continue;
+    SCOPED_TRACE(key.word);
+    const json &record = definitions[definition_of(key.block)];
+    const json field = record["properties"].value(key.name, json::object());
+    EXPECT_EQ(field.value("$ref", ""), "#/$defs/" + kind_of(key));
+    const std::string description = field.value("description", "");
+    EXPECT_NE(description.find(key.word), std::string::npos) << description;
+    EXPECT_EQ(std::count(record["required"].begin(), record["required"].end(), key.name), 1);
+  }
+}
+
 // ---- The graph ----
 
 // The label of a node, as it stands between its quotes.
@@ -398,12 +437,12 @@ TEST(TreeDot, LabelsOfSettingsThatAreGiven) {
             R"(KZLB_RETRY_ALL_DOWNS = 1\lKZLB_RETRY_TIMEOUT = 2\lKZLB_CONNECT_TIMEOUT = 3\l)"
             R"(KZLB_READ_TIMEOUT = 4\lKZLB_WRITE_TIMEOUT = 5\l)"
             R"(REMOVE_STRATEGY = TIMEOUT\l  TIMEOUT = 6\l)"
-            R"(APPEND_STRATEGY = RETRYDURATION\l  RETRY_TIMES = 7\l  DURATION = 8\l)");
+            R"(APPEND_STRATEGY = RETRYDURATION\l  DURATION = 8\l  RETRY_TIMES = 7\l)");
   EXPECT_EQ(label_of(dot, "s1_d1_l1"), R"(address list 1\lKZLB = OFF\lKZLB_STRATEGY = ROTATION\l)");
   EXPECT_EQ(label_of(dot, "s1_d1_l1_a1"), R"(h:9\nweight 10\n)");
   EXPECT_EQ(label_of(dot, "s1_d1_c"),
-            R"(connect data\lSERVICE_NAME = s\lKZ_USER_EXTRA_INFO = e f\lSESSION_VARIABLE = v\l)"
-            R"(KZ_MODE = 11\lUSE_DEFAULT_SID = 12\l)");
+            R"(connect data\lSERVICE_NAME = s\lKZ_USER_EXTRA_INFO = e f\lKZ_MODE = 11\l)"
+            R"(USE_DEFAULT_SID = 12\lSESSION_VARIABLE = v\l)");
 }
 
 TEST(TreeDot, LabelsOfSettingsThatAreNotGiven) {
@@ -500,15 +539,30 @@ TEST(TreeDot, SeveralServices) {
 
 // ---- The words ----
 
-TEST(StrategyWord, OfEveryStrategy) {
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_GROUP_ROTATION), "ROTATION");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_RANDOM), "RANDOM");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_SERVERAFFINITY), "SERVERAFFINITY");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_ROTATION), "ROTATION");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_TIMEOUT), "TIMEOUT");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_RETRY_DERUATION), "RETRYDURATION");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_NORMAL), "NORMAL");
-  EXPECT_EQ(kztns::strategy_word(LB_OPTION_MAX), "UNKNOWN");
+TEST(ValueText, OfEveryStrategy) {
+  const auto text_of = [](kzoci::tns::Block block, KZCILBKeyType type, const void *record) {
+    return kztns::value_text(*kzoci::tns::key_of(block, type), record);
+  };
+  KZCIDescription des = {};
+  des.kzlb_group_strategy = LB_OPTION_GROUP_ROTATION;
+  EXPECT_EQ(text_of(kzoci::tns::Block::description, LB_KZLB_GROUP_STRATEGY, &des), "ROTATION");
+  KZCIAddressList list = {};
+  const std::pair<KZCILBOption, const char *> rows[] = {
+      {LB_OPTION_RANDOM, "RANDOM"},
+      {LB_OPTION_SERVERAFFINITY, "SERVERAFFINITY"},
+      {LB_OPTION_ROTATION, "ROTATION"},
+      {LB_OPTION_MAX, "UNKNOWN"}};
+  for (const auto &[strategy, word] : rows) {
+    list.kzlb_strategy = strategy;
+    EXPECT_EQ(text_of(kzoci::tns::Block::address_list, LB_KZLB_STRATEGY, &list), word);
+  }
+  KZCIBlacklistConf conf = {};
+  conf.remove_strategy = LB_OPTION_TIMEOUT;
+  EXPECT_EQ(text_of(kzoci::tns::Block::remove_strategy, LB_NAME, &conf), "TIMEOUT");
+  conf.append_strategy = LB_OPTION_NORMAL;
+  EXPECT_EQ(text_of(kzoci::tns::Block::append_strategy, LB_NAME, &conf), "NORMAL");
+  conf.append_strategy = LB_OPTION_RETRY_DERUATION;
+  EXPECT_EQ(text_of(kzoci::tns::Block::append_strategy, LB_NAME, &conf), "RETRYDURATION");
 }
 
 }  // namespace

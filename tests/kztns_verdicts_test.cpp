@@ -5,14 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include "examine.h"
-#include "lookup.h"
-#include "name_index.h"
-#include "story.h"
+#include "lookup/lookup.h"
+#include "lookup/lookup_report.h"
+#include "rules/check_file.h"
+#include "scan/file_scan.h"
 #include "support/parsing.h"
 #include "support/random_input.h"
 #include "support/random_mutation.h"
-#include "survey.h"
+#include "text/name_index.h"
 
 namespace {
 
@@ -32,7 +32,7 @@ struct Outcome {
 Outcome look_up(const std::string &name) {
   kztns::Tree tree;
   boolean find = -1;
-  const kztns::BlockScope scope;
+  const kztns::AllocationScope scope;
   const sword status = KZCITnsBuild(tree.get(), reinterpret_cast<const OraText *>(name.c_str()),
                                     static_cast<ub4>(name.size()), &find);
   KZCITnsClear(tree.get());
@@ -75,9 +75,9 @@ class Verdicts : public testing::Test {
     folder_.write("names", content);
     const kztns::NamesText text(content);
     Nobody nobody;
-    const kztns::Survey survey(text, nobody);
-    for (const kztns::Entry &entry : survey.entries())
-      check_entry(entry, std::string(survey.name(entry)));
+    const kztns::FileScan scan(text, nobody);
+    for (const kztns::Entry &entry : scan.entries())
+      check_entry(entry, std::string(scan.name(entry)));
     check_report(text);
   }
 
@@ -109,7 +109,8 @@ class Verdicts : public testing::Test {
 
   // Whatever is not served has its finding; nothing that is printed is odd.
   static void check_report(const kztns::NamesText &text) {
-    const kztns::Report report = kztns::examine(text, {.file = "names", .with_entries = true});
+    const kztns::CheckReport report =
+        kztns::check_file(text, {.file = "names", .with_entries = true});
     const auto count = [&](kztns::Verdict verdict) {
       return report.verdicts[static_cast<std::size_t>(verdict)];
     };
@@ -121,7 +122,7 @@ class Verdicts : public testing::Test {
       EXPECT_EQ(kztns::visible_json(finding.text), finding.text);
     }
     for (const kztns::ReportEntry &entry : report.entries)
-      kztns::tell_of_name(entry.name, text.text());
+      kztns::report_of_name(entry.name, text.text());
   }
 
   support::TemporaryFolder folder_;

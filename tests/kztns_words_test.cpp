@@ -1,24 +1,24 @@
-// The command's words: texts as they are shown, key words, how far the work is.
+// The command's words: texts as they are shown, key words, log records, how far the work is.
 #include <pty.h>
 #include <unistd.h>
 
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <set>
 #include <string>
 #include <thread>
 #include <utility>
 
 #include <gtest/gtest.h>
 
-#include "aftermath.h"
-#include "diagnose.h"
-#include "explain.h"
-#include "key_words.h"
-#include "log_watch.h"
-#include "names_text.h"
-#include "progress.h"
+#include "io/progress.h"
+#include "lookup/lookup_failure.h"
+#include "rules/diagnosis.h"
+#include "rules/file_rules.h"
+#include "text/names_text.h"
+#include "trace/key_words.h"
+#include "trace/log_records.h"
+#include "trace/log_watch.h"
 
 using namespace std::string_view_literals;
 
@@ -37,7 +37,7 @@ TEST(VisibleText, EscapesWhatIsNoCharacter) {
       {"\xE0\x9F\xBF", "\\xe0\\x9f\\xbf"},           // overlong
       {"\xF0\x8F\xBF\xBF", "\\xf0\\x8f\\xbf\\xbf"},  // overlong
       {"\xED\xA0\x80", "\\xed\\xa0\\x80"},           // a surrogate
-      {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // behind the last character
+      {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // after the last character
       {"\xF5\x80\x80\x80", "\\xf5\\x80\\x80\\x80"},  // no first byte
       {"\xC3x", "\\xc3x"},                           // a second byte that is none
       {"\xE2\x82x", "\\xe2\\x82x"},                  // a third
@@ -64,7 +64,7 @@ TEST(VisibleText, EscapesInvisibleCharacters) {
   for (const auto &[text, shown] : texts) EXPECT_EQ(kztns::visible(text), shown);
 }
 
-// What looks like an escape is told from one.
+// What looks like an escape is reported from one.
 TEST(VisibleText, EscapesABackslashOnlyBeforeTheLettersOfAnEscape) {
   const std::pair<std::string_view, std::string_view> texts[] = {
       {"C:\\x\\n", "C:\\x\\n"},  {"\\x4", "\\x4"},
@@ -108,53 +108,37 @@ TEST(OddCharacter, IsTheFirstThatNobodySees) {
   EXPECT_EQ(kztns::odd_character("\xC3\xA0"), "");  // the end of a letter
 }
 
-namespace {
-
-using kztns::Block;
-using enum kztns::Block;
-
-}  // namespace
-
-TEST(KeyWords, AreListedForPeople) {
+TEST(KeyWords, HaveTheirPlaces) {
   EXPECT_EQ(kztns::places_of(LB_ADDRESS), "DESCRIPTION or ADDRESS_LIST");
+  EXPECT_EQ(kztns::places_of(LB_RETRY_TIMES), "APPEND_STRATEGY");
+  EXPECT_EQ(kztns::places_of(LB_DESCRIPTION), "an entry itself");
+  EXPECT_EQ(kztns::places_of(LB_LOG_SIZE), "KZCISYSTEMVARIABLES");
   EXPECT_EQ(kztns::places_of(LB_ERROR_KEY), "");
-  EXPECT_EQ(kztns::key_word(LB_ERROR_KEY), nullptr);
 }
 
-TEST(KeyWords, TakeValuesOfOneKind) {
-  const std::set<KZCILBKeyType> integers = {LB_CONNECT_TIMEOUT,
-                                            LB_READ_TIMEOUT,
-                                            LB_WRITE_TIMEOUT,
-                                            LB_KZLB_RETRY_ALL_DOWNS,
-                                            LB_RETRY_DELAY,
-                                            LB_KZLB_RETRY_TIMEOUT,
-                                            LB_WEIGHT,
-                                            LB_KZ_MODE,
-                                            LB_USE_DEFAULT_SID,
-                                            LB_TIMEOUT,
-                                            LB_RETRY_TIMES,
-                                            LB_DRUATION,
-                                            LB_LOG_SIZE,
-                                            LB_LOG_COUNT,
-                                            LB_SLOWSQL_THRESHOLD,
-                                            LB_SLOWSQL_BUFFER_SIZE,
-                                            LB_SLOWSQL_FLUSH_SECOND};
-  const std::set<KZCILBKeyType> texts = {LB_PROTOCOL,  LB_HOST,         LB_PORT,
-                                         LB_SID,       LB_SERVICE_NAME, LB_EXTRA_INFO,
-                                         LB_LOG_LEVEL, LB_LOG_PATH,     LB_SESSION_VARIABLE};
-  const std::set<KZCILBKeyType> words = {LB_KZLB, LB_KZLB_STRATEGY, LB_KZLB_GROUP_STRATEGY,
-                                         LB_NAME};
-  for (const kztns::KeyWord &key : kztns::key_words()) {
-    const Block block = key.places.front();
-    EXPECT_EQ(kztns::is_integer(key.type), integers.contains(key.type)) << key.word;
-    EXPECT_EQ(kztns::longest_text(key.type, block) > 0, texts.contains(key.type)) << key.word;
-    EXPECT_EQ(!kztns::words_for(key.type, block).empty(), words.contains(key.type)) << key.word;
+TEST(KeyWords, OpenBlocks) {
+  EXPECT_EQ(kztns::opening_key(kztns::Block::connect_data), "CONNECT_DATA");
+  EXPECT_EQ(kztns::opening_key(kztns::Block::blacklist), "KZLB_BLACKLIST");
+  EXPECT_EQ(kztns::opening_key(kztns::Block::entry), "");
+}
+
+TEST(KeyWords, TakeTheWordsOfTheirBlock) {
+  const auto choices = [](kztns::Block block, KZCILBKeyType type) {
+    return kztns::choices(*kzoci::tns::key_of(block, type));
+  };
+  EXPECT_EQ(choices(kztns::Block::description, LB_KZLB), (std::vector{"ON"sv, "OFF"sv}));
+  EXPECT_EQ(choices(kztns::Block::remove_strategy, LB_NAME), std::vector{"TIMEOUT"sv});
+  EXPECT_EQ(choices(kztns::Block::append_strategy, LB_NAME), std::vector{"RETRYDURATION"sv});
+  EXPECT_TRUE(choices(kztns::Block::address, LB_HOST).empty());
+}
+
+TEST(LogRecords, AreRecognisedByTheAddressOfTheirFormat) {
+  for (const kzoci::tns::MessageRow &row : kzoci::tns::messages) {
+    EXPECT_EQ(kztns::message_of(row.format), row.id) << row.name;
+    const std::string same_text = row.format;
+    EXPECT_EQ(kztns::message_of(same_text.c_str()), std::nullopt) << row.name;
   }
-}
-
-TEST(KeyWords, OfAStrategyNameTheStrategy) {
-  EXPECT_EQ(kztns::words_for(LB_NAME, remove_strategy), std::vector{"TIMEOUT"sv});
-  EXPECT_EQ(kztns::words_for(LB_NAME, append_strategy), std::vector{"RETRYDURATION"sv});
+  EXPECT_EQ(kztns::message_of("%s"), std::nullopt);
 }
 
 TEST(Failure, WithoutAFaultIsToldInTheLogsWords) {

@@ -5,14 +5,13 @@
 //
 // The scan ends at the first entry of the name, at the reserved entry, or at
 // the end of the file.
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 #include "character_class.h"
 #include "items.h"
 #include "kzoci/platform/letter_case.h"
+#include "names_file.h"
 #include "tokenizer.h"
 
 using namespace kzoci::tns;
@@ -22,55 +21,22 @@ namespace {
 constexpr char descriptor_prefix[] = "(DESCRIPTION=";
 constexpr std::size_t descriptor_prefix_length = sizeof descriptor_prefix - 1;
 
-constexpr std::size_t max_file_name = 256;
 // Large enough to make system calls rare, small enough for the stack and for a
 // lookup that ends at the first entry.
 constexpr std::size_t stream_buffer_size = 16384;
 
-using FileName = char[max_file_name + 1];  // always terminated
-
-// The name is a zeroed FileName. A directory that leaves no room for the suffix
-// is cut like any other name; the suffix is cut to the room that is left.
-void make_file_name(char *name, const char *value, const char *suffix) {
-  std::strncpy(name, value, max_file_name);
-  const std::size_t prefix_len = std::min(std::strlen(value), max_file_name);
-  std::strncpy(name + prefix_len, suffix, max_file_name - prefix_len);
-}
-
-// Makes the file's name after the first variable that is set, even when its value
-// is empty. Returns that value, null when none is set.
-char *name_from_environment(char *name) {
-  struct Source {
-    const char *variable;
-    Message<const char *> chosen;
-    const char *suffix;
-  };
-  constexpr Source sources[] = {
-      {"KZCI_TNS_FILE", message::tns_file_variable, ""},
-      {"TNS_ADMIN", message::tns_admin_variable, "/tnsnames.ora"},
-      {"ORACLE_HOME", message::oracle_home_variable, "/network/admin/tnsnames.ora"},
-  };
-  for (const Source &source : sources) {
-    char *const value = std::getenv(source.variable);
-    if (value == nullptr) continue;
-    KZ_LOG(source.chosen, value);
-    make_file_name(name, value, source.suffix);
-    return value;
-  }
-  return nullptr;
-}
-
 sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
-  FileName name = {};
-  params->tns_name = name_from_environment(name);
-  if (params->tns_name == nullptr) {
+  const NamesFile file = choose_names_file();
+  params->tns_name = file.value;
+  if (file.source == nullptr) {
     KZ_LOG(message::no_variable);
     return no_data;
   }
-  KZ_LOG(message::names_file, name);
-  params->tns_file = std::fopen(name, "re");  // closed on exec
+  KZ_LOG(file.source->chosen, file.value);
+  KZ_LOG(message::names_file, file.name);
+  params->tns_file = std::fopen(file.name, "re");  // closed on exec
   if (params->tns_file == nullptr) {
-    KZ_LOG(message::names_file_not_opened, name);
+    KZ_LOG(message::names_file_not_opened, file.name);
     return failure;
   }
   return success;

@@ -11,23 +11,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <iterator>
 
 #include "kzoci/platform/letter_case.h"
+#include "kzoci/platform/level_names.h"
 #include "kzoci/platform/log_file.h"
 
 namespace {
 
+using kzoci::platform::level_name;
+using kzoci::platform::level_names;
 using kzoci::platform::LogFile;
-
-constexpr const char *level_names[] = {"TRACE", "DEBUG", "INFO",   "WARN",
-                                       "ERROR", "FATAL", "SLOWSQL"};
-
-// C programs may log at a level outside the enumeration.
-const char *level_name(log_level level) {
-  const std::size_t at = static_cast<std::size_t>(level) - LOG_LEVEL_TRACE;
-  return at < std::size(level_names) ? level_names[at] : "?";
-}
 
 // The level of this name, in any letter case; 0 when there is none.
 int level_of(const char *name, ub4 length) {

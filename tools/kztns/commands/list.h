@@ -1,0 +1,38 @@
+// kztns list: the entries of a names file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "io/read_file.h"
+#include "rules/check_report.h"
+
+namespace kztns {
+
+enum class ListFormat { columns, tabs, json };
+
+struct ListOptions {
+  std::optional<std::string> file;  // absent: the one that the environment chooses
+  std::uint64_t max_size = default_max_size;
+  bool json = false;
+};
+
+// Returns an ExitStatus.
+int list(const ListOptions &options);
+
+struct ListedEntry {
+  std::string name;
+  std::uint32_t line;
+  Verdict verdict;
+  std::string link;  // empty for an entry that has none
+};
+
+// One entry's line; the widths are those of the columns.
+struct ListWidths {
+  std::size_t name = 0;
+  std::size_t line = 0;
+};
+std::string list_line(const ListedEntry &entry, ListFormat format, const ListWidths &widths);
+
+}  // namespace kztns

@@ -1,0 +1,299 @@
+// kztns: what a connect identifier resolves to, and what is wrong where it does
+// not.
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <new>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "commands/check.h"
+#include "commands/list.h"
+#include "commands/settings.h"
+#include "commands/show.h"
+#include "commands/why.h"
+#include "io/exit_status.h"
+#include "io/names_file.h"
+#include "io/output.h"
+#include "io/standard_streams.h"
+#include "kzoci/platform/level_names.h"
+#include "text/spelling.h"
+#include "trace/key_words.h"
+
+namespace {
+
+struct Arguments {
+  std::string identifier;
+  std::string file;
+  std::string level;
+  std::string format = "text";
+  std::string tree_format = "tree";
+  std::string color = "auto";
+  std::uint64_t max_size = kztns::default_max_size;
+  bool no_color = false;
+  bool strict = false;
+  bool dblink = false;
+  bool session = false;
+};
+
+// The levels on which the module logs faults and its steps.
+std::map<std::string, log_level> shown_levels() {
+  std::map<std::string, log_level> levels;
+  for (int level = LOG_LEVEL_TRACE; level <= LOG_LEVEL_ERROR; ++level) {
+    const auto value = static_cast<log_level>(level);
+    levels[CLI::detail::to_lower(kzoci::platform::level_name(value))] = value;
+  }
+  return levels;
+}
+
+const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::ShowWhat::tree},
+                                                             {"json", kztns::ShowWhat::json},
+                                                             {"dot", kztns::ShowWhat::dot},
+                                                             {"svg", kztns::ShowWhat::svg}};
+
+std::map<std::string, const kztns::CheckFormat *> report_formats() {
+  std::map<std::string, const kztns::CheckFormat *> formats;
+  for (const kztns::CheckFormat &format : kztns::check_formats)
+    formats[std::string(format.name)] = &format;
+  return formats;
+}
+
+// "text, json or sarif", in the order of the formats.
+std::string report_format_names() {
+  std::vector<std::string_view> names;
+  for (const kztns::CheckFormat &format : kztns::check_formats) names.push_back(format.name);
+  return kztns::one_of(names);
+}
+
+const std::map<std::string, kztns::ColorChoice> color_choices = {
+    {"auto", kztns::ColorChoice::automatic},
+    {"always", kztns::ColorChoice::always},
+    {"never", kztns::ColorChoice::never}};
+
+constexpr char version[] = "kztns " KZTNS_VERSION;
+
+// What each subcommand has of its own, and what all have.
+constexpr char show_statuses[] =
+    "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n69 graphviz is not "
+    "installed or fails";
+constexpr char why_statuses[] = "0 found, 1 not found, 2 malformed";
+constexpr char settings_statuses[] = "0 shown, 1 no names file, 2 malformed";
+constexpr char check_statuses[] = "0 no error, 1 errors";
+constexpr char list_statuses[] = "0 listed";
+constexpr char common_statuses[] =
+    "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n74 standard output "
+    "cannot be written.";
+
+// A subcommand: all of them read a names file.
+CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses,
+                      Arguments &arguments) {
+  CLI::App *const command = app.add_subcommand(name, purpose);
+  command->set_version_flag("--version", version);
+  command->footer(std::string("Exit status: ") + statuses + ",\n" + common_statuses);
+  command
+      ->add_option("--file", arguments.file,
+                   "Names file; without it " + kztns::file_variables("or") + " decides")
+      ->type_name("PATH");
+  command
+      ->add_option(
+          "--max-size", arguments.max_size,
+          "Largest names file to read, in bytes; the suffixes K, M and G are understood (1G)")
+      ->type_name("SIZE")
+      ->transform(CLI::AsSizeValue(false).description(""))
+      ->check(CLI::Range(std::uint64_t{1}, kztns::largest_max_size).description(""));
+  return command;
+}
+
+// For a subcommand that takes no identifier.
+void add_positional_file(CLI::App *command, Arguments &arguments) {
+  command->add_option("FILE", arguments.file, "The same as --file FILE")
+      ->type_name("")
+      ->excludes("--file");
+}
+
+void add_log(CLI::App *command, Arguments &arguments) {
+  command
+      ->add_option("--log", arguments.level,
+                   "Show log records from this level on, on standard error")
+      ->type_name("LEVEL")
+      ->check(CLI::IsMember(shown_levels(), CLI::ignore_case));
+}
+
+void add_identifier(CLI::App *command, Arguments &arguments) {
+  command
+      ->add_option("IDENTIFIER", arguments.identifier,
+                   "Net service name, or literal descriptor \"(DESCRIPTION=...)\"")
+      ->required();
+}
+
+void add_show(CLI::App &app, Arguments &arguments) {
+  CLI::App *const show = add_command(app, "show", "Resolve an identifier and print its tree",
+                                     show_statuses, arguments);
+  add_log(show, arguments);
+  add_identifier(show, arguments);
+  CLI::Option *const dblink =
+      show->add_flag("--dblink", arguments.dblink, "Print only the link string");
+  CLI::Option *const session =
+      show->add_flag(
+              "--session", arguments.session,
+              "Print what a session is opened with: extra information, mode, session variables")
+          ->excludes(dblink);
+  show->add_option("--format", arguments.tree_format,
+                   "Print the tree as text (tree), as JSON with every field (json), as a graph "
+                   "(dot) or as its picture, drawn by graphviz (svg)")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember(tree_formats))
+      ->excludes(dblink)
+      ->excludes(session);
+}
+
+void add_settings(CLI::App &app, Arguments &arguments) {
+  CLI::App *const settings =
+      add_command(app, "settings", "Print the system variables in force for a names file",
+                  settings_statuses, arguments);
+  add_log(settings, arguments);
+  add_positional_file(settings, arguments);
+}
+
+void add_why(CLI::App &app, Arguments &arguments) {
+  CLI::App *const why =
+      add_command(app, "why", "Explain one lookup, step by step", why_statuses, arguments);
+  add_log(why, arguments);
+  add_identifier(why, arguments);
+}
+
+void add_check(CLI::App &app, Arguments &arguments) {
+  CLI::App *const check =
+      add_command(app, "check", "Check a names file for errors", check_statuses, arguments);
+  add_positional_file(check, arguments);
+  check->add_option("--format", arguments.format, report_format_names())
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember(report_formats()));
+  check->add_flag("--strict", arguments.strict, "Treat warnings as errors");
+  check->add_option("--color", arguments.color, "auto, always or never")
+      ->type_name("WHEN")
+      ->check(CLI::IsMember(color_choices));
+  check->add_flag("--no-color", arguments.no_color, "Do not use colours");
+}
+
+void add_list(CLI::App &app, Arguments &arguments) {
+  CLI::App *const list =
+      add_command(app, "list", "List the entries of a names file", list_statuses, arguments);
+  add_positional_file(list, arguments);
+  list->add_option("--format", arguments.format, "text or json")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"text", "json"}));
+}
+
+kztns::ShowWhat shown_part(const Arguments &arguments) {
+  if (arguments.dblink) return kztns::ShowWhat::dblink;
+  return arguments.session ? kztns::ShowWhat::session : tree_formats.at(arguments.tree_format);
+}
+
+std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {
+  const CLI::Option *const positional = command.get_option_no_throw("FILE");
+  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional);
+  return given ? std::optional(arguments.file) : std::nullopt;
+}
+
+int run_check(const CLI::App &command, const Arguments &arguments) {
+  kztns::CheckOptions options;
+  options.file = given_file(command, arguments);
+  options.max_size = arguments.max_size;
+  options.format = report_formats().at(arguments.format);
+  options.color =
+      arguments.no_color ? kztns::ColorChoice::never : color_choices.at(arguments.color);
+  options.strict = arguments.strict;
+  return kztns::check(options);
+}
+
+int run_list(const CLI::App &command, const Arguments &arguments) {
+  return kztns::list(
+      {given_file(command, arguments), arguments.max_size, arguments.format == "json"});
+}
+
+int run_lookup(const CLI::App &command, const Arguments &arguments) {
+  kztns::LookupOptions options;
+  options.file = given_file(command, arguments);
+  options.max_size = arguments.max_size;
+  if (command.count("--log") > 0)
+    options.shown = shown_levels().at(CLI::detail::to_lower(arguments.level));
+  if (command.get_name() == "settings") return kztns::settings(options);
+  if (command.get_name() == "why") return kztns::why(arguments.identifier, options);
+  return kztns::show(arguments.identifier, shown_part(arguments), options);
+}
+
+int run(const CLI::App &command, const Arguments &arguments) {
+  if (command.get_name() == "check") return run_check(command, arguments);
+  if (command.get_name() == "list") return run_list(command, arguments);
+  return run_lookup(command, arguments);
+}
+
+// The first argument that is no option; null for none.
+const char *command_word(int argc, char **argv) {
+  for (int i = 1; i < argc; ++i)
+    if (argv[i][0] != '-') return argv[i];
+  return nullptr;
+}
+
+// Whether the arguments name a command that there is not; if so, says so.
+bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
+  const char *const word = command_word(argc, argv);
+  if (word == nullptr) return false;
+  std::vector<std::string_view> names;
+  for (const CLI::App *const command : app.get_subcommands({}))
+    names.push_back(command->get_name());
+  if (std::find(names.begin(), names.end(), word) != names.end()) return false;
+  const std::string_view near = kztns::near_word(word, names);
+  std::string what = "unknown command";
+  if (!near.empty()) what += "; did you mean " + std::string(near) + "?";
+  kztns::complain(kztns::quoted(kztns::visible(word)), what);
+  return true;
+}
+
+// Help and version go to standard output, all else is reported on standard error.
+int finish_without_command(const CLI::App &app, const CLI::ParseError &error, int argc,
+                           char **argv) {
+  if (error.get_exit_code() != 0 && tell_unknown_command(app, argc, argv)) return kztns::exit_usage;
+  std::ostringstream text;
+  std::ostringstream complaint;
+  const bool asked_for = app.exit(error, text, complaint) == 0;
+  std::fputs(text.str().c_str(), stdout);
+  std::fputs(complaint.str().c_str(), stderr);
+  return asked_for ? kztns::finish_output() : kztns::exit_usage;
+}
+
+// What the arguments hold is quoted in the words of their reader.
+std::string usage_message(const CLI::App *, const CLI::Error &error) {
+  return kztns::visible(error.what()) + "\nRun with --help for more information.\n";
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  kztns::reserve_standard_streams();
+  CLI::App app("Resolves connect identifiers and checks names files.", "kztns");
+  app.set_version_flag("--version", version);
+  app.require_subcommand(1);
+  app.failure_message(usage_message);
+  Arguments arguments;
+  add_show(app, arguments);
+  add_settings(app, arguments);
+  add_why(app, arguments);
+  add_check(app, arguments);
+  add_list(app, arguments);
+  try {
+    app.parse(argc, argv);
+    return run(*app.get_subcommands().front(), arguments);
+  } catch (const CLI::ParseError &error) {
+    return finish_without_command(app, error, argc, argv);
+  } catch (const std::bad_alloc &) {
+    kztns::complain("names file", "not enough memory to read it");
+    return kztns::exit_no_memory;
+  }
+}

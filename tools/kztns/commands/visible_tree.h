@@ -1,0 +1,14 @@
+// A built tree as a terminal takes it.
+#pragma once
+
+#include <string>
+
+#include "lookup/lookup.h"
+
+namespace kztns {
+
+// What KZCITnsDisplay prints, with the values escaped. Leaves the tree with blanks
+// in place of the line feeds in its texts.
+std::string visible_tree(Tree &tree);
+
+}  // namespace kztns

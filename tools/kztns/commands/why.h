@@ -1,0 +1,13 @@
+// kztns why: one lookup, step by step.
+#pragma once
+
+#include <string>
+
+#include "lookup/lookup.h"
+
+namespace kztns {
+
+// Prints the report; returns the ExitStatus that show would.
+int why(const std::string &identifier, const LookupOptions &options);
+
+}  // namespace kztns

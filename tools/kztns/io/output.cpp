@@ -1,0 +1,36 @@
+#include "io/output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "io/exit_status.h"
+#include "text/escape.h"
+
+namespace kztns {
+
+void complain(const std::string &about, const std::string &what) {
+  std::fprintf(stderr, "kztns: %s: %s\n", about.c_str(), what.c_str());
+}
+
+int finish_output() {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return exit_success;
+  complain("standard output", std::strerror(errno));
+  return exit_output;
+}
+
+std::string for_output(std::string_view value) {
+  return isatty(STDOUT_FILENO) != 0 ? visible(value) : std::string(value);
+}
+
+// Appended to piece by piece: g++ 12 warns at -O3 of text put in front of a temporary.
+std::string quoted(std::string_view text) {
+  std::string result = "\"";
+  result += text;
+  result += '"';
+  return result;
+}
+
+}  // namespace kztns

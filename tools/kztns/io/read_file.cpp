@@ -1,0 +1,105 @@
+#include "io/read_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace kztns {
+namespace {
+
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor &) = delete;
+  Descriptor &operator=(const Descriptor &) = delete;
+
+  int number() const { return number_; }
+
+ private:
+  int number_;
+};
+
+ReadFault fault_of(int error) {
+  return {error == ENOENT || error == ENOTDIR,
+          std::string("cannot be read: ") + std::strerror(error)};
+}
+
+ReadFault too_large(std::uint64_t max_size) {
+  return {false, "is larger than " + std::to_string(max_size) + " bytes; --max-size allows more"};
+}
+
+// Reads as an empty file, and is given as one.
+bool is_null_device(const struct stat &status) {
+  struct stat null_device = {};
+  return S_ISCHR(status.st_mode) && stat("/dev/null", &null_device) == 0 &&
+         S_ISCHR(null_device.st_mode) && status.st_rdev == null_device.st_rdev;
+}
+
+// What makes a file one that is not read: it may have no end, or do something when
+// it is opened.
+std::optional<ReadFault> refused_kind(const struct stat &status) {
+  if (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode) || is_null_device(status))
+    return std::nullopt;
+  const char *const kind = S_ISDIR(status.st_mode)    ? "is a directory"
+                           : S_ISCHR(status.st_mode)  ? "is a character device"
+                           : S_ISBLK(status.st_mode)  ? "is a block device"
+                           : S_ISSOCK(status.st_mode) ? "is a socket"
+                                                      : "is not a regular file or pipe";
+  return ReadFault{false, kind};
+}
+
+std::optional<ReadFault> read_to_end(int file, std::uint64_t max_size,
+                                     const std::function<bool(std::string_view)> &take) {
+  char buffer[65536];
+  std::uint64_t taken = 0;
+  for (;;) {
+    const ssize_t count = read(file, buffer, sizeof buffer);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return fault_of(errno);
+    if (count == 0) return std::nullopt;
+    taken += static_cast<std::uint64_t>(count);
+    if (taken > max_size) return too_large(max_size);
+    if (!take({buffer, static_cast<std::size_t>(count)})) return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_size,
+                                     const std::function<bool(std::string_view)> &take) {
+  // The kind first: opening a device may already do something.
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) return fault_of(errno);
+  if (auto refused = refused_kind(status)) return refused;
+  // A pipe is waited for; some files of the system would wait for ever.
+  const int waiting = S_ISFIFO(status.st_mode) ? 0 : O_NONBLOCK;
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting));
+  if (file.number() < 0 || fstat(file.number(), &status) != 0) return fault_of(errno);
+  if (auto refused = refused_kind(status)) return refused;
+  if (S_ISREG(status.st_mode) && static_cast<std::uint64_t>(status.st_size) > max_size)
+    return too_large(max_size);
+  return read_to_end(file.number(), max_size, take);
+}
+
+std::optional<std::string> read_file(const std::string &path, std::uint64_t max_size,
+                                     ReadFault &fault) {
+  std::string text;
+  auto found = read_pieces(path, max_size, [&](std::string_view piece) {
+    text += piece;
+    return true;
+  });
+  if (found) {
+    fault = std::move(*found);
+    return std::nullopt;
+  }
+  text.shrink_to_fit();
+  return text;
+}
+
+}  // namespace kztns

@@ -1,0 +1,93 @@
+#include "lookup/lookup.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "io/names_file.h"
+#include "kzoci/oci_tnsname/names_file.h"
+#include "trace/log_watch.h"
+
+namespace kztns {
+namespace {
+
+// The one that names the file itself.
+constexpr const char *file_variable = kzoci::tns::names_file_sources[0].variable;
+
+// Sets the variable that names the file for the time of its life.
+class NamedFile {
+ public:
+  explicit NamedFile(const std::string &path) {
+    if (const char *const value = std::getenv(file_variable)) before_ = value;
+    setenv(file_variable, path.c_str(), 1);
+  }
+  ~NamedFile() {
+    if (before_)
+      setenv(file_variable, before_->c_str(), 1);
+    else
+      unsetenv(file_variable);
+  }
+  NamedFile(const NamedFile &) = delete;
+  NamedFile &operator=(const NamedFile &) = delete;
+
+ private:
+  std::optional<std::string> before_;
+};
+
+void take_content(const std::string &path, std::uint64_t max_size, Lookup &lookup) {
+  const auto content = std::make_shared<MemoryFile>();
+  const auto append = [&](std::string_view piece) { return content->append(piece); };
+  if (const auto fault = read_pieces(path, max_size, append))
+    lookup.file_fault = *fault;
+  else if (content->error() != 0)
+    lookup.file_fault.text = std::string("cannot be copied to ") + content->path() + ": " +
+                             std::strerror(content->error());
+  else
+    lookup.content = content;
+}
+
+// The library reads the content in place of the file; the log names the file.
+std::vector<Rewording> rewordings(const FileChoice &choice) {
+  return {{MessageId::tns_file_variable, "get " + choice.variable + ":" + choice.value},
+          {MessageId::names_file, "get configure file:" + choice.path}};
+}
+
+void build(const std::string &identifier, const LogWatch &watch, Tree &tree, Lookup &lookup) {
+  boolean find = 0;
+  const sword status =
+      KZCITnsBuild(tree.get(), reinterpret_cast<const OraText *>(identifier.c_str()),
+                   static_cast<ub4>(identifier.size()), &find);
+  lookup.outcome = status != 0 ? Outcome::malformed
+                   : find != 0 ? Outcome::found
+                               : Outcome::not_found;
+  lookup.fault = watch.fault();
+}
+
+}  // namespace
+
+Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree &tree) {
+  Lookup lookup;
+  lookup.is_literal = IsDescriptionTns(const_cast<char *>(identifier.c_str()),
+                                       static_cast<ub4>(identifier.size())) != 0;
+  const std::optional<FileChoice> choice =
+      lookup.is_literal ? std::nullopt : choose_file(options.file);
+  if (!choice) {
+    build(identifier, LogWatch(options.shown), tree, lookup);
+    return lookup;
+  }
+  lookup.variable = choice->variable;
+  lookup.file_name = choice->path;
+  take_content(choice->path, options.max_size, lookup);
+  if (lookup.content != nullptr) {
+    const std::string &path = lookup.content->path();
+    const NamedFile named(path);
+    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
+  } else if (lookup.file_fault.missing) {
+    const NamedFile named(choice->path);
+    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
+  } else {
+    lookup.outcome = Outcome::unreadable;
+  }
+  return lookup;
+}
+
+}  // namespace kztns

@@ -1,0 +1,77 @@
+#include "lookup/lookup_failure.h"
+
+#include "io/exit_status.h"
+#include "io/names_file.h"
+#include "io/output.h"
+
+namespace kztns {
+namespace {
+
+std::string why_not_found(const Lookup &lookup, const LookupReport &report) {
+  if (!lookup.file_name) return "not found: " + no_file_chosen();
+  const std::string file = quoted(visible(*lookup.file_name));
+  if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text;
+  return "not found in " + file + near_clauses(report);
+}
+
+std::string what_is_malformed(const Lookup &lookup, const LookupReport &report) {
+  std::string where;
+  if (lookup.file_name) where = visible(*lookup.file_name) + ":";
+  if (!report.fault) return "malformed: " + visible(lookup.fault);
+  return "malformed: " + where + to_string(report.fault->position) + ": " + report.fault->text;
+}
+
+}  // namespace
+
+LookupReport make_lookup_report(const std::string &identifier, const Lookup &lookup) {
+  if (lookup.is_literal) return report_of_literal(identifier);
+  if (lookup.content == nullptr) return {};
+  return report_of_name(identifier, lookup.content->text());
+}
+
+std::string near_clauses(const LookupReport &report) {
+  std::string clauses;
+  for (const std::string &clause : report.near) clauses += "; " + clause;
+  return clauses;
+}
+
+std::string label_of(const std::string &identifier, const Lookup &lookup) {
+  if (lookup.is_literal) return "literal descriptor";
+  return identifier.empty() ? "\"\"" : visible(identifier);
+}
+
+int status_of(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::found:
+      return exit_success;
+    case Outcome::not_found:
+      return exit_not_found;
+    case Outcome::malformed:
+      return exit_malformed;
+    case Outcome::unreadable:
+      return exit_no_input;
+  }
+  return exit_malformed;
+}
+
+std::string describe_failure(const Lookup &lookup, const LookupReport &report) {
+  return lookup.outcome == Outcome::not_found ? why_not_found(lookup, report)
+                                              : what_is_malformed(lookup, report);
+}
+
+int explain_failure(const std::string &identifier, const Lookup &lookup) {
+  if (lookup.outcome == Outcome::unreadable) {
+    complain(quoted(visible(*lookup.file_name)), lookup.file_fault.text);
+    return exit_no_input;
+  }
+  const LookupReport report = make_lookup_report(identifier, lookup);
+  std::string what = describe_failure(lookup, report);
+  // The log's own words, for whoever finds them in a program's log; without a fault to
+  // explain they have already been printed.
+  if (lookup.outcome == Outcome::malformed && report.fault)
+    what += "; log: " + visible(lookup.fault);
+  complain(label_of(identifier, lookup), what);
+  return status_of(lookup.outcome);
+}
+
+}  // namespace kztns

@@ -1,0 +1,162 @@
+#include "lookup/lookup_report.h"
+
+#include <cstring>
+
+#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "lookup/near_entries.h"
+#include "rules/diagnosis.h"
+#include "rules/entry_warnings.h"
+#include "rules/file_rules.h"
+#include "scan/written_entries.h"
+#include "text/name_index.h"
+
+namespace kztns {
+namespace {
+
+Remark make_remark(const NamesText &text, Offset at, std::string words) {
+  Remark remark;
+  remark.position = text.position(at);
+  remark.text = std::move(words);
+  remark.source = text.line_around(at, remark.caret);
+  return remark;
+}
+
+std::string with_remedy(const std::string &text, const std::string &remedy, Rule rule) {
+  return text + "; " + (remedy.empty() ? std::string(row_of(rule).remedy) : remedy) + " [" +
+         std::string(row_of(rule).id) + "]";
+}
+
+Remark remark_of(const NamesText &text, const Diagnosis &diagnosis) {
+  const std::string path = diagnosis.path.empty() ? "" : diagnosis.path + ": ";
+  return make_remark(text, diagnosis.at,
+                     path + with_remedy(diagnosis.text, diagnosis.remedy, diagnosis.rule));
+}
+
+Remark remark_of(const Finding &finding) {
+  const std::string path = finding.path.empty() ? "" : finding.path + ": ";
+  return {finding.position, path + with_remedy(finding.text, finding.remedy, finding.rule),
+          finding.source, finding.caret};
+}
+
+std::vector<Remark> warnings_of(const NamesText &text, const Trace &trace, std::string_view name) {
+  CheckReport report;
+  Findings findings(text, report);
+  report_entry_warnings(trace, name, findings);
+  findings.sort();
+  std::vector<Remark> remarks;
+  for (const Finding &finding : report.findings) remarks.push_back(remark_of(finding));
+  return remarks;
+}
+
+// Looks out for the entry that a lookup of the name builds.
+class NameVisitor : public EntryVisitor {
+ public:
+  NameVisitor(const NamesText &text, const std::string &name, LookupReport &report)
+      : subject_{text, "file"}, name_(name), report_(report) {}
+
+  void visit(const EntryView &view) override {
+    if (view.stop != nullptr && view.trace.fault().kind != FaultKind::none)
+      reported_stop_ = remark_of(subject_.text, diagnose(subject_, view.trace, view.name));
+    if (report_.entry || !view.entry.reached) return;
+    if (same_name(view.name, name_))
+      take(view);
+    else if (view.stop == nullptr)
+      ++report_.passed;
+  }
+
+  void progress(Offset) override {}
+
+  const std::optional<Remark> &reported_stop() const { return reported_stop_; }
+
+ private:
+  void take(const EntryView &view) {
+    report_.entry = subject_.text.position(view.entry.at);
+    if (view.service != nullptr)
+      report_.warnings = warnings_of(subject_.text, view.trace, view.name);
+    if (view.service == nullptr || view.trace.fault().kind != FaultKind::none) {
+      const Remark remark = remark_of(subject_.text, diagnose(subject_, view.trace, view.name));
+      if (view.service == nullptr)
+        report_.fault = told_by_name(view, remark);
+      else
+        report_.warnings.push_back(remark);
+    }
+  }
+
+  // What is read as system variables only because of its name is reported so.
+  Remark told_by_name(const EntryView &view, const Remark &remark) const {
+    if (!view.trace.is_system_variables() || view.name == kzoci::tns::reserved_name) return remark;
+    return make_remark(
+        subject_.text, view.entry.at,
+        with_remedy(excerpt(view.name) +
+                        " is a prefix of KZCISYSTEMVARIABLES, and is read as system variables",
+                    {}, Rule::reserved_part));
+  }
+
+  Subject subject_;
+  const std::string &name_;
+  LookupReport &report_;
+  std::optional<Remark> reported_stop_;
+};
+
+// What ends the lookup of a name that does not stand in front of it.
+std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan,
+                                     const NameVisitor &visitor) {
+  switch (scan.stop().kind) {
+    case StopKind::end:
+      return std::nullopt;
+    case StopKind::no_open:
+    case StopKind::never_balanced:
+      if (visitor.reported_stop()) return visitor.reported_stop();
+      break;
+    default:
+      break;
+  }
+  if (is_utf_16(text.text()))
+    return make_remark(
+        text, 0,
+        with_remedy("the file is in UTF-16, in which no name can be read", {}, Rule::utf_16));
+  const StopCause cause = cause_of_stop(text, scan);
+  std::string words = cause.text;
+  if (scan.stop().kind == StopKind::reserved) {
+    const std::string name = excerpt(scan.name(*scan.last_reached()));
+    words = name + " is " + (name == kzoci::tns::reserved_name ? "" : "a prefix of ") +
+            "the reserved name: the entries after it are lost";
+    return make_remark(text, cause.at, words);
+  }
+  return make_remark(text, cause.at, with_remedy(words, {}, cause.rule));
+}
+
+}  // namespace
+
+LookupReport report_of_name(const std::string &name, std::string content) {
+  const NamesText text(std::move(content));
+  LookupReport report;
+  NameVisitor visitor(text, name, report);
+  const FileScan scan(text, visitor);
+  if (!report.entry) report.fault = remark_of_stop(text, scan, visitor);
+  report.near = near_entries(text, scan, name);
+  return report;
+}
+
+LookupReport report_of_literal(const std::string &descriptor) {
+  const NamesText text(descriptor);
+  const Subject subject = {text, "text"};
+  LookupReport report;
+  Trace trace(text.text());
+  build_literal(text, trace);
+  if (trace.fault().kind != FaultKind::none) {
+    report.fault = remark_of(text, diagnose(subject, trace, {}));
+    return report;
+  }
+  const Offset rest = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));
+  if (rest < text.size())
+    report.fault = make_remark(
+        text, rest,
+        with_remedy("expected nothing after the descriptor, found " + quoted_token(subject, rest),
+                    "remove it", Rule::stray_text));
+  else
+    report.warnings = warnings_of(text, trace, {});
+  return report;
+}
+
+}  // namespace kztns

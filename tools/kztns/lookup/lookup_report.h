@@ -1,0 +1,35 @@
+// The report of one lookup: what was found where, or what ended it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lookup/lookup.h"
+#include "text/names_text.h"
+
+namespace kztns {
+
+// A place in a file or a descriptor, and what is to be said of it.
+struct Remark {
+  Position position;
+  std::string text;    // with block path, remedy and rule
+  std::string source;  // the line
+  std::size_t caret = 0;
+};
+
+struct LookupReport {
+  std::size_t passed = 0;         // entries passed over
+  std::optional<Position> entry;  // of the name, when a lookup comes to it
+  std::optional<Remark> fault;    // why the entry is refused, or what ended the lookup before
+  std::vector<Remark> warnings;   // about an entry that is built
+  std::vector<std::string> near;  // clauses about entries with names like this one
+};
+
+// Of a name in a file's text.
+LookupReport report_of_name(const std::string &name, std::string content);
+
+// Of a literal descriptor.
+LookupReport report_of_literal(const std::string &descriptor);
+
+}  // namespace kztns

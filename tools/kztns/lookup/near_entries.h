@@ -1,0 +1,16 @@
+// Entries that somebody may have meant who looked for another name.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// Each as a clause: there is an entry "Sales" at 3:1, which differs in letter
+// case only. At most some; those that come closest first.
+std::vector<std::string> near_entries(const NamesText &text, const FileScan &scan,
+                                      std::string_view name);
+
+}  // namespace kztns

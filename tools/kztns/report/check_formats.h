@@ -1,0 +1,39 @@
+// The output formats of check: one row each, and one file with the function that the row
+// names.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "rules/check_report.h"
+
+namespace kztns {
+
+// FORMAT(name, whether it lists the entries): printed by render_name.
+#define KZTNS_CHECK_FORMATS(FORMAT) \
+  FORMAT(text, false)               \
+  FORMAT(json, true)                \
+  FORMAT(sarif, false)
+
+// For people; the other formats leave it aside.
+struct TextStyle {
+  bool color = false;
+  bool source = false;  // the source line with a caret under it
+};
+
+#define KZTNS_DECLARE_FORMAT(name, with_entries) \
+  std::string render_##name(const CheckReport &report, const TextStyle &style = {});
+KZTNS_CHECK_FORMATS(KZTNS_DECLARE_FORMAT)
+#undef KZTNS_DECLARE_FORMAT
+
+struct CheckFormat {
+  std::string_view name;
+  std::string (*render)(const CheckReport &report, const TextStyle &style);
+  bool with_entries;
+};
+
+#define KZTNS_FORMAT_ROW(name, with_entries) {#name, render_##name, with_entries},
+inline constexpr CheckFormat check_formats[] = {KZTNS_CHECK_FORMATS(KZTNS_FORMAT_ROW)};
+#undef KZTNS_FORMAT_ROW
+
+}  // namespace kztns

@@ -1,0 +1,246 @@
+#include "rules/diagnosis.h"
+
+#include <algorithm>
+
+#include "scan/written_entries.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// Appended to piece by piece: g++ 12 warns at -O3 of text put in front of a temporary.
+std::string in_quotes(std::string_view text) {
+  std::string quoted = "\"";
+  quoted += excerpt(text);
+  quoted += '"';
+  return quoted;
+}
+
+class FaultExplainer {
+ public:
+  FaultExplainer(const Subject &subject, const Trace &trace, std::string_view name)
+      : subject_(subject), trace_(trace), fault_(trace.fault()), name_(name) {}
+
+  Diagnosis diagnose() const {
+    switch (fault_.kind) {
+      case FaultKind::unknown_key:
+        return unknown_key();
+      case FaultKind::misplaced_key:
+      case FaultKind::not_description:
+        return misplaced_key();
+      case FaultKind::no_block:
+        return no_block();
+      case FaultKind::input_ended:
+        return input_ended();
+      case FaultKind::key_unended:
+        return key_unended();
+      case FaultKind::value_goes_on:
+        return value_goes_on();
+      case FaultKind::bad_protocol:
+      case FaultKind::bad_word:
+      case FaultKind::bad_number:
+        return bad_value();
+      default:
+        return misplaced_token();
+    }
+  }
+
+ private:
+  const Item *item() const {
+    if (fault_.item < 0) return nullptr;
+    return &trace_.items()[static_cast<std::size_t>(fault_.item)];
+  }
+  const Frame &frame() const { return trace_.frames()[static_cast<std::size_t>(fault_.frame)]; }
+  std::string key() const {
+    return item() == nullptr ? "the key" : excerpt(trace_.key_word_of(*item()));
+  }
+  std::string value() const {
+    return item() == nullptr ? "\"\"" : in_quotes(trace_.value_of(*item()));
+  }
+  std::string met() const { return quoted_token(subject_, fault_.at); }
+  std::string_view text() const { return subject_.text.text(); }
+  std::string end() const {
+    return "the " + std::string(subject_.noun) + " ends at " +
+           subject_.text.place(subject_.text.size());
+  }
+
+  Diagnosis found(Rule rule, std::string text, std::string remedy = {}) const {
+    return found_at(rule, fault_.at, std::move(text), std::move(remedy));
+  }
+  Diagnosis found_at(Rule rule, Offset at, std::string text, std::string remedy = {}) const {
+    return {rule, at, trace_.path(fault_.frame), std::move(text), std::move(remedy)};
+  }
+
+  // Where the block at hand was opened.
+  Offset block_open() const {
+    const int opener = frame().item >= 0 ? frame().item : 0;
+    return trace_.items()[static_cast<std::size_t>(opener)].open;
+  }
+
+  Diagnosis unknown_key() const {
+    const std::string_view word = trace_.key_word_of(*item());
+    if (item()->key.end - item()->key.begin >= 256) return cut(item()->key, "this key");
+    const std::string_view near = near_key(word, frame().block);
+    std::string remedy;
+    if (!near.empty())
+      remedy = "did you mean " + std::string(near) + "?";
+    else if (frame().block == Block::entry)
+      remedy = "an entry is made of DESCRIPTION blocks";
+    return found(Rule::unknown_key, "unknown key " + key(), remedy);
+  }
+
+  Diagnosis misplaced_key() const {
+    return found(Rule::misplaced_key,
+                 "misplaced key " + key() + ": it belongs in " + places_of(item()->type));
+  }
+
+  Diagnosis no_block() const {
+    if (fault_.at >= text().size())
+      return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
+    if (equal_but_for_case(name_, "IFILE"))
+      return found(Rule::ifile, "IFILE is read as a name: included files are not supported");
+    const std::string_view odd = odd_character(text().substr(fault_.at, 4));
+    if (!odd.empty() && text().substr(fault_.at).starts_with(odd))
+      return found(Rule::odd_bytes,
+                   "expected \"(\" after \"=\", found the invisible character " + visible(odd));
+    if (text().substr(fault_.at).starts_with("\"("))
+      return found(Rule::quoted_entry, "expected \"(\" after \"=\", found a value in quotes");
+    return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
+  }
+
+  // A comment between the value and what was met, which hides a ")".
+  std::optional<Offset> hiding_comment() const {
+    if (item() == nullptr || !item()->has_value) return std::nullopt;
+    const auto hidden = find_hidden(text(), item()->value.end, fault_.at, ')');
+    if (!hidden || !hidden->in_comment) return std::nullopt;
+    return static_cast<Offset>(text().find('#', item()->value.end));
+  }
+
+  Diagnosis comment_in_value(Offset at) const {
+    return found_at(Rule::comment_in_value, at,
+                    "this comment after the value of " + key() + " hides the \")\": found " +
+                        met() + " at " + subject_.text.place(fault_.at));
+  }
+
+  Diagnosis cut(Span token, const std::string &what) const {
+    const auto quote = open_quote(text(), token.begin, token.end);
+    if (quote)
+      return found_at(Rule::unclosed_quote, *quote,
+                      "unterminated quote: not closed within 256 characters");
+    return found_at(Rule::key_cut, token.begin, what + " is cut at 256 characters");
+  }
+
+  Diagnosis value_goes_on() const {
+    if (item() != nullptr && item()->text_length >= 256)
+      return cut(item()->value, "the value of " + key());
+    if (const auto comment = hiding_comment()) return comment_in_value(*comment);
+    const std::string text = "expected \")\" after the value of " + key() + ", found " + met();
+    if (fault_.met == TNS_LEFT_PARENTHESES) return found(Rule::missing_close, text);
+    return found(Rule::unquoted_value, text);
+  }
+
+  Diagnosis input_ended() const {
+    if (const auto comment = hiding_comment(); comment && !fault_.between)
+      return comment_in_value(*comment);
+    const bool in_item = !fault_.between || fault_.frame == 0;
+    const Offset open = in_item && item() != nullptr ? item()->open : block_open();
+    return found_at(Rule::unclosed_block, open, "this \"(\" is never closed: " + end());
+  }
+
+  Diagnosis key_unended() const {
+    const auto quote = open_quote(text(), fault_.at, static_cast<Offset>(text().size()));
+    if (quote) return found_at(Rule::unclosed_quote, *quote, "unterminated quote: " + end());
+    return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
+  }
+
+  Diagnosis bad_value() const {
+    if (fault_.kind == FaultKind::bad_protocol)
+      return found(Rule::bad_protocol,
+                   "unsupported protocol " + value() + ": only TCP is supported");
+    if (fault_.kind == FaultKind::bad_number)
+      return found(Rule::bad_number, key() + " is " + value() + ", not a 64-bit integer");
+    const std::vector<std::string_view> words = choices(*trace_.row_of(*item()));
+    const std::string_view near = near_word(trace_.value_of(*item()), words);
+    return found(Rule::bad_word, key() + " is " + value() + ": expected " + one_of(words),
+                 near.empty() ? "" : "did you mean " + std::string(near) + "?");
+  }
+
+  Diagnosis misplaced_token() const {
+    switch (fault_.kind) {
+      case FaultKind::empty_block:
+        return found(Rule::empty_block, key() + " is empty");
+      case FaultKind::value_for_block:
+        return found(Rule::value_for_block,
+                     "expected a block as the value of " + key() + ", found " + met());
+      case FaultKind::not_closed:
+        return found(Rule::missing_close, "expected \"(\" or \")\", found " + met() +
+                                              ": the block was opened at " +
+                                              subject_.text.place(block_open()));
+      case FaultKind::missing_key:
+        return found(Rule::missing_key, "expected a key after \"(\", found " + met());
+      case FaultKind::missing_equal:
+        return found(Rule::missing_equal, "expected \"=\" after " + key() + ", found " + met());
+      case FaultKind::missing_value:
+        return found(Rule::missing_value, key() + " has no value");
+      case FaultKind::block_for_value:
+        return found(Rule::block_for_value, key() + " takes a value, not a block");
+      default:
+        return whole_item();
+    }
+  }
+
+  Diagnosis whole_item() const {
+    switch (fault_.kind) {
+      case FaultKind::second_address:
+        return found(Rule::second_address,
+                     "this ADDRESS follows another ADDRESS or an ADDRESS_LIST");
+      case FaultKind::second_connect_data:
+        return found(Rule::second_connect_data,
+                     "second CONNECT_DATA: it is dropped, and ends its description");
+      case FaultKind::key_too_long:
+        return found(Rule::key_refused,
+                     "a token of 256 characters ends at a 1024-byte read boundary");
+      default:
+        return found(Rule::unexplained, "the library refuses the entry");
+    }
+  }
+
+  const Subject &subject_;
+  const Trace &trace_;
+  const Fault &fault_;
+  std::string_view name_;
+};
+
+}  // namespace
+
+Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name) {
+  return FaultExplainer(subject, trace, name).diagnose();
+}
+
+std::string quoted_token(const Subject &subject, Offset at) {
+  const std::string_view text = std::string_view(subject.text.text()).substr(at, 64);
+  if (text.empty()) return "the end of the " + std::string(subject.noun);
+  if (text[0] == '"') {
+    const std::size_t close = text.find('"', 1);
+    return excerpt(text.substr(0, close == std::string_view::npos ? 40 : close + 1));
+  }
+  const std::size_t length = text.find_first_of(" \t\r\n()=");
+  return in_quotes(text.substr(0, std::max<std::size_t>(length, 1)));
+}
+
+std::string_view odd_character(std::string_view text) {
+  constexpr std::string_view sequences[] = {"\xC2\xA0",     "\xEF\xBB\xBF", "\xE2\x80\x8B",
+                                            "\xE2\x80\xA8", "\xE2\x80\xAF", "\xE3\x80\x80"};
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte < 0x20 || byte == 0x7F) return text.substr(i, 1);
+    for (const std::string_view sequence : sequences)
+      if (text.substr(i).starts_with(sequence)) return text.substr(i, sequence.size());
+    // A lone byte of the usual 8-bit sets.
+    if (byte == 0xA0 && (i == 0 || static_cast<unsigned char>(text[i - 1]) < 0x80))
+      return text.substr(i, 1);
+  }
+  return {};
+}
+
+}  // namespace kztns

@@ -1,0 +1,34 @@
+// What the trace of a build means for people.
+#pragma once
+
+#include "rules/findings.h"
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// Where a traced text comes from.
+struct Subject {
+  const NamesText &text;
+  std::string_view noun;  // "file" or "text"
+};
+
+// A finding on its way: the rule, the place and the words.
+struct Diagnosis {
+  Rule rule;
+  Offset at;
+  std::string path;
+  std::string text;
+  std::string remedy = {};
+};
+
+// Explains the trace's fault, of which there is one; name is the entry's.
+Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name);
+
+// A token as a message quotes it.
+std::string quoted_token(const Subject &subject, Offset at);
+
+// The invisible character that stands at a place or in a text, "\xc2\xa0" for
+// example; empty for none.
+std::string_view odd_character(std::string_view text);
+
+}  // namespace kztns

@@ -1,0 +1,201 @@
+#include "rules/entry_warnings.h"
+
+#include <charconv>
+#include <optional>
+
+#include "kzoci/platform/level_names.h"
+#include "kzoci/platform/my_strtoll10.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+std::optional<sb8> number(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  sb8 value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+bool may_be_negative(KZCILBKeyType type) {
+  return type == LB_KZ_MODE || type == LB_USE_DEFAULT_SID || type == LB_RETRY_DELAY;
+}
+
+// What is stored, or handed out, of a number that a field does not hold; absent
+// when it holds it.
+std::optional<std::string> narrowed(KZCILBKeyType type, sb8 value) {
+  switch (type) {
+    case LB_SLOWSQL_FLUSH_SECOND:
+      if (value == static_cast<ub4>(value)) return std::nullopt;
+      return std::to_string(static_cast<ub4>(value)) + " is stored";
+    case LB_LOG_COUNT:
+      if (value == static_cast<ub4>(value)) return std::nullopt;
+      return std::to_string(value > 0 ? 0 : static_cast<ub4>(value)) + " is stored";
+    case LB_LOG_SIZE:
+      if (value >= 0x100000) return std::nullopt;
+      return "1048576 is stored";
+    case LB_KZ_MODE:
+      if (value == static_cast<sb4>(value)) return std::nullopt;
+      return std::to_string(static_cast<sb4>(value)) + " is handed out";
+    default:
+      return std::nullopt;
+  }
+}
+
+bool is_level(std::string_view text) {
+  for (const char *const level : kzoci::platform::level_names)
+    if (equal_but_for_case(text, level)) return true;
+  return false;
+}
+
+class EntryWarnings {
+ public:
+  EntryWarnings(const Trace &trace, std::string_view name, Findings &findings)
+      : trace_(trace), name_(name), findings_(findings) {}
+
+  void report() {
+    for (const Item &item : trace_.items()) check_item(item);
+    if (trace_.is_system_variables()) return;
+    const std::vector<Frame> &frames = trace_.frames();
+    for (std::size_t i = 1; i < frames.size(); ++i) check_block(static_cast<int>(i));
+  }
+
+ private:
+  void add(Rule rule, Offset at, int frame, const std::string &text) {
+    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text});
+  }
+
+  // About an item's value.
+  void add(Rule rule, const Item &item, const std::string &text) {
+    add(rule, item.value.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
+  }
+
+  // About the item itself.
+  void add_item(Rule rule, const Item &item, const std::string &text) {
+    add(rule, item.key.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
+  }
+
+  std::string value_of(const Item &item) const {
+    return " is \"" + excerpt(trace_.value_of(item)) + "\"";
+  }
+
+  void check_item(const Item &item) {
+    const Key *const key = trace_.row_of(item);
+    if (item.type == LB_ERROR_KEY || (trace_.is_system_variables() && key == nullptr))
+      return add_item(Rule::unknown_setting, item, " is not a system variable");
+    if (!item.has_value || key == nullptr) return;
+    if (item.dropped) return add_dropped(item, *key);
+#define RULE(...)
+#define BLOCK_RULE(...)
+#define VALUE_RULE(rule, ...) check_##rule(item, *key);
+#include "rules/rules.def"
+  }
+
+  void add_dropped(const Item &item, const Key &key) {
+    add(Rule::overlong_value, item,
+        " of " + std::to_string(item.text_length) + " characters is dropped: the limit is " +
+            std::to_string(key.value.limit));
+  }
+
+  void check_bad_port(const Item &item, const Key &) {
+    if (item.type != LB_PORT) return;
+    const std::optional<sb8> port = number(trace_.value_of(item));
+    if (!port || *port < 1 || *port > 65535)
+      add(Rule::bad_port, item, value_of(item) + ", not a number from 1 to 65535");
+  }
+
+  void check_log_level(const Item &item, const Key &) {
+    if (item.type == LB_LOG_LEVEL && !is_level(trace_.value_of(item)))
+      add(Rule::log_level, item, value_of(item) + ", not a log level");
+  }
+
+  void check_abbreviated_word(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::word) return;
+    const std::string_view text = trace_.value_of(item);
+    for (const std::string_view word : choices(key)) {
+      if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
+        continue;
+      if (text.size() < word.size())
+        add(Rule::abbreviated_word, item, value_of(item) + ", read as " + std::string(word));
+      return;
+    }
+  }
+
+  void check_retry_delay(const Item &item, const Key &) {
+    if (item.type == LB_RETRY_DELAY) add_item(Rule::retry_delay, item, " is read but ignored");
+  }
+
+  void check_narrowed_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
+    const std::optional<sb8> value = number(trace_.value_of(item));
+    if (!value) return add_too_large(item);
+    if (const auto stored = narrowed(item.type, *value))
+      add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
+  }
+
+  void check_negative_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || may_be_negative(item.type)) return;
+    const std::optional<sb8> value = number(trace_.value_of(item));
+    if (value && *value < 0 && !narrowed(item.type, *value))
+      add(Rule::negative_number, item, " is " + std::to_string(*value));
+  }
+
+  // The library takes numbers up to twice what 64 bits hold, the upper half as
+  // negative ones.
+  void add_too_large(const Item &item) {
+    std::string text(trace_.value_of(item));
+    char *end = text.data() + text.size();
+    int error = 0;
+    const sb8 stored = my_strtoll10(text.data(), &end, &error);
+    if (error == 0 && stored < 0)
+      add(Rule::narrowed_number, item,
+          " is " + excerpt(text) + ": " + std::to_string(stored) + " is stored");
+  }
+
+  void check_block(int index) {
+    const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];
+    const Offset at = trace_.items()[static_cast<std::size_t>(frame.item)].key.begin;
+#define RULE(...)
+#define VALUE_RULE(...)
+#define BLOCK_RULE(rule, ...) check_##rule(index, frame, at);
+#include "rules/rules.def"
+  }
+
+  void check_no_host(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_HOST))
+      add(Rule::no_host, at, index, "no HOST");
+  }
+
+  void check_no_port(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_PORT))
+      add(Rule::no_port, at, index, "no PORT");
+  }
+
+  void check_no_address(int index, const Frame &frame, Offset at) {
+    if (frame.keys.has(LB_ADDRESS)) return;
+    if (frame.block == Block::address_list)
+      add(Rule::no_address, at, index, "no ADDRESS in this list");
+    else if (frame.block == Block::description && !frame.keys.has(LB_ADDRESS_LIST))
+      add(Rule::no_address, at, index, "no ADDRESS: the tree cannot be displayed");
+  }
+
+  // A link string may be meant to go without.
+  void check_no_service(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::description && !frame.inner_keys.has(LB_SERVICE_NAME) &&
+        !frame.inner_keys.has(LB_SID) && !frame.inner_keys.has(LB_USE_DEFAULT_SID))
+      add(Rule::no_service, at, index, "neither SERVICE_NAME nor SID");
+  }
+
+  const Trace &trace_;
+  std::string_view name_;
+  Findings &findings_;
+};
+
+}  // namespace
+
+void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings) {
+  EntryWarnings(trace, name, findings).report();
+}
+
+}  // namespace kztns

@@ -1,0 +1,12 @@
+// Warnings: what the library accepts, but is hardly intended.
+#pragma once
+
+#include "rules/findings.h"
+#include "trace/build_trace.h"
+
+namespace kztns {
+
+// Reports the warnings about an entry that is built; name is the entry's.
+void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings);
+
+}  // namespace kztns

@@ -1,0 +1,30 @@
+// The rules that findings refer to; rules.def is their table.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace kztns {
+
+enum class Severity { error, warning, note };
+
+enum class Rule {
+#define RULE(rule, ...) rule,
+#include "rules/rules.def"
+  count  // bound; no rule
+};
+
+struct RuleRow {
+  std::string_view id;  // as in "[unknown-key]"
+  Severity severity;
+  std::string_view text;    // what it is about, in general
+  std::string_view remedy;  // what to do
+};
+
+constexpr std::size_t rule_count = static_cast<std::size_t>(Rule::count);
+
+const RuleRow &row_of(Rule rule);
+
+std::string_view name_of(Severity severity);  // "error"
+
+}  // namespace kztns

@@ -1,0 +1,323 @@
+#include "scan/file_scan.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "scan/written_entries.h"
+#include "text/name_index.h"
+
+namespace kztns {
+namespace {
+
+Offset here(const KZCITnsParseParams &params) {
+  return static_cast<Offset>(params.description_offset) - params.buffer_len + params.buffer_pos;
+}
+
+// What a parse met instead of the token that was expected. Listens to the tokens
+// between the entries.
+class MetToken : public LogListener {
+ public:
+  KZCITnsTokenType met = TNS_ERROR_TYPE;
+
+ private:
+  void record(log_level, const char *format, std::va_list arguments) override {
+    if (message_of(format) != MessageId::other_token) return;
+    std::va_list again;
+    va_copy(again, arguments);
+    va_arg(again, int);
+    met = static_cast<KZCITnsTokenType>(va_arg(again, int));
+    va_end(again);
+  }
+};
+
+}  // namespace
+
+// Builds entries, decides on their verdicts and shows them to the visitor.
+class Builder {
+ public:
+  Builder(const NamesText &text, EntryVisitor &visitor) : visitor_(visitor), trace_(text.text()) {}
+
+  const Trace &trace() const { return trace_; }
+
+  // Builds what stands after an entry's "=", then calls then(service, end).
+  template <class Then>
+  void build(const KZCITnsParseParams &at_body, const Then &then) {
+    const AllocationScope scope;
+    KZCITns tns = {};
+    KZCITnsParseParams params = at_body;
+    {
+      const Listening listening(trace_);
+      trace_.begin(params);
+      KZCITnsServiceBuild(&tns, &params);
+    }
+    then(tns.tns_service, here(params));
+  }
+
+  void show(const Entry &entry, std::string_view name, KZCITnsService *service, const Stop *stop) {
+    visitor_.visit({entry, name, trace_, service, stop});
+    if (++shown_ % 256 == 0) visitor_.progress(entry.at);
+  }
+
+ private:
+  EntryVisitor &visitor_;
+  Trace trace_;
+  std::size_t shown_ = 0;
+};
+
+// The way that a lookup goes through the file, to where it ends.
+class Walk {
+ public:
+  Walk(FileScan &scan, Builder &builder, NameIndex &names)
+      : scan_(scan), builder_(builder), names_(names) {
+    params_ = parse_at(scan.text_.text(), 0);
+  }
+
+  void run() {
+    while (read_name() && take_entry()) {
+    }
+  }
+
+ private:
+  const std::string &text() const { return scan_.text_.text(); }
+
+  bool stop(StopKind kind, Offset at, Offset name, KZCITnsTokenType met) {
+    scan_.stop_ = {kind, at, name, met};
+    return false;
+  }
+
+  // Reads a name and its "=".
+  bool read_name() {
+    MetToken listener;
+    const Listening listening(listener);
+    const Offset from = here(params_);
+    sword status = KZCITnsParse(&params_, TNS_KEY);
+    const Offset at = std::min(pass_module_blanks(from), scan_.text_.size());
+    if (status == 100)
+      return stop(at == scan_.text_.size() ? StopKind::end : StopKind::lost_name, at, at,
+                  listener.met);
+    if (status != 0)
+      return stop(listener.met == TNS_ERROR_TYPE ? StopKind::name_too_long : StopKind::no_name, at,
+                  at, listener.met);
+    const Offset name_end = here(params_);
+    status = KZCITnsParse(&params_, TNS_EQUAL_SIGN);
+    if (status != 0)
+      return stop(status == 100 ? StopKind::lost_name : StopKind::no_equal, here(params_), at,
+                  listener.met);
+    begin_entry(at, name_end);
+    return true;
+  }
+
+  // Unlike for a reader of the text, a zero byte ends a comment.
+  Offset pass_module_blanks(Offset at) const {
+    for (at = pass_once(at); at < text().size() && text()[at] == '#'; at = pass_once(at))
+      at = static_cast<Offset>(
+          std::min(text().find_first_of(std::string_view("\n\0", 2), at), text().size()));
+    return at;
+  }
+
+  Offset pass_once(Offset at) const {
+    while (at < text().size() && std::strchr(" \t\r\n", text()[at]) != nullptr && text()[at] != 0)
+      ++at;
+    return at;
+  }
+
+  void begin_entry(Offset at, Offset name_end) {
+    entry_ = {};
+    entry_.at = at;
+    entry_.body = here(params_);
+    entry_.reached = true;
+    entry_.name_length = static_cast<std::uint16_t>(params_.tns_key_len);
+    entry_.quoted = name_end - at != params_.tns_key_len;
+    entry_.name = at;
+    if (!entry_.quoted) return;
+    entry_.name = static_cast<Offset>(scan_.names_.size());
+    scan_.names_.append(params_.tns_key, params_.tns_key_len);
+  }
+
+  bool is_second() {
+    const std::string_view name = scan_.name(entry_);
+    const auto index = static_cast<std::uint32_t>(scan_.entries_.size());
+    return names_.find_or_add(name_hash(name), index, [&](std::uint32_t other) {
+      return same_name(scan_.name(scan_.entries_[other]), name);
+    }) != NameIndex::none;
+  }
+
+  Verdict verdict(bool built) {
+    const std::string_view name = scan_.name(entry_);
+    // Such a name is never looked up: it is built itself.
+    if (IsDescriptionTns(const_cast<char *>(name.data()), entry_.name_length))
+      return Verdict::unreachable;
+    if (is_second()) return Verdict::shadowed;
+    if (!built) return Verdict::refused;
+    return builder_.trace().is_system_variables() ? Verdict::reserved : Verdict::ok;
+  }
+
+  // Builds the entry, passes it over as a lookup does, and shows it.
+  bool take_entry() {
+    bool goes_on = false;
+    builder_.build(params_, [&](KZCITnsService *service, Offset end) {
+      entry_.built = service != nullptr;
+      entry_.end = end;
+      entry_.verdict = verdict(entry_.built);
+      const Offset body = here(params_);
+      goes_on = pass_over();
+      note_skip_mismatch();
+      scan_.last_reached_ = entry_;
+      scan_.entries_.push_back(entry_);
+      builder_.show(entry_, scan_.name(entry_), service, goes_on ? nullptr : &scan_.stop_);
+      goes_on = goes_on && can_afford(end - body);
+    });
+    return goes_on;
+  }
+
+  bool pass_over() {
+    MetToken listener;
+    const Listening listening(listener);
+    const sword status = KZCITnsServiceSkip(&params_);
+    if (status == 0 && params_.is_eof == 0) return true;
+    if (status == 0) return stop(StopKind::reserved, entry_.at, entry_.at, listener.met);
+    const bool opened = params_.tns_token_type == TNS_LEFT_PARENTHESES;
+    return stop(opened ? StopKind::never_balanced : StopKind::no_open, here(params_), entry_.at,
+                listener.met);
+  }
+
+  // Of an entry that is built well the end is known.
+  void note_skip_mismatch() {
+    const std::optional<Offset> &end = builder_.trace().first_block_end();
+    if (!entry_.built || !end || scan_.stop_.kind == StopKind::reserved) return;
+    const bool balanced = scan_.stop_.kind == StopKind::end;
+    const Offset passed_to = balanced ? here(params_) : scan_.text_.size();
+    constexpr std::size_t most = 100;
+    if (passed_to != *end && scan_.skip_mismatches_.size() < most)
+      scan_.skip_mismatches_.push_back({entry_.body, *end, passed_to});
+  }
+
+  // An entry may be built far past the place to which it is skipped, and
+  // the next one too: a file made for it costs the square of its length.
+  bool can_afford(Offset cost) {
+    constexpr std::uint64_t basis = 64 << 20;
+    spent_ += cost;
+    if (spent_ <= basis + std::uint64_t{scan_.text_.size()} * 16) return true;
+    return stop(StopKind::gave_up, here(params_), here(params_), TNS_ERROR_TYPE);
+  }
+
+  FileScan &scan_;
+  Builder &builder_;
+  NameIndex &names_;
+  KZCITnsParseParams params_;
+  Entry entry_ = {};
+  std::uint64_t spent_ = 0;
+};
+
+// The entries that stand in the text but are not reached.
+class UnreachedEntries {
+ public:
+  UnreachedEntries(FileScan &scan, Builder &builder, NameIndex &names)
+      : scan_(scan), builder_(builder), names_(names), reached_(scan.entries_.size()) {}
+
+  void run() {
+    for_each_written_entry(scan_.text_.text(),
+                           [this](const WrittenEntry &written) { take(written); });
+    std::inplace_merge(scan_.entries_.begin(),
+                       scan_.entries_.begin() + static_cast<std::ptrdiff_t>(reached_),
+                       scan_.entries_.end(),
+                       [](const Entry &left, const Entry &right) { return left.at < right.at; });
+  }
+
+ private:
+  const Entry &reached(std::size_t i) const { return scan_.entries_[i]; }
+
+  // Whether an entry that is reached has this place as its name, or is built over
+  // it.
+  bool is_known(const WrittenEntry &written) {
+    while (next_ < reached_ && reached(next_).at <= written.name_begin) ++next_;
+    if (next_ == 0) return false;
+    const Entry &before = reached(next_ - 1);
+    return before.at == written.name_begin || before.body == written.body ||
+           (before.built && written.name_begin < before.end);
+  }
+
+  KZCITnsParseParams at_body(const Entry &entry) const {
+    KZCITnsParseParams params = parse_at(scan_.text_.text(), entry.body);
+    const std::string_view name = scan_.name(entry);
+    std::memcpy(params.tns_key, name.data(), name.size());
+    params.tns_key_len = entry.name_length;
+    params.tns_token_type = TNS_EQUAL_SIGN;
+    return params;
+  }
+
+  void take(const WrittenEntry &written) {
+    if (is_known(written)) return;
+    Entry entry = {};
+    entry.at = written.name_begin;
+    entry.body = written.body;
+    entry.name = written.name_begin;
+    entry.name_length =
+        static_cast<std::uint16_t>(std::min<Offset>(written.name_end - written.name_begin, 256));
+    entry.in_list = written.in_list;
+    const std::string_view name = scan_.name(entry);
+    const std::uint32_t first = names_.find_or_add(
+        name_hash(name), static_cast<std::uint32_t>(scan_.entries_.size()),
+        [&](std::uint32_t other) { return same_name(scan_.name(scan_.entries_[other]), name); });
+    entry.verdict = first < reached_ ? Verdict::shadowed : Verdict::unreachable;
+    builder_.build(at_body(entry), [&](KZCITnsService *service, Offset end) {
+      entry.built = service != nullptr;
+      entry.end = end;
+      scan_.entries_.push_back(entry);
+      builder_.show(entry, name, service, nullptr);
+    });
+  }
+
+  FileScan &scan_;
+  Builder &builder_;
+  NameIndex &names_;
+  std::size_t reached_;  // entries that the walk found
+  std::size_t next_ = 0;
+};
+
+KZCITnsParseParams parse_at(const std::string &text, Offset at) {
+  KZCITnsParseParams params;
+  std::memset(&params, 0, sizeof params);
+  params.mode = TNS_MODE_DESCRIPTION;
+  params.description = const_cast<char *>(text.data());
+  params.description_len = static_cast<int>(text.size());
+  constexpr Offset piece = sizeof params.tns_buffer;
+  params.description_offset = static_cast<int>(at / piece * piece);
+  if (at % piece != 0) {
+    KZCITnsCheckBuffer(&params);
+    params.buffer_pos = at % piece;
+  }
+  return params;
+}
+
+FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) {
+  Builder builder(text, visitor);
+  NameIndex names;
+  Walk(*this, builder, names).run();
+  UnreachedEntries(*this, builder, names).run();
+}
+
+std::string_view name_of(Verdict verdict) {
+  constexpr std::string_view names[] = {"ok", "refused", "unreachable", "shadowed", "reserved"};
+  return names[static_cast<std::size_t>(verdict)];
+}
+
+// A descriptor is built as an entry is, under some name.
+void build_literal(const NamesText &text, Trace &trace) {
+  const AllocationScope scope;
+  KZCITns tns = {};
+  KZCITnsParseParams params = parse_at(text.text(), 0);
+  params.tns_key[0] = '-';
+  params.tns_key_len = 1;
+  const Listening listening(trace);
+  trace.begin(params);
+  KZCITnsServiceBuild(&tns, &params);
+}
+
+bool ends_lookups(std::string_view name) {
+  return std::string_view(kzoci::tns::reserved_name).starts_with(name);
+}
+
+}  // namespace kztns

@@ -1,0 +1,115 @@
+// What lookups in a names file come upon: every entry with its verdict, found by
+// walking the file as a lookup does and building each entry with the library.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kzoci/oci_tnsname.h"
+#include "scan/verdict.h"
+#include "text/names_text.h"
+#include "trace/build_trace.h"
+
+namespace kztns {
+
+struct Entry {
+  Offset at;    // its name
+  Offset body;  // after the "="
+  Offset end;   // to where it is built
+  Offset name;  // index of the name's text, see FileScan::name
+  std::uint16_t name_length;
+  bool quoted : 1;   // the name is written in quotes
+  bool reached : 1;  // by lookups of names that are not found before
+  bool in_list : 1;  // one of several names
+  bool built : 1;    // whether the library builds what stands there
+  Verdict verdict;
+};
+
+// Where a lookup of a name that stands nowhere ends.
+enum class StopKind {
+  end,             // of the file
+  reserved,        // at an entry that ends every lookup
+  no_name,         // another token where a name is expected
+  no_equal,        // another token after a name
+  no_open,         // an entry's value does not begin with "("
+  never_balanced,  // the file ends in passing over an entry
+  lost_name,       // the file ends within a name, or after it
+  name_too_long,
+  gave_up  // the walk came over the same text too often
+};
+
+struct Stop {
+  StopKind kind = StopKind::end;
+  Offset at = 0;    // of the token at fault
+  Offset name = 0;  // no_equal, lost_name: where the name begins
+  KZCITnsTokenType met = TNS_ERROR_TYPE;
+};
+
+// An entry that is passed over to another end than the one it is built to.
+struct SkipMismatch {
+  Offset body;
+  Offset built_to;   // after the ")" of its first block
+  Offset passed_to;  // the text's size when the skip finds no end
+};
+
+// What a visitor is shown of an entry. All of it is gone after the visit.
+struct EntryView {
+  const Entry &entry;
+  std::string_view name;
+  const Trace &trace;       // of its build
+  KZCITnsService *service;  // null when it cannot be built
+  const Stop *stop;         // where passing it over ends every lookup; null as a rule
+};
+
+class EntryVisitor {
+ public:
+  virtual void visit(const EntryView &view) = 0;
+  // Called now and then with the place in the text.
+  virtual void progress(Offset at) = 0;
+
+ protected:
+  ~EntryVisitor() = default;
+};
+
+class FileScan {
+ public:
+  // Walks through the text; the visitor sees every entry as it is built, which
+  // is not quite the order of the text.
+  FileScan(const NamesText &text, EntryVisitor &visitor);
+
+  const std::vector<Entry> &entries() const { return entries_; }  // in the text's order
+  const Stop &stop() const { return stop_; }
+  const std::vector<SkipMismatch> &skip_mismatches() const { return skip_mismatches_; }
+  // The entry that was reached last; null for none.
+  const Entry *last_reached() const { return last_reached_ ? &*last_reached_ : nullptr; }
+
+  std::string_view name(const Entry &entry) const {
+    const std::string &from = entry.quoted ? names_ : text_.text();
+    return std::string_view(from).substr(entry.name, entry.name_length);
+  }
+
+ private:
+  friend class Walk;
+  friend class UnreachedEntries;
+
+  const NamesText &text_;
+  std::vector<Entry> entries_;
+  std::optional<Entry> last_reached_;
+  std::string names_;  // of entries whose names are written in quotes
+  Stop stop_;
+  std::vector<SkipMismatch> skip_mismatches_;
+};
+
+// Traces the build of a literal descriptor, as far as its description goes.
+void build_literal(const NamesText &text, Trace &trace);
+
+// A parse state that stands at a place of the text, as a lookup's would: pieces
+// of 1024 bytes from the beginning.
+KZCITnsParseParams parse_at(const std::string &text, Offset at);
+
+// Whether an entry of that name ends every lookup.
+bool ends_lookups(std::string_view name);
+
+}  // namespace kztns

@@ -1,0 +1,178 @@
+#include "scan/written_entries.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace kztns {
+namespace {
+
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
+bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
+
+Offset end_of_line(std::string_view text, Offset from) {
+  return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
+}
+
+// Of a longer list not every name is worth knowing.
+constexpr std::size_t most_names = 256;
+
+class Scanner {
+ public:
+  Scanner(std::string_view text, const std::function<void(const WrittenEntry &)> &visit)
+      : text_(text), visit_(visit) {}
+
+  void run() {
+    while (at_ < text_.size())
+      if (!take_entry()) take_token();
+  }
+
+ private:
+  bool at_line_start() const { return at_ == 0 || text_[at_ - 1] == '\n'; }
+
+  // The names of a list, from a place on; empty when there are none.
+  Offset read_names(Offset at, std::vector<WrittenEntry> &names) {
+    for (bool more = true; more;) {
+      const Offset begin = at;
+      while (at < text_.size() && !ends_name(text_[at]) && text_[at] != ',') ++at;
+      if (at == begin) return begin;
+      if (names.size() == most_names) {
+        // The list's other lines are no beginnings either.
+        no_entry_before_ = begin;
+        return begin;
+      }
+      names.push_back({begin, at, 0, false});
+      at = pass_blanks(text_, at);
+      more = at < text_.size() && text_[at] == ',';
+      if (more) at = pass_blanks(text_, at + 1);
+    }
+    return at;
+  }
+
+  // Whether an entry begins here; if so, visits it and goes past its "=".
+  bool take_entry() {
+    const bool indented = depth_ == 0 && indentation_only();
+    if (!at_line_start() && !indented) return false;
+    if (last_ == '(' || ends_name(text_[at_]) || at_ < no_entry_before_) return false;
+    std::vector<WrittenEntry> names;
+    const Offset equal = read_names(at_, names);
+    if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
+    const Offset open = pass_blanks(text_, equal + 1);
+    if (open >= text_.size() || text_[open] != '(') return false;
+    for (WrittenEntry &name : names) {
+      name.body = equal + 1;
+      name.in_list = names.size() > 1;
+      visit_(name);
+    }
+    at_ = open;
+    depth_ = 0;
+    last_ = '=';
+    return true;
+  }
+
+  bool indentation_only() const {
+    return line_ <= at_ &&
+           text_.substr(line_, at_ - line_).find_first_not_of(" \t") == std::string_view::npos;
+  }
+
+  void take_token() {
+    const char c = text_[at_];
+    if (c == '#') {
+      at_ = end_of_line(text_, at_);
+    } else if (is_blank(c)) {
+      ++at_;
+      if (c == '\n') line_ = at_;
+    } else if (is_sign(c)) {
+      depth_ = c == '(' ? depth_ + 1 : c == ')' ? std::max<std::int64_t>(depth_ - 1, 0) : depth_;
+      last_ = c;
+      ++at_;
+    } else {
+      pass_key();
+      last_ = 'k';
+    }
+    // What stands after another token is no indentation.
+    if (!is_blank(c)) line_ = at_ + 1;
+  }
+
+  void pass_key() {
+    bool in_quotes = false;
+    for (; at_ < text_.size(); ++at_) {
+      const char c = text_[at_];
+      if (c == '"') in_quotes = !in_quotes;
+      if (in_quotes && c == '\n' && begins_entry(at_ + 1)) return;
+      if (!in_quotes && (is_blank(c) || is_sign(c))) return;
+    }
+  }
+
+  // Whether quotes that are still open at a line feed were forgotten.
+  bool begins_entry(Offset line) {
+    if (line >= text_.size() || ends_name(text_[line])) return false;
+    std::vector<WrittenEntry> names;
+    const Offset equal = read_names(line, names);
+    if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
+    const Offset open = pass_blanks(text_, equal + 1);
+    return open < text_.size() && text_[open] == '(';
+  }
+
+  std::string_view text_;
+  const std::function<void(const WrittenEntry &)> &visit_;
+  Offset at_ = 0;
+  Offset line_ = 0;  // where the line begins; after at_ when it has tokens already
+  Offset no_entry_before_ = 0;
+  std::int64_t depth_ = 0;
+  char last_ = '\0';
+};
+
+}  // namespace
+
+Offset pass_blanks(std::string_view text, Offset from) {
+  Offset at = from;
+  while (at < text.size()) {
+    if (text[at] == '#')
+      at = end_of_line(text, at);
+    else if (is_blank(text[at]))
+      ++at;
+    else
+      break;
+  }
+  return at;
+}
+
+void for_each_written_entry(std::string_view text,
+                            const std::function<void(const WrittenEntry &)> &visit) {
+  Scanner(text, visit).run();
+}
+
+std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,
+                                             char parenthesis) {
+  enum { between, in_key, in_quotes, in_comment } state = between;
+  for (Offset at = from; at < to; ++at) {
+    const char c = text[at];
+    if (c == parenthesis && (state == in_comment || state == in_quotes))
+      return HiddenParenthesis{at, state == in_comment};
+    if (state == in_comment) {
+      if (c == '\n') state = between;
+    } else if (c == '"') {
+      state = state == in_quotes ? in_key : in_quotes;
+    } else if (state != in_quotes) {
+      state = is_blank(c) || is_sign(c)      ? between
+              : c == '#' && state == between ? in_comment
+                                             : in_key;
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Offset> open_quote(std::string_view text, Offset from, Offset to) {
+  std::optional<Offset> open;
+  for (Offset at = from; at < to; ++at) {
+    if (text[at] != '"') continue;
+    if (open)
+      open.reset();
+    else
+      open = at;
+  }
+  return open;
+}
+
+}  // namespace kztns

@@ -1,0 +1,45 @@
+// Reading a names file as its author may have meant it: only to name what lookups
+// do not reach, and to explain. Verdicts come from the library alone.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string_view>
+
+#include "text/names_text.h"
+
+namespace kztns {
+
+// After the blanks and comments from a place on.
+Offset pass_blanks(std::string_view text, Offset from);
+
+// A name at the beginning of a line, after which "=" and "(" stand.
+struct WrittenEntry {
+  Offset name_begin;
+  Offset name_end;
+  Offset body;   // after the "="
+  bool in_list;  // one of several names
+};
+
+// Calls visit for the entries that stand in the text, in their order. Quotes and
+// comments are observed; where parentheses or quotes do not balance, reading
+// begins anew at a line whose first column begins "NAME = (". Goes forward only.
+void for_each_written_entry(std::string_view text,
+                            const std::function<void(const WrittenEntry &)> &visit);
+
+// A parenthesis that stands in a comment or in quotes.
+struct HiddenParenthesis {
+  Offset at;
+  bool in_comment;
+};
+
+// The first one of its kind, "(" or ")", between two places; the first place is
+// outside of both.
+std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,
+                                             char parenthesis);
+
+// The place of the last double quote that opens in a token; absent when all that
+// open are closed.
+std::optional<Offset> open_quote(std::string_view text, Offset from, Offset to);
+
+}  // namespace kztns

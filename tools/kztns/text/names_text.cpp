@@ -1,0 +1,64 @@
+#include "text/names_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kztns {
+namespace {
+
+// Line feeds from one place to another move the line's start.
+void count_lines(std::string_view text, std::size_t from, std::size_t to, std::uint32_t &line,
+                 Offset &line_start) {
+  for (std::size_t at = from; at < to;) {
+    const void *const found = std::memchr(text.data() + at, '\n', to - at);
+    if (found == nullptr) return;
+    at = static_cast<std::size_t>(static_cast<const char *>(found) - text.data()) + 1;
+    line_start = static_cast<Offset>(at);
+    ++line;
+  }
+}
+
+}  // namespace
+
+std::string to_string(Position position) {
+  return std::to_string(position.line) + ":" + std::to_string(position.column);
+}
+
+NamesText::NamesText(std::string text) : text_(std::move(text)) {
+  marks_.reserve(text_.size() / stride + 1);
+  Mark mark = {1, 0};
+  for (std::size_t at = 0;; at += stride) {
+    marks_.push_back(mark);
+    if (at + stride > text_.size()) return;
+    count_lines(text_, at, at + stride, mark.line, mark.line_start);
+  }
+}
+
+Position NamesText::position(Offset at) const {
+  const Offset index = std::min<Offset>(at / stride, static_cast<Offset>(marks_.size() - 1));
+  Mark mark = marks_[index];
+  count_lines(text_, std::size_t{index} * stride, at, mark.line, mark.line_start);
+  return {mark.line, at - mark.line_start + 1};
+}
+
+std::uint32_t NamesText::character_column(Offset at) const {
+  const std::uint32_t column = position(at).column;
+  const Offset counted = std::min<Offset>(column - 1, stride);
+  const std::string_view before = std::string_view(text_).substr(at - counted, counted);
+  return column -
+         static_cast<std::uint32_t>(std::count_if(before.begin(), before.end(), [](char c) {
+           return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+         }));
+}
+
+std::string_view NamesText::line_around(Offset at, std::size_t &column) const {
+  constexpr std::size_t most_before = 60;
+  constexpr std::size_t most = 120;
+  const std::size_t in_line = position(at).column - 1;
+  column = std::min(in_line, most_before);
+  const std::string_view rest = std::string_view(text_).substr(at - column, most);
+  const std::size_t end = rest.substr(column).find_first_of("\r\n");
+  return end == std::string_view::npos ? rest : rest.substr(0, column + end);
+}
+
+}  // namespace kztns

@@ -1,0 +1,57 @@
+// The text of a names file, with lines and columns.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/escape.h"
+
+namespace kztns {
+
+// A place in a text, counted in bytes from 0.
+using Offset = std::uint32_t;
+
+// The same for people: both from 1, the column in bytes.
+struct Position {
+  std::uint32_t line = 1;
+  std::uint32_t column = 1;
+
+  bool operator==(const Position &) const = default;
+};
+
+std::string to_string(Position position);  // "3:17"
+
+// A text and where its lines begin. Finding a position takes the same short time
+// wherever it is, also in a line of millions of bytes.
+class NamesText {
+ public:
+  explicit NamesText(std::string text);
+
+  const std::string &text() const { return text_; }
+  Offset size() const { return static_cast<Offset>(text_.size()); }
+  Position position(Offset at) const;
+  std::string place(Offset at) const { return to_string(position(at)); }
+
+  // The column of a place in characters of UTF-8. Of a line of many thousand bytes
+  // the beginning counts in bytes.
+  std::uint32_t character_column(Offset at) const;
+
+  // The line that holds a place, without its line feed; of a long line the part
+  // around the place. column becomes the place's index in what is returned.
+  std::string_view line_around(Offset at, std::size_t &column) const;
+
+ private:
+  // What is known at every multiple of stride.
+  struct Mark {
+    std::uint32_t line;
+    Offset line_start;
+  };
+  static constexpr Offset stride = 4096;
+
+  std::string text_;
+  std::vector<Mark> marks_;
+};
+
+}  // namespace kztns

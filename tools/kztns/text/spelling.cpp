@@ -1,0 +1,70 @@
+#include "text/spelling.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kztns {
+namespace {
+
+// Longer words are near no key word.
+constexpr std::size_t longest = 24;
+
+// Of ASCII letters.
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+
+using Row = std::array<std::size_t, longest + 1>;
+
+// One row of the table of distances of the words' beginnings.
+Row next_row(std::string_view left, std::string_view right, std::size_t i, const Row &before,
+             const Row &two_before) {
+  Row row = {};
+  row[0] = i + 1;
+  for (std::size_t j = 0; j < right.size(); ++j) {
+    const std::size_t other = lower(left[i]) == lower(right[j]) ? 0 : 1;
+    row[j + 1] = std::min({before[j + 1] + 1, row[j] + 1, before[j] + other});
+    const bool swapped = i > 0 && j > 0 && lower(left[i]) == lower(right[j - 1]) &&
+                         lower(left[i - 1]) == lower(right[j]);
+    if (swapped) row[j + 1] = std::min(row[j + 1], two_before[j - 1] + 1);
+  }
+  return row;
+}
+
+// How many slips are forgiven.
+std::size_t slips(std::string_view word) { return word.size() <= 4 ? 1 : 2; }
+
+}  // namespace
+
+std::size_t edit_distance(std::string_view left, std::string_view right, std::size_t limit) {
+  const std::size_t shorter = std::min(left.size(), right.size());
+  const std::size_t longer = std::max(left.size(), right.size());
+  if (longer > longest || longer - shorter > limit) return limit + 1;
+  Row before = {};
+  Row two_before = {};
+  for (std::size_t j = 0; j <= right.size(); ++j) before[j] = j;
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    const Row row = next_row(left, right, i, before, two_before);
+    two_before = before;
+    before = row;
+  }
+  return std::min(before[right.size()], limit + 1);
+}
+
+bool equal_but_for_case(std::string_view left, std::string_view right) {
+  return left.size() == right.size() &&
+         std::equal(left.begin(), left.end(), right.begin(),
+                    [](char a, char b) { return lower(a) == lower(b); });
+}
+
+std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words) {
+  std::size_t best = slips(word) + 1;
+  std::string_view found;
+  for (const std::string_view other : words) {
+    const std::size_t distance = edit_distance(word, other, best);
+    if (distance >= best) continue;
+    best = distance;
+    found = other;
+  }
+  return found;
+}
+
+}  // namespace kztns

@@ -1,0 +1,20 @@
+// What somebody may have meant.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kztns {
+
+// How many letters have to be changed, added, removed or swapped with their
+// neighbour to make one word the other, whatever their case; limit + 1 when it
+// is more than the limit.
+std::size_t edit_distance(std::string_view left, std::string_view right, std::size_t limit);
+
+bool equal_but_for_case(std::string_view left, std::string_view right);
+
+// The one of some words that is near; empty when none is.
+std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words);
+
+}  // namespace kztns

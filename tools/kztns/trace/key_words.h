@@ -1,0 +1,34 @@
+// The keys of the grammar as messages speak of them: where a key belongs, what it may be,
+// what a misspelt one may stand for.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kzoci/oci_tnsname/grammar.h"
+
+namespace kztns {
+
+using kzoci::tns::Block;
+using kzoci::tns::Key;
+using kzoci::tns::ValueKind;
+
+// The key that opens a block; empty for an entry.
+std::string_view opening_key(Block block);
+
+// "DESCRIPTION or ADDRESS_LIST": the blocks of a key.
+std::string places_of(KZCILBKeyType type);
+
+// The words that the value of a key may be, "ON" and "OFF" for example; none for a key
+// that takes no word.
+std::vector<std::string_view> choices(const Key &key);
+
+// "a, b or c"
+std::string one_of(const std::vector<std::string_view> &words);
+
+// The key that a misspelt one stands for; those of the block come first. Empty when none
+// is near.
+std::string_view near_key(std::string_view word, Block block);
+
+}  // namespace kztns
