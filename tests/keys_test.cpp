@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "kzoci/oci_tnsname/grammar.h"
+#include "kzoci/oci_tnsname/items.h"
 #include "support/key_inputs.h"
 #include "support/memory_file.h"
 #include "support/model_reader.h"
@@ -250,6 +251,21 @@ TEST(Keys, DictionaryOfTheFuzzerHasEachWithItsWords) {
     for (const support::Word &word : key.words)
       EXPECT_EQ(words.count(std::string(word.text)), 1u) << word.text;
   }
+}
+
+// A builder that forgets one of its blocks refuses the key instead of reading a value.
+TEST(Keys, ABlockIsNeverReadAsAValue) {
+  support::reset_platform();
+  KZCITnsParseParams params = {};
+  params.key_type = LB_CONNECT_DATA;
+  KZCIDescription des;
+  KZCIDescriptionInit(&des);
+  EXPECT_EQ(read_by_grammar(kzoci::tns::Block::description,
+                            kzoci::tns::message::description_key_refused, &params, &des),
+            -1);
+  EXPECT_EQ(support::log_records(),
+            (support::Lines{"ERROR KZCIDescriptionBuild get error key_type"}));
+  support::reset_platform();
 }
 
 }  // namespace

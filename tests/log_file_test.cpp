@@ -183,6 +183,25 @@ TEST_F(LogSettings, EmptyLevelKeepsTheThreshold) {
   }
 }
 
+TEST_F(LogSettings, ALevelOutsideTheEnumerationIsKept) {
+  kzoci_log_set_threshold(static_cast<log_level>(0));
+  EXPECT_EQ(configure("", path_), 0);
+  EXPECT_EQ(kzoci_log_threshold(), static_cast<log_level>(0));
+}
+
+TEST_F(LogSettings, APathWithAZeroByteIsNotOpened) {
+  std::string path = path_;
+  path += std::string("\0x", 2);
+  EXPECT_EQ(configure("info", path), file_not_opened);
+  EXPECT_FALSE(fs::exists(path_));
+}
+
+// Opening it would wait for a reader, and everything that logs for that.
+TEST_F(LogSettings, APipeThatNobodyReadsIsNotOpened) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(configure("info", path_), file_not_opened);
+}
+
 TEST_F(LogSettings, NullChangesNothing) {
   EXPECT_EQ(kzoci_log_configure(nullptr), settings_null);
   EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_ERROR);

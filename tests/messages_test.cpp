@@ -99,6 +99,21 @@ TEST_F(Messages, BlacklistsAreTheirOwnFormats) {
   EXPECT_TRUE(is_logged("something error in build_black_list_conf"));
 }
 
+// Records of one text are told apart by the place that logs them.
+TEST_F(Messages, EachStepLogsItsOwnPlace) {
+  support::build(tns_, "(DESCRIPTION=(ADDRESS_LIST=(SID=s)))");
+  const auto list = support::log_places("fail to call KZCIAddressListBuild, status:%d");
+  support::reset_platform();
+  support::build(tns_, "(DESCRIPTION=(KZLB_BLACKLIST=(SID=s)))");
+  const auto blacklist = support::log_places("fail to call KZCIAddressListBuild, status:%d");
+  ASSERT_EQ(list.size(), 1u);
+  ASSERT_EQ(blacklist.size(), 1u);
+  EXPECT_NE(list, blacklist);
+  EXPECT_EQ(list[0].substr(0, list[0].find(':')), "kzoci/oci_tnsname/description_build.cpp");
+  EXPECT_EQ(support::log_places("something error in build description")[0].substr(0, 39),
+            "kzoci/oci_tnsname/description_build.cpp");
+}
+
 TEST_F(Messages, ABareAddressThatFailsIsItsOwnFormat) {
   support::build(tns_, "(DESCRIPTION=(ADDRESS=(PROTOCOL=IPC)))");
   EXPECT_TRUE(is_logged("fail to call KZCIAddressBuild"));

@@ -26,7 +26,7 @@ constexpr RecordKind<KZCIDescription> description_kind = {
 // Accepted for the sake of files that are shared with other readers.
 sword read_retry_delay(KZCITnsParseParams *params) {
   sb8 number = 0;
-  const sword status = read_integer(params, &number);
+  const sword status = read_integer(params, [&](sb8 read) { number = read; });
   KZ_LOG(message::retry_delay_read, static_cast<int>(number));
   return status;
 }

@@ -279,6 +279,8 @@ inline constexpr Key grammar[] = {
 #undef KZ_FIELD
 #undef KZ_TEXT
 
+inline constexpr std::size_t rows_of_grammar = std::size(grammar);
+
 // The row of a key in a block; null for a key that has no place there.
 const Key *key_of(Block block, KZCILBKeyType type);
 
@@ -306,21 +308,24 @@ inline void store_number(void *record, const Field &field, sb8 number) {
   }
 }
 
+template <class Stored>
+sb8 stored_number(const void *record, const Field &field) {
+  Stored stored;
+  std::memcpy(&stored, field_of(record, field), sizeof stored);
+  return static_cast<sb8>(stored);
+}
+
 // The number that a field of a record holds.
 inline sb8 number_of(const void *record, const Field &field) {
-  const auto load = [&]<class Stored>(Stored stored) {
-    std::memcpy(&stored, field_of(record, field), sizeof stored);
-    return static_cast<sb8>(stored);
-  };
   switch (field.storage) {
     case Storage::seconds:
-      return load(std::time_t{});
+      return stored_number<std::time_t>(record, field);
     case Storage::count:
-      return load(ub4{});
+      return stored_number<ub4>(record, field);
     case Storage::option:
-      return load(int{});
+      return stored_number<int>(record, field);
     default:
-      return load(sb8{});
+      return stored_number<sb8>(record, field);
   }
 }
 
@@ -332,16 +337,23 @@ inline std::span<const char> text_of(const void *record, const Field &field) {
           length < field.capacity ? length : field.capacity};
 }
 
+// Stores the default of a row's key if the row belongs to one of the blocks.
+template <std::size_t row, Block... blocks>
+void set_default(void *record) {
+  constexpr Value value = grammar[row].value;
+  if constexpr (((grammar[row].block == blocks) || ...) && value.by_default != 0)
+    store_number(record, value.field, value.by_default);
+}
+
+template <Block... blocks, std::size_t... row>
+void set_defaults_of_rows(void *record, std::index_sequence<row...>) {
+  (set_default<row, blocks...>(record), ...);
+}
+
 // Stores the defaults of the keys of some blocks that share a record of zeros.
 template <Block... blocks>
 void set_defaults(void *record) {
-  const auto set = [record]<std::size_t row>() {
-    constexpr Value value = grammar[row].value;
-    if constexpr (((grammar[row].block == blocks) || ...) && value.by_default != 0)
-      store_number(record, value.field, value.by_default);
-  };
-  [&set]<std::size_t... row>(std::index_sequence<row...>) { (set.template operator()<row>(), ...); }
-  (std::make_index_sequence<std::size(grammar)>{});
+  set_defaults_of_rows<blocks...>(record, std::make_index_sequence<rows_of_grammar>{});
 }
 
 }  // namespace kzoci::tns

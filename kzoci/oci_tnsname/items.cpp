@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "kzoci/platform/letter_case.h"
-#include "kzoci/platform/my_strtoll10.h"
 
 namespace kzoci::tns {
 
@@ -26,29 +25,10 @@ sword begin_item(KZCITnsParseParams *params, const Message<int> &key_met) {
   return status;
 }
 
-sword read_integer(KZCITnsParseParams *params, sb8 *number) {
-  // What my_strtoll10 reports for an accepted number, and for a negative one.
-  constexpr int converted = 0;
-  constexpr int converted_negative = -1;
-
-  const sword status = expect(params, TNS_KEY);
-  const ub4 length = key_length(params);
-  char *const text_end = params->tns_key + length;
-  char *end = text_end;
-  int error = converted;
-  *number = my_strtoll10(params->tns_key, &end, &error);
-  if ((error == converted || error == converted_negative) && end == text_end) return status;
-  KZ_LOG(message::bad_integer, static_cast<int>(length), params->tns_key);
-  return failure;
-}
-
 namespace {
 
 sword read_number(const Value &value, KZCITnsParseParams *params, void *record) {
-  sb8 number = 0;
-  const sword status = read_integer(params, &number);
-  store_number(record, value.field, number);
-  return status;
+  return read_integer(params, [&](sb8 number) { store_number(record, value.field, number); });
 }
 
 sword read_text(const Value &value, KZCITnsParseParams *params, void *record) {
@@ -95,7 +75,9 @@ sword read_value(const Key &key, KZCITnsParseParams *params, void *record) {
 sword read_by_grammar(Block block, const Message<> &key_refused, KZCITnsParseParams *params,
                       void *record) {
   const Key *const key = key_of(block, params->key_type);
-  if (key != nullptr) return read_value(*key, params, record);
+  // A block is read by its builder.
+  if (key != nullptr && key->value.kind != ValueKind::block)
+    return read_value(*key, params, record);
   KZ_LOG(key_refused);
   return failure;
 }

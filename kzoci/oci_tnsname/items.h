@@ -13,6 +13,7 @@
 
 #include "grammar.h"
 #include "kzoci/oci_tnsname.h"
+#include "kzoci/platform/my_strtoll10.h"
 #include "log.h"
 #include "status.h"
 #include "tokenizer.h"
@@ -40,8 +41,23 @@ inline ub4 key_length(const KZCITnsParseParams *params) {
 // the status of the read, unless that text is refused as well.
 
 // Integer value: the whole text must be a number, which may be negative. The number is
-// stored even when it is refused.
-sword read_integer(KZCITnsParseParams *params, sb8 *number);
+// given to store(number) before that is checked, so that a refused one is stored as well.
+template <class Store>
+sword read_integer(KZCITnsParseParams *params, Store store) {
+  // What my_strtoll10 reports for an accepted number, and for a negative one.
+  constexpr int converted = 0;
+  constexpr int converted_negative = -1;
+
+  const sword status = expect(params, TNS_KEY);
+  const ub4 length = key_length(params);
+  char *const text_end = params->tns_key + length;
+  char *end = text_end;
+  int error = converted;
+  store(my_strtoll10(params->tns_key, &end, &error));
+  if ((error == converted || error == converted_negative) && end == text_end) return status;
+  KZ_LOG(message::bad_integer, static_cast<int>(length), params->tns_key);
+  return failure;
+}
 
 // Reads the value of a key that is no block into a record of the key's block. A text of
 // more characters than the key's limit is dropped, which does not fail the item; the
@@ -54,16 +70,20 @@ sword read_value(const Key &key, KZCITnsParseParams *params, void *record);
 sword read_by_grammar(Block block, const Message<> &key_refused, KZCITnsParseParams *params,
                       void *record);
 
-inline void log_not_built(const Message<> &not_built, sword) { KZ_LOG(not_built); }
-inline void log_not_built(const Message<sword> &not_built, sword status) {
-  KZ_LOG(not_built, status);
+inline void log_not_built(Place place, const Message<> &not_built, sword) {
+  log_record(place, not_built);
+}
+inline void log_not_built(Place place, const Message<sword> &not_built, sword status) {
+  log_record(place, not_built, status);
 }
 
 // Reads a block's items until one fails or there are no more; read_item_value() reads
-// the value of the item whose key is in params->key_type.
+// the value of the item whose key is in params->key_type. Logs with the place of its
+// caller.
 template <class NotBuilt, class ReadItemValue>
 sword read_block(KZCITnsParseParams *params, const Message<int> &key_met, const NotBuilt &not_built,
-                 ReadItemValue read_item_value) {
+                 ReadItemValue read_item_value, const char *file = __builtin_FILE(),
+                 int line = __builtin_LINE()) {
   sword status = success;
   while (status == success) {
     status = begin_item(params, key_met);
@@ -71,7 +91,7 @@ sword read_block(KZCITnsParseParams *params, const Message<int> &key_met, const 
     if (status == success) status = expect(params, TNS_RIGHT_PARENTHESES);
   }
   if (block_closed(params)) return success;
-  log_not_built(not_built, status);
+  log_not_built({file, line}, not_built, status);
   return failure;
 }
 

@@ -62,7 +62,7 @@ constexpr bool stands_before(std::size_t row) {
 
 constexpr std::size_t number_of_words = [] {
   std::size_t number = 0;
-  for (std::size_t row = 0; row < std::size(grammar); ++row) number += !stands_before(row);
+  for (std::size_t row = 0; row < rows_of_grammar; ++row) number += !stands_before(row);
   return number;
 }();
 
@@ -72,7 +72,7 @@ constexpr auto tns_keys = [] {
   std::array<KeyWord, number_of_words> words{};
   std::size_t taken = 0;
   for (std::size_t length = 1; length <= longest_key_word; ++length)
-    for (std::size_t row = 0; row < std::size(grammar); ++row) {
+    for (std::size_t row = 0; row < rows_of_grammar; ++row) {
       const std::string_view word = grammar[row].word;
       if (word.size() == length && !stands_before(row))
         words[taken++] = make_key_word(word, grammar[row].type);

@@ -10,18 +10,23 @@
 #include "messages.h"
 
 // Logs a record by its name. A macro, so that it carries the file and line of its call.
-#define KZ_LOG(message, ...) \
-  kzoci::tns::log_record((message), __FILE__, __LINE__ __VA_OPT__(, ) __VA_ARGS__)
+#define KZ_LOG(...) kzoci::tns::log_record({__FILE__, __LINE__}, __VA_ARGS__)
 
 namespace kzoci::tns {
+
+// Where a record is logged.
+struct Place {
+  const char *file;
+  int line;
+};
 
 // Each message has checked its format against its arguments; compilers do not see that.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-security"
 template <class... Arguments>
-inline void log_record(const Message<Arguments...> &message, const char *file, int line,
+inline void log_record(Place place, const Message<Arguments...> &message,
                        std::type_identity_t<Arguments>... arguments) {
-  kzoci_log_inner(message.level, file, line, message.format, arguments...);
+  kzoci_log_inner(message.level, place.file, place.line, message.format, arguments...);
 }
 #pragma GCC diagnostic pop
 

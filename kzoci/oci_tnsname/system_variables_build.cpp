@@ -16,16 +16,14 @@ constexpr sb8 smallest_log_size = 0x100000;
 constexpr sb8 largest_log_count = 4294967295;
 
 sword read_log_size(KZCISystemVariables &vars, KZCITnsParseParams *params) {
-  const sword status = read_integer(params, &vars.log_size);
-  vars.log_size = std::max(vars.log_size, smallest_log_size);
-  return status;
+  return read_integer(params,
+                      [&](sb8 number) { vars.log_size = std::max(number, smallest_log_size); });
 }
 
 sword read_log_count(KZCISystemVariables &vars, KZCITnsParseParams *params) {
-  sb8 number = 0;
-  const sword status = read_integer(params, &number);
-  vars.log_count = number <= largest_log_count ? static_cast<ub4>(number) : 0;
-  return status;
+  return read_integer(params, [&](sb8 number) {
+    vars.log_count = number <= largest_log_count ? static_cast<ub4>(number) : 0;
+  });
 }
 
 sword read_variable(const Key &key, KZCISystemVariables &vars, KZCITnsParseParams *params) {

@@ -22,13 +22,15 @@ using kzoci::platform::level_name;
 using kzoci::platform::level_names;
 using kzoci::platform::LogFile;
 
-// The level of this name, in any letter case; 0 when there is none.
+constexpr int level_unknown = -1;
+
+// The level of this name, in any letter case; level_unknown when there is none.
 int level_of(const char *name, ub4 length) {
   for (int level = LOG_LEVEL_TRACE; level <= LOG_LEVEL_SLOWSQL; ++level) {
     const char *const known = level_names[level - 1];
     if (length == std::strlen(known) && kzoci::is_same_text(name, known, length)) return level;
   }
-  return 0;
+  return level_unknown;
 }
 
 struct Logger {
@@ -212,7 +214,7 @@ sword kzoci_log_configure(const kzoci_log_settings *settings) {
   if (settings == nullptr) return settings_null;
   const int level = settings->level_len == 0 ? kzoci_log_threshold()
                                              : level_of(settings->level, settings->level_len);
-  if (level == 0) return level_not_known;
+  if (level == level_unknown) return level_not_known;
   if (settings->path_len > KZOCI_LOG_PATH_MAX) return path_too_long;
   kzoci_log_set_threshold(static_cast<log_level>(level));
 

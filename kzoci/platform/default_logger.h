@@ -3,7 +3,8 @@
  * comes with the library.
  *
  * A record becomes one line: time (UTC, milliseconds), level, source file and
- * line, text. However long, it is written whole, in one piece. Records below
+ * line, text. However long, it is written whole, in one piece, line feeds of
+ * its text included, which slow-SQL batches have. Records below
  * the threshold are dropped before anything is formatted; slow-SQL batches are
  * never dropped. Lines go to standard error until a file or a sink is set; a
  * sink takes precedence over a file.
@@ -92,7 +93,8 @@ typedef struct kzoci_log_settings {
  * starts at the process's working directory at the time of the call.
  *
  * Returns 0; -1: the level's name is not known, nothing was changed; -2:
- * settings is null, nothing was changed; -3: the file cannot be opened, the
+ * settings is null, nothing was changed; -3: the file cannot be opened or is a pipe
+ * that nobody reads, or the path has a zero byte: the
  * threshold is in force and lines go to standard error; -4: the path is too
  * long, nothing was changed.
  *

@@ -2,8 +2,8 @@
  * The log function that the module calls, and its levels.
  *
  * An embedder replaces the default implementation by defining kzoci_log_inner
- * in the program and leaving the default logger out of the link. The default
- * implementation is configured by kzoci/platform/default_logger.h.
+ * in the program, which then must not call the functions of
+ * kzoci/platform/default_logger.h: they configure the default implementation.
  */
 #ifndef KZOCI_PLATFORM_LOG_H
 #define KZOCI_PLATFORM_LOG_H

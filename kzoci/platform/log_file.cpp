@@ -69,6 +69,7 @@ bool LogFile::open(const char *path, std::size_t path_length, sb8 size_limit, ub
 // The path is checked with every line, so it must mean the same file after the
 // program has changed its working directory.
 bool LogFile::set_path(const char *path, std::size_t length) {
+  if (std::memchr(path, '\0', length) != nullptr) return false;
   std::size_t at = 0;
   if (path[0] != '/') {
     if (::getcwd(path_, sizeof path_ - 1) == nullptr) return false;
@@ -89,8 +90,10 @@ void LogFile::close() {
 // The file open before is closed only when the other one is open.
 bool LogFile::open_at_path() {
   constexpr mode_t owner_writes_group_reads = 0640;
+  // Without waiting: a pipe that nobody reads is refused.
   const int opened = uninterrupted([this] {
-    return ::open(path_, O_WRONLY | O_CREAT | O_CLOEXEC | O_APPEND, owner_writes_group_reads);
+    return ::open(path_, O_WRONLY | O_CREAT | O_CLOEXEC | O_APPEND | O_NONBLOCK,
+                  owner_writes_group_reads);
   });
   if (opened == -1) return false;
   struct stat state = {};
@@ -98,6 +101,7 @@ bool LogFile::open_at_path() {
     ::close(opened);
     return false;
   }
+  ::fcntl(opened, F_SETFL, O_APPEND);
   close();
   descriptor_ = opened;
   // A pipe or a device has no size and must not be renamed.

@@ -21,6 +21,7 @@ struct Event {
   std::string text;
   std::string file;
   std::string format;
+  int line;
 };
 
 struct LiveBlock {
@@ -92,7 +93,7 @@ std::string shown(const Event &event) {
 }
 
 void note_memory(std::string text) {
-  recorder().events.push_back({EventKind::memory, LOG_LEVEL_TRACE, std::move(text), "", ""});
+  recorder().events.push_back({EventKind::memory, LOG_LEVEL_TRACE, std::move(text), "", "", 0});
 }
 
 }  // namespace
@@ -173,6 +174,11 @@ std::vector<std::string> log_formats() {
   return select_events(is_log, [](const Event &e) { return e.format; });
 }
 
+std::vector<std::string> log_places(const std::string &format) {
+  return select_events([&](const Event &e) { return is_log(e) && e.format == format; },
+                       [](const Event &e) { return e.file + ":" + std::to_string(e.line); });
+}
+
 std::vector<std::string> log_files() {
   return select_events(is_log, [](const Event &e) { return e.file; });
 }
@@ -198,14 +204,15 @@ std::size_t bad_releases() {
 
 }  // namespace support
 
-extern "C" void kzoci_log_inner(log_level level, const char *file, int, const char *format, ...) {
+extern "C" void kzoci_log_inner(log_level level, const char *file, int line, const char *format,
+                                ...) {
   using namespace support;
   Recorder &r = recorder();
   std::lock_guard lock(r.mutex);
   if (!r.keeps_log) return;
   va_list arguments;
   va_start(arguments, format);
-  r.events.push_back({EventKind::log, level, format_text(format, arguments), file, format});
+  r.events.push_back({EventKind::log, level, format_text(format, arguments), file, format, line});
   va_end(arguments);
 }
 

@@ -51,6 +51,9 @@ std::vector<std::string> log_files();
 // Formats of the records as the module handed them over.
 std::vector<std::string> log_formats();
 
+// Where the records of a format were logged, as "FILE:LINE".
+std::vector<std::string> log_places(const std::string &format);
+
 // Blocks that are allocated now, in the order of their allocation.
 std::vector<Block> live_blocks();
 

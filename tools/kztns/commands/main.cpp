@@ -1,6 +1,7 @@
 // kztns: what a connect identifier resolves to, and what is wrong where it does
 // not.
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <map>
 #include <new>
@@ -276,6 +277,8 @@ std::string usage_message(const CLI::App *, const CLI::Error &error) {
 }  // namespace
 
 int main(int argc, char **argv) {
+  // A file that may not grow is an error of its write, not the end of the process.
+  std::signal(SIGXFSZ, SIG_IGN);
   kztns::reserve_standard_streams();
   CLI::App app("Resolves connect identifiers and checks names files.", "kztns");
   app.set_version_flag("--version", version);

@@ -40,7 +40,12 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
   // The variable would send the tree elsewhere.
   unsetenv("KZCI_TNS_DISPLAY");
   [[maybe_unused]] const LogWatch watch(shown);
-  if (isatty(STDOUT_FILENO) != 0) return print(visible_tree(tree));
+  if (isatty(STDOUT_FILENO) != 0) {
+    const std::optional<std::string> text = visible_tree(tree);
+    if (text) return print(*text);
+    complain(label, "cannot be shown: no file descriptor or no memory left");
+    return exit_no_memory;
+  }
   KZCITnsDisplay(tree.get());
   return finish_output();
 }

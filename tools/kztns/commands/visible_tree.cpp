@@ -15,11 +15,13 @@ namespace {
 
 using kzoci::tns::Block;
 
-// What the display prints: it knows no other place than standard output.
-std::string printed(Tree &tree) {
+// What the display prints: it knows no other place than standard output. Absent when
+// there is no descriptor or no memory for it.
+std::optional<std::string> printed(Tree &tree) {
   const MemoryFile paper;
   std::fflush(stdout);
   const int output = dup(STDOUT_FILENO);
+  if (paper.error() != 0 || output == -1) return std::nullopt;
   dup2(paper.descriptor(), STDOUT_FILENO);
   KZCITnsDisplay(tree.get());
   std::fflush(stdout);
@@ -66,16 +68,17 @@ void blank_line_feeds(KZCITnsService &service, ub4) {
 
 // Printed once more without the line feeds of its texts, the tree shows which line
 // feeds are its own.
-std::string visible_tree(Tree &tree) {
-  const std::string text = printed(tree);
+std::optional<std::string> visible_tree(Tree &tree) {
+  const std::optional<std::string> text = printed(tree);
   [[maybe_unused]] const LogWatch silent(std::nullopt);
   for_each_record(tree.service(), tree.get()->tns_service_count, KZCITnsServiceNext,
                   [](KZCITnsService &service, ub4 number) { blank_line_feeds(service, number); });
-  const std::string lines = printed(tree);
+  const std::optional<std::string> lines = printed(tree);
+  if (!text || !lines) return std::nullopt;
   std::string shown;
   std::size_t begin = 0;
-  for (std::size_t end; (end = lines.find('\n', begin)) != std::string::npos; begin = end + 1)
-    shown += visible(std::string_view(text).substr(begin, end - begin)) + "\n";
+  for (std::size_t end; (end = lines->find('\n', begin)) != std::string::npos; begin = end + 1)
+    shown += visible(std::string_view(*text).substr(begin, end - begin)) + "\n";
   return shown;
 }
 

@@ -19,7 +19,7 @@ void link_newest(AllocationLink &link) {
   all_allocations.older = &link;
 }
 
-void unlink(AllocationLink &link) {
+void unlink(const AllocationLink &link) {
   link.newer->older = link.older;
   link.older->newer = link.newer;
 }
