@@ -91,15 +91,15 @@ namespace message {
 
 // All records, for programs that read the log.
 struct MessageRow {
-  MessageId id;
   const char *name;
-  log_level level;
   const char *format;
+  MessageId id;
+  log_level level;
 };
 
 inline constexpr MessageRow messages[] = {
 #define MESSAGE(identity, level, format, ...) \
-  {MessageId::identity, #identity, LOG_LEVEL_##level, message::identity##_format},
+  {#identity, message::identity##_format, MessageId::identity, LOG_LEVEL_##level},
 #include "messages.def"
 #undef MESSAGE
 };

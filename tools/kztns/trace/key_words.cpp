@@ -29,6 +29,7 @@ std::string places_of(KZCILBKeyType type) {
   for (const Key &key : grammar)
     if (key.type == type) places.insert(key.block);
   std::vector<std::string_view> names;
+  names.reserve(places.size());
   for (const Block block : places) names.push_back(name_of(block));
   return one_of(names);
 }
