@@ -1,8 +1,7 @@
 // A locale in which "i" and "I" are no pair, for comparisons that must not follow it.
 #pragma once
 
-#include <strings.h>
-
+#include <cctype>
 #include <clocale>
 #include <cstdlib>
 
@@ -14,7 +13,7 @@ class TurkishLocale {
   TurkishLocale() {
     setenv("LOCPATH", KZOCI_TEST_LOCALES, 1);
     is_in_force_ =
-        std::setlocale(LC_ALL, "tr_TR.ISO-8859-9") != nullptr && strncasecmp("i", "I", 1) != 0;
+        std::setlocale(LC_ALL, "tr_TR.ISO-8859-9") != nullptr && std::toupper('i') != 'I';
   }
   ~TurkishLocale() {
     std::setlocale(LC_ALL, "C");
