@@ -1,6 +1,6 @@
 // Any bytes through the command's reports and back: the notation of docs/*.json.
-#include <cstdlib>
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
