@@ -182,6 +182,7 @@ TEST_F(DescriptorTest, AnythingElseIsAName) {
       "(DESCRIPTIONS=",
       "(DESCRIPTION_LIST=",
       "(DESCRIPTION(=",
+      "(DESCR{PTION=",
       "#(DESCRIPTION=",
       "(#DESCRIPTION=",
       "\"(DESCRIPTION=",
