@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "rules/fix.h"
 #include "rules/rules.h"
 #include "scan/verdict.h"
 #include "text/names_text.h"
@@ -22,6 +23,7 @@ struct Finding {
   std::string path;         // "DESCRIPTION/CONNECT_DATA", empty for none
   std::string text;
   std::string remedy;
+  Fix fix;
   std::string source;  // the line, as it stands there
   std::size_t caret;   // index in it of the place
 };

@@ -19,6 +19,7 @@ struct Diagnosis {
   std::string path;
   std::string text;
   std::string remedy = {};
+  Fix fix = {};
 };
 
 // Explains the trace's fault, of which there is one; name is the entry's.

@@ -30,6 +30,7 @@ void Findings::add(NewFinding found, Severity severity) {
   finding.path = std::move(found.path);
   finding.text = std::move(found.text);
   finding.remedy = found.remedy.empty() ? row_of(found.rule).remedy : std::move(found.remedy);
+  finding.fix = std::move(found.fix);
   finding.source = text_.line_around(found.at, finding.caret);
   report_.findings.push_back(std::move(finding));
 }

@@ -13,6 +13,7 @@ struct NewFinding {
   std::string path;
   std::string text;
   std::string remedy = {};
+  Fix fix = {};
 };
 
 class Findings {

@@ -34,7 +34,11 @@ NamesText::NamesText(std::string text) : text_(std::move(text)) {
   }
 }
 
+NamesText::NamesText(const EditedText &changed, const NamesText &of)
+    : changed_(&changed), of_(&of) {}
+
 Position NamesText::position(Offset at) const {
+  if (of_ != nullptr) return of_->position(changed_->origin(at));
   const Offset index = std::min<Offset>(at / stride, static_cast<Offset>(marks_.size() - 1));
   Mark mark = marks_[index];
   count_lines(text_, std::size_t{index} * stride, at, mark.line, mark.line_start);
@@ -42,6 +46,7 @@ Position NamesText::position(Offset at) const {
 }
 
 std::uint32_t NamesText::character_column(Offset at) const {
+  if (of_ != nullptr) return of_->character_column(changed_->origin(at));
   const std::uint32_t column = position(at).column;
   const Offset counted = std::min<Offset>(column - 1, stride);
   const std::string_view before = std::string_view(text_).substr(at - counted, counted);
@@ -52,6 +57,7 @@ std::uint32_t NamesText::character_column(Offset at) const {
 }
 
 std::string_view NamesText::line_around(Offset at, std::size_t &column) const {
+  if (of_ != nullptr) return of_->line_around(changed_->origin(at), column);
   constexpr std::size_t most_before = 60;
   constexpr std::size_t most = 120;
   const std::size_t in_line = position(at).column - 1;

@@ -6,12 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include "text/edited_text.h"
 #include "text/escape.h"
+#include "text/offset.h"
 
 namespace kztns {
-
-// A place in a text, counted in bytes from 0.
-using Offset = std::uint32_t;
 
 // The same for people: both from 1, the column in bytes.
 struct Position {
@@ -29,9 +28,15 @@ class NamesText {
  public:
   explicit NamesText(std::string text);
 
-  const std::string &text() const { return text_; }
-  Offset size() const { return static_cast<Offset>(text_.size()); }
+  // A changed copy of another text or of its part. Its places are told as those of the
+  // other, of which the place of what was not changed is the same. Both must live on.
+  NamesText(const EditedText &changed, const NamesText &of);
+
+  const std::string &text() const { return of_ == nullptr ? text_ : changed_->text(); }
+  Offset size() const { return static_cast<Offset>(text().size()); }
   Position position(Offset at) const;
+  // A place as one of the text that this is a copy of; of no copy it is the same.
+  Offset origin(Offset at) const { return of_ == nullptr ? at : changed_->origin(at); }
   std::string place(Offset at) const { return to_string(position(at)); }
 
   // The column of a place in characters of UTF-8. Of a line of many thousand bytes
@@ -52,6 +57,8 @@ class NamesText {
 
   std::string text_;
   std::vector<Mark> marks_;
+  const EditedText *changed_ = nullptr;
+  const NamesText *of_ = nullptr;
 };
 
 }  // namespace kztns

@@ -1,0 +1,78 @@
+// Texts with changes: where what is left of them was before.
+#include <gtest/gtest.h>
+
+#include "text/names_text.h"
+
+using kztns::Edit;
+using kztns::EditedText;
+
+TEST(EditedText, WithoutEditsIsTheText) {
+  const EditedText text("abc", 10);
+  EXPECT_EQ(text.text(), "abc");
+  EXPECT_EQ(text.origin(0), 10u);
+  EXPECT_EQ(text.origin(2), 12u);
+  EXPECT_EQ(text.origin(3), 13u);
+}
+
+TEST(EditedText, KnowsWhereWhatIsLeftWas) {
+  EditedText text("0123456789");
+  text.apply({{2, 4, "xyz"}, {6, 6, "+"}, {9, 10, ""}});
+  EXPECT_EQ(text.text(), "01xyz45+678");
+  EXPECT_EQ(text.origin(1), 1u);
+  EXPECT_EQ(text.origin(5), 4u);
+  EXPECT_EQ(text.origin(6), 5u);
+  EXPECT_EQ(text.origin(8), 6u);
+  EXPECT_EQ(text.origin(10), 8u);
+}
+
+TEST(EditedText, PlacesInsertedTextWhereItWasInserted) {
+  EditedText text("0123");
+  text.apply({{2, 2, "ab"}});
+  EXPECT_EQ(text.origin(2), 2u);
+  EXPECT_EQ(text.origin(3), 2u);
+  EXPECT_EQ(text.origin(4), 2u);
+  text.apply({{5, 6, "end"}});
+  EXPECT_EQ(text.text(), "01ab2end");
+  EXPECT_EQ(text.origin(5), 4u);
+}
+
+TEST(EditedText, IsEditedAgain) {
+  EditedText text("0123456789");
+  text.apply({{0, 5, ""}});
+  text.apply({{0, 0, "<"}, {2, 3, ">"}});
+  EXPECT_EQ(text.text(), "<56>89");
+  EXPECT_EQ(text.origin(0), 5u);
+  EXPECT_EQ(text.origin(1), 5u);
+  EXPECT_EQ(text.origin(2), 6u);
+  EXPECT_EQ(text.origin(4), 8u);
+}
+
+TEST(EditedText, MayLoseAllOfIt) {
+  EditedText text("abc", 5);
+  text.apply({{0, 3, ""}});
+  EXPECT_EQ(text.text(), "");
+  EXPECT_EQ(text.origin(0), 8u);
+}
+
+TEST(Edits, AreSortedAndToldWhereTheyOverlap) {
+  std::vector<Edit> edits = {{4, 6, "b"}, {1, 1, "first"}, {1, 1, "second"}, {1, 4, "a"}};
+  kztns::sort_edits(edits);
+  EXPECT_EQ(edits,
+            (std::vector<Edit>{{1, 1, "first"}, {1, 1, "second"}, {1, 4, "a"}, {4, 6, "b"}}));
+  EXPECT_FALSE(kztns::overlap(edits));
+  edits.push_back({5, 7, "c"});
+  EXPECT_TRUE(kztns::overlap(edits));
+}
+
+TEST(Positions, OfACopyAreThoseOfTheText) {
+  const kztns::NamesText whole("first\nsecond\nthird\n");
+  EditedText part(std::string_view(whole.text()).substr(6), 6);
+  part.apply({{0, 3, "a longer beginning\n"}});
+  const kztns::NamesText text(part, whole);
+  EXPECT_EQ(text.text(), "a longer beginning\nond\nthird\n");
+  EXPECT_EQ(text.place(19), "2:4");
+  EXPECT_EQ(text.place(23), "3:1");
+  std::size_t column = 0;
+  EXPECT_EQ(text.line_around(19, column), "second");
+  EXPECT_EQ(column, 3u);
+}

@@ -1,0 +1,32 @@
+// What mends the fault that a finding is about.
+#pragma once
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "text/edited_text.h"
+
+namespace kztns {
+
+// How far the result of a fix can be trusted.
+enum class Applicability {
+  none,   // there is no fix
+  safe,   // it means here what the author wrote, and nothing that is used here is lost
+  unsafe  // something is guessed or given up
+};
+
+// The edits that mend it, sorted, in the text that was checked.
+struct Fix {
+  Applicability applicability = Applicability::none;
+  std::vector<Edit> edits = {};
+
+  explicit operator bool() const { return applicability != Applicability::none; }
+};
+
+inline Fix safe_fix(std::vector<Edit> edits) { return {Applicability::safe, std::move(edits)}; }
+inline Fix unsafe_fix(std::vector<Edit> edits) { return {Applicability::unsafe, std::move(edits)}; }
+
+std::string_view name_of(Applicability applicability);  // "safe"
+
+}  // namespace kztns

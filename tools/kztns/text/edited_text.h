@@ -1,0 +1,57 @@
+// A text with changes, and where what is left of it was before.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "text/offset.h"
+
+namespace kztns {
+
+// A change of a text: what is from begin to end becomes text.
+struct Edit {
+  Offset begin;
+  Offset end;
+  std::string text;
+
+  bool operator==(const Edit &) const = default;
+};
+
+// Puts edits in the order in which they apply. Those at one place keep theirs.
+void sort_edits(std::vector<Edit> &edits);
+
+// Whether two of some sorted edits change the same bytes.
+bool overlap(const std::vector<Edit> &edits);
+
+class EditedText {
+ public:
+  // A copy of a part of a text, from a place on.
+  explicit EditedText(std::string_view part, Offset at = 0);
+
+  const std::string &text() const { return text_; }
+
+  // Applies sorted edits that do not overlap; their places are those of text().
+  void apply(const std::vector<Edit> &edits);
+
+  // Where what is at a place of text() was before: for inserted text, where it was
+  // inserted.
+  Offset origin(Offset at) const;
+
+ private:
+  // A part of the text that was not changed.
+  struct Kept {
+    Offset at;      // in text_
+    Offset origin;  // before
+    Offset length;
+  };
+
+  void keep(Offset begin, Offset end, const std::vector<Kept> &before, std::size_t &next,
+            std::string &text);
+
+  std::string text_;
+  std::vector<Kept> kept_;  // in the order of both texts
+  Offset end_;              // before, of the part
+};
+
+}  // namespace kztns
