@@ -1,6 +1,8 @@
 // Texts with changes: where what is left of them was before.
 #include <gtest/gtest.h>
 
+#include "rules/apply_fixes.h"
+#include "scan/item_text.h"
 #include "text/names_text.h"
 
 using kztns::Edit;
@@ -76,3 +78,65 @@ TEST(Positions, OfACopyAreThoseOfTheText) {
   EXPECT_EQ(text.line_around(19, column), "second");
   EXPECT_EQ(column, 3u);
 }
+
+namespace {
+
+kztns::Finding with(kztns::Fix fix) {
+  kztns::Finding finding = {};
+  finding.fix = std::move(fix);
+  return finding;
+}
+
+}  // namespace
+
+TEST(Fixes, OfTwoThatChangeTheSameTheFirstApplies) {
+  const std::vector<kztns::Finding> findings = {
+      with(kztns::safe_fix({{4, 6, "a"}})),
+      with(kztns::unsafe_fix({{0, 1, "b"}, {5, 5, "in a"}})),
+      with(kztns::unsafe_fix({{6, 6, "after a"}})),
+      with({}),
+      with(kztns::safe_fix({{2, 5, ""}})),
+      with(kztns::safe_fix({{4, 4, "before a"}}))};
+  std::vector<bool> applied;
+  EXPECT_EQ(kztns::edits_of(findings, true, &applied),
+            (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}, {6, 6, "after a"}}));
+  EXPECT_EQ(applied, (std::vector<bool>{true, false, true, false, false, true}));
+  EXPECT_EQ(kztns::edits_of(findings, false), (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}}));
+}
+
+TEST(Fixes, APartIsNotRemovedAroundAnInsertion) {
+  const std::vector<kztns::Finding> findings = {with(kztns::safe_fix({{5, 5, "new"}})),
+                                                with(kztns::safe_fix({{3, 8, ""}}))};
+  EXPECT_EQ(kztns::edits_of(findings, false), (std::vector<Edit>{{5, 5, "new"}}));
+}
+
+namespace {
+
+// The text without the item whose "(" is marked with "|".
+std::string without(std::string text) {
+  const std::size_t at = text.find('|');
+  text.erase(at, 1);
+  const auto item = kztns::item_to_remove(text, static_cast<kztns::Offset>(at));
+  if (!item) return "kept";
+  return text.erase(item->begin, item->end - item->begin);
+}
+
+}  // namespace
+
+TEST(ItemText, IsRemoved) {
+  EXPECT_EQ(without("N = (D = (A = 1)|(B = \")\")(C = 3))"), "N = (D = (A = 1)(C = 3))");
+  EXPECT_EQ(without("N = (D =\n  (A = 1)\n  |(B = 2)\n  (C = 3))\n"),
+            "N = (D =\n  (A = 1)\n  (C = 3))\n");
+}
+
+TEST(ItemText, IsRemovedWithTheBlockThatHasNoOther) {
+  EXPECT_EQ(without("N = (D = (A = 1)(B = |(C = 3)))"), "N = (D = (A = 1))");
+  EXPECT_EQ(without("N = (D = (A = (B = |(C = 3)))(E = 5))"), "N = (D = (E = 5))");
+}
+
+TEST(ItemText, IsKeptWhereNothingWouldBeLeft) {
+  EXPECT_EQ(without("M = (D = (A = 1))\nN = (D = |(A = 1))"), "kept");
+  EXPECT_EQ(without("N = |(D = (A = 1))\nM = (D = (A = 1))"), "kept");
+}
+
+TEST(ItemText, IsKeptWhereItHasNoEnd) { EXPECT_EQ(without("N = (D = |(A = 1 (B = 2)"), "kept"); }

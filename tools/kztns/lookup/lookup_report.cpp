@@ -40,9 +40,9 @@ Remark remark_of(const Finding &finding) {
 
 std::vector<Remark> warnings_of(const NamesText &text, const Trace &trace, std::string_view name) {
   CheckReport report;
-  Findings findings(text, report);
+  Findings findings(text, Findings::most_of_a_rule, report);
   report_entry_warnings(trace, name, findings);
-  findings.sort();
+  sort(report.findings);
   std::vector<Remark> remarks;
   for (const Finding &finding : report.findings) remarks.push_back(remark_of(finding));
   return remarks;

@@ -1,7 +1,11 @@
 #include "rules/check_file.h"
 
+#include <set>
+#include <utility>
+
 #include "kzoci/oci_tnsname/reserved_entry.h"
-#include "rules/diagnosis.h"
+#include "rules/apply_fixes.h"
+#include "rules/entry_faults.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_rules.h"
 
@@ -12,7 +16,7 @@ namespace {
 class EntryChecker : public EntryVisitor {
  public:
   EntryChecker(const NamesText &text, const CheckRequest &request, Findings &findings)
-      : subject_{text, "file"}, request_(request), findings_(findings) {}
+      : text_(text), request_(request), findings_(findings), faults_(text, findings) {}
 
   void visit(const EntryView &view) override {
     if (utf_16_) return;
@@ -39,26 +43,20 @@ class EntryChecker : public EntryVisitor {
   std::string consequence(const Stop &stop) const {
     if (stop.kind == StopKind::no_open) return "; the entries after it are lost";
     return "; lookups of later names read on to the end of the file at " +
-           subject_.text.place(subject_.text.size());
+           text_.place(text_.size());
   }
 
   void report_fault(const EntryView &view) {
-    Diagnosis diagnosis = diagnose(subject_, view.trace, view.name);
-    const Severity severity = view.service == nullptr ? Severity::error : Severity::warning;
-    if (ends_lookups_too(view)) {
-      reported_stop_ = {diagnosis.rule, diagnosis.at, diagnosis.text};
-      diagnosis.text += consequence(*view.stop);
-    }
-    if (!findings_.wanted(diagnosis.rule, severity)) return;
-    findings_.add({diagnosis.rule, diagnosis.at, view.name, std::move(diagnosis.path),
-                   std::move(diagnosis.text), std::move(diagnosis.remedy)},
-                  severity);
+    const bool ends_lookups = ends_lookups_too(view);
+    const Diagnosis first = faults_.report(view, ends_lookups ? consequence(*view.stop) : "");
+    if (ends_lookups) reported_stop_ = {first.rule, first.at, first.text};
   }
 
-  Subject subject_;
-  bool utf_16_ = is_utf_16(subject_.text.text());
+  const NamesText &text_;
+  bool utf_16_ = is_utf_16(text_.text());
   const CheckRequest &request_;
   Findings &findings_;
+  EntryFaults faults_;
   std::optional<StopCause> reported_stop_;
 };
 
@@ -69,19 +67,72 @@ void list_entries(const NamesText &text, const FileScan &scan, CheckReport &repo
         {std::string(scan.name(entry)), text.position(entry.at), entry.verdict});
 }
 
+// Walks through a file that is mended after each walk.
+class FurtherChecks {
+ public:
+  FurtherChecks(const NamesText &text, const CheckRequest &request, CheckReport &report)
+      : request_(request), report_(report), edited_(text.text()), text_(edited_, text) {
+    for (const Finding &finding : report.findings) known_.emplace(finding.rule, finding.at);
+  }
+
+  void run() {
+    std::vector<Edit> edits = edits_of(report_.findings, true);
+    for (int walks = 1; walks < most_walks && !edits.empty(); ++walks) {
+      edited_.apply(edits);
+      CheckReport found = check_once(text_, request_);
+      edits = edits_of(found.findings, true);
+      for (Finding &finding : found.findings) add(std::move(finding));
+    }
+  }
+
+ private:
+  // Each walk comes past what stopped the one before.
+  static constexpr int most_walks = 16;
+
+  // The findings about entries that something else keeps lookups from.
+  static bool is_consequence(Rule rule) {
+    return rule == Rule::unreachable || rule == Rule::after_reserved || rule == Rule::comma_list;
+  }
+
+  void add(Finding finding) {
+    finding.at = edited_.origin(finding.at);
+    if (is_consequence(finding.rule) || !known_.emplace(finding.rule, finding.at).second) return;
+    for (Edit &edit : finding.fix.edits) {
+      edit.begin = edited_.origin(edit.begin);
+      edit.end = std::max(edit.begin, edited_.origin(edit.end));
+    }
+    ++report_.severities[static_cast<std::size_t>(finding.severity)];
+    report_.findings.push_back(std::move(finding));
+  }
+
+  const CheckRequest &request_;
+  CheckReport &report_;
+  EditedText edited_;
+  NamesText text_;
+  std::set<std::pair<Rule, Offset>> known_;
+};
+
 }  // namespace
 
-CheckReport check_file(const NamesText &text, const CheckRequest &request) {
+CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   CheckReport report;
   report.file = request.file;
-  Findings findings(text, report);
+  Findings findings(text, request.most_of_a_rule, report);
   EntryChecker checker(text, request, findings);
   const FileScan scan(text, checker);
   apply_file_rules(text, scan, checker.reported_stop(), findings);
   for (const Entry &entry : scan.entries())
     ++report.verdicts[static_cast<std::size_t>(entry.verdict)];
+  report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty();
   if (request.with_entries) list_entries(text, scan, report);
-  findings.sort();
+  sort(report.findings);
+  return report;
+}
+
+CheckReport check_file(const NamesText &text, const CheckRequest &request) {
+  CheckReport report = check_once(text, request);
+  if (report.lookups_end) FurtherChecks(text, request, report).run();
+  sort(report.findings);
   return report;
 }
 

@@ -3,17 +3,22 @@
 
 #include <functional>
 
-#include "rules/check_report.h"
+#include "rules/findings.h"
 #include "scan/file_scan.h"
 
 namespace kztns {
 
 struct CheckRequest {
-  std::string file;           // as the report calls it
-  bool with_entries = false;  // whether the report lists the entries
+  std::string file;                                       // as the report calls it
+  bool with_entries = false;                              // whether the report lists the entries
+  std::size_t most_of_a_rule = Findings::most_of_a_rule;  // findings; more are counted only
   std::function<void(Offset)> progress = [](Offset) {};
 };
 
+// One walk through the file: what ends the lookups hides what else would.
+CheckReport check_once(const NamesText &text, const CheckRequest &request);
+
+// All findings: after each walk the fixes are applied to a copy.
 CheckReport check_file(const NamesText &text, const CheckRequest &request);
 
 }  // namespace kztns

@@ -41,6 +41,7 @@ struct CheckReport {
   std::array<std::size_t, rule_count> left_out = {};
   std::array<std::size_t, verdict_count> verdicts = {};
   std::array<std::size_t, 3> severities = {};  // how many of each, those left out too
+  bool lookups_end = false;                    // before the end of the file, or go astray in it
   std::vector<ReportEntry> entries;            // only where the format shows them
 };
 

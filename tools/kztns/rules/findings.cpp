@@ -9,7 +9,7 @@ bool Findings::wanted(Rule rule) { return wanted(rule, row_of(rule).severity); }
 bool Findings::wanted(Rule rule, Severity severity) {
   const auto index = static_cast<std::size_t>(rule);
   ++report_.severities[static_cast<std::size_t>(severity)];
-  if (++counts_[index] <= most_of_a_rule) return true;
+  if (++counts_[index] <= most_) return true;
   ++report_.left_out[index];
   return false;
 }
@@ -23,20 +23,24 @@ void Findings::add(NewFinding found, Severity severity) {
   Finding finding = {};
   finding.rule = found.rule;
   finding.severity = severity;
-  finding.at = found.at;
-  finding.position = text_.position(found.at);
-  finding.character = text_.character_column(found.at);
+  finding.at = in_text(found.at);
+  finding.position = text_.position(finding.at);
+  finding.character = text_.character_column(finding.at);
   finding.entry = found.entry;
   finding.path = std::move(found.path);
   finding.text = std::move(found.text);
   finding.remedy = found.remedy.empty() ? row_of(found.rule).remedy : std::move(found.remedy);
   finding.fix = std::move(found.fix);
-  finding.source = text_.line_around(found.at, finding.caret);
+  for (Edit &edit : finding.fix.edits) {
+    edit.begin = in_text(edit.begin);
+    edit.end = std::max(edit.begin, in_text(edit.end));
+  }
+  finding.source = text_.line_around(finding.at, finding.caret);
   report_.findings.push_back(std::move(finding));
 }
 
-void Findings::sort() {
-  std::stable_sort(report_.findings.begin(), report_.findings.end(),
+void sort(std::vector<Finding> &findings) {
+  std::stable_sort(findings.begin(), findings.end(),
                    [](const Finding &left, const Finding &right) { return left.at < right.at; });
 }
 

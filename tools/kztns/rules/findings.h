@@ -18,10 +18,25 @@ struct NewFinding {
 
 class Findings {
  public:
-  // More findings of one rule are counted only.
+  // More findings of one rule are counted only, as a rule.
   static constexpr std::size_t most_of_a_rule = 1000;
 
-  Findings(const NamesText &text, CheckReport &report) : text_(text), report_(report) {}
+  Findings(const NamesText &text, std::size_t most, CheckReport &report)
+      : text_(text), most_(most), report_(report) {}
+
+  // For its life, the findings that are added are about a copy of the text.
+  class FromCopy {
+   public:
+    FromCopy(Findings &findings, const NamesText &copy) : findings_(findings) {
+      findings_.copy_ = &copy;
+    }
+    ~FromCopy() { findings_.copy_ = nullptr; }
+    FromCopy(const FromCopy &) = delete;
+    FromCopy &operator=(const FromCopy &) = delete;
+
+   private:
+    Findings &findings_;
+  };
 
   // Counts a finding; whether it is to be added, too. Asking first saves making
   // texts that are invisible.
@@ -32,13 +47,17 @@ class Findings {
   void add(NewFinding found);
   void add(NewFinding found, Severity severity);
 
-  // Puts the findings in the order of the file.
-  void sort();
-
  private:
+  Offset in_text(Offset at) const { return copy_ == nullptr ? at : copy_->origin(at); }
+
   const NamesText &text_;
+  const NamesText *copy_ = nullptr;
+  std::size_t most_;
   CheckReport &report_;
   std::array<std::size_t, rule_count> counts_ = {};
 };
+
+// Puts findings in the order of the file.
+void sort(std::vector<Finding> &findings);
 
 }  // namespace kztns

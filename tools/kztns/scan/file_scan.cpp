@@ -32,6 +32,15 @@ class MetToken : public LogListener {
   }
 };
 
+// A parse state after the "=" of an entry.
+KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_view name) {
+  KZCITnsParseParams params = parse_at(text, body);
+  std::memcpy(params.tns_key, name.data(), name.size());
+  params.tns_key_len = static_cast<ub4>(name.size());
+  params.tns_token_type = TNS_EQUAL_SIGN;
+  return params;
+}
+
 }  // namespace
 
 // Builds entries, decides on their verdicts and shows them to the visitor.
@@ -239,15 +248,6 @@ class UnreachedEntries {
            (before.built && written.name_begin < before.end);
   }
 
-  KZCITnsParseParams at_body(const Entry &entry) const {
-    KZCITnsParseParams params = parse_at(scan_.text_.text(), entry.body);
-    const std::string_view name = scan_.name(entry);
-    std::memcpy(params.tns_key, name.data(), name.size());
-    params.tns_key_len = entry.name_length;
-    params.tns_token_type = TNS_EQUAL_SIGN;
-    return params;
-  }
-
   void take(const WrittenEntry &written) {
     if (is_known(written)) return;
     Entry entry = {};
@@ -262,12 +262,13 @@ class UnreachedEntries {
         name_hash(name), static_cast<std::uint32_t>(scan_.entries_.size()),
         [&](std::uint32_t other) { return same_name(scan_.name(scan_.entries_[other]), name); });
     entry.verdict = first < reached_ ? Verdict::shadowed : Verdict::unreachable;
-    builder_.build(at_body(entry), [&](KZCITnsService *service, Offset end) {
-      entry.built = service != nullptr;
-      entry.end = end;
-      scan_.entries_.push_back(entry);
-      builder_.show(entry, name, service, nullptr);
-    });
+    builder_.build(at_body(scan_.text_.text(), entry.body, name),
+                   [&](KZCITnsService *service, Offset end) {
+                     entry.built = service != nullptr;
+                     entry.end = end;
+                     scan_.entries_.push_back(entry);
+                     builder_.show(entry, name, service, nullptr);
+                   });
   }
 
   FileScan &scan_;
@@ -304,17 +305,17 @@ std::string_view name_of(Verdict verdict) {
   return names[static_cast<std::size_t>(verdict)];
 }
 
-// A descriptor is built as an entry is, under some name.
-void build_literal(const NamesText &text, Trace &trace) {
+void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace) {
   const AllocationScope scope;
   KZCITns tns = {};
-  KZCITnsParseParams params = parse_at(text.text(), 0);
-  params.tns_key[0] = '-';
-  params.tns_key_len = 1;
+  KZCITnsParseParams params = at_body(text, body, name);
   const Listening listening(trace);
   trace.begin(params);
   KZCITnsServiceBuild(&tns, &params);
 }
+
+// A descriptor is built as an entry is, under some name.
+void build_literal(const NamesText &text, Trace &trace) { build_entry(text.text(), 0, "-", trace); }
 
 bool ends_lookups(std::string_view name) {
   return std::string_view(kzoci::tns::reserved_name).starts_with(name);

@@ -105,6 +105,9 @@ class FileScan {
 // Traces the build of a literal descriptor, as far as its description goes.
 void build_literal(const NamesText &text, Trace &trace);
 
+// Traces the build of an entry of that name whose value begins at a place.
+void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace);
+
 // A parse state that stands at a place of the text, as a lookup's would: pieces
 // of 1024 bytes from the beginning.
 KZCITnsParseParams parse_at(const std::string &text, Offset at);

@@ -1,0 +1,60 @@
+#include "scan/item_text.h"
+
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+
+namespace kztns {
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+
+// Together with its line where nothing else is on it.
+Span with_its_line(std::string_view text, Span item) {
+  Offset begin = item.begin;
+  while (begin > 0 && (text[begin - 1] == ' ' || text[begin - 1] == '\t')) --begin;
+  const std::size_t after = text.find_first_not_of(" \t\r", item.end);
+  const bool alone =
+      begin > 0 && text[begin - 1] == '\n' && after < text.size() && text[after] == '\n';
+  return alone ? Span{begin, static_cast<Offset>(after + 1)} : item;
+}
+
+// Whether an item is the first one after an "="; block becomes the "(" of that block,
+// absent for the entry's own "=".
+bool is_first(std::string_view text, Offset open, std::optional<Offset> &block) {
+  const std::size_t equal = text.substr(0, open).find_last_not_of(blanks);
+  if (equal == std::string_view::npos || text[equal] != '=') return false;
+  const std::size_t sign = text.substr(0, equal).find_last_of("()=");
+  if (sign != std::string_view::npos && text[sign] == '(') block = static_cast<Offset>(sign);
+  return true;
+}
+
+bool is_last(std::string_view text, Offset end) {
+  const Offset after = pass_blanks(text, end);
+  return after == text.size() || text[after] != '(';
+}
+
+}  // namespace
+
+std::optional<Offset> end_of_item(std::string_view text, Offset open) {
+  std::size_t depth = 0;
+  TokenReader tokens(text, open);
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+    if (token.kind == TokenKind::open) ++depth;
+    if (token.kind == TokenKind::close && --depth == 0) return token.span.end;
+  }
+  return std::nullopt;
+}
+
+std::optional<Span> item_to_remove(std::string_view text, Offset open) {
+  std::optional<Offset> end = end_of_item(text, open);
+  for (std::optional<Offset> block; end && is_first(text, open, block) && is_last(text, *end);
+       block.reset()) {
+    if (!block) return std::nullopt;
+    open = *block;
+    end = end_of_item(text, open);
+  }
+  if (!end) return std::nullopt;
+  return with_its_line(text, {open, *end});
+}
+
+}  // namespace kztns

@@ -1,0 +1,20 @@
+// Where items end, told by their parentheses alone.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "trace/build_trace.h"
+
+namespace kztns {
+
+// After the ")" that closes the "(" at open, quotes and comments observed; absent when
+// there is none.
+std::optional<Offset> end_of_item(std::string_view text, Offset open);
+
+// What to remove so that the item that begins at open is gone: the item or, when the
+// block around it has no other one, that block, and the blanks before it on its line.
+// Absent when nothing would be left.
+std::optional<Span> item_to_remove(std::string_view text, Offset open);
+
+}  // namespace kztns
