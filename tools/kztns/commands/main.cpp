@@ -23,6 +23,7 @@
 #include "io/output.h"
 #include "io/standard_streams.h"
 #include "kzoci/platform/level_names.h"
+#include "text/escape.h"
 #include "text/spelling.h"
 #include "trace/key_words.h"
 
@@ -253,7 +254,7 @@ bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
   const std::string_view near = kztns::near_word(word, names);
   std::string what = "unknown command";
   if (!near.empty()) what += "; did you mean " + std::string(near) + "?";
-  kztns::complain(kztns::quoted(kztns::visible(word)), what);
+  kztns::complain(kztns::quoted(kztns::excerpt(word)), what);
   return true;
 }
 

@@ -17,6 +17,9 @@ std::string visible(std::string_view text);
 // The same, cut to some forty characters.
 std::string excerpt(std::string_view text);
 
+// A text between double quotes.
+std::string quoted(std::string_view text);
+
 // A text as a JSON string takes it: only bytes that are not UTF-8 are escaped.
 std::string valid_utf8(std::string_view text);
 

@@ -21,6 +21,9 @@ struct Span {
   Offset end = 0;
 };
 
+// What is left of a longer token is read as another one.
+constexpr Offset longest_token = sizeof(KZCITnsParseParams::tns_key);
+
 // Key words, by their types.
 class KeySet {
  public:

@@ -12,6 +12,7 @@ namespace kztns {
 
 using kzoci::tns::Block;
 using kzoci::tns::Key;
+using kzoci::tns::Storage;
 using kzoci::tns::ValueKind;
 
 // The key that opens a block; empty for an entry.
