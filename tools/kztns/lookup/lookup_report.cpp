@@ -98,7 +98,7 @@ class NameVisitor : public EntryVisitor {
   std::optional<Remark> reported_stop_;
 };
 
-// What ends the lookup of a name that does not stand in front of it.
+// What ends the lookup of a name that is not before it.
 std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan,
                                      const NameVisitor &visitor) {
   switch (scan.stop().kind) {

@@ -22,7 +22,7 @@ struct Finding {
   std::string path;         // "DESCRIPTION/CONNECT_DATA", empty for none
   std::string text;
   std::string remedy;
-  std::string source;  // the line, as it stands there
+  std::string source;  // the whole line
   std::size_t caret;   // index in it of the place
 };
 

@@ -41,7 +41,7 @@ class Builder {
 
   const Trace &trace() const { return trace_; }
 
-  // Builds what stands after an entry's "=", then calls then(service, end).
+  // Builds what comes after an entry's "=", then calls then(service, end).
   template <class Then>
   void build(const KZCITnsParseParams &at_body, const Then &then) {
     const AllocationScope scope;

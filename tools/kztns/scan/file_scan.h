@@ -1,4 +1,4 @@
-// What lookups in a names file come upon: every entry with its verdict, found by
+// What lookups in a names file meet: every entry with its verdict, found by
 // walking the file as a lookup does and building each entry with the library.
 #pragma once
 
@@ -23,11 +23,11 @@ struct Entry {
   bool quoted : 1;   // the name is written in quotes
   bool reached : 1;  // by lookups of names that are not found before
   bool in_list : 1;  // one of several names
-  bool built : 1;    // whether the library builds what stands there
+  bool built : 1;    // whether the library builds it
   Verdict verdict;
 };
 
-// Where a lookup of a name that stands nowhere ends.
+// Where the lookup of a name that is not in the file ends.
 enum class StopKind {
   end,             // of the file
   reserved,        // at an entry that ends every lookup
@@ -105,7 +105,7 @@ class FileScan {
 // Traces the build of a literal descriptor, as far as its description goes.
 void build_literal(const NamesText &text, Trace &trace);
 
-// A parse state that stands at a place of the text, as a lookup's would: pieces
+// A parse state at a place of the text, as a lookup's would be: pieces
 // of 1024 bytes from the beginning.
 KZCITnsParseParams parse_at(const std::string &text, Offset at);
 

@@ -1,6 +1,6 @@
 // One notation for what a text may not hold where it is written: \xHH, with two
-// lower-case hexadecimal digits, is a byte. A backslash that stands before such
-// letters in the text itself is written as \x5c, so that replacing every \xHH by
+// lower-case hexadecimal digits, is a byte. A backslash before such letters in
+// the text itself is written as \x5c, so that replacing every \xHH by
 // its byte gives the text back.
 #pragma once
 
