@@ -17,7 +17,7 @@ namespace bench {
 
 namespace {
 
-// Log calls by the number of their arguments. Numbers and texts are handed over
+// Log calls by the number of their arguments. Numbers and texts are passed
 // alike, in a register or a word of the stack each.
 struct LogCalls {
   std::size_t with[4] = {};

@@ -4,7 +4,7 @@
 //   fuzz_replay_<target> FOLDER...
 //
 // Each file is replayed in a process of its own, so that a finding names the file
-// and the length and does not hide the files behind it.
+// and the length and does not hide the files after it.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>

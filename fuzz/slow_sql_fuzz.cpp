@@ -4,7 +4,7 @@
 //   operation  := i size | w length | p length { byte } | d length | f | c | a
 //
 // i initialises, w writes a report of so many letters, p a report that quotes the
-// bytes behind, d a number in a field of so many characters, f flushes, c clears,
+// bytes after, d a number in a field of so many characters, f flushes, c clears,
 // a makes the next allocation fail. Sizes and lengths are two digits to the base
 // of 64; sizes may be negative.
 #include <algorithm>

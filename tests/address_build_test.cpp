@@ -43,7 +43,7 @@ class AddressBuild : public ::testing::Test {
     support::reset_platform();
   }
 
-  // Builds one address of a body that is good; the body ends in front of its ")".
+  // Builds one address of a body that is good; the body ends before its ")".
   const KZCIAddress *good(const std::string &body) {
     support::reset_platform();
     KZCIAddressListInit(&list_);
@@ -284,7 +284,7 @@ TEST_F(AddressBuild, ProtocolOfMoreThanSixCharactersIsDroppedAndStillRefused) {
   }
 }
 
-TEST_F(AddressBuild, OverlongProtocolBehindTcpKeepsTcp) {
+TEST_F(AddressBuild, OverlongProtocolAfterTcpKeepsTcp) {
   const KZCIAddress *address = good("(PROTOCOL=tcp)(PROTOCOL=TCPTCPT)(HOST=h)");
   ASSERT_NE(address, nullptr);
   EXPECT_EQ(protocol_of(*address), "tcp");
@@ -292,7 +292,7 @@ TEST_F(AddressBuild, OverlongProtocolBehindTcpKeepsTcp) {
   EXPECT_EQ(support::warnings_and_errors(), no_text() + block_end());
 }
 
-TEST_F(AddressBuild, OtherProtocolBehindTcpIsRefused) {
+TEST_F(AddressBuild, OtherProtocolAfterTcpIsRefused) {
   const Lines first = read_item(protocol_item, "TCP");
   for (const std::string &text : {"UDP"s, "TCPXYZ"s, "\"\""s}) {
     expect_failure({"second protocol", "(PROTOCOL=TCP)(PROTOCOL=" + text + ")(HOST=h))",
@@ -323,7 +323,7 @@ TEST_F(AddressBuild, HostAndPortThatCannotBeRead) {
     const Lines cut_off = item_begins(item) + key_cut_off(mode) + no_text();
     expect_failure({"end inside a value", "(" + item.key + "=12", cut_off, "", 100});
     expect_failure({"end inside quotes", "(" + item.key + "=\"12))", cut_off, "", 100});
-    expect_failure({"end behind empty quotes", "(" + item.key + "=\"\"", cut_off, "", 100});
+    expect_failure({"end after empty quotes", "(" + item.key + "=\"\"", cut_off, "", 100});
   }
 }
 
@@ -334,8 +334,8 @@ TEST_F(AddressBuild, ProtocolThatCannotBeReadIsCheckedAsItStands) {
   // An earlier TCP passes the check, and the status of the read remains.
   const Lines first = read_item(protocol_item, "TCP") + begins;
   expect_failure(
-      {"end behind TCP", "(PROTOCOL=TCP)(PROTOCOL=", first + input_end(mode) + no_text(), "", 100});
-  expect_failure({"end inside a value behind TCP", "(PROTOCOL=TCP)(PROTOCOL=UDP",
+      {"end after TCP", "(PROTOCOL=TCP)(PROTOCOL=", first + input_end(mode) + no_text(), "", 100});
+  expect_failure({"end inside a value after TCP", "(PROTOCOL=TCP)(PROTOCOL=UDP",
                   first + key_cut_off(mode) + no_text(), "", 100});
 }
 
@@ -693,8 +693,8 @@ TEST_F(AddressListBuild, SwitchThatTheEndCutsOffComparesWhatTheKeyHolds) {
       {"ON", "(KZLB=ON", cut_off + wrong_switch("ONLB"), ""},
       {"OFF", "(KZLB=OFF", cut_off + wrong_switch("OFFB"), ""},
       {"longer", "(KZLB=OFFLINE", cut_off + wrong_switch("OFFL"), ""},
-      {"zero byte behind ON", "(KZLB=ON\0"s, cut_off, ""},
-      {"zero byte behind OFF", "(KZLB=OFF\0"s, cut_off, ""},
+      {"zero byte after ON", "(KZLB=ON\0"s, cut_off, ""},
+      {"zero byte after OFF", "(KZLB=OFF\0"s, cut_off, ""},
   });
   expect_failure({"256 characters", "(KZLB=" + std::string(256, 'O'),
                   item_begins(kzlb_item) + key_too_long() + wrong_switch("OOOO"), ""});
@@ -710,7 +710,7 @@ TEST_F(AddressListBuild, StrategyThatTheEndCutsOffComparesWhatTheKeyHolds) {
       {"fourteen", "(KZLB_STRATEGY=SERVERAFFINITY", cut_off, ""},
       {"fifteen", "(KZLB_STRATEGY=SERVERAFFINITYX", cut_off, ""},
       {"zero byte", "(KZLB_STRATEGY=RO\0"s, cut_off + wrong_strategy("RO"), ""},
-      {"zero byte behind a name", "(KZLB_STRATEGY=random\0"s, cut_off, ""},
+      {"zero byte after a name", "(KZLB_STRATEGY=random\0"s, cut_off, ""},
   });
 }
 
@@ -780,7 +780,7 @@ TEST_F(AddressListBuild, SecondAddressFailsAndTheFirstStaysAllocated) {
 
 TEST_F(AddressListBuild, LaterFaultKeepsEveryAddressAllocated) {
   expect_failure(
-      {"bad switch behind addresses",
+      {"bad switch after addresses",
        "(ADDRESS=(HOST=a))(ADDRESS=(HOST=b))(KZLB=x))",
        address_of("a") + address_of("b") + item_begins(kzlb_item) + value("x") + wrong_switch("x"),
        "))",

@@ -51,7 +51,7 @@ Case make_case(std::mt19937_64 &random) {
 void compare(const char *name, Search search, const Case &one, unsigned seed) {
   const Answer expected = ask(kzoci::tns::close_bytewise, one);
   const Answer answer = ask(search, one);
-  // Behind a closing parenthesis the depth no longer means anything.
+  // After a closing parenthesis the depth no longer means anything.
   const bool same_depth = expected.closing != -1 || answer.depth == expected.depth;
   if (answer.closing == expected.closing && same_depth) return;
   std::printf("%s, seed %u: closing %td for %td, depth %lld for %lld\n", name, seed, answer.closing,

@@ -40,7 +40,7 @@ Lines strategy_call() {
   return {"DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]"};
 }
 
-// A fault and what the record holds behind it.
+// A fault and what the record holds after it.
 struct Left {
   Fault fault;
   std::string record;
@@ -203,13 +203,13 @@ TEST_F(RemoveStrategyBuild, LaterItemOfTheSameKeyWins) {
 
 TEST_F(RemoveStrategyBuild, ValuesReadBeforeAFaultStay) {
   expect_left({
-      {{"name behind time-out", "(TIMEOUT=30)(NAME=x))",
+      {{"name after time-out", "(TIMEOUT=30)(NAME=x))",
         read_item(timeout_item, "30") + read_item(remove_name, "x") + wrong_name("x"), "))"},
        "3003,30,3003,1,10"},
-      {{"time-out behind name", "(NAME=T)(TIMEOUT=8x))",
+      {{"time-out after name", "(NAME=T)(TIMEOUT=8x))",
         read_item(remove_name, "T") + read_item(timeout_item, "8x") + not_a_number("8x"), "))"},
        "2001,8,3003,1,10"},
-      {{"end behind a value", "(TIMEOUT=30",
+      {{"end after a value", "(TIMEOUT=30",
         item_begins(timeout_item) + key_cut_off(mode) + not_a_number("30MEOUT"), ""},
        "3003,30,3003,1,10"},
       {{"second value", "(TIMEOUT=30 40))",
@@ -574,7 +574,7 @@ TEST_F(BlacklistConfBuild, FailingStrategyFailsTheBlock) {
             remove_fails(),
         "x)))"},
        untouched},
-      {{"bad number behind a good strategy",
+      {{"bad number after a good strategy",
         "(REMOVE_STRATEGY=(TIMEOUT=7))(APPEND_STRATEGY="
         "(DURATION=12x)))",
         remove_begins() + read_item(timeout_item, "7") + remove_built() + append_begins() +

@@ -71,7 +71,7 @@ class ConnectDataBuild : public ::testing::Test {
     support::reset_platform();
   }
 
-  // Builds the data of a body that is good; the body ends in front of its ")".
+  // Builds the data of a body that is good; the body ends before its ")".
   const KZCIConnectData *good(const std::string &body) {
     support::reset_platform();
     KZCIDescriptionInit(&des_);
@@ -286,7 +286,7 @@ TEST_F(ConnectDataBuild, TextsThatCannotBeRead) {
     const Lines cut_off = item_begins(item) + key_cut_off(mode) + no_text();
     expect_failure({"end inside a value", "(" + item.key + "=ab", cut_off, ""});
     expect_failure({"end inside quotes", "(" + item.key + "=\"ab))", cut_off, ""});
-    expect_failure({"end behind empty quotes", "(" + item.key + "=\"\"", cut_off, ""});
+    expect_failure({"end after empty quotes", "(" + item.key + "=\"\"", cut_off, ""});
   }
 }
 

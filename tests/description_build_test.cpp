@@ -153,7 +153,7 @@ class DescriptionBuild : public ::testing::Test {
     ASSERT_EQ(KZCITnsServiceInit(&service_, 0, ""), 0);
   }
 
-  // Builds a description of a body that is good; the body ends in front of its ")".
+  // Builds a description of a body that is good; the body ends before its ")".
   const KZCIDescription *good(const std::string &body) {
     start();
     Body input(body + ")");
@@ -519,7 +519,7 @@ TEST_F(DescriptionBuild, RetryDelayThatTheEndCutsOffConvertsWhatTheKeyHolds) {
   expect_failures({
       {"a part", "(RETRY_DELAY=12", cut_off + not_a_number("12TRY_DELAY") + delay_of("12"), ""},
       {"exactly", "(RETRY_DELAY=12345678901", cut_off + delay_of("-539222987"), ""},
-      {"zeros in front", "(RETRY_DELAY=00000000042", cut_off + delay_of("42"), ""},
+      {"leading zeros", "(RETRY_DELAY=00000000042", cut_off + delay_of("42"), ""},
   });
 }
 
@@ -581,7 +581,7 @@ TEST_F(DescriptionBuild, SecondBareAddressIsRefused) {
                   {list_block, address_block}});
 }
 
-TEST_F(DescriptionBuild, BareAddressBehindAListIsRefused) {
+TEST_F(DescriptionBuild, BareAddressAfterAListIsRefused) {
   expect_failure({"list, then address",
                   "(ADDRESS_LIST=(ADDRESS=(HOST=a)))(ADDRESS=(HOST=b)))",
                   list_of("a") + description_key("ADDRESS", LB_ADDRESS) +
@@ -591,7 +591,7 @@ TEST_F(DescriptionBuild, BareAddressBehindAListIsRefused) {
                   {list_block, address_block}});
 }
 
-TEST_F(DescriptionBuild, ListBehindABareAddressIsAppended) {
+TEST_F(DescriptionBuild, ListAfterABareAddressIsAppended) {
   expect_good("(ADDRESS=(HOST=a))(ADDRESS_LIST=(ADDRESS=(HOST=b))))",
               bare_address("a") + list_of("b") + block_end() + built(2), ")");
   KZCIAddressList *first = service_.description->address_list;
@@ -636,8 +636,8 @@ TEST_F(DescriptionBuild, FailingBareAddressReleasesItsList) {
   });
 }
 
-TEST_F(DescriptionBuild, FailingListBehindABareAddressKeepsTheAddressAllocated) {
-  expect_failure({"list behind address",
+TEST_F(DescriptionBuild, FailingListAfterABareAddressKeepsTheAddressAllocated) {
+  expect_failure({"list after address",
                   "(ADDRESS=(HOST=a))(ADDRESS_LIST=))",
                   bare_address("a") + list_begins() + block_end() +
                       Lines{"ERROR something error in KZCIAddressListBuild", "FREE address_list",
@@ -738,7 +738,7 @@ TEST_F(DescriptionBuild, SecondConnectDataEndsTheDescriptionWhichIsGood) {
   EXPECT_EQ(live(), (Lines{description_block, data_block}));
 }
 
-// A block that ends behind a complete item is content, and its ")" is what the
+// A block that ends after a complete item is content, and its ")" is what the
 // description looks for next.
 TEST_F(DescriptionBuild, AcceptsABlockThatIsNotClosed) {
   const Lines open_end = input_end(mode);

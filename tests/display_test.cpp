@@ -56,7 +56,7 @@ KZCIConnectData connect_data(std::string_view service_name) {
   return made;
 }
 
-// A service with its name behind it, in a block of exactly that size.
+// A service with its name after it, in a block of exactly that size.
 class NamedService {
  public:
   explicit NamedService(std::string_view name)
@@ -373,7 +373,7 @@ TEST_F(Display, ADirectoryOpensForReadingAndTakesNothing) {
   EXPECT_EQ(result.text, "");
 }
 
-TEST_F(Display, TheFileIsClosedBehindAFailure) {
+TEST_F(Display, TheFileIsClosedAfterAFailure) {
   support::TemporaryFolder folder;
   const std::string file = folder.write("dump.txt", "");
   environment_.set("KZCI_TNS_DISPLAY", file);

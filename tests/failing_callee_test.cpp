@@ -291,7 +291,7 @@ struct BuildRow {
   std::string name;
   Callee callee;
   std::size_t call;
-  Lines log;  // Behind the row's common beginning.
+  Lines log;  // After the row's common beginning.
   Result result;
   Lines left;
 };
@@ -347,7 +347,7 @@ Lines description_ends(unsigned lists) {
          Lines{"DEBUG success to build description, address count:" + std::to_string(lists)};
 }
 
-// How a failure goes up from each block; each begins behind its own message.
+// How a failure goes up from each block; each begins after its own message.
 Lines address_list_lost() {
   return Lines{"ERROR fail to call buil_address_list, status:STATUS",
                "ERROR something error in KZCIAddressListBuild"} +
@@ -525,7 +525,7 @@ TEST_F(FailingCalleeOfABuild, KeyTypeOfABlockOfTheFile) {
   const std::string &d = description_block, &l = list_block, &a = address_block;
   run("mydb", entry_begins("mydb"),
       {fails("first block", get_key_type, 1, failure, {}),
-       // Behind DESCRIPTION, ADDRESS and HOST of the first block.
+       // After DESCRIPTION, ADDRESS and HOST of the first block.
        fails("second block", get_key_type, 4, first + failure, {d, l, a})});
 }
 
@@ -546,7 +546,7 @@ TEST_F(FailingCalleeOfABuild, KeyTypeInsideADescriptionOfTheFile) {
              {})});
 }
 
-// The reserved entry goes on behind a key that could not be identified, with the
+// The reserved entry goes on after a key that could not be identified, with the
 // key type that the parse state holds: none at first, later the last block's.
 TEST_F(FailingCalleeOfABuild, KeyTypeInTheReservedEntry) {
   const std::string name = "KZCISYSTEMVARIABLES";
@@ -625,7 +625,7 @@ TEST_F(FailingCalleeOfABuild, KeyTypeOfTheDescriptorsHead) {
       {passes_on("head", get_key_type, 1, no_key_type("DESCRIPTION"), {})});
 }
 
-// ---------------------------------------------------------------- behind a descriptor
+// ---------------------------------------------------------------- after a descriptor
 
 Lines descriptor_up_to_its_end(const std::string &text) {
   return descriptor_begins(text) + new_descriptor_service() + new_description() +
@@ -635,7 +635,7 @@ Lines descriptor_up_to_its_end(const std::string &text) {
 const Lines bare_description_left = {description_block, list_block, address_block};
 
 // The last token must still be ")"; the status reported is that of reading it.
-TEST_F(FailingCalleeOfABuild, LastTokenChangesBehindADescriptor) {
+TEST_F(FailingCalleeOfABuild, LastTokenChangesAfterADescriptor) {
   const std::string text = "(DESCRIPTION=" + bare_body + ")";
   for (const KZCITnsTokenType type :
        {TNS_EQUAL_SIGN, TNS_LEFT_PARENTHESES, TNS_KEY, TNS_ERROR_TYPE, TNS_MAX_TOKEN_TYPE}) {
@@ -654,7 +654,7 @@ TEST_F(FailingCalleeOfABuild, LastTokenChangesBehindADescriptor) {
   EXPECT_EQ(build(tns_, text), (Outcome{0, 1}));
 }
 
-TEST_F(FailingCalleeOfABuild, AnyStatusButTheEndMeansTextBehindADescriptor) {
+TEST_F(FailingCalleeOfABuild, AnyStatusButTheEndMeansTextAfterADescriptor) {
   // Blanks are looked for before the first token and after the last.
   constexpr std::size_t at_end = 2;
   const std::string text = "(DESCRIPTION=" + bare_body + ")";
@@ -712,7 +712,7 @@ std::vector<RefillRow> refill_rows() {
       {"key token at once", parse_for_key, "K=", 1, no_blanks + no_token, "K="},
       {"key token on the way", parse_for_key, " AB", 2, read + no_key_token, ""},
       {"skip at once", KZCITnsServiceSkip, "(x)", 1, no_blanks + no_token + parse_fails, "(x)"},
-      {"skip behind its parenthesis", KZCITnsServiceSkip, "(", 2, read + no_key, ""},
+      {"skip after its parenthesis", KZCITnsServiceSkip, "(", 2, read + no_key, ""},
       {"skip on the way", KZCITnsServiceSkip, "(x(y)", 2, read + no_key, ""},
   };
 }
@@ -760,7 +760,7 @@ TEST_F(FailingCallee, RefillFailsAtTheEnd) {
 }
 
 // A refill that failed may succeed when it is asked for again.
-TEST_F(FailingCallee, ReadingGoesOnBehindARefillThatFailed) {
+TEST_F(FailingCallee, ReadingGoesOnAfterARefillThatFailed) {
   Body body("K=");
   fail_call(check_buffer, 1, -1);
   EXPECT_EQ(KZCITnsParse(&body.params, TNS_KEY), -1);
@@ -769,7 +769,7 @@ TEST_F(FailingCallee, ReadingGoesOnBehindARefillThatFailed) {
 }
 
 // A comment that a refill cut off goes on in whatever the buffer then holds.
-TEST_F(FailingCallee, CommentGoesOnBehindARefillThatFailed) {
+TEST_F(FailingCallee, CommentGoesOnAfterARefillThatFailed) {
   Body body("(# a comment");
   EXPECT_EQ(KZCITnsParse(&body.params, TNS_LEFT_PARENTHESES), 0);
   fail_call(check_buffer, 1, -1);
@@ -784,7 +784,7 @@ TEST_F(FailingCallee, CommentGoesOnBehindARefillThatFailed) {
   EXPECT_EQ(body.unread(), "");
 }
 
-// A file whose first buffer ends in front of the second part.
+// A file whose first buffer ends before the second part.
 std::string parted_file(const std::string &first, const std::string &second) {
   return std::string(1024 - first.size(), ' ') + first + second;
 }
@@ -796,7 +796,7 @@ class FailingRefillOfABuild : public FailingCalleeOfABuild {
                   Result result, const Lines &left) {
     names_file(parted_file(first, second));
     run("mydb", lookup_begins() + refill(TNS_MODE_FILE),
-        {{"behind " + first, check_buffer, 2, log, result, left}});
+        {{"after " + first, check_buffer, 2, log, result, left}});
   }
 };
 
@@ -856,7 +856,7 @@ TEST_F(FailingRefillOfABuild, InsideTheEntry) {
              address + host_word + key_fails + no_text() + address_lost, failed, {});
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=a ", ")))",
              address + host("a") + token_fails + address_lost, failed, {});
-  // Behind a complete item, the address is content, and the blocks around it find
+  // After a complete item, the address is content, and the blocks around it find
   // their own ends.
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=a)", "))",
              address + host("a") + token_fails + refill(TNS_MODE_FILE) + description_ends(1) +

@@ -282,7 +282,7 @@ TEST_F(FailingCallee, DisplayStopsAtTheFirstListThatFails) {
   EXPECT_EQ(calls_of(connect_data_display), 0u);
 }
 
-// The file is closed behind the failure.
+// The file is closed after the failure.
 TEST_F(FailingCallee, DisplayIntoAFile) {
   environment_.set("KZCI_TNS_DISPLAY", folder_.write("display", "as it was\n"));
   ASSERT_EQ(build(tns_, "(DESCRIPTION=(ADDRESS=(HOST=a)))"), (Outcome{0, 1}));
@@ -373,7 +373,7 @@ TEST_F(FailingFlush, BeforeAReport) {
 }
 
 // A report that fills the buffer is there, and stays there.
-TEST_F(FailingFlush, BehindAReport) {
+TEST_F(FailingFlush, AfterAReport) {
   for (const sword status : statuses) {
     SCOPED_TRACE(status);
     begin_with("");
@@ -405,7 +405,7 @@ TEST_F(FailingFlush, BeforeAReportIntoAFullBuffer) {
 }
 
 // A flush that succeeds before the report does not hide the one that fails.
-TEST_F(FailingFlush, BehindAReportThatFollowsABatch) {
+TEST_F(FailingFlush, AfterAReportThatFollowsABatch) {
   begin_with("0123456789");
   fail_call(slow_sql_flush, 2, -2);
   EXPECT_EQ(KZCISlowSQLWrite(&slowsql_, "%s", "abcdefghijklmno"), -1);

@@ -1,7 +1,7 @@
 // Names files that cannot be opened or read, end early, come slowly or change meanwhile:
 // the outcome, the tree, the blocks that stay allocated and the files that stay open.
 //
-// The linker puts stand-ins in front of fread and fopen, which fail when a test
+// The linker puts stand-ins before fread and fopen, which fail when a test
 // says so.
 #include <gtest/gtest.h>
 
@@ -239,7 +239,7 @@ class ChangingFile : public Reads {
             found};
   }
 
-  // The change comes in front of the read of this number.
+  // The change comes before the read of this number.
   Trial attempt_changing(const Sample &sample, std::size_t read,
                          const std::function<void()> &change) {
     ReadPlan plan;

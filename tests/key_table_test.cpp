@@ -33,7 +33,7 @@ class KeyTable : public ::testing::Test {
 
 constexpr KZCILBKeyType untouched = LB_MAX_KEY_TYPE;
 
-// A state with this key in it; the characters behind it are no zero bytes.
+// A state with this key in it; the characters after it are no zero bytes.
 KZCITnsParseParams state_with(std::string_view key) {
   KZCITnsParseParams params;
   std::memset(&params, 0, sizeof params);
@@ -235,7 +235,7 @@ TEST_F(KeyTable, ZeroByteDoesNotEndAKey) {
 }
 
 // The length says how much of the array is the key.
-TEST_F(KeyTable, CharactersBehindTheKeyDoNotMatter) {
+TEST_F(KeyTable, CharactersAfterTheKeyDoNotMatter) {
   KZCITnsParseParams params = state_with("ADDRESS_LIST");
   params.tns_key_len = 7;
   EXPECT_EQ(KZCITnsGetKeyType(&params), 0);

@@ -60,7 +60,7 @@ TEST(Positions, AreCountedInBytesFromOne) {
   EXPECT_EQ(text.place(6), "3:3");
 }
 
-TEST(Positions, AreRightFarBehind) {
+TEST(Positions, AreRightFarFromTheBeginning) {
   std::string content;
   for (int i = 0; i < 5000; ++i) content += "line\n";
   const kztns::NamesText text(content + std::string(20000, 'x'));

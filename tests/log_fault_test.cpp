@@ -103,20 +103,26 @@ class LogFaults : public LogFileTest {
 
   // Makes the call fail, beginning with each one in turn.
   template <class Check>
-  void strike_each(Call call, std::size_t times, int error, ub4 file_count, Check check) {
+  void strike_each(Plan plan, ub4 file_count, Check check) {
     const std::size_t open_before = open_files();
     std::size_t struck = 1;
     for (std::size_t first = 1; struck > 0; ++first) {
-      SCOPED_TRACE(log_faults::name_of(call) + " " + std::to_string(first) +
-                   (times == for_ever ? " and all after it: " : ": ") +
-                   std::generic_category().message(error));
-      const Outcome outcome = play({call, first, times, error}, file_count);
+      SCOPED_TRACE(log_faults::name_of(plan.call) + " " + std::to_string(first) +
+                   (plan.times == for_ever ? " and all after it: " : ": ") +
+                   std::generic_category().message(plan.error));
+      plan.first = first;
+      const Outcome outcome = play(plan, file_count);
       struck = outcome.struck;
       EXPECT_EQ(outcome.open_files, open_before);
       check(outcome);
       EXPECT_TRUE(struck > 0 || first > 1) << "never called";
       faults_ += struck > 0;
     }
+  }
+
+  template <class Check>
+  void strike_each(Call call, std::size_t times, int error, ub4 file_count, Check check) {
+    strike_each({call, 1, times, error}, file_count, check);
   }
 
   void TearDown() override {
@@ -217,6 +223,23 @@ TEST_F(LogFaults, OfShortWritesChangeNothing) {
       EXPECT_EQ(outcome.on_standard_error, Lines{});
       expect_all_kept(outcome.in_files, {}, with_former(expected_lines(true)));
     });
+}
+
+// As on a device that is full in the middle of a line.
+TEST_F(LogFaults, OfTheRestOfALineLeaveNothingOfIt) {
+  for (const std::size_t times : {std::size_t{2}, for_ever})
+    strike_each({Call::write, 1, times, ENOSPC, true}, 1000, [](const Outcome &outcome) {
+      expect_all_kept(outcome.in_files, outcome.on_standard_error,
+                      with_former(expected_lines(true)));
+    });
+}
+
+TEST_F(LogFaults, OfTheRestOfALineLeaveNothingOfItInAFileThatStartsOver) {
+  const Lines all = expected_lines(true);
+  strike_each({Call::write, 1, for_ever, ENOSPC, true}, 1, [&all](const Outcome &outcome) {
+    for (const std::string &line : outcome.in_files)
+      EXPECT_NE(std::find(all.begin(), all.end(), line), all.end()) << line;
+  });
 }
 
 TEST_F(LogFaults, OfStandardErrorLoseTheLineAlone) {

@@ -308,7 +308,7 @@ TEST_F(LogSettings, LongestPathIsTaken) {
   EXPECT_EQ(lines_in(path_), Lines{error_line("text")});
 }
 
-// With the folder in front of it, a relative path may become too long.
+// With the folder before it, a relative path may become too long.
 TEST_F(LogSettings, RelativePathIsTakenAsLongAsTheSystemTakesIt) {
   fs::current_path(folder_);
   const std::size_t longest = KZOCI_LOG_PATH_MAX - folder_.size() - 1;
@@ -450,7 +450,7 @@ TEST_F(LogFile, GivesWayToASink) {
   EXPECT_EQ(sink.texts(), Lines{"second"});
 }
 
-TEST_F(LogFile, WaitsBehindASink) {
+TEST_F(LogFile, WaitsForASink) {
   RecordingSink sink;
   kzoci_log_set_sink(RecordingSink::take, &sink);
   ASSERT_EQ(configure("warn", path_), 0);

@@ -1,6 +1,6 @@
 // The module against a second, simple reader of the same grammar: on random
 // input, sound and damaged, with enough memory and without, both say the same about
-// the status, the flag, the tree and the blocks that are left behind.
+// the status, the flag, the tree and the blocks that are left.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -147,7 +147,7 @@ Case any_text(Random &random) {
 }
 
 // Words of about the longest length, of which many end about where the text is
-// handed over in the next part.
+// read with the next part.
 Case long_words(Random &random) {
   support::Taste taste;
   taste.odd_texts = false;
@@ -159,7 +159,7 @@ Case long_words(Random &random) {
       entry.tokens.begin(), entry.tokens.end(),
       [](const Token &a, const Token &b) { return a.text.size() < b.text.size(); });
   std::string text = support::write_plain(entry.tokens);
-  support::put_behind_refill(text, text.find(longest->text) + random.between(254, 258));
+  support::put_after_refill(text, text.find(longest->text) + random.between(254, 258));
   if (random.one_in(3)) support::mutate_text(random, text);
   return {entry.name, text};
 }

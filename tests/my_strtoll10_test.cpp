@@ -46,7 +46,7 @@ void PrintTo(const Conversion &conversion, std::ostream *out) {
 
 constexpr Conversion nothing = {0, no_digit, 0};
 
-// Converts a copy that ends where its heap block ends, so that a read behind
+// Converts a copy that ends where its heap block ends, so that a read after
 // the range shows under the address sanitizer.
 Conversion convert(std::string_view text) {
   const std::unique_ptr<char[]> copy(new char[text.size()]);
@@ -127,7 +127,7 @@ const Row without_sign[] = {
     {"340282366920938463463374607431768211456", -1, out_of_range},
 };
 
-// The same behind a "-".
+// The same after a "-".
 const Row with_minus[] = {
     {"0", 0, negative},
     {"1", -1, negative},
@@ -155,11 +155,11 @@ TEST(MyStrtoll10, LimitsWithoutASign) {
   for (const Row &row : without_sign) expect_number(row.text, row.result, row.error);
 }
 
-TEST(MyStrtoll10, LimitsBehindAPlus) {
+TEST(MyStrtoll10, LimitsAfterAPlus) {
   for (const Row &row : without_sign) expect_number("+" + row.text, row.result, row.error);
 }
 
-TEST(MyStrtoll10, LimitsBehindAMinus) {
+TEST(MyStrtoll10, LimitsAfterAMinus) {
   for (const Row &row : with_minus) expect_number("-" + row.text, row.result, row.error);
 }
 
@@ -294,7 +294,7 @@ TEST(MyStrtoll10, OtherNotationsAreCutShort) {
   EXPECT_EQ(convert("010"), (Conversion{10, converted, 3}));
 }
 
-TEST(MyStrtoll10, DigitsBehindTheRangeAreNotRead) {
+TEST(MyStrtoll10, DigitsAfterTheRangeAreNotRead) {
   char text[] = "  -18446744073709551616";
   for (std::size_t length = 0; length < sizeof text; ++length) {
     SCOPED_TRACE(length);
@@ -320,7 +320,7 @@ TEST(MyStrtoll10, OverflowUsesAllDigits) {
   }
 }
 
-// Every digit behind an overflow leaves it an overflow, zeros too.
+// Every digit after an overflow leaves it an overflow, zeros too.
 TEST(MyStrtoll10, OverflowIsNotForgotten) {
   const std::string over = "18446744073709551616";
   for (std::size_t count = 1; count <= 200; ++count) {
@@ -381,11 +381,11 @@ std::string random_text(std::mt19937_64 &random) {
                                        "184467440737095",
                                        "1844674407370955161",
                                        "922337203685477580"};
-  static const std::string behind[] = {"", "", " ", "x", "-1"};
+  static const std::string after[] = {"", "", " ", "x", "-1"};
   std::string text = before[random() % 9] + starts[random() % 9];
   for (std::uint64_t count = random() % 24; count > 0; --count)
     text += static_cast<char>('0' + random() % 10);
-  return text + behind[random() % 5];
+  return text + after[random() % 5];
 }
 
 TEST(MyStrtoll10, RandomNumbers) {

@@ -1,4 +1,4 @@
-// An integer means the same, or is refused in the same way, behind every key.
+// An integer means the same, or is refused in the same way, after every key.
 #include <gtest/gtest.h>
 
 #include <algorithm>

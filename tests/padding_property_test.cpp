@@ -1,4 +1,4 @@
-// Blanks and comments in front of an entry move all of it over the boundaries of
+// Blanks and comments before an entry move all of it over the boundaries of
 // the reader's buffer. Only the longest words notice.
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ class LongWords {
       if (token.text.size() == length) ends_.push_back(text.find(token.text) + length);
   }
 
-  bool refused_behind(std::size_t padding) const {
+  bool refused_after(std::size_t padding) const {
     for (const std::size_t end : ends_)
       if ((padding + end) % part == 0) return true;
     return false;
@@ -79,13 +79,13 @@ class Padding : public support::Property {
     const std::string text = support::write_plain(tokens);
     const LongWords words(tokens, text);
     std::size_t harmless = 0;
-    while (words.refused_behind(harmless)) ++harmless;
+    while (words.refused_after(harmless)) ++harmless;
     const Built expected = build(std::string(harmless, ' ') + text);
     expect(expected, {found, expected.tree}, text);
 
     const std::size_t length = words.random_padding(random);
     const std::string padded = padding_of(random, length, comments) + text;
-    if (words.refused_behind(length)) {
+    if (words.refused_after(length)) {
       ++refusals_;
       expect(build(padded), {refused, "services=0\n"}, padded);
     } else {

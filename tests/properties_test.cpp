@@ -62,8 +62,8 @@ std::string written(const File &file, Random &random, Layout layout) {
 std::string services_of(const std::string &tree) { return tree.substr(tree.find('\n') + 1); }
 
 std::string without_name(const std::string &tree) {
-  const std::size_t behind = tree.find(" descriptions=");
-  return behind == std::string::npos ? tree : tree.substr(behind);
+  const std::size_t after = tree.find(" descriptions=");
+  return after == std::string::npos ? tree : tree.substr(after);
 }
 
 class Properties : public support::Property {
@@ -183,7 +183,7 @@ std::size_t position(const support::FileState &state) {
          params.buffer_pos;
 }
 
-// Where a step behind an entry's name and "=" ends, once the blanks behind it
+// Where a step after an entry's name and "=" ends, once the blanks after it
 // are passed over, which a build has done when it looks for a further block.
 template <class State, class Step>
 std::size_t end_of(const std::string &text, Step step) {

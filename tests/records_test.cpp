@@ -62,8 +62,8 @@ Lines events_of(Action action) {
 }
 
 template <class Record>
-Record *allocate(const char *tag, std::size_t behind = 0) {
-  return static_cast<Record *>(kzci_malloc(sizeof(Record) + behind, tag));
+Record *allocate(const char *tag, std::size_t after = 0) {
+  return static_cast<Record *>(kzci_malloc(sizeof(Record) + after, tag));
 }
 
 KZCITnsService *new_service(const std::string &name = "svc") {
@@ -326,7 +326,7 @@ TEST_F(RecordDefaults, ServiceNameIsTheFirstCharactersOfALongerText) {
   EXPECT_EQ(support::text_of(service->net_service_name, 2), "sa");
 }
 
-TEST_F(RecordDefaults, ServiceNameIsZeroBehindAZeroByte) {
+TEST_F(RecordDefaults, ServiceNameIsZeroAfterAZeroByte) {
   auto *service = allocate<KZCITnsService>("service", 6);
   EXPECT_EQ(KZCITnsServiceInit(service, 6, "ab\0cde"), 0);
   EXPECT_EQ(service->net_service_name_len, 6u);
@@ -334,7 +334,7 @@ TEST_F(RecordDefaults, ServiceNameIsZeroBehindAZeroByte) {
 }
 
 // The allocator hands out blocks filled with 0xA5.
-TEST_F(RecordDefaults, ServiceNameLeavesWhatIsBehindItAlone) {
+TEST_F(RecordDefaults, ServiceNameLeavesWhatIsAfterItAlone) {
   auto *service = allocate<KZCITnsService>("service", 16);
   EXPECT_EQ(KZCITnsServiceInit(service, 8, "abcdefgh"), 0);
   const auto *name =
@@ -343,7 +343,7 @@ TEST_F(RecordDefaults, ServiceNameLeavesWhatIsBehindItAlone) {
   for (const unsigned char *byte = name + 8; byte < end; ++byte) EXPECT_EQ(*byte, 0xA5);
 }
 
-// The fixed part ends behind the name's first bytes; a shorter name is followed by zeros
+// The fixed part ends after the name's first bytes; a shorter name is followed by zeros
 // there.
 TEST_F(RecordDefaults, TheWholeFixedPartOfAServiceIsSet) {
   for (const std::size_t length : {0, 1, 2, 3, 4, 5}) {
@@ -815,7 +815,7 @@ TYPED_TEST(ReleaseOfChildren, CountSmallerByOne) {
   EXPECT_EQ(support::live_blocks().size(), 1u);
 }
 
-// The walk ends when it is back at the head: the blocks behind are gone, and
+// The walk ends when it is back at the head: the blocks after are gone, and
 // reading one would show under the address sanitizer.
 TYPED_TEST(ReleaseOfChildren, CountTooLargeStopsAtTheHead) {
   const auto children = this->hang_children(2);

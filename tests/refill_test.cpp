@@ -101,7 +101,7 @@ const std::vector<TokenRow> tokens = {
     {"a\"b\"\"c\"d", TNS_KEY, "abcd"},
 };
 
-// All places from two characters before the end of the buffer to two behind.
+// All places from two characters before the end of the buffer to two after.
 std::vector<std::size_t> places_around(std::size_t boundary, std::size_t size) {
   std::vector<std::size_t> places;
   for (std::size_t place = boundary - size - 2; place <= boundary + 2; ++place)
@@ -151,8 +151,8 @@ TYPED_TEST(RefillInEachMode, UnexpectedTokenBeforeOnAndAfterTheEnd) {
   }
 }
 
-// The input ends right behind the token: a sign is complete, a key is lost.
-TYPED_TEST(RefillInEachMode, InputEndsBehindEveryToken) {
+// The input ends right after the token: a sign is complete, a key is lost.
+TYPED_TEST(RefillInEachMode, InputEndsAfterEveryToken) {
   for (const TokenRow &row : tokens) {
     for (const std::size_t place : places_around(buffer_size, row.text.size())) {
       SCOPED_TRACE(bytes(row.text) + " at " + std::to_string(place));
@@ -285,7 +285,7 @@ TYPED_TEST(RefillInEachMode, LongKeysAtEveryPlace) {
   }
 }
 
-// A quoted key reaches the limit one place later, in front of its closing
+// A quoted key reaches the limit one place later, before its closing
 // quote, which is left and opens the next key.
 TYPED_TEST(RefillInEachMode, LongQuotedKeysAtEveryPlace) {
   for (const std::size_t size : sizes_around_the_limit) {
@@ -489,7 +489,7 @@ const std::string descriptor_fields =
     "    data SERVICE_NAME=orcl\n"
     "  variables\n";
 
-// The descriptor with a filling in front of its n-th token.
+// The descriptor with a filling before its n-th token.
 std::string filled(std::size_t n, const std::string &filling) {
   std::string text;
   for (std::size_t i = 0; i < descriptor_tokens.size(); ++i)
@@ -532,7 +532,7 @@ void expect_built(const std::string &text) {
   EXPECT_EQ(support::live_blocks().size(), 0u);
 }
 
-// A comment needs a blank in front, since a "#" behind a key belongs to it.
+// A comment needs a blank before it, since a "#" after a key belongs to it.
 std::vector<std::string> fillings(std::size_t size) {
   return {blanks(size), std::string(size, '\n'), " #" + std::string(size - 3, '(') + "\n"};
 }
@@ -541,7 +541,7 @@ TEST_F(RefillInADescriptor, SizesAroundTheBuffer) {
   for (const std::size_t total : {1023u, 1024u, 1025u, 2047u, 2048u, 2049u, 2500u}) {
     for (std::size_t n = 0; n <= descriptor_tokens.size(); ++n) {
       for (const std::string &filling : fillings(total - descriptor_size())) {
-        SCOPED_TRACE(std::to_string(total) + " characters, filled in front of token " +
+        SCOPED_TRACE(std::to_string(total) + " characters, filled before token " +
                      std::to_string(n));
         const std::string text = filled(n, filling);
         ASSERT_EQ(text.size(), total);

@@ -131,7 +131,7 @@ TEST_F(ScanCost, ALiteralAllocatesItsRecords) {
   EXPECT_EQ(one.reads, 0u);
 }
 
-// The lookup stops behind the token that ends the entry: the next entry's name,
+// The lookup stops after the token that ends the entry: the next entry's name,
 // of which it looks at the first character.
 TEST_F(ScanCost, ReadsAreTheSlicesUpToWhereTheLookupStops) {
   write_entries(500);

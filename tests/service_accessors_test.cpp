@@ -37,7 +37,7 @@ std::string in_pattern(const std::string &written, std::size_t size) {
 
 void set_entry(list_entry_t &entry) { entry = {0, &entry, &entry}; }
 
-void link_behind(list_entry_t &first, list_entry_t &second) {
+void link_after(list_entry_t &first, list_entry_t &second) {
   first = {0, &second, &second};
   second = {0, &first, &first};
 }
@@ -112,7 +112,7 @@ void PrintTo(const ExtraInfo &info, std::ostream *out) {
        << "}";
 }
 
-// The guaranteed sizes, with a guard behind them.
+// The guaranteed sizes, with a guard after them.
 constexpr std::size_t extra_room = 256 + guard;
 constexpr std::size_t session_room = 257 + guard;
 constexpr std::size_t dblink_room = 256 + guard;
@@ -162,9 +162,9 @@ class Accessors : public ::testing::Test {
     support::reset_platform();
   }
 
-  // A second description behind the first one.
+  // A second description after the first one.
   void add_second_description() {
-    link_behind(first_.des.le, second_.des.le);
+    link_after(first_.des.le, second_.des.le);
     service_->description_count = 2;
   }
 
@@ -325,7 +325,7 @@ TEST_F(ExtraInfoGet, ModeIsNarrowedTo32Bits) {
 }
 
 // A length that exceeds the array is handed out as it stands, but neither what
-// lies behind the array is read nor what lies behind the guaranteed size
+// lies after the array is read nor what lies after the guaranteed size
 // written.
 TEST_F(ExtraInfoGet, LengthBeyondTheArray) {
   const std::string extra(256, 'e');
@@ -356,7 +356,7 @@ TEST_F(ExtraInfoGet, LargestLength) {
   expect_info(expected);
 }
 
-TEST_F(ExtraInfoGet, LengthBeyondTheArrayBehindAZeroByte) {
+TEST_F(ExtraInfoGet, LengthBeyondTheArrayAfterAZeroByte) {
   first_.extra_info(in_pattern("ab\0"s, 256));
   first_.session_variable(in_pattern("c\0"s, 257));
   first_.data.user_extra_info_len = 300;
@@ -532,7 +532,7 @@ TEST_F(DblinkGet, BufferOfTheGuaranteedSizeSuffices) {
   EXPECT_EQ(length, 256 + 1 + 4 + 1 + 5);
 }
 
-// A length that exceeds the array prints the array and nothing behind it, a
+// A length that exceeds the array prints the array and nothing after it, a
 // length that is negative as a precision too.
 TEST_F(DblinkGet, LengthBeyondTheArray) {
   const std::string host(257, 'h'), port(7, '9'), service(257, 's');
@@ -562,7 +562,7 @@ TEST_F(DblinkGet, PortLengthJustBeyondItsArray) {
   }
 }
 
-TEST_F(DblinkGet, LengthBeyondTheArrayBehindAZeroByte) {
+TEST_F(DblinkGet, LengthBeyondTheArrayAfterAZeroByte) {
   first_.host("h\0x"s);
   first_.port("1\0x"s);
   first_.service_name("s\0x"s);
@@ -590,14 +590,14 @@ TEST_F(DblinkGet, FirstDescriptionOnly) {
 
 TEST_F(DblinkGet, FirstAddressListOnly) {
   second_.host("other");
-  link_behind(first_.list.le, second_.list.le);
+  link_after(first_.list.le, second_.list.le);
   first_.des.address_list_count = 2;
   expect_dblink("10.0.0.1:2881/sales");
 }
 
 TEST_F(DblinkGet, FirstAddressOnly) {
   second_.host("other");
-  link_behind(first_.address.le, second_.address.le);
+  link_after(first_.address.le, second_.address.le);
   first_.list.address_count = 2;
   expect_dblink("10.0.0.1:2881/sales");
 }
@@ -672,7 +672,7 @@ TEST_F(DblinkGet, MissingRecordsAreNotSoughtInTheSecondDescription) {
 }
 
 TEST_F(DblinkGet, AddressIsNotSoughtInTheSecondList) {
-  link_behind(first_.list.le, second_.list.le);
+  link_after(first_.list.le, second_.list.le);
   first_.des.address_list_count = 2;
   first_.list.address = nullptr;
   first_.list.address_count = 0;

@@ -1,5 +1,5 @@
 // One service built from an entry of the names file or from a literal
-// descriptor: what it holds, what ends it, and what a failure leaves behind.
+// descriptor: what it holds, what ends it, and what a failure leaves.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -64,7 +64,7 @@ class BuilderTest : public testing::Test {
 // Entries of the file
 // ----------------------------------------------------------------------
 
-// A parse state behind an entry's name and equal sign, as the lookup leaves it.
+// A parse state after an entry's name and equal sign, as the lookup leaves it.
 class Entry : public support::FileState {
  public:
   Entry(const std::string &name, std::string_view body)
@@ -84,7 +84,7 @@ struct EntryRow {
   const char *title;
   std::string body;
   sword status;
-  Lines lines;  // Behind the builder's call.
+  Lines lines;  // After the builder's call.
   std::vector<Block> left = {};
 };
 
@@ -216,7 +216,7 @@ TEST_F(ServiceBuild, OtherEntriesFail) {
 }
 
 // The record alone is released: what is attached to it stays allocated.
-TEST_F(ServiceBuild, AFailureBehindAGoodDescriptionKeepsItAllocated) {
+TEST_F(ServiceBuild, AFailureAfterAGoodDescriptionKeepsItAllocated) {
   const Lines address_begun =
       description_begins() + description_key("ADDRESS", LB_ADDRESS) + address_call();
   const Lines good = {"DEBUG success to build description, address count:1"};
@@ -302,7 +302,7 @@ TEST_F(ServiceBuild, ServicesAreAppendedInTheOrderOfTheirBuilding) {
   }
 }
 
-TEST_F(ServiceBuild, TheTokenBehindTheEntryIsLeft) {
+TEST_F(ServiceBuild, TheTokenAfterTheEntryIsLeft) {
   Entry entry("mydb", one_block + "\nnext = (");
   EXPECT_EQ(KZCITnsServiceBuild(&tns_, &entry.params), 0);
   EXPECT_EQ(entry.params.tns_token_type, TNS_RIGHT_PARENTHESES);
@@ -444,7 +444,7 @@ TEST_F(ServiceBuild, ABlockWithoutAKeyIsReadAsThePreviousOne) {
       {"no key in the first block", "(=5)", 0,
        mismatch(3, 0) + Lines{"WARN parse system variables get error key type:0"} + key("5") +
            good},
-      {"no key behind an unknown one", "(LOG_COUNT=3)(ANYTHING=4)(=5)", 0,
+      {"no key after an unknown one", "(LOG_COUNT=3)(ANYTHING=4)(=5)", 0,
        log_count + unknown_word("ANYTHING") +
            Lines{"WARN parse system variables get error key type:0"} + key("4") + mismatch(3, 0) +
            Lines{"WARN parse system variables get error key type:0"} + key("5") + good},
@@ -483,11 +483,10 @@ TEST_F(ServiceBuild, ReservedEntriesThatFail) {
       {"the end inside a key", "(ANYTHING", -1, key_cut_off(1) + ended() + cut_off},
       {"a key that is too long and no equal sign", "(" + std::string(256, 'k'), -1,
        key_too_long() + input_end(1) + cut_off},
-      {"no equal sign behind an unknown key", "(ANYTHING 5)", -1,
+      {"no equal sign after an unknown key", "(ANYTHING 5)", -1,
        unknown_word("ANYTHING") + mismatch(0, 3) + failed},
-      {"no equal sign behind a known key", "(LOG_COUNT 5)", -1,
-       log_count + mismatch(0, 3) + failed},
-      {"the end behind a known key", "(LOG_COUNT ", -1, log_count + input_end(1) + cut_off},
+      {"no equal sign after a known key", "(LOG_COUNT 5)", -1, log_count + mismatch(0, 3) + failed},
+      {"the end after a known key", "(LOG_COUNT ", -1, log_count + input_end(1) + cut_off},
       {"a number that is none", "(LOG_COUNT=abc)", -1,
        log_count + key("abc") +
            Lines{"ERROR fail to covert to int, src value:abc",
@@ -549,7 +548,7 @@ struct DescriptorRow {
   const char *title;
   std::string text;
   Outcome outcome;
-  Lines lines;  // Behind the builder's call.
+  Lines lines;  // After the builder's call.
   std::vector<Block> left = {};
 };
 
@@ -616,9 +615,9 @@ TEST_F(DescriptorBuild, TheFirstRecordPrintsTheContainerAndTheText) {
 TEST_F(DescriptorBuild, OneBlockAndBlanksAreGood) {
   const Lines lines = small_description("h") + refill(2) + Lines{"DEBUG reach eof"} + built();
   const DescriptorRow rows[] = {
-      {"nothing behind it", one_block, found, lines},
-      {"blanks behind it", one_block + " \t\r\n", found, lines},
-      {"a comment behind it", one_block + " # (DESCRIPTION=", found, lines},
+      {"nothing after it", one_block, found, lines},
+      {"blanks after it", one_block + " \t\r\n", found, lines},
+      {"a comment after it", one_block + " # (DESCRIPTION=", found, lines},
       {"blanks before it", "\n\n " + one_block, found, lines},
       {"blanks inside it", "( DESCRIPTION = ( ADDRESS = ( HOST = h ) ) )", found, lines},
   };
@@ -674,15 +673,15 @@ TEST_F(DescriptorBuild, AMalformedBeginningFails) {
   for (const DescriptorRow &row : rows) run(row);
 }
 
-TEST_F(DescriptorBuild, AFailureBehindTheEqualSignFails) {
+TEST_F(DescriptorBuild, AFailureAfterTheEqualSignFails) {
   const Lines address_begun =
       description_begins() + description_key("ADDRESS", LB_ADDRESS) + address_call();
   const Lines good = {"DEBUG success to build description, address count:1"};
-  const Lines behind = small_description("h") + service_failed(-1);
+  const Lines after = small_description("h") + service_failed(-1);
   const DescriptorRow rows[] = {
       {"an empty description", "(DESCRIPTION=)", failed,
        description_begins() + mismatch(1, 2) + description_failed() + service_failed(-1)},
-      {"the end behind the equal sign", "(DESCRIPTION=", failed,
+      {"the end after the equal sign", "(DESCRIPTION=", failed,
        description_begins() + input_end(2) + description_failed() + service_failed(-1)},
       {"no last parenthesis", "(DESCRIPTION=(ADDRESS=(HOST=h))", failed,
        address_begun + host("h") + block_end() + input_end(2) + good + ended() +
@@ -692,15 +691,15 @@ TEST_F(DescriptorBuild, AFailureBehindTheEqualSignFails) {
        address_begun + host("h") + block_end() + mismatch(1, 0) + good + mismatch(2, 0) +
            service_failed(-1),
        one_description_left},
-      {"a word behind it", one_block + "x", failed, behind, one_description_left},
-      {"a word behind blanks", one_block + " \n x", failed, behind, one_description_left},
-      {"a second block", one_block + one_block, failed, behind, one_description_left},
-      {"a closing parenthesis", one_block + ")", failed, behind, one_description_left},
+      {"a word after it", one_block + "x", failed, after, one_description_left},
+      {"a word after blanks", one_block + " \n x", failed, after, one_description_left},
+      {"a second block", one_block + one_block, failed, after, one_description_left},
+      {"a closing parenthesis", one_block + ")", failed, after, one_description_left},
   };
   for (const DescriptorRow &row : rows) run(row);
 }
 
-TEST_F(DescriptorBuild, AZeroByteBehindTheDescriptorIsNoBlank) {
+TEST_F(DescriptorBuild, AZeroByteAfterTheDescriptorIsNoBlank) {
   EXPECT_EQ(build_text(one_block + bytes("\0"sv)), failed);
   EXPECT_EQ(support::log_without_pointers(),
             call(one_block) + refill(2) + small_description("h") + service_failed(-1));
@@ -794,7 +793,7 @@ TEST_F(DescriptorBuild, ADescriptorMayEndWithABuffer) {
   }
 }
 
-TEST_F(DescriptorBuild, ServicesAreAppendedBehindTheOthers) {
+TEST_F(DescriptorBuild, ServicesAreAppendedAfterTheOthers) {
   Entry entry("mydb", one_block);
   EXPECT_EQ(KZCITnsServiceBuild(&tns_, &entry.params), 0);
   EXPECT_EQ(build_text("(description=(ADDRESS=(HOST=i)))"), found);

@@ -53,7 +53,7 @@ std::string entry(const std::string &name, const std::string &host_value) {
   return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host_value + ")))\n";
 }
 
-// The lookup's lines in front of the first refill.
+// The lookup's lines before the first refill.
 Lines opened(const std::string &variable, const std::string &value, const std::string &file) {
   return {"DEBUG call KZCITnsBuild with params [tns:PTR]", "DEBUG get " + variable + ":" + value,
           "DEBUG get configure file:" + file};
@@ -133,7 +133,7 @@ class ServiceLookup : public testing::Test {
 // Recognising a descriptor
 // ----------------------------------------------------------------------
 
-// Asks with an exact-size copy, so that a read behind the text shows.
+// Asks with an exact-size copy, so that a read after the text shows.
 boolean is_description(std::string_view text) {
   const auto copy = std::make_unique<char[]>(text.size());
   std::memcpy(copy.get(), text.data(), text.size());
@@ -337,7 +337,7 @@ TEST_F(ServiceLookup, AMissingFileIsNoError) {
             opened("KZCI_TNS_FILE", "names.ora", "names.ora") + not_opened("names.ora"));
 }
 
-// A value of this length, and what the file's name holds behind its first 256
+// A value of this length, and what the file's name holds after its first 256
 // characters or fewer.
 struct NameRow {
   std::size_t length;
@@ -414,10 +414,10 @@ TEST_F(ServiceLookup, TheFilesOwnVariableIsCutTo256Characters) {
 TEST_F(ServiceLookup, AFileWhoseNameHas256CharactersIsRead) {
   const std::string file = std::string(100, 'd') + "/" + std::string(155, 'f');
   folder_.write(file, entry("mydb", "h"));
-  for (const char *behind : {"", "x", "/x"}) {
-    SCOPED_TRACE(behind);
+  for (const char *after : {"", "x", "/x"}) {
+    SCOPED_TRACE(after);
     begin();
-    environment_.set("KZCI_TNS_FILE", file + behind);
+    environment_.set("KZCI_TNS_FILE", file + after);
     EXPECT_EQ(build(tns_, "mydb"), found);
     end({});
   }
@@ -548,7 +548,7 @@ struct ScanRow {
   std::string text;
   std::string name;
   Outcome outcome;
-  Lines lines;  // Behind the opening of the file.
+  Lines lines;  // After the opening of the file.
   std::vector<Block> left = {};
 };
 
@@ -581,7 +581,7 @@ TEST_F(ScanTest, FiveEntries) {
        refill(1) + key("alpha") + other_name("ALPHA", "alpha") + key("beta") +
            other_name("ALPHA", "betaa") + key("KZCISYSTEMVARIABLES") +
            other_name("ALPHA", "KZCIS")},
-      {"behind the reserved entry", five_entries(), "gamma", absent,
+      {"after the reserved entry", five_entries(), "gamma", absent,
        refill(1) + key("alpha") + other_name("gamma", "alpha") + key("beta") +
            other_name("gamma", "betaa") + key("KZCISYSTEMVARIABLES") +
            other_name("gamma", "KZCIS")},
@@ -621,17 +621,17 @@ TEST_F(ScanTest, TheFileEndsBeforeTheEntry) {
       {"blanks", " \t\r\n", "mydb", absent, refill(1) + input_end(1) + absent_line},
       {"a comment", "# mydb", "mydb", absent, refill(1) + input_end(1) + absent_line},
       {"inside the name", "myd", "mydb", absent, refill(1) + key_cut_off(1) + absent_line},
-      {"right behind the name", "mydb", "mydb", absent, refill(1) + key_cut_off(1) + absent_line},
-      {"behind the name", "mydb ", "mydb", absent,
+      {"right after the name", "mydb", "mydb", absent, refill(1) + key_cut_off(1) + absent_line},
+      {"after the name", "mydb ", "mydb", absent,
        refill(1) + key("mydb") + input_end(1) + absent_line},
-      {"behind another name's equal sign", "other = ", "mydb", absent,
+      {"after another name's equal sign", "other = ", "mydb", absent,
        refill(1) + key("other") + other_name("mydb", "othe") + input_end(1) +
            Lines{"ERROR fail to call KZCITnsServiceSkip, status:100"} + absent_line},
       {"inside a skipped entry", "other = (a (b)", "mydb", absent,
        refill(1) + key("other") + other_name("mydb", "othe") + refill(1) +
            Lines{"DEBUG reach eof", "ERROR fail to call KZCITnsServiceSkip, status:100"} +
            absent_line},
-      {"right behind a skipped entry", "other = ()", "mydb", absent,
+      {"right after a skipped entry", "other = ()", "mydb", absent,
        refill(1) + key("other") + other_name("mydb", "othe") + input_end(1) + absent_line},
   };
   for (const ScanRow &row : rows) run(row);
@@ -674,8 +674,7 @@ TEST_F(ScanTest, TheFileEndsInsideTheEntry) {
   const Lines good = {"DEBUG success to build description, address count:1"};
   const std::string one = "mydb = (DESCRIPTION = (ADDRESS = (HOST = h)))";
   const ScanRow rows[] = {
-      {"behind the equal sign", "mydb = ", "mydb", failed,
-       begun + input_end(1) + entry_failed(100)},
+      {"after the equal sign", "mydb = ", "mydb", failed, begun + input_end(1) + entry_failed(100)},
       {"inside a value", "mydb = (DESCRIPTION = (ADDRESS = (HOST = h", "mydb", failed,
        begun + address_begun + key_word("HOST", LB_HOST) +
            Lines{"DEBUG KZCIAddressBuild get key_type 20"} + key_cut_off(1) +
@@ -683,28 +682,28 @@ TEST_F(ScanTest, TheFileEndsInsideTheEntry) {
                  "ERROR something error in build address, status:100",
                  "ERROR fail to call KZCIAddressBuild"} +
            description_failed() + entry_failed(-1)},
-      {"in front of the last parenthesis",
+      {"before the last parenthesis",
        "mydb = (DESCRIPTION = (ADDRESS = (HOST = h))",
        "mydb",
        failed,
        begun + address_begun + host("h") + block_end() + input_end(1) + good + ended() +
            entry_failed(100),
        {description_block, list_block, address_block}},
-      {"right behind the entry", one, "mydb", found,
+      {"right after the entry", one, "mydb", found,
        begun + small_description("h") + input_end(1) + built(1, 1)},
-      {"in front of the second block's last parenthesis",
-       one + "(DESCRIPTION = (ADDRESS = (HOST = i))", "mydb", found,
+      {"before the second block's last parenthesis", one + "(DESCRIPTION = (ADDRESS = (HOST = i))",
+       "mydb", found,
        begun + small_description("h") + address_begun + host("i") + block_end() + input_end(1) +
            good + ended() + built(2, 1)},
   };
   for (const ScanRow &row : rows) run(row);
 }
 
-TEST_F(ScanTest, WhatStandsBehindTheEntryIsNotRead) {
-  for (const char *behind : {"= = (", ")", "mydb = (", "other", "other = x", "\""}) {
-    SCOPED_TRACE(behind);
+TEST_F(ScanTest, WhatStandsAfterTheEntryIsNotRead) {
+  for (const char *after : {"= = (", ")", "mydb = (", "other", "other = x", "\""}) {
+    SCOPED_TRACE(after);
     begin();
-    EXPECT_EQ(look_up(entry("mydb", "h") + behind, "mydb"), found);
+    EXPECT_EQ(look_up(entry("mydb", "h") + after, "mydb"), found);
     end({});
   }
 }
@@ -785,7 +784,7 @@ TEST_F(ScanTest, AnEmptyNameMatchesOnlyAnEmptyName) {
 // The precision of the message about another name is the sought name's length
 // ----------------------------------------------------------------------
 
-TEST_F(ScanTest, TheMessageShowsWhatEarlierKeysLeftBehind) {
+TEST_F(ScanTest, TheMessageShowsWhatEarlierKeysLeft) {
   const ScanRow row = {"shorter names over longer ones", "longest_name=() ab=() cde=() \"\"=()",
                        "sought_one", absent,
                        refill(1) + key("longest_name") + other_name("sought_one", "longest_na") +
@@ -827,7 +826,7 @@ TEST_F(ScanTest, ALengthAboveASignedNumberShowsNoMoreThanAKeyCanHold) {
   }
 }
 
-TEST_F(ScanTest, ALongNameIsComparedWithoutReadingBehindTheKey) {
+TEST_F(ScanTest, ALongNameIsComparedWithoutReadingAfterTheKey) {
   for (const std::size_t length : {257u, 1000u, 100000u}) {
     SCOPED_TRACE(length);
     begin();

@@ -60,7 +60,7 @@ std::size_t consumed(const KZCITnsParseParams &params) {
 }
 
 // A body that is passed over from its first character to its last, with the
-// next entry behind it.
+// next entry after it.
 void expect_skipped(std::string_view body) {
   SCOPED_TRACE(body);
   support::reset_platform();
@@ -184,12 +184,12 @@ TEST_F(ServiceSkip, LongerNamesAreOrdinary) {
   }
 }
 
-// The twentieth byte is compared with the zero byte behind the reserved name,
-// whatever stands behind it.
-TEST_F(ServiceSkip, ZeroByteBehindTheReservedNameIsEqual) {
-  for (const std::string_view behind : {"\0"sv, "\0X"sv, "\0\0\0\0"sv, "\0anything at all"sv}) {
-    SCOPED_TRACE(behind.size());
-    EXPECT_FALSE(is_skipped(bytes(reserved_name) + bytes(behind)));
+// The twentieth byte is compared with the zero byte after the reserved name,
+// whatever stands after it.
+TEST_F(ServiceSkip, ZeroByteAfterTheReservedNameIsEqual) {
+  for (const std::string_view after : {"\0"sv, "\0X"sv, "\0\0\0\0"sv, "\0anything at all"sv}) {
+    SCOPED_TRACE(after.size());
+    EXPECT_FALSE(is_skipped(bytes(reserved_name) + bytes(after)));
   }
 }
 
@@ -204,8 +204,8 @@ TEST_F(ServiceSkip, ZeroByteInsideANameIsComparedLikeAnyOther) {
 }
 
 // Only as many characters count as the length says; what an earlier key has
-// left behind does not.
-TEST_F(ServiceSkip, WhatStandsBehindTheNameDoesNotMatter) {
+// left does not.
+TEST_F(ServiceSkip, WhatStandsAfterTheNameDoesNotMatter) {
   DescriptorState state("(x)");
   std::memcpy(state.params.tns_key, "KZCISALES", 9);
   state.params.tns_key_len = 4;
@@ -231,7 +231,7 @@ TEST_F(ServiceSkip, NullRecord) {
   EXPECT_EQ(support::log_without_pointers(), Lines{"ERROR invalid handle, parse_params:NULL"});
 }
 
-TEST_F(ServiceSkip, StopsBehindTheMatchingParenthesis) {
+TEST_F(ServiceSkip, StopsAfterTheMatchingParenthesis) {
   for (const std::string_view body :
        {"()"sv, "(a)"sv, "((A=1)(B=2))"sv, "( (A=1) (B=2) )"sv, "((((()))))"sv, "(()()(()()))"sv,
         "(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))\n  (CONNECT_DATA=(SID=s)))"sv, "(\0(\0)\0)"sv})
@@ -324,7 +324,7 @@ TEST_F(ServiceSkip, InputEndsInsideTheBody) {
     expect_cut_off(body);
 }
 
-TEST_F(ServiceSkip, NothingIsReadBehindTheClosingParenthesis) {
+TEST_F(ServiceSkip, NothingIsReadAfterTheClosingParenthesis) {
   DescriptorState state("(a)");
   set_key(state.params, "sales");
   EXPECT_EQ(KZCITnsServiceSkip(&state.params), 0);
@@ -353,7 +353,7 @@ TEST_F(ServiceSkip, SeveralEntriesOneAfterTheOther) {
 // Against a loop over the bytes
 // ----------------------------------------------------------------------
 
-// The place behind the parenthesis that matches the first one, if there is one.
+// The place after the parenthesis that matches the first one, if there is one.
 std::optional<std::size_t> matching_end(std::string_view text) {
   int depth = 0;
   for (std::size_t i = text.find('('); i < text.size(); ++i) {

@@ -47,7 +47,7 @@ std::string report(std::size_t length, std::size_t from = 0) {
   return text;
 }
 
-// The whole buffer, the bytes behind the text too.
+// The whole buffer, the bytes after the text too.
 std::string content(const KZCISLowSQL &slowsql) {
   return {slowsql.buffer, static_cast<std::size_t>(slowsql.buffer_length)};
 }
@@ -93,7 +93,7 @@ class SlowSql : public ::testing::Test {
 
   void expect_log(const Lines &expected) { EXPECT_EQ(support::log_records(), expected); }
 
-  // The buffer holds this text and zeros behind it.
+  // The buffer holds this text and zeros after it.
   void expect_kept(const std::string &text) {
     EXPECT_EQ(slowsql_.buffer_pos, static_cast<sb8>(text.size()));
     std::string whole = text;
@@ -301,7 +301,7 @@ TEST_F(SlowSqlFlush, EmptyBufferLogsNothing) {
   expect_log({batch("a")});
 }
 
-// Every byte of the buffer becomes zero, those behind the text too.
+// Every byte of the buffer becomes zero, those after the text too.
 TEST_F(SlowSqlFlush, WholeBufferIsZeroed) {
   by_hand("abc\0"s, 16, 3);
   EXPECT_EQ(KZCISlowSQLBufferFlush(&slowsql_), 0);
@@ -309,8 +309,8 @@ TEST_F(SlowSqlFlush, WholeBufferIsZeroed) {
   expect_kept("");
 }
 
-// ... and none behind its length.
-TEST_F(SlowSqlFlush, BytesBehindTheLengthStay) {
+// ... and none after its length.
+TEST_F(SlowSqlFlush, BytesAfterTheLengthStay) {
   by_hand("abc\0"s, 8, 3);
   EXPECT_EQ(KZCISlowSQLBufferFlush(&slowsql_), 0);
   EXPECT_EQ(hand_made_content(), std::string(8, '\0') + "zzzzzzzz");
@@ -544,7 +544,7 @@ TEST_F(SlowSqlWrite, LengthOf0OrLess) {
   }
 }
 
-// A report leaves the bytes behind its terminator alone.
+// A report leaves the bytes after its terminator alone.
 TEST_F(SlowSqlWrite, OnlyTheReportIsWritten) {
   by_hand("abc\0"s, 16, 3);
   EXPECT_EQ(write(slowsql_, "de"), 0);
@@ -553,9 +553,9 @@ TEST_F(SlowSqlWrite, OnlyTheReportIsWritten) {
   expect_log({});
 }
 
-// A position at or behind the end is past the threshold: the text is logged.
+// A position at or after the end is past the threshold: the text is logged.
 // Nor does it matter what the position's low 32 bits are.
-TEST_F(SlowSqlWrite, PositionBehindTheEnd) {
+TEST_F(SlowSqlWrite, PositionAfterTheEnd) {
   for (const sb8 pos : {sb8{15}, sb8{16}, sb8{17}, sb8{1000}, sb8{2147483647}, sb8{4294967296},
                         sb8{6442450943}, largest - 100}) {
     SCOPED_TRACE(pos);
@@ -603,7 +603,7 @@ TEST_F(SlowSqlFormatError, InTheMiddle) {
   expect_kept("");
 }
 
-TEST_F(SlowSqlFormatError, BehindAPartThatIsFormatted) {
+TEST_F(SlowSqlFormatError, AfterAPartThatIsFormatted) {
   init(16);
   EXPECT_EQ(write(slowsql_, "hello"), 0);
   EXPECT_EQ(KZCISlowSQLWrite(&slowsql_, "abcdefghijklmnopqrstuvwxyz%ls", unencodable), 0);
@@ -637,7 +637,7 @@ TEST_F(SlowSqlFormatError, BackToTheStart) {
   expect_log({batch("b")});
 }
 
-// In front of the buffer nothing is logged and nothing is written; the position
+// Before the buffer nothing is logged and nothing is written; the position
 // says how many characters fall before its start.
 TEST_F(SlowSqlFormatError, AtTheStart) {
   for (const sb8 size : {1, 2, 3, 16, 64}) {
@@ -655,7 +655,7 @@ TEST_F(SlowSqlFormatError, AtTheStart) {
   }
 }
 
-TEST_F(SlowSqlFormatError, ReportsBehindTheStart) {
+TEST_F(SlowSqlFormatError, ReportsAfterTheStart) {
   init(16);
   EXPECT_EQ(write_unencodable(slowsql_), 0);
   EXPECT_EQ(write(slowsql_, "abc"), 0);
@@ -679,7 +679,7 @@ TEST_F(SlowSqlFormatError, ReportThatEndsAtTheStart) {
   expect_log({batch("x")});
 }
 
-// However far in front, a long report fills the buffer and nothing beside it.
+// However far before it, a long report fills the buffer and nothing beside it.
 TEST_F(SlowSqlFormatError, LongReportInFrontOfTheStart) {
   for (const sb8 size : {1, 2, 3, 16}) {
     for (const sb8 front : {sb8{-1}, sb8{-2}, sb8{-15}, sb8{-16}, sb8{-40}}) {
@@ -718,8 +718,8 @@ TEST_F(SlowSqlFormatError, SmallestPosition) {
   expect_log({});
 }
 
-// The position may stand behind the threshold before the length is taken off.
-TEST_F(SlowSqlFormatError, PositionBehindTheEnd) {
+// The position may stand after the threshold before the length is taken off.
+TEST_F(SlowSqlFormatError, PositionAfterTheEnd) {
   by_hand("abc\0"s, 16, 16);
   EXPECT_EQ(write_unencodable(slowsql_), 0);
   expect_log({batch("abc")});
@@ -764,7 +764,7 @@ TEST_F(SlowSqlWrite, EmptyBufferLostWhileTheReportIsMeasured) {
   expect_kept("");
 }
 
-// In front of the start the second threshold is not reached: the status of the
+// Before the start the second threshold is not reached: the status of the
 // first failure stands.
 TEST_F(SlowSqlWrite, BufferLostInFrontOfTheStart) {
   init(16);

@@ -88,7 +88,7 @@ TextField text_field(KZCISystemVariables &vars, const Key &key) {
   }
 }
 
-// A parse state behind an item's "=", with its key identified.
+// A parse state after an item's "=", with its key identified.
 class Value : public support::DescriptorState {
  public:
   Value(const Key &key, std::string_view text) : DescriptorState(text) {
@@ -144,7 +144,7 @@ TEST_F(SystemVariables, ANullArgumentIsReportedByTheStatusAlone) {
   EXPECT_EQ(shown(vars_), defaults);
 }
 
-TEST_F(SystemVariables, OneValueIsConsumedAndNothingBehindIt) {
+TEST_F(SystemVariables, OneValueIsConsumedAndNothingAfterIt) {
   for (const Key &key : {threshold, buffer_size, flush_second, session, log_size, level, log_count,
                          path, Key{LB_ERROR_KEY, "ANYTHING", ""}}) {
     SCOPED_TRACE(key.word);
@@ -187,7 +187,7 @@ TEST_F(SystemVariables, TheLastAcceptedValueStays) {
 
 struct NumberRow {
   Key key;
-  std::string text;   // As written, in front of ")".
+  std::string text;   // As written, before ")".
   std::string value;  // As read.
   sb8 stored;
 };

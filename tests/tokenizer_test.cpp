@@ -317,7 +317,7 @@ TEST_F(Tokenizer, NullRecordsAreNotLogged) {
 // Refill
 // ----------------------------------------------------------------------
 
-TEST_F(CheckBuffer, CharacterAtHandAnswersEvenBehindTheEnd) {
+TEST_F(CheckBuffer, CharacterAtHandAnswersEvenAfterTheEnd) {
   DescriptorState state("ab");
   EXPECT_EQ(KZCITnsCheckBuffer(&state.params), 0);
   state.params.is_eof = 1;
@@ -328,7 +328,7 @@ TEST_F(CheckBuffer, CharacterAtHandAnswersEvenBehindTheEnd) {
   EXPECT_EQ(support::log_records(), Lines{});
 }
 
-TEST_F(CheckBuffer, NothingIsReadBehindTheEnd) {
+TEST_F(CheckBuffer, NothingIsReadAfterTheEnd) {
   DescriptorState state("ab");
   state.params.is_eof = 1;
   EXPECT_EQ(KZCITnsCheckBuffer(&state.params), -1);
@@ -369,7 +369,7 @@ TEST_F(CheckBuffer, DescriptorGoesOnFromItsOffset) {
   EXPECT_EQ(held(state.params), "ef");
 }
 
-TEST_F(CheckBuffer, DescriptorOffsetBehindItsEndIsTheEnd) {
+TEST_F(CheckBuffer, DescriptorOffsetAfterItsEndIsTheEnd) {
   DescriptorState state("abcdef");
   state.params.description_offset = 7;
   EXPECT_EQ(KZCITnsCheckBuffer(&state.params), -1);
@@ -481,7 +481,7 @@ TEST_F(ParseBlank, OnlyALineFeedOrAZeroByteEndsAComment) {
   }
 }
 
-TEST_F(ParseBlank, ZeroByteBehindACommentIsLeft) {
+TEST_F(ParseBlank, ZeroByteAfterACommentIsLeft) {
   DescriptorState state("  #(c\0AB)"sv);
   EXPECT_EQ(KZCITnsParseBlank(&state.params), 0);
   EXPECT_EQ(state.params.buffer_pos, 5u);
@@ -518,7 +518,7 @@ TEST_F(ParseBlank, EndOfInputInsideAComment) {
   EXPECT_EQ(support::log_records(), (Lines{read_data(), read_data(), reach_eof, reach_eof}));
 }
 
-TEST_F(ParseBlank, BehindTheEndNothingIsRead) {
+TEST_F(ParseBlank, AfterTheEndNothingIsRead) {
   DescriptorState state("  x");
   state.params.is_eof = 1;
   EXPECT_EQ(KZCITnsParseBlank(&state.params), 100);
@@ -643,7 +643,7 @@ TEST_F(ParseKey, WhatIsCutOffIsTheNextToken) {
             (Lines{read_data(), got_key(letters(256)), got_key(letters(300).substr(256))}));
 }
 
-// The limit is reached in front of the closing quote, which is left: it opens
+// The limit is reached before the closing quote, which is left: it opens
 // the next key.
 TEST_F(ParseKey, QuotedKeyAtTheLimitLeavesItsClosingQuote) {
   DescriptorState state("\"" + letters(256) + "\" )\" ");
@@ -658,11 +658,11 @@ TEST_F(ParseKey, QuotedKeyAtTheLimitLeavesItsClosingQuote) {
                    got_key(" )")}));
 }
 
-TEST_F(ParseKey, QuoteBehindTheLimitIsLeft) {
+TEST_F(ParseKey, QuoteAfterTheLimitIsLeft) {
   expect_key({letters(256) + "\"x\")", letters(256), 256});
 }
 
-// The quote state belongs to one key: behind the cut the reader is outside.
+// The quote state belongs to one key: after the cut the reader is outside.
 TEST_F(ParseKey, UnbalancedQuoteRunsToTheLimitAndDoesNotLeak) {
   DescriptorState state("\"" + letters(255) + "()tail ");
   EXPECT_EQ(KZCITnsParse(&state.params, TNS_KEY), 0);
@@ -704,7 +704,7 @@ TEST_F(ParseKey, EndOfInput) {
   }
 }
 
-TEST_F(ParseKey, BehindTheEndNothingIsRead) {
+TEST_F(ParseKey, AfterTheEndNothingIsRead) {
   DescriptorState state("key ");
   state.params.is_eof = 1;
   EXPECT_EQ(KZCITnsParseKey(&state.params), 100);
@@ -715,10 +715,10 @@ TEST_F(ParseKey, BehindTheEndNothingIsRead) {
 // The 256th character is the last one at hand, whether or not more input
 // follows.
 TEST_F(ParseKey, LimitAtTheEndOfTheBufferIsAFailure) {
-  for (const std::string_view behind : {""sv, ")"sv, "more"sv}) {
-    SCOPED_TRACE(behind);
+  for (const std::string_view after : {""sv, ")"sv, "more"sv}) {
+    SCOPED_TRACE(after);
     support::reset_platform();
-    DescriptorState state(blanks(768) + letters(256) + bytes(behind));
+    DescriptorState state(blanks(768) + letters(256) + bytes(after));
     EXPECT_EQ(KZCITnsParseBlank(&state.params), 0);
     state.params.tns_key_len = 5;
     EXPECT_EQ(KZCITnsParseKey(&state.params), -1);
@@ -817,7 +817,7 @@ TEST_F(Tokenizer, UnexpectedTokenIsLeftForTheNextCall) {
   EXPECT_EQ(support::log_records(), (Lines{read_data(), unexpected(0, 1)}));
 }
 
-// Blanks in front of an unexpected token are gone; the token is not.
+// Blanks before an unexpected token are gone; the token is not.
 TEST_F(Tokenizer, UnexpectedTokenKeepsTheKeyAndTheTypeBefore) {
   DescriptorState state("name  #c\n )");
   EXPECT_EQ(KZCITnsParse(&state.params, TNS_KEY), 0);
@@ -846,7 +846,7 @@ TEST_F(Tokenizer, CommentBeginsBetweenAnyTwoTokens) {
   EXPECT_EQ(support::log_records(), (Lines{read_data(), got_key("A"), got_key("B")}));
 }
 
-TEST_F(Tokenizer, HashRightBehindAKeyBelongsToIt) {
+TEST_F(Tokenizer, HashRightAfterAKeyBelongsToIt) {
   DescriptorState state("A#1 =B#2)");
   EXPECT_EQ(KZCITnsParse(&state.params, TNS_KEY), 0);
   EXPECT_EQ(state.key(), "A#1");

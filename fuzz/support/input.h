@@ -17,7 +17,7 @@ class Input {
 
   bool empty() const { return text_.empty(); }
 
-  // The next byte; '0' behind the end.
+  // The next byte; '0' after the end.
   unsigned char byte() {
     if (text_.empty()) return '0';
     const auto next = static_cast<unsigned char>(text_.front());
@@ -61,7 +61,7 @@ class Input {
   std::string_view text_;
 };
 
-// A heap block of a text's exact size, so that a read behind its end shows.
+// A heap block of a text's exact size, so that a read after its end shows.
 class HeapText {
  public:
   explicit HeapText(std::string_view text)

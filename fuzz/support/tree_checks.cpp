@@ -91,7 +91,7 @@ void TreeChecker::text(std::string_view text, std::size_t limit, std::string_vie
 
 // The same for a string copy: zeros stand from the first zero byte on.
 void TreeChecker::text_as_string(std::string_view whole, std::size_t limit, std::string_view name) {
-  check(whole == copied_as_string(whole), "%.*s goes on behind a zero byte",
+  check(whole == copied_as_string(whole), "%.*s goes on after a zero byte",
         static_cast<int>(name.size()), name.data());
   check(whole.size() <= limit, "%.*s is %zu characters long", static_cast<int>(name.size()),
         name.data(), whole.size());

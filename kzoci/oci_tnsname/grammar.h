@@ -124,6 +124,10 @@ constexpr ub4 max_port = 6;
 constexpr ub4 max_protocol = 6;
 constexpr ub4 max_log_text = 1025;  // beyond what one key can be
 
+// Beyond these LOG_SIZE counts as the smallest, LOG_COUNT as 0.
+constexpr sb8 smallest_log_size = 0x100000;
+constexpr sb8 largest_log_count = 4294967295;
+
 #pragma GCC visibility push(hidden)
 inline constexpr Word switch_word[] = {{"ON", 1}, {"OFF", 0}};
 inline constexpr Words switch_words = {switch_word, message::bad_switch};

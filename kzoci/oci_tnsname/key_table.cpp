@@ -54,7 +54,7 @@ constexpr KeyWord make_key_word(std::string_view text, KZCILBKeyType type) {
 }
 
 // Whether an earlier row of the grammar has the same word.
-constexpr bool stands_before(std::size_t row) {
+constexpr bool repeats_word(std::size_t row) {
   for (std::size_t i = 0; i < row; ++i)
     if (std::string_view(grammar[i].word) == grammar[row].word) return true;
   return false;
@@ -62,7 +62,7 @@ constexpr bool stands_before(std::size_t row) {
 
 constexpr std::size_t number_of_words = [] {
   std::size_t number = 0;
-  for (std::size_t row = 0; row < rows_of_grammar; ++row) number += !stands_before(row);
+  for (std::size_t row = 0; row < rows_of_grammar; ++row) number += !repeats_word(row);
   return number;
 }();
 
@@ -74,7 +74,7 @@ constexpr auto tns_keys = [] {
   for (std::size_t length = 1; length <= longest_key_word; ++length)
     for (std::size_t row = 0; row < rows_of_grammar; ++row) {
       const std::string_view word = grammar[row].word;
-      if (word.size() == length && !stands_before(row))
+      if (word.size() == length && !repeats_word(row))
         words[taken++] = make_key_word(word, grammar[row].type);
     }
   return words;

@@ -12,9 +12,6 @@ using namespace kzoci::tns;
 
 namespace {
 
-constexpr sb8 smallest_log_size = 0x100000;
-constexpr sb8 largest_log_count = 4294967295;
-
 sword read_log_size(KZCISystemVariables &vars, KZCITnsParseParams *params) {
   return read_integer(params,
                       [&](sb8 number) { vars.log_size = std::max(number, smallest_log_size); });

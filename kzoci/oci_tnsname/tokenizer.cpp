@@ -54,7 +54,7 @@ struct Window {
 };
 
 // Whether buffer_pos is on a character that begins a token.
-bool stands_at_token(const KZCITnsParseParams &params) {
+bool is_at_token(const KZCITnsParseParams &params) {
   return params.buffer_pos < params.buffer_len && params.is_comment != 1 &&
          !is_any_of(params.tns_buffer[params.buffer_pos], blank | comment_sign);
 }
@@ -194,8 +194,8 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
   return success;
 }
 
-[[gnu::noinline]] sword take_token_behind_blanks(KZCITnsParseParams *params,
-                                                 KZCITnsTokenType expect_type) {
+[[gnu::noinline]] sword take_token_after_blanks(KZCITnsParseParams *params,
+                                                KZCITnsTokenType expect_type) {
   const sword status = KZCITnsParseBlank(params);
   if (status == success) return take_token(params, expect_type);
   KZ_LOG(message::blank_failed, status);
@@ -213,8 +213,8 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
       return take_short_key(*parse_params, length);
     }
   }
-  return stands_at_token(*parse_params) ? take_token(parse_params, expect_type)
-                                        : take_token_behind_blanks(parse_params, expect_type);
+  return is_at_token(*parse_params) ? take_token(parse_params, expect_type)
+                                    : take_token_after_blanks(parse_params, expect_type);
 }
 
 sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {

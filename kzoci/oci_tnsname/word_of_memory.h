@@ -24,8 +24,8 @@ inline void store_word(char *to, std::uint64_t word) {
 
 // The first count characters of one word, the others of another.
 constexpr std::uint64_t blend(std::uint64_t first, std::uint64_t others, unsigned count) {
-  const std::uint64_t behind = count < 8 ? ~std::uint64_t{0} << (8 * count) : 0;
-  return (first & ~behind) | (others & behind);
+  const std::uint64_t after = count < 8 ? ~std::uint64_t{0} << (8 * count) : 0;
+  return (first & ~after) | (others & after);
 }
 
 // The word with this byte in all eight places.

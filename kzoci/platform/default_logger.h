@@ -100,8 +100,9 @@ typedef struct kzoci_log_settings {
  *
  * When a line cannot be written to the file, or the file cannot be rotated, the
  * file is given up and this line and all that follow go to standard error, until
- * the next call of this function. Without a lock, on a file system that has none,
- * a file is not rotated.
+ * the next call of this function. Where file_size is more than 0, what was written of
+ * the line is cut off the file first, so that its lines are whole. Without a lock, on a file system
+ * that has none, a file is not rotated.
  */
 sword kzoci_log_configure(const kzoci_log_settings *settings);
 

@@ -36,7 +36,7 @@ typedef enum log_level {
  * file    path of the source file that logs; a constant, never null
  * line    line of the call in that file
  * format  printf format, followed by its arguments; texts of the input are
- *         handed over with "%.*s" and are not terminated
+ *         passed with "%.*s" and are not terminated
  *
  * The module calls it for every record, whatever its level: filtering is the
  * implementation's business, and best done before anything is formatted. It is

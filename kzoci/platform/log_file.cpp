@@ -131,7 +131,8 @@ LogFile::Turn LogFile::take_turn(const char *line, std::size_t length, bool may_
   if (::fstat(descriptor_, &own) != 0) return Turn::failed;
   const bool at_path = is_at_path(own);
   if (!at_path && may_open_another) return Turn::moved;
-  if (has_room(own, length)) return append(line, length);
+  if (has_room(own, length))
+    return lock.is_held() ? append_at(own.st_size, line, length) : append(line, length);
   return at_path && lock.is_held() ? rotate(line, length) : Turn::failed;
 }
 
@@ -148,10 +149,18 @@ LogFile::Turn LogFile::append(const char *line, std::size_t length) const {
   return write_whole(descriptor_, line, length) ? Turn::written : Turn::failed;
 }
 
+// For whoever has the lock, so that nobody else has written after the end. What a failing
+// write leaves of a line is cut off.
+LogFile::Turn LogFile::append_at(off_t end, const char *line, std::size_t length) const {
+  const Turn turn = append(line, length);
+  if (turn == Turn::failed) uninterrupted([=, this] { return ::ftruncate(descriptor_, end); });
+  return turn;
+}
+
 LogFile::Turn LogFile::rotate(const char *line, std::size_t length) {
   if (count_ > 1) return shift_files() ? Turn::moved : Turn::failed;
   const int status = uninterrupted([this] { return ::ftruncate(descriptor_, 0); });
-  return status == 0 ? append(line, length) : Turn::failed;
+  return status == 0 ? append_at(0, line, length) : Turn::failed;
 }
 
 // Only files that exist are moved, so that a large count costs nothing. The log

@@ -6,6 +6,8 @@
 // without a lock file beside the log.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 
 #include "default_logger.h"
@@ -53,6 +55,7 @@ class LogFile {
   Turn take_turn(const char *line, std::size_t length, bool may_open_another);
   Turn rotate(const char *line, std::size_t length);
   Turn append(const char *line, std::size_t length) const;
+  Turn append_at(off_t end, const char *line, std::size_t length) const;
   bool is_at_path(const struct stat &own) const;
   bool has_room(const struct stat &own, std::size_t length) const;
   bool shift_files();

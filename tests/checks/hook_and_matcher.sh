@@ -33,7 +33,7 @@ git add . && git commit --quiet -m good || fail "a sound file is refused"
 printf '%s\n' "$bad" >'a folder/tnsnames.ora'
 git add .
 git commit --quiet -m bad 2>refusal && fail "a file with an error is let through"
-# What is about to be committed counts, not what stands in the folder.
+# What is about to be committed counts, not what is in the folder.
 printf '%s\n' "$good" >'a folder/tnsnames.ora'
 git commit --quiet -m bad 2>>refusal && fail "what is staged is not what is checked"
 git rm --quiet --force --cached 'a folder/tnsnames.ora' && git commit --quiet -m gone ||

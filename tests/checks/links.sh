@@ -44,7 +44,7 @@ done
 sources=$(find . \( -path './build*' -o -path ./.git \) -prune -o -print)
 
 # A name with a folder is a path of the project or ends one; without, it is a file
-# anywhere. "*" stands for any characters.
+# anywhere. "*" means any characters.
 exists() {
   local pattern=${1%/}
   pattern=${pattern//./\\.}

@@ -18,7 +18,7 @@ for room; do
   done
 done
 [ -z "$(find . -maxdepth 1 -name '*.cpp' -o -maxdepth 1 -name '*.h')" ] || {
-  echo "a source stands in no folder"
+  echo "a source is in no folder"
   failed=1
 }
 exit $failed

@@ -20,7 +20,7 @@ using support::Lines;
 
 constexpr int mode = TNS_MODE_DESCRIPTION;
 
-// A parse state right behind a block's "=", where a builder is called.
+// A parse state right after a block's "=", where a builder is called.
 class Body : public support::DescriptorState {
  public:
   explicit Body(std::string_view text) : DescriptorState(text) {
@@ -108,7 +108,7 @@ inline Lines item_begins(const Item &item) {
   return expected_log::key_word(item.key, item.type) + item.handling;
 }
 
-// Faults in front of an item's value.
+// Faults before an item's value.
 inline std::vector<Fault> key_faults(const Item &item) {
   using namespace expected_log;
   const std::string &k = item.key;
@@ -126,11 +126,11 @@ inline std::vector<Fault> key_faults(const Item &item) {
       {"equal sign for a key", "(=v))", mismatch(TNS_KEY, TNS_EQUAL_SIGN), "=v))"},
       {"end for a key", "(", input_end(mode), "", 100},
       {"end inside a key", "(" + k, key_cut_off(mode), "", 100},
-      {"end behind a key", "(" + k + " ", word + input_end(mode), "", 100},
+      {"end after a key", "(" + k + " ", word + input_end(mode), "", 100},
       {"key alone", "(" + k + "))", word + mismatch(TNS_EQUAL_SIGN, TNS_RIGHT_PARENTHESES), "))"},
-      {"block behind a key", "(" + k + "(v)))",
+      {"block after a key", "(" + k + "(v)))",
        word + mismatch(TNS_EQUAL_SIGN, TNS_LEFT_PARENTHESES), "(v)))"},
-      {"word behind a key", "(" + k + " v))", word + mismatch(TNS_EQUAL_SIGN, TNS_KEY), "v))"},
+      {"word after a key", "(" + k + " v))", word + mismatch(TNS_EQUAL_SIGN, TNS_KEY), "v))"},
       {"no key word", "(HOSTS=v))", unknown_word("HOSTS"), "=v))"},
       {"leading part of a key word", "(DESCRIPTIO=v))", unknown_word("DESCRIPTIO"), "=v))"},
       {"empty quotes for a key", "(\"\"=v))", unknown_word(""), "=v))"},
@@ -139,18 +139,18 @@ inline std::vector<Fault> key_faults(const Item &item) {
   };
 }
 
-// Faults behind a good value, after which a builder may report what it was.
+// Faults after a good value, after which a builder may report what it was.
 inline std::vector<Fault> closing_faults(const Item &item, const Lines &report = {}) {
   using namespace expected_log;
   const std::string text = "(" + item.key + "=" + item.value;
   const Lines read = item_begins(item) + value(item.value) + report;
   return {
-      {"block behind the value", text + "(v)))",
+      {"block after the value", text + "(v)))",
        read + mismatch(TNS_RIGHT_PARENTHESES, TNS_LEFT_PARENTHESES), "(v)))"},
-      {"equal sign behind the value", text + "=v))",
+      {"equal sign after the value", text + "=v))",
        read + mismatch(TNS_RIGHT_PARENTHESES, TNS_EQUAL_SIGN), "=v))"},
       {"second value", text + " v))", read + mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY), "v))"},
-      {"end behind the value", text + " ", read + input_end(mode), "", 100},
+      {"end after the value", text + " ", read + input_end(mode), "", 100},
       {"good item, then a key alone", text + ")(" + item.key + "))",
        read + key_word(item.key, item.type) + mismatch(TNS_EQUAL_SIGN, TNS_RIGHT_PARENTHESES),
        "))"},
@@ -159,7 +159,7 @@ inline std::vector<Fault> closing_faults(const Item &item, const Lines &report =
   };
 }
 
-// What may stand behind the last complete item of a good block.
+// What may stand after the last complete item of a good block.
 struct Ending {
   std::string text;
   Lines log;

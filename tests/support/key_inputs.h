@@ -29,7 +29,7 @@ inline std::string sample_item(const Key &key) {
 }
 
 // The input around "KEY=value": of a literal descriptor, or, for a system variable, of
-// the reserved entry behind its "=".
+// the reserved entry after its "=".
 struct Way {
   std::string before;
   std::string after;

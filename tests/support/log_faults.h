@@ -1,6 +1,6 @@
 // The calls of the logger that a test can make fail.
 //
-// The linker puts stand-ins in front of them (log_faults.cpp); they do as the system
+// The linker puts stand-ins before them (log_faults.cpp); they do as the system
 // does but while a plan is in force.
 #pragma once
 
@@ -26,10 +26,11 @@ constexpr std::size_t for_ever = static_cast<std::size_t>(-1);
 
 struct Plan {
   Call call;
-  std::size_t first = 1;  // The number of the first of these calls that fails,
-  std::size_t times = 1;  // and how many do.
-  int error = 0;          // What they fail with; 0 for a write of a single byte, and
-                          // for a file that seems to be on another device.
+  std::size_t first = 1;      // The number of the first of these calls that fails,
+  std::size_t times = 1;      // and how many do.
+  int error = 0;              // What they fail with; 0 for a write of a single byte, and
+                              // for a file that seems to be on another device.
+  bool after_a_byte = false;  // The first of these writes is of a single byte.
 };
 
 // Makes calls fail while it exists.

@@ -25,7 +25,7 @@ namespace logger_support {
 
 constexpr ub4 largest_count = std::numeric_limits<ub4>::max();
 
-// An exact-size copy that is not terminated, so that a read behind its end
+// An exact-size copy that is not terminated, so that a read after its end
 // shows under the address sanitizer.
 class ExactText {
  public:

@@ -108,7 +108,7 @@ inline bool begins_with_time(std::string_view line) {
   return true;
 }
 
-// A line behind its time and the blank; the line as it is when it has no time,
+// A line after its time and the blank; the line as it is when it has no time,
 // so that a comparison shows it.
 inline std::string without_time(const std::string &line) {
   const std::size_t length = time_pattern.size() + 1;
@@ -142,7 +142,7 @@ struct RecordingSink {
     std::string file;
     int line;
     std::string text;  // text_len characters
-    bool terminated;   // a zero byte stands behind them
+    bool terminated;   // a zero byte stands after them
   };
 
   static void take(void *context, const kzoci_log_record *record) {

@@ -12,7 +12,7 @@ enum class Kind { equal, open, close, word };
 
 enum class Step { good, wrong, end };
 
-inline constexpr std::size_t slice = 1024;      // the text is handed over in parts of this size
+inline constexpr std::size_t slice = 1024;      // the text is passed in parts of this size
 inline constexpr std::size_t word_limit = 256;  // the longest word
 
 class Input {

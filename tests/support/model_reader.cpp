@@ -214,7 +214,7 @@ bool Reader::variable(Values &variables) {
 }
 
 // "(" KEY "=". In the reserved entry an unknown or missing key is no fault: an
-// unknown one counts as no key, behind a missing one the last key holds on.
+// unknown one counts as no key, after a missing one the last key holds on.
 bool Reader::begin_block(bool reserved) {
   if (input_.expect(Kind::open) != Step::good) return false;
   const bool read = input_.expect(Kind::word) == Step::good;
@@ -289,7 +289,7 @@ void Reader::look_up(std::string_view name) {
   out_.status = step == Step::wrong ? -1 : 0;
 }
 
-// "(" DESCRIPTION "=" body ")" and only blanks and comments behind it.
+// "(" DESCRIPTION "=" body ")" and only blanks and comments after it.
 void Reader::read_literal() {
   Step step = input_.expect(Kind::open);
   if (step == Step::good) step = input_.expect(Kind::word);

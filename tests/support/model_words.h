@@ -9,7 +9,7 @@ namespace model {
 inline constexpr std::string_view no_key = "";
 
 // Whether a value stands for an upper-case word: a leading part in any case. A
-// zero byte right behind the whole word ends the comparison.
+// zero byte right after the whole word ends the comparison.
 bool stands_for(std::string_view value, std::string_view word);
 
 // The key word that a text is, in any case, or no_key.

@@ -34,7 +34,7 @@ inline std::string bytes(std::string_view text) { return std::string(text); }
 inline std::string text_of(const char *text, ub4 length) { return std::string(text, length); }
 
 // A parse state in descriptor mode over an exact-size copy of the text, so that
-// a read behind its end shows under the address sanitizer.
+// a read after its end shows under the address sanitizer.
 class DescriptorState {
  public:
   explicit DescriptorState(std::string_view text) : copy_(new char[text.size()]) {

@@ -59,29 +59,29 @@ void append_comment(std::string &out, Random &random, bool parentheses) {
   out += '\n';
 }
 
-void append_space(std::string &out, bool behind_word, bool before_word, Random &random,
+void append_space(std::string &out, bool after_word, bool before_word, Random &random,
                   const Layout &layout) {
   const std::size_t size = out.size();
   if (layout.blanks && random.one_in(3)) append_blanks(out, random);
   if (layout.comments && random.one_in(12)) {
-    // A "#" right behind a word would belong to it.
-    if (behind_word && out.size() == size) out += ' ';
+    // A "#" right after a word would belong to it.
+    if (after_word && out.size() == size) out += ' ';
     append_comment(out, random, layout.parentheses_in_comments);
     append_blanks(out, random);
   }
-  if (behind_word && before_word && out.size() == size) out += ' ';
+  if (after_word && before_word && out.size() == size) out += ' ';
 }
 
 void append(std::string &out, std::span<const Token> tokens, Random &random, const Layout &layout) {
-  bool behind_word = false;
+  bool after_word = false;
   for (const Token &token : tokens) {
     const bool word = is_word(token);
-    append_space(out, behind_word, word, random, layout);
+    append_space(out, after_word, word, random, layout);
     if (word)
       out += written(token, random, layout);
     else
       out += token.text;
-    behind_word = word;
+    after_word = word;
   }
 }
 

@@ -97,7 +97,7 @@ bool has_text(const Token &token) {
          token.kind != TokenKind::equal;
 }
 
-// The place of a token that holds a text, at or behind the given one.
+// The place of a token that holds a text, at or after the given one.
 std::size_t next_with_text(const Tokens &tokens, std::size_t at) {
   while (at + 1 < tokens.size() && !has_text(tokens[at])) ++at;
   return at;
@@ -149,7 +149,7 @@ void change_block(Random &random, Tokens &tokens, std::size_t at) {
 void insert_long_word(Random &random, std::string &text) {
   const std::size_t at = random.below(text.size() + 1);
   text.insert(at, random.between(longest_key - 3, longest_key + 1), 'y');
-  put_behind_refill(text, at + longest_key + random.between(0, 14));
+  put_after_refill(text, at + longest_key + random.between(0, 14));
 }
 
 constexpr std::string_view characters = "()=\"# \n\t\r\0aK0-9\xFF"sv;
@@ -219,7 +219,7 @@ void mutate_text(Random &random, std::string &text) {
       text.insert(at, 1, random.pick("\"()"sv));
       break;
     case 6:
-      put_behind_refill(text, at);
+      put_after_refill(text, at);
       break;
     case 7:
       text.insert(at, "#");
@@ -229,7 +229,7 @@ void mutate_text(Random &random, std::string &text) {
   }
 }
 
-void put_behind_refill(std::string &text, std::size_t at) {
+void put_after_refill(std::string &text, std::size_t at) {
   const std::size_t beyond = at % buffer_size;
   if (beyond != 0) text.insert(0, buffer_size - beyond, ' ');
 }

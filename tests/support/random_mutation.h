@@ -15,12 +15,12 @@ void mutate_tokens(Random &random, Tokens &tokens);
 
 // One change: characters go, come or repeat, the text is cut off, quotes and
 // parentheses lose their balance, a word grows beyond the longest key, or blanks
-// in front move the text over the boundaries of the reader's buffer.
+// before it move the text over the boundaries of the reader's buffer.
 void mutate_text(Random &random, std::string &text);
 
-// Blanks in front, so that the character at this place becomes the first one
+// Blanks before it, so that the character at this place becomes the first one
 // that the reader gets with a refill.
-void put_behind_refill(std::string &text, std::size_t at);
+void put_after_refill(std::string &text, std::size_t at);
 
 // Tokens in no order at all.
 Tokens random_tokens(Random &random, std::size_t most);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <new>
 #include <optional>
@@ -23,6 +24,7 @@
 #include "io/output.h"
 #include "io/standard_streams.h"
 #include "kzoci/platform/level_names.h"
+#include "text/escape.h"
 #include "text/spelling.h"
 #include "trace/key_words.h"
 
@@ -42,14 +44,26 @@ struct Arguments {
   bool session = false;
 };
 
-// The levels on which the module logs faults and its steps.
-std::map<std::string, log_level> shown_levels() {
-  std::map<std::string, log_level> levels;
+// A level on which the module logs faults or its steps; absent for another word.
+std::optional<log_level> shown_level(std::string_view word) {
   for (int level = LOG_LEVEL_TRACE; level <= LOG_LEVEL_ERROR; ++level) {
     const auto value = static_cast<log_level>(level);
-    levels[CLI::detail::to_lower(kzoci::platform::level_name(value))] = value;
+    if (kztns::equal_but_for_case(word, kzoci::platform::level_name(value))) return value;
   }
-  return levels;
+  return std::nullopt;
+}
+
+// "trace, debug, info, warn or error"
+std::string shown_level_names() {
+  constexpr std::size_t count = LOG_LEVEL_ERROR - LOG_LEVEL_TRACE + 1;
+  const auto *const first = std::begin(kzoci::platform::level_names);
+  return CLI::detail::to_lower(kztns::one_of({first, first + count}));
+}
+
+// What is wrong with a word for a level; empty for nothing.
+std::string level_fault(const std::string &word) {
+  if (shown_level(word)) return {};
+  return "unknown level " + kztns::quoted(word) + ": expected " + shown_level_names();
 }
 
 const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::ShowWhat::tree},
@@ -120,9 +134,9 @@ void add_positional_file(CLI::App *command, Arguments &arguments) {
 void add_log(CLI::App *command, Arguments &arguments) {
   command
       ->add_option("--log", arguments.level,
-                   "Show log records from this level on, on standard error")
+                   "Show log records from this level on, on standard error: " + shown_level_names())
       ->type_name("LEVEL")
-      ->check(CLI::IsMember(shown_levels(), CLI::ignore_case));
+      ->check(CLI::Validator(level_fault, ""));
 }
 
 void add_identifier(CLI::App *command, Arguments &arguments) {
@@ -222,8 +236,7 @@ int run_lookup(const CLI::App &command, const Arguments &arguments) {
   kztns::LookupOptions options;
   options.file = given_file(command, arguments);
   options.max_size = arguments.max_size;
-  if (command.count("--log") > 0)
-    options.shown = shown_levels().at(CLI::detail::to_lower(arguments.level));
+  if (command.count("--log") > 0) options.shown = shown_level(arguments.level);
   if (command.get_name() == "settings") return kztns::settings(options);
   if (command.get_name() == "why") return kztns::why(arguments.identifier, options);
   return kztns::show(arguments.identifier, shown_part(arguments), options);
@@ -235,6 +248,19 @@ int run(const CLI::App &command, const Arguments &arguments) {
   return run_lookup(command, arguments);
 }
 
+// What was being read, as a message names it.
+std::string subject_of(const CLI::App &app, Arguments &arguments) {
+  std::string &identifier = arguments.identifier;
+  if (IsDescriptionTns(identifier.data(), static_cast<ub4>(identifier.size())))
+    return "literal descriptor";
+  const std::vector<const CLI::App *> commands = app.get_subcommands({});
+  const auto used = std::find_if(commands.begin(), commands.end(),
+                                 [](const CLI::App *command) { return command->parsed(); });
+  const auto file =
+      used == commands.end() ? std::nullopt : kztns::choose_file(given_file(**used, arguments));
+  return file ? kztns::quoted(kztns::visible(file->path)) : "names file";
+}
+
 // The first argument that is no option; null for none.
 const char *command_word(int argc, char **argv) {
   for (int i = 1; i < argc; ++i)
@@ -242,10 +268,16 @@ const char *command_word(int argc, char **argv) {
   return nullptr;
 }
 
-// Whether the arguments name a command that there is not; if so, says so.
-bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
+// Whether an option is where the command belongs, or the command is one that there is
+// not; if so, says so.
+bool tell_wrong_command(const CLI::App &app, int argc, char **argv) {
   const char *const word = command_word(argc, argv);
   if (word == nullptr) return false;
+  if (argv[1] != word && argv[1] != std::string_view("--")) {
+    kztns::complain(kztns::excerpt(argv[1]),
+                    "options follow the command: kztns COMMAND [OPTIONS] ...");
+    return true;
+  }
   std::vector<std::string_view> names;
   for (const CLI::App *const command : app.get_subcommands({}))
     names.push_back(command->get_name());
@@ -253,14 +285,14 @@ bool tell_unknown_command(const CLI::App &app, int argc, char **argv) {
   const std::string_view near = kztns::near_word(word, names);
   std::string what = "unknown command";
   if (!near.empty()) what += "; did you mean " + std::string(near) + "?";
-  kztns::complain(kztns::quoted(kztns::visible(word)), what);
+  kztns::complain(kztns::quoted(kztns::excerpt(word)), what);
   return true;
 }
 
 // Help and version go to standard output, all else is reported on standard error.
 int finish_without_command(const CLI::App &app, const CLI::ParseError &error, int argc,
                            char **argv) {
-  if (error.get_exit_code() != 0 && tell_unknown_command(app, argc, argv)) return kztns::exit_usage;
+  if (error.get_exit_code() != 0 && tell_wrong_command(app, argc, argv)) return kztns::exit_usage;
   std::ostringstream text;
   std::ostringstream complaint;
   const bool asked_for = app.exit(error, text, complaint) == 0;
@@ -296,7 +328,7 @@ int main(int argc, char **argv) {
   } catch (const CLI::ParseError &error) {
     return finish_without_command(app, error, argc, argv);
   } catch (const std::bad_alloc &) {
-    kztns::complain("names file", "not enough memory to read it");
+    kztns::complain(subject_of(app, arguments), "not enough memory to read it");
     return kztns::exit_no_memory;
   }
 }

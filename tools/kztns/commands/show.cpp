@@ -50,12 +50,24 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
   return finish_output();
 }
 
+// Why a service has no link string or nothing to open a session with, of which only the
+// former needs an address. Of each kind the first record is read.
+std::string missing_part(const KZCITnsService &service, bool address_too) {
+  const KZCIDescription *const des = service.description;
+  if (service.description_count == 0 || des == nullptr) return "no DESCRIPTION";
+  if (address_too && (des->address_list_count == 0 || des->address_list == nullptr))
+    return "no ADDRESS in the first DESCRIPTION";
+  if (address_too && des->address_list->address_count == 0)
+    return "no ADDRESS in the first ADDRESS_LIST";
+  return "no CONNECT_DATA in the first DESCRIPTION";
+}
+
 int show_dblink(const std::string &label, std::optional<log_level> shown, Tree &tree) {
   char dblink[KZCI_DBLINK_SIZE];
   sb4 length = 0;
-  const LogWatch watch(shown);
+  [[maybe_unused]] const LogWatch watch(shown);
   if (KZCITnsServiceDblinkGet(tree.service(), dblink, &length) != 0) {
-    complain(label, "built, but has no link string: " + visible(watch.fault()));
+    complain(label, "built, but has no link string: " + missing_part(*tree.service(), true));
     return exit_malformed;
   }
   std::printf("%s\n", for_output(dblink).c_str());
@@ -75,10 +87,11 @@ int show_session(const std::string &label, std::optional<log_level> shown, Tree 
   sb4 extra_info_len = 0;
   sb4 kz_mode = 0;
   sb4 session_variable_len = 0;
-  const LogWatch watch(shown);
+  [[maybe_unused]] const LogWatch watch(shown);
   if (KZCITnsServiceExtraInfoGet(tree.service(), extra_info, &extra_info_len, &kz_mode,
                                  session_variable, &session_variable_len) != 0) {
-    complain(label, "built, but has nothing to open a session with: " + visible(watch.fault()));
+    complain(label, "built, but has nothing to open a session with: " +
+                        missing_part(*tree.service(), false));
     return exit_malformed;
   }
   // The mode is handed out only together with extra information.

@@ -1,4 +1,4 @@
-// kztns show: resolve an identifier and print what it stands for.
+// kztns show: resolve an identifier and print what it means.
 #pragma once
 
 #include <string>

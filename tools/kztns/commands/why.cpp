@@ -7,6 +7,7 @@
 #include "kzoci/oci_tnsname/names_file.h"
 #include "lookup/lookup_failure.h"
 #include "report/check_text.h"
+#include "text/escape.h"
 #include "trace/log_watch.h"
 
 namespace kztns {

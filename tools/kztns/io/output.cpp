@@ -25,12 +25,4 @@ std::string for_output(std::string_view value) {
   return isatty(STDOUT_FILENO) != 0 ? visible(value) : std::string(value);
 }
 
-// Appended to piece by piece: g++ 12 warns at -O3 of text put in front of a temporary.
-std::string quoted(std::string_view text) {
-  std::string result = "\"";
-  result += text;
-  result += '"';
-  return result;
-}
-
 }  // namespace kztns

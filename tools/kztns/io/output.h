@@ -16,7 +16,4 @@ int finish_output();
 // for a terminal.
 std::string for_output(std::string_view value);
 
-// A text between double quotes.
-std::string quoted(std::string_view text);
-
 }  // namespace kztns

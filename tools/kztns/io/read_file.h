@@ -1,4 +1,4 @@
-// Reading a names file, whatever stands under its name: a file or a pipe is read
+// Reading a names file, whatever its name leads to: a file or a pipe is read
 // up to a limit, all else is refused by its kind.
 #pragma once
 

@@ -3,6 +3,7 @@
 #include "io/exit_status.h"
 #include "io/names_file.h"
 #include "io/output.h"
+#include "text/escape.h"
 
 namespace kztns {
 namespace {
@@ -37,7 +38,7 @@ std::string near_clauses(const LookupReport &report) {
 
 std::string label_of(const std::string &identifier, const Lookup &lookup) {
   if (lookup.is_literal) return "literal descriptor";
-  return identifier.empty() ? "\"\"" : visible(identifier);
+  return identifier.empty() ? "\"\"" : excerpt(identifier);
 }
 
 int status_of(Outcome outcome) {

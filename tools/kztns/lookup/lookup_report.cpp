@@ -87,8 +87,8 @@ class NameVisitor : public EntryVisitor {
     if (!view.trace.is_system_variables() || view.name == kzoci::tns::reserved_name) return remark;
     return make_remark(
         subject_.text, view.entry.at,
-        with_remedy(excerpt(view.name) +
-                        " is a prefix of KZCISYSTEMVARIABLES, and is read as system variables",
+        with_remedy(excerpt(view.name) + " is a prefix of " + kzoci::tns::reserved_name +
+                        ", and is read as system variables",
                     {}, Rule::reserved_part));
   }
 
@@ -98,7 +98,7 @@ class NameVisitor : public EntryVisitor {
   std::optional<Remark> reported_stop_;
 };
 
-// What ends the lookup of a name that does not stand in front of it.
+// What ends the lookup of a name that is not before it.
 std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan,
                                      const NameVisitor &visitor) {
   switch (scan.stop().kind) {

@@ -70,7 +70,7 @@ std::string why_hidden(const FileScan &scan, const Entry &entry) {
   if (entry.reached) return "";
   const Entry *const last = scan.last_reached();
   if (scan.stop().kind == StopKind::reserved && entry.at > last->at)
-    return ", after the entry \"" + visible(scan.name(*last)) + "\", where every lookup ends";
+    return ", after the entry " + quoted(excerpt(scan.name(*last))) + ", where every lookup ends";
   return ", which no lookup reaches";
 }
 
@@ -97,7 +97,7 @@ std::vector<std::string> near_entries(const NamesText &text, const FileScan &sca
   for (const Found &near : found) {
     // A misspelling is worth telling only where nothing is closer.
     if (near.nearness == Nearness::misspelt && found[0].nearness != Nearness::misspelt) break;
-    clauses.push_back("there is an entry \"" + visible(scan.name(*near.entry)) + "\" at " +
+    clauses.push_back("there is an entry " + quoted(excerpt(scan.name(*near.entry))) + " at " +
                       text.place(near.entry->at) + how(near.nearness) +
                       why_hidden(scan, *near.entry));
   }

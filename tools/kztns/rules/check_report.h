@@ -24,7 +24,7 @@ struct Finding {
   std::string text;
   std::string remedy;
   Fix fix;
-  std::string source;  // the line, as it stands there
+  std::string source;  // the line as it is
   std::size_t caret;   // index in it of the place
 };
 

@@ -2,19 +2,12 @@
 
 #include <algorithm>
 
+#include "kzoci/platform/my_strtoll10.h"
 #include "scan/written_entries.h"
 #include "text/spelling.h"
 
 namespace kztns {
 namespace {
-
-// Appended to piece by piece: g++ 12 warns at -O3 of text put in front of a temporary.
-std::string in_quotes(std::string_view text) {
-  std::string quoted = "\"";
-  quoted += excerpt(text);
-  quoted += '"';
-  return quoted;
-}
 
 class FaultExplainer {
  public:
@@ -55,7 +48,7 @@ class FaultExplainer {
     return item() == nullptr ? "the key" : excerpt(trace_.key_word_of(*item()));
   }
   std::string value() const {
-    return item() == nullptr ? "\"\"" : in_quotes(trace_.value_of(*item()));
+    return item() == nullptr ? "\"\"" : quoted(excerpt(trace_.value_of(*item())));
   }
   std::string met() const { return quoted_token(subject_, fault_.at); }
   std::string_view text() const { return subject_.text.text(); }
@@ -79,7 +72,7 @@ class FaultExplainer {
 
   Diagnosis unknown_key() const {
     const std::string_view word = trace_.key_word_of(*item());
-    if (item()->key.end - item()->key.begin >= 256) return cut(item()->key, "this key");
+    if (item()->key.end - item()->key.begin >= longest_token) return cut(item()->key, "this key");
     const std::string_view near = near_key(word, frame().block);
     std::string remedy;
     if (!near.empty())
@@ -125,13 +118,15 @@ class FaultExplainer {
   Diagnosis cut(Span token, const std::string &what) const {
     const auto quote = open_quote(text(), token.begin, token.end);
     if (quote)
-      return found_at(Rule::unclosed_quote, *quote,
-                      "unterminated quote: not closed within 256 characters");
-    return found_at(Rule::key_cut, token.begin, what + " is cut at 256 characters");
+      return found_at(
+          Rule::unclosed_quote, *quote,
+          "unterminated quote: not closed within " + std::to_string(longest_token) + " characters");
+    return found_at(Rule::key_cut, token.begin,
+                    what + " is cut at " + std::to_string(longest_token) + " characters");
   }
 
   Diagnosis value_goes_on() const {
-    if (item() != nullptr && item()->text_length >= 256)
+    if (item() != nullptr && item()->text_length >= longest_token)
       return cut(item()->value, "the value of " + key());
     if (const auto comment = hiding_comment()) return comment_in_value(*comment);
     const std::string text = "expected \")\" after the value of " + key() + ", found " + met();
@@ -153,12 +148,21 @@ class FaultExplainer {
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }
 
+  Diagnosis bad_number() const {
+    std::string number(item() == nullptr ? "" : trace_.value_of(*item()));
+    char *end = number.data() + number.size();
+    int error = 0;
+    my_strtoll10(number.data(), &end, &error);
+    const bool is_number = !number.empty() && end == number.data() + number.size();
+    return found(Rule::bad_number, key() + " is " + value() + ": expected a 64-bit integer",
+                 is_number ? "write a number in range" : "");
+  }
+
   Diagnosis bad_value() const {
     if (fault_.kind == FaultKind::bad_protocol)
       return found(Rule::bad_protocol,
                    "unsupported protocol " + value() + ": only TCP is supported");
-    if (fault_.kind == FaultKind::bad_number)
-      return found(Rule::bad_number, key() + " is " + value() + ", not a 64-bit integer");
+    if (fault_.kind == FaultKind::bad_number) return bad_number();
     const std::vector<std::string_view> words = choices(*trace_.row_of(*item()));
     const std::string_view near = near_word(trace_.value_of(*item()), words);
     return found(Rule::bad_word, key() + " is " + value() + ": expected " + one_of(words),
@@ -198,8 +202,8 @@ class FaultExplainer {
         return found(Rule::second_connect_data,
                      "second CONNECT_DATA: it is dropped, and ends its description");
       case FaultKind::key_too_long:
-        return found(Rule::key_refused,
-                     "a token of 256 characters ends at a 1024-byte read boundary");
+        return found(Rule::key_refused, "a token of " + std::to_string(longest_token) +
+                                            " characters ends at a 1024-byte read boundary");
       default:
         return found(Rule::unexplained, "the library refuses the entry");
     }
@@ -225,7 +229,7 @@ std::string quoted_token(const Subject &subject, Offset at) {
     return excerpt(text.substr(0, close == std::string_view::npos ? 40 : close + 1));
   }
   const std::size_t length = text.find_first_of(" \t\r\n()=");
-  return in_quotes(text.substr(0, std::max<std::size_t>(length, 1)));
+  return quoted(excerpt(text.substr(0, std::max<std::size_t>(length, 1))));
 }
 
 std::string_view odd_character(std::string_view text) {

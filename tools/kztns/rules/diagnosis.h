@@ -28,7 +28,7 @@ Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view 
 // A token as a message quotes it.
 std::string quoted_token(const Subject &subject, Offset at);
 
-// The invisible character that stands at a place or in a text, "\xc2\xa0" for
+// The first invisible character of a text, "\xc2\xa0" for
 // example; empty for none.
 std::string_view odd_character(std::string_view text);
 

@@ -1,6 +1,8 @@
 #include "rules/entry_warnings.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <optional>
 
 #include "kzoci/platform/level_names.h"
@@ -9,6 +11,8 @@
 
 namespace kztns {
 namespace {
+
+constexpr sb8 largest_port = 65535;  // TCP's
 
 std::optional<sb8> number(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -24,29 +28,29 @@ bool may_be_negative(KZCILBKeyType type) {
 
 // What is stored, or handed out, of a number that a field does not hold; absent
 // when it holds it.
-std::optional<std::string> narrowed(KZCILBKeyType type, sb8 value) {
-  switch (type) {
-    case LB_SLOWSQL_FLUSH_SECOND:
-      if (value == static_cast<ub4>(value)) return std::nullopt;
-      return std::to_string(static_cast<ub4>(value)) + " is stored";
-    case LB_LOG_COUNT:
-      if (value == static_cast<ub4>(value)) return std::nullopt;
-      return std::to_string(value > 0 ? 0 : static_cast<ub4>(value)) + " is stored";
-    case LB_LOG_SIZE:
-      if (value >= 0x100000) return std::nullopt;
-      return "1048576 is stored";
-    case LB_KZ_MODE:
-      if (value == static_cast<sb4>(value)) return std::nullopt;
-      return std::to_string(static_cast<sb4>(value)) + " is handed out";
-    default:
-      return std::nullopt;
+std::optional<std::string> narrowed(const Key &key, sb8 value) {
+  if (key.type == LB_KZ_MODE) {
+    const sb4 handed_out = static_cast<sb4>(value);
+    if (value == handed_out) return std::nullopt;
+    return std::to_string(handed_out) + " is handed out";
   }
+  sb8 stored = value;
+  if (key.type == LB_LOG_SIZE) stored = std::max(value, kzoci::tns::smallest_log_size);
+  if (key.type == LB_LOG_COUNT && value > kzoci::tns::largest_log_count) stored = 0;
+  if (key.value.field.storage == Storage::count) stored = static_cast<ub4>(stored);
+  if (value == stored) return std::nullopt;
+  return std::to_string(stored) + " is stored";
+}
+
+const std::vector<std::string_view> &levels() {
+  static const std::vector<std::string_view> names(std::begin(kzoci::platform::level_names),
+                                                   std::end(kzoci::platform::level_names));
+  return names;
 }
 
 bool is_level(std::string_view text) {
-  for (const char *const level : kzoci::platform::level_names)
-    if (equal_but_for_case(text, level)) return true;
-  return false;
+  return std::any_of(levels().begin(), levels().end(),
+                     [&](std::string_view level) { return equal_but_for_case(text, level); });
 }
 
 class EntryWarnings {
@@ -62,13 +66,14 @@ class EntryWarnings {
   }
 
  private:
-  void add(Rule rule, Offset at, int frame, const std::string &text) {
-    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text});
+  void add(Rule rule, Offset at, int frame, const std::string &text,
+           const std::string &remedy = {}) {
+    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text, remedy});
   }
 
   // About an item's value.
-  void add(Rule rule, const Item &item, const std::string &text) {
-    add(rule, item.value.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
+  void add(Rule rule, const Item &item, const std::string &text, const std::string &remedy = {}) {
+    add(rule, item.value.begin, item.frame, excerpt(trace_.key_word_of(item)) + text, remedy);
   }
 
   // About the item itself.
@@ -77,7 +82,7 @@ class EntryWarnings {
   }
 
   std::string value_of(const Item &item) const {
-    return " is \"" + excerpt(trace_.value_of(item)) + "\"";
+    return " is " + quoted(excerpt(trace_.value_of(item)));
   }
 
   void check_item(const Item &item) {
@@ -101,13 +106,14 @@ class EntryWarnings {
   void check_bad_port(const Item &item, const Key &) {
     if (item.type != LB_PORT) return;
     const std::optional<sb8> port = number(trace_.value_of(item));
-    if (!port || *port < 1 || *port > 65535)
-      add(Rule::bad_port, item, value_of(item) + ", not a number from 1 to 65535");
+    if (!port || *port < 1 || *port > largest_port)
+      add(Rule::bad_port, item,
+          value_of(item) + ", not a number from 1 to " + std::to_string(largest_port));
   }
 
   void check_log_level(const Item &item, const Key &) {
     if (item.type == LB_LOG_LEVEL && !is_level(trace_.value_of(item)))
-      add(Rule::log_level, item, value_of(item) + ", not a log level");
+      add(Rule::log_level, item, value_of(item) + ", not a log level", "write " + one_of(levels()));
   }
 
   void check_abbreviated_word(const Item &item, const Key &key) {
@@ -130,14 +136,14 @@ class EntryWarnings {
     if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
     const std::optional<sb8> value = number(trace_.value_of(item));
     if (!value) return add_too_large(item);
-    if (const auto stored = narrowed(item.type, *value))
+    if (const auto stored = narrowed(key, *value))
       add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
   }
 
   void check_negative_number(const Item &item, const Key &key) {
     if (key.value.kind != ValueKind::integer || may_be_negative(item.type)) return;
     const std::optional<sb8> value = number(trace_.value_of(item));
-    if (value && *value < 0 && !narrowed(item.type, *value))
+    if (value && *value < 0 && !narrowed(key, *value))
       add(Rule::negative_number, item, " is " + std::to_string(*value));
   }
 

@@ -48,7 +48,8 @@ class StopExplainer {
         return lost_name();
       case StopKind::name_too_long:
         return {Rule::key_refused, stop_.at,
-                "a name of 256 characters ends at a 1024-byte read boundary"};
+                "a name of " + std::to_string(longest_token) +
+                    " characters ends at a 1024-byte read boundary"};
       case StopKind::gave_up:
         return {Rule::gave_up, stop_.at,
                 "the entries up to here overlap too often: the check stops here"};
@@ -247,8 +248,9 @@ class FileRules {
     if (entry.reached && entry.verdict != Verdict::shadowed && is_reserved(name) &&
         name != reserved_name)
       report_reserved_part(entry, name);
-    if (entry.name_length == 256)
-      add(Rule::key_cut, entry.at, name, "a name of 256 characters may be cut");
+    if (entry.name_length == longest_token)
+      add(Rule::key_cut, entry.at, name,
+          "a name of " + std::to_string(longest_token) + " characters may be cut");
     if (entry.in_list || name.find(',') != std::string_view::npos) {
       if (entry.reached)
         add(Rule::comma_list, entry.at, name,

@@ -9,7 +9,7 @@ namespace kztns {
 struct NewFinding {
   Rule rule;
   Offset at;
-  std::string_view entry;  // as it stands in the file
+  std::string_view entry;  // as in the file
   std::string path;
   std::string text;
   std::string remedy = {};

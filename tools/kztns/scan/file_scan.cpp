@@ -50,7 +50,7 @@ class Builder {
 
   const Trace &trace() const { return trace_; }
 
-  // Builds what stands after an entry's "=", then calls then(service, end).
+  // Builds what comes after an entry's "=", then calls then(service, end).
   template <class Then>
   void build(const KZCITnsParseParams &at_body, const Then &then) {
     const AllocationScope scope;
@@ -255,7 +255,7 @@ class UnreachedEntries {
     entry.body = written.body;
     entry.name = written.name_begin;
     entry.name_length =
-        static_cast<std::uint16_t>(std::min<Offset>(written.name_end - written.name_begin, 256));
+        static_cast<std::uint16_t>(std::min(written.name_end - written.name_begin, longest_token));
     entry.in_list = written.in_list;
     const std::string_view name = scan_.name(entry);
     const std::uint32_t first = names_.find_or_add(

@@ -1,4 +1,4 @@
-// What lookups in a names file come upon: every entry with its verdict, found by
+// What lookups in a names file meet: every entry with its verdict, found by
 // walking the file as a lookup does and building each entry with the library.
 #pragma once
 
@@ -23,11 +23,11 @@ struct Entry {
   bool quoted : 1;   // the name is written in quotes
   bool reached : 1;  // by lookups of names that are not found before
   bool in_list : 1;  // one of several names
-  bool built : 1;    // whether the library builds what stands there
+  bool built : 1;    // whether the library builds it
   Verdict verdict;
 };
 
-// Where a lookup of a name that stands nowhere ends.
+// Where the lookup of a name that is not in the file ends.
 enum class StopKind {
   end,             // of the file
   reserved,        // at an entry that ends every lookup
@@ -108,7 +108,7 @@ void build_literal(const NamesText &text, Trace &trace);
 // Traces the build of an entry of that name whose value begins at a place.
 void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace);
 
-// A parse state that stands at a place of the text, as a lookup's would: pieces
+// A parse state at a place of the text, as a lookup's would be: pieces
 // of 1024 bytes from the beginning.
 KZCITnsParseParams parse_at(const std::string &text, Offset at);
 

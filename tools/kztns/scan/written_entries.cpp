@@ -90,7 +90,7 @@ class Scanner {
       pass_key();
       last_ = 'k';
     }
-    // What stands after another token is no indentation.
+    // Blanks after another token are no indentation.
     if (!is_blank(c)) line_ = at_ + 1;
   }
 

@@ -13,7 +13,7 @@ namespace kztns {
 // After the blanks and comments from a place on.
 Offset pass_blanks(std::string_view text, Offset from);
 
-// A name at the beginning of a line, after which "=" and "(" stand.
+// A name at the beginning of a line, followed by "=" and "(".
 struct WrittenEntry {
   Offset name_begin;
   Offset name_end;
@@ -21,13 +21,13 @@ struct WrittenEntry {
   bool in_list;  // one of several names
 };
 
-// Calls visit for the entries that stand in the text, in their order. Quotes and
+// Calls visit for the entries of the text, in their order. Quotes and
 // comments are observed; where parentheses or quotes do not balance, reading
 // begins anew at a line whose first column begins "NAME = (". Goes forward only.
 void for_each_written_entry(std::string_view text,
                             const std::function<void(const WrittenEntry &)> &visit);
 
-// A parenthesis that stands in a comment or in quotes.
+// A parenthesis in a comment or in quotes.
 struct HiddenParenthesis {
   Offset at;
   bool in_comment;

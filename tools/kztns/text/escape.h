@@ -1,6 +1,6 @@
 // One notation for what a text may not hold where it is written: \xHH, with two
-// lower-case hexadecimal digits, is a byte. A backslash that stands before such
-// letters in the text itself is written as \x5c, so that replacing every \xHH by
+// lower-case hexadecimal digits, is a byte. A backslash before such letters in
+// the text itself is written as \x5c, so that replacing every \xHH by
 // its byte gives the text back.
 #pragma once
 
@@ -16,6 +16,9 @@ std::string visible(std::string_view text);
 
 // The same, cut to some forty characters.
 std::string excerpt(std::string_view text);
+
+// A text between double quotes.
+std::string quoted(std::string_view text);
 
 // A text as a JSON string takes it: only bytes that are not UTF-8 are escaped.
 std::string valid_utf8(std::string_view text);

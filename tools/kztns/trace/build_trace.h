@@ -21,6 +21,9 @@ struct Span {
   Offset end = 0;
 };
 
+// What is left of a longer token is read as another one.
+constexpr Offset longest_token = sizeof(KZCITnsParseParams::tns_key);
+
 // Key words, by their types.
 class KeySet {
  public:
@@ -95,7 +98,7 @@ class Trace : public LogListener {
  public:
   explicit Trace(const std::string &text) : text_(text) {}
 
-  // Begins anew, for a parse that stands after an entry's "=".
+  // Begins anew, for a parse that is after an entry's "=".
   void begin(const KZCITnsParseParams &params);
 
   const Fault &fault() const { return fault_; }
@@ -107,7 +110,7 @@ class Trace : public LogListener {
   // reached.
   const std::optional<Offset> &first_block_end() const { return first_block_end_; }
 
-  // Where the parse stands.
+  // The place of the parse.
   Offset here() const;
 
   std::string_view value_of(const Item &item) const {

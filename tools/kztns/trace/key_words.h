@@ -1,5 +1,5 @@
 // The keys of the grammar as messages speak of them: where a key belongs, what it may be,
-// what a misspelt one may stand for.
+// what a misspelt one may mean.
 #pragma once
 
 #include <string>
@@ -12,6 +12,7 @@ namespace kztns {
 
 using kzoci::tns::Block;
 using kzoci::tns::Key;
+using kzoci::tns::Storage;
 using kzoci::tns::ValueKind;
 
 // The key that opens a block; empty for an entry.
@@ -27,7 +28,7 @@ std::vector<std::string_view> choices(const Key &key);
 // "a, b or c"
 std::string one_of(const std::vector<std::string_view> &words);
 
-// The key that a misspelt one stands for; those of the block come first. Empty when none
+// The key that a misspelt one means; those of the block come first. Empty when none
 // is near.
 std::string_view near_key(std::string_view word, Block block);
 

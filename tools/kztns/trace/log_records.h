@@ -12,7 +12,9 @@ using kzoci::tns::MessageId;
 // The record of a format; absent for a format that is not the module's.
 std::optional<MessageId> message_of(const char *format);
 
-// What a record tells about the build of an entry.
+// What a record tells about the build of an entry. Trace::record tells three groups apart
+// by this order: tokens up to no_key_word, blocks from description_begins to
+// service_failed, and all others.
 enum class LogEvent {
   other,
   key_read,            // after a key; its text is in the parse state

@@ -1,6 +1,6 @@
 // The log and the memory that the module gets from this command: records go to
-// whoever listens at the moment, and blocks that a failed build leaves behind
-// can be released. For one thread.
+// whoever listens at the moment, and blocks that a failed build leaves
+// allocated can be released. For one thread.
 #pragma once
 
 #include <cstdarg>
@@ -31,7 +31,7 @@ class Listening {
   LogListener *before_;
 };
 
-// A block of memory's place in the list of all blocks; stands in front of it.
+// A block of memory's place in the list of all blocks; comes before it.
 struct alignas(16) AllocationLink {
   AllocationLink *newer;
   AllocationLink *older;
