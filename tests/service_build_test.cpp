@@ -676,9 +676,9 @@ TEST_F(DescriptorBuild, TheServiceIsNamedByItsKeyWordAsWritten) {
 TEST_F(DescriptorBuild, OnlyTheGivenLengthIsParsed) {
   const std::string text = one_block + "(garbage";
   EXPECT_EQ(build_part(text, one_block.size()), found);
-  EXPECT_EQ(support::log_without_pointers(), descriptor_call(text) + refill(2) + small_description("h") +
-                                                 refill(2) + Lines{"DEBUG reach eof"} +
-                                                 built(1, 1));
+  EXPECT_EQ(support::log_without_pointers(), descriptor_call(text) + refill(2) +
+                                                 small_description("h") + refill(2) +
+                                                 Lines{"DEBUG reach eof"} + built(1, 1));
   EXPECT_EQ(build_part(text, one_block.size() - 1), failed);
   EXPECT_EQ(build_part(text, 0), absent);
   end(one_description_left);
@@ -688,13 +688,13 @@ TEST_F(DescriptorBuild, OnlyTheGivenLengthIsParsed) {
 TEST_F(DescriptorBuild, AZeroByteEndsTheTextInTheRecordsOfTheLogAlone) {
   EXPECT_EQ(build_text(bytes("(DESCRIPTION=(ADDRESS=(HOST=h\0i)))"sv)), found);
   EXPECT_EQ(host_of(*tns_.tns_service->description), bytes("h\0i"sv));
-  EXPECT_EQ(support::log_without_pointers().front(), descriptor_call("(DESCRIPTION=(ADDRESS=(HOST=h")[0]);
+  EXPECT_EQ(support::log_without_pointers().front(),
+            descriptor_call("(DESCRIPTION=(ADDRESS=(HOST=h")[0]);
   KZCITnsClear(&tns_);
   begin();
   EXPECT_EQ(build_text(bytes("( \"a\0b"sv)), absent);
   EXPECT_EQ(support::log_without_pointers(),
-            descriptor_call("( \"a") + refill(2) + key_cut_off(2) +
-                not_found("( \"a"));
+            descriptor_call("( \"a") + refill(2) + key_cut_off(2) + not_found("( \"a"));
 }
 
 TEST_F(DescriptorBuild, ALongTextIsReadInSlices) {
