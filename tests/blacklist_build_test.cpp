@@ -32,14 +32,6 @@ Lines wrong_name(const std::string &text) {
   return {std::string("ERROR parse LB_NAME get wrong key:") + text.c_str()};
 }
 
-Lines read_item(const Item &item, const std::string &text) {
-  return item_begins(item) + value(text);
-}
-
-Lines strategy_call() {
-  return {"DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]"};
-}
-
 // A fault and what the record holds after it.
 struct Left {
   Fault fault;
@@ -133,16 +125,10 @@ const Item timeout_item = {
 TEST_F(RemoveStrategyBuild, LogsEveryStepOfAGoodBlock) {
   Body input("(NAME=TIMEOUT)(TIMEOUT=60))(next");
   ASSERT_EQ(KZCIRemoveStrategyBuild(&black_, &input.params), 0);
-  EXPECT_EQ(
-      joined(support::events()),
-      joined({"DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]",
-              "DEBUG read data mode=2", "DEBUG get key size:4, key:NAME",
-              "DEBUG succ to find key, key is:11", "DEBUG KZCIRemoveStrategyBuild get key_type 11",
-              "DEBUG get key size:7, key:TIMEOUT", "DEBUG get key size:7, key:TIMEOUT",
-              "DEBUG succ to find key, key is:12", "DEBUG KZCIRemoveStrategyBuild get key_type 12",
-              "DEBUG get key size:2, key:60", "WARN expect token type is 1, but get 2",
-              "WARN fail to call KZCITnsParse, status:-1",
-              "DEBUG success to call KZCIRemoveStrategyBuild"}));
+  EXPECT_EQ(joined(support::events()),
+            joined(strategy_call() + refill(mode) + read_item(remove_name, "TIMEOUT") +
+                   read_item(timeout_item, "60") + block_end() +
+                   Lines{"DEBUG success to call KZCIRemoveStrategyBuild"}));
   EXPECT_EQ(shown(black_), "2001,60,3003,1,10");
   EXPECT_EQ(input.unread(), ")(next");
 }
@@ -166,11 +152,8 @@ TEST_F(RemoveStrategyBuild, OtherNamesAreRefused) {
 
 TEST_F(RemoveStrategyBuild, NameTimeIsAcceptedAndTheAppendNameIsNot) {
   EXPECT_EQ(good("(NAME=time)"), "2001,50,3003,1,10");
-  expect_failure(
-      {"append name", "(NAME=RETRYDURATION))",
-       item_begins(remove_name) + Lines{"DEBUG get key size:13, key:RETRYDURATION",
-                                        "ERROR parse LB_NAME get wrong key:RETRYDURATION"},
-       "))"});
+  expect_failure({"append name", "(NAME=RETRYDURATION))",
+                  read_item(remove_name, "RETRYDURATION") + wrong_name("RETRYDURATION"), "))"});
 }
 
 TEST_F(RemoveStrategyBuild, RefusedTimeoutStaysInTheRecord) {
@@ -257,10 +240,9 @@ TEST_F(RemoveStrategyBuild, TimeoutOf257DigitsIsCutAndOverflows) {
 }
 
 TEST_F(RemoveStrategyBuild, HostIsRefused) {
-  expect_failure({"host",
-                  "(HOST=x))",
-                  {"DEBUG get key size:4, key:HOST", "DEBUG succ to find key, key is:20",
-                   "DEBUG KZCIRemoveStrategyBuild get key_type 20", "ERROR get error key_type"},
+  expect_failure({"host", "(HOST=x))",
+                  key_word("HOST", LB_HOST) + Lines{"DEBUG KZCIRemoveStrategyBuild get key_type 20",
+                                                    "ERROR get error key_type"},
                   "x))"});
 }
 
@@ -280,18 +262,10 @@ const Item duration_item = {"DURATION", LB_DRUATION, {"DEBUG get key_type 15"}, 
 TEST_F(AppendStrategyBuild, LogsEveryStepOfAGoodBlock) {
   Body input("(NAME=RETRYDURATION)(RETRY_TIMES=3)(DURATION=20))(next");
   ASSERT_EQ(KZCIAppendStrategyBuild(&black_, &input.params), 0);
-  EXPECT_EQ(
-      joined(support::events()),
-      joined({"DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]",
-              "DEBUG read data mode=2", "DEBUG get key size:4, key:NAME",
-              "DEBUG succ to find key, key is:11", "DEBUG get key_type 11",
-              "DEBUG get key size:13, key:RETRYDURATION", "DEBUG get key size:11, key:RETRY_TIMES",
-              "DEBUG succ to find key, key is:14", "DEBUG get key_type 14",
-              "DEBUG get key size:1, key:3", "DEBUG get key size:8, key:DURATION",
-              "DEBUG succ to find key, key is:15", "DEBUG get key_type 15",
-              "DEBUG get key size:2, key:20", "WARN expect token type is 1, but get 2",
-              "WARN fail to call KZCITnsParse, status:-1",
-              "DEBUG success to call KZCIAppendStrategyBuild"}));
+  EXPECT_EQ(joined(support::events()),
+            joined(strategy_call() + refill(mode) + read_item(append_name, "RETRYDURATION") +
+                   read_item(retry_item, "3") + read_item(duration_item, "20") + block_end() +
+                   Lines{"DEBUG success to call KZCIAppendStrategyBuild"}));
   EXPECT_EQ(shown(black_), "3003,50,3001,3,20");
   EXPECT_EQ(input.unread(), ")(next");
 }
@@ -317,9 +291,7 @@ TEST_F(AppendStrategyBuild, OtherNamesAreRefused) {
 
 TEST_F(AppendStrategyBuild, TheRemoveNameIsRefused) {
   expect_failure({"remove name", "(NAME=TIMEOUT))",
-                  item_begins(append_name) + Lines{"DEBUG get key size:7, key:TIMEOUT",
-                                                   "ERROR parse LB_NAME get wrong key:TIMEOUT"},
-                  "))"});
+                  read_item(append_name, "TIMEOUT") + wrong_name("TIMEOUT"), "))"});
 }
 
 TEST_F(AppendStrategyBuild, BothSpellingsSetTheRetryTimes) {
@@ -332,16 +304,10 @@ TEST_F(AppendStrategyBuild, BothSpellingsSetTheRetryTimes) {
 TEST_F(AppendStrategyBuild, DurationMinusOneIsStoredAndAWordOrNothingIsRefused) {
   EXPECT_EQ(good("(DURATION=-1)"), "3003,50,3003,1,-1");
   expect_left({
-      {{"word", "(DURATION=abc))",
-        item_begins(duration_item) +
-            Lines{"DEBUG get key size:3, key:abc", "ERROR fail to covert to int, src value:abc"},
-        "))"},
+      {{"word", "(DURATION=abc))", read_item(duration_item, "abc") + not_a_number("abc"), "))"},
        "3003,50,3003,1,0"},
       {{"nothing", "(DURATION=))",
-        item_begins(duration_item) + Lines{"WARN expect token type is 3, but get 2",
-                                           "WARN fail to call KZCITnsParse, status:-1",
-                                           "ERROR fail to covert to int, src value:DURATION"},
-        "))"},
+        item_begins(duration_item) + mismatch(3, 2) + not_a_number("DURATION"), "))"},
        "3003,50,3003,1,0"},
   });
 }
@@ -419,16 +385,10 @@ TEST_F(AppendStrategyBuild, NumbersThatTheEndCutsOffConvertWhatTheKeyHolds) {
 
 // ------------------------------------------------------------ the whole block
 
-Lines conf_call() {
-  return {
-      "DEBUG call KZCIBlacklistConfBuild with params [black_list_conf:PTR], "
-      "[parse_params:PTR]"};
-}
-
 class BlacklistConfBuild : public BlacklistTest {
  protected:
   BlacklistConfBuild()
-      : BlacklistTest(KZCIBlacklistConfBuild, conf_call(), "build_black_list_conf") {}
+      : BlacklistTest(KZCIBlacklistConfBuild, blacklist_call(), "build_black_list_conf") {}
 };
 
 const Item remove_item = {
@@ -457,30 +417,13 @@ TEST_F(BlacklistConfBuild, LogsEveryStepOfAGoodBlock) {
       "(REMOVE_STRATEGY=(NAME=TIMEOUT)(TIMEOUT=50))"
       "(APPEND_STRATEGY=(NAME=RETRYDURATION)(RETRY_TIMES=3)(DURATION=10)))(next");
   ASSERT_EQ(KZCIBlacklistConfBuild(&black_, &input.params), 0);
-  EXPECT_EQ(
-      joined(support::events()),
-      joined(
-          Lines{"DEBUG call KZCIBlacklistConfBuild with params [black_list_conf:PTR], "
-                "[parse_params:PTR]",
-                "DEBUG read data mode=2", "DEBUG get key size:15, key:REMOVE_STRATEGY",
-                "DEBUG succ to find key, key is:10", "DEBUG KZCIAddressListBuild get key_type 10",
-                "DEBUG call KZCIAddressListBuild with params [black:PTR], "
-                "[parse_params:PTR]"} +
-          read_item(remove_name, "TIMEOUT") + read_item(timeout_item, "50") +
-          Lines{"WARN expect token type is 1, but get 2",
-                "WARN fail to call KZCITnsParse, status:-1",
-                "DEBUG success to call KZCIRemoveStrategyBuild",
-                "DEBUG get key size:15, key:APPEND_STRATEGY", "DEBUG succ to find key, key is:13",
-                "DEBUG KZCIAddressListBuild get key_type 13",
-                "DEBUG call KZCIAddressListBuild with params [black:PTR], "
-                "[parse_params:PTR]"} +
-          read_item(append_name, "RETRYDURATION") + read_item(retry_item, "3") +
-          read_item(duration_item, "10") +
-          Lines{
-              "WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1",
-              "DEBUG success to call KZCIAppendStrategyBuild",
-              "WARN expect token type is 1, but get 2", "WARN fail to call KZCITnsParse, status:-1",
-              "DEBUG success to call build_black_list_conf"}));
+  EXPECT_EQ(joined(support::events()),
+            joined(blacklist_call() + refill(mode) + remove_begins() +
+                   read_item(remove_name, "TIMEOUT") + read_item(timeout_item, "50") +
+                   remove_built() + append_begins() + read_item(append_name, "RETRYDURATION") +
+                   read_item(retry_item, "3") + read_item(duration_item, "10") + block_end() +
+                   Lines{"DEBUG success to call KZCIAppendStrategyBuild"} + block_end() +
+                   Lines{"DEBUG success to call build_black_list_conf"}));
   EXPECT_EQ(shown(black_), "2001,50,3001,3,10");
   EXPECT_EQ(input.unread(), ")(next");
 }
@@ -552,12 +495,11 @@ TEST_F(BlacklistConfBuild, EmptyBlockAndEmptyStrategiesAreRefused) {
 }
 
 TEST_F(BlacklistConfBuild, NameDirectlyInsideTheBlockIsRefused) {
-  expect_failure({"name",
-                  "(NAME=TIMEOUT))",
-                  {"DEBUG get key size:4, key:NAME", "DEBUG succ to find key, key is:11",
-                   "DEBUG KZCIAddressListBuild get key_type 11",
-                   "ERROR build_black_list_conf get error key_type"},
-                  "TIMEOUT))"});
+  expect_failure(
+      {"name", "(NAME=TIMEOUT))",
+       key_word("NAME", LB_NAME) + Lines{"DEBUG KZCIAddressListBuild get key_type 11",
+                                         "ERROR build_black_list_conf get error key_type"},
+       "TIMEOUT))"});
 }
 
 TEST_F(BlacklistConfBuild, FailingStrategyFailsTheBlock) {

@@ -44,19 +44,7 @@ const Stored stored_integers[] = {
 
 const Item &read_timeout_item = stored_integers[3].item;
 
-Lines read_item(const Item &item, const std::string &text) {
-  return item_begins(item) + value(text);
-}
-
-Lines description_call() {
-  return {"DEBUG call KZCIDescriptionBuild with params [tns_service:PTR], [parse_params:PTR]"};
-}
-
-Lines begins() { return description_call() + allocated(description_block) + refill(mode); }
-
-Lines built(unsigned lists) {
-  return {"DEBUG success to build description, address count:" + std::to_string(lists)};
-}
+Lines begins() { return new_description() + refill(mode); }
 
 Lines failed() { return {"ERROR something error in build description", "FREE KZCIDescription"}; }
 
@@ -71,63 +59,26 @@ Lines wrong_group(const std::string &text) {
 Lines delay_of(const std::string &number) { return {"DEBUG oracle RETRY_DELAY=" + number}; }
 
 // "(ADDRESS=" of a description up to the first token of the address's body.
-Lines bare_begins() {
-  return description_key("ADDRESS", LB_ADDRESS) + allocated(list_block) + address_call() +
-         allocated(address_block);
-}
-
-Lines bare_address(const std::string &host_value) {
-  return bare_begins() + host(host_value) + block_end();
-}
-
-// "(ADDRESS_LIST=" of a description up to the first token of the list's body.
-Lines list_begins() {
-  return description_key("ADDRESS_LIST", LB_ADDRESS_LIST) + address_list_call() +
-         allocated(list_block);
-}
-
-Lines list_built(unsigned addresses) {
-  return {"DEBUG success to call KZCIAddressListBuild, address count:" + std::to_string(addresses)};
-}
-
-// "(ADDRESS=(HOST=value))" of an address list.
-Lines address_of_list(const std::string &host_value) {
-  return key_word("ADDRESS", LB_ADDRESS) + Lines{"DEBUG KZCIAddressListBuild get key_type 18"} +
-         address_call() + allocated(address_block) + host(host_value) + block_end();
-}
+Lines bare_begins() { return new_implied_list() + new_bare_address(); }
 
 // "(ADDRESS_LIST=(ADDRESS=(HOST=value)))".
 Lines list_of(const std::string &host_value) {
-  return list_begins() + address_of_list(host_value) + block_end() + list_built(1);
-}
-
-// "(CONNECT_DATA=" of a description up to the first token of its body.
-Lines data_begins() {
-  return description_key("CONNECT_DATA", LB_CONNECT_DATA) + connect_data_call() +
-         allocated(data_block);
-}
-
-Lines data_built(const std::string &service) {
-  return {"DEBUG success to call KZCIConnectDataBuild, service_name:" + service};
+  return new_list() + listed_address(host_value) + list_ends(1);
 }
 
 // "(CONNECT_DATA=(SID=value))".
 Lines data_of(const std::string &sid_value) {
-  return data_begins() + sid(sid_value) + block_end() + data_built(sid_value);
+  return new_data() + sid(sid_value) + data_ends(sid_value);
 }
 
 // "(KZLB_BLACKLIST=(REMOVE_STRATEGY=" up to the first token of that body.
 Lines blacklist_begins() {
-  return description_key("KZLB_BLACKLIST", LB_KZLB_BLACKLIST) +
-         Lines{
-             "DEBUG call KZCIBlacklistConfBuild with params [black_list_conf:PTR], "
-             "[parse_params:PTR]"};
+  return description_key("KZLB_BLACKLIST", LB_KZLB_BLACKLIST) + blacklist_call();
 }
 
 Lines remove_begins() {
   return key_word("REMOVE_STRATEGY", LB_REMOVE_STRATEGY) +
-         Lines{"DEBUG KZCIAddressListBuild get key_type 10",
-               "DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]"};
+         Lines{"DEBUG KZCIAddressListBuild get key_type 10"} + strategy_call();
 }
 
 // "(TIMEOUT=value" of a remove strategy.
@@ -213,52 +164,12 @@ TEST_F(DescriptionBuild, SwitchTimeoutListAndData) {
       "(KZLB=on)(KZLB_CONNECT_TIMEOUT=3000)(ADDRESS_LIST=(ADDRESS=(HOST=h)))"
       "(CONNECT_DATA=(SERVICE_NAME=s)))(next");
   ASSERT_EQ(KZCIDescriptionBuild(&service_, &input.params), 0);
-  const Lines head = {
-      "DEBUG read data mode=2",           "DEBUG get key size:4, key:KZLB",
-      "DEBUG succ to find key, key is:2", "DEBUG bulid_description get key_type 2",
-      "DEBUG get key size:2, key:on",     "DEBUG get key size:20, key:KZLB_CONNECT_TIMEOUT",
-      "DEBUG succ to find key, key is:3", "DEBUG bulid_description get key_type 3",
-      "DEBUG get key size:4, key:3000"};
-  const Lines list = {"DEBUG get key size:12, key:ADDRESS_LIST",
-                      "DEBUG succ to find key, key is:16",
-                      "DEBUG bulid_description get key_type 16",
-                      "DEBUG call KZCIAddressListBuild with params [des:PTR], [parse_params:PTR]",
-                      "MALLOC " + list_block,
-                      "DEBUG get key size:7, key:ADDRESS",
-                      "DEBUG succ to find key, key is:18",
-                      "DEBUG KZCIAddressListBuild get key_type 18",
-                      "DEBUG call KZCIAddressBuild with params [address_list:PTR], "
-                      "[parse_params:PTR]",
-                      "MALLOC " + address_block,
-                      "DEBUG get key size:4, key:HOST",
-                      "DEBUG succ to find key, key is:20",
-                      "DEBUG KZCIAddressBuild get key_type 20",
-                      "DEBUG get key size:1, key:h",
-                      "WARN expect token type is 1, but get 2",
-                      "WARN fail to call KZCITnsParse, status:-1",
-                      "WARN expect token type is 1, but get 2",
-                      "WARN fail to call KZCITnsParse, status:-1",
-                      "DEBUG success to call KZCIAddressListBuild, address count:1"};
-  const Lines data = {"DEBUG get key size:12, key:CONNECT_DATA",
-                      "DEBUG succ to find key, key is:23",
-                      "DEBUG bulid_description get key_type 23",
-                      "DEBUG call KZCIConnectDataBuild with params [des:PTR], [parse_params:PTR]",
-                      "MALLOC " + data_block,
-                      "DEBUG get key size:12, key:SERVICE_NAME",
-                      "DEBUG succ to find key, key is:24",
-                      "DEBUG KZCIConnectDataBuild get key_type 24",
-                      "DEBUG get key size:1, key:s",
-                      "WARN expect token type is 1, but get 2",
-                      "WARN fail to call KZCITnsParse, status:-1",
-                      "DEBUG success to call KZCIConnectDataBuild, service_name:s"};
-  const Lines tail = {"WARN expect token type is 1, but get 2",
-                      "WARN fail to call KZCITnsParse, status:-1",
-                      "DEBUG success to build description, address count:1"};
   EXPECT_EQ(joined(support::events()),
-            joined(Lines{"DEBUG call KZCIDescriptionBuild with params [tns_service:PTR], "
-                         "[parse_params:PTR]",
-                         "MALLOC " + description_block} +
-                   head + list + data + tail));
+            joined(begins() + read_item(kzlb_item, "on") +
+                   read_item(item_of("KZLB_CONNECT_TIMEOUT", 3, ""), "3000") + list_of("h") +
+                   new_data() + key_word("SERVICE_NAME", LB_SERVICE_NAME) +
+                   Lines{"DEBUG KZCIConnectDataBuild get key_type 24"} + key("s") + data_ends("s") +
+                   description_ends(1)));
   const KZCIDescription *des = service_.description;
   ASSERT_NE(des, nullptr);
   EXPECT_EQ(des->kzlb, 1);
@@ -318,10 +229,8 @@ TEST_F(DescriptionBuild, SwitchIsALeadingPartOfOnOrOff) {
 }
 
 TEST_F(DescriptionBuild, SwitchOffxFailsOIsOnAndLowercaseOfIsOff) {
-  expect_failure({"offx", "(KZLB=OFFX))",
-                  item_begins(kzlb_item) + Lines{"DEBUG get key size:4, key:OFFX",
-                                                 "ERROR parse LB_KZLB get wrong key:OFFX"},
-                  "))"});
+  expect_failure(
+      {"offx", "(KZLB=OFFX))", read_item(kzlb_item, "OFFX") + wrong_switch("OFFX"), "))"});
   const KZCIDescription *on = good("(KZLB=O)");
   ASSERT_NE(on, nullptr);
   EXPECT_EQ(on->kzlb, 1);
@@ -370,11 +279,8 @@ TEST_F(DescriptionBuild, GroupStrategyIsALeadingPartOfRotation) {
 }
 
 TEST_F(DescriptionBuild, GroupStrategyRandomFailsAndRotIsAccepted) {
-  expect_failure(
-      {"random", "(KZLB_GROUP_STRATEGY=random))",
-       item_begins(group_item) + Lines{"DEBUG get key size:6, key:random",
-                                       "ERROR parse LB_KZLB_GROUP_STRATEGY get wrong key:random"},
-       "))"});
+  expect_failure({"random", "(KZLB_GROUP_STRATEGY=random))",
+                  read_item(group_item, "random") + wrong_group("random"), "))"});
   const KZCIDescription *des = good("(KZLB_GROUP_STRATEGY=rot)");
   ASSERT_NE(des, nullptr);
   EXPECT_EQ(des->kzlb_group_strategy, LB_OPTION_GROUP_ROTATION);
@@ -419,17 +325,11 @@ TEST_F(DescriptionBuild, ReadTimeoutMinusFiveIsStored) {
 }
 
 TEST_F(DescriptionBuild, ReadTimeoutWithUnitOrWithoutValueIsRefused) {
+  expect_failure({"unit", "(KZLB_READ_TIMEOUT=5s))",
+                  read_item(read_timeout_item, "5s") + not_a_number("5s"), "))"});
   expect_failure(
-      {"unit", "(KZLB_READ_TIMEOUT=5s))",
-       item_begins(read_timeout_item) +
-           Lines{"DEBUG get key size:2, key:5s", "ERROR fail to covert to int, src value:5s"},
-       "))"});
-  expect_failure({"nothing", "(KZLB_READ_TIMEOUT=))",
-                  item_begins(read_timeout_item) +
-                      Lines{"WARN expect token type is 3, but get 2",
-                            "WARN fail to call KZCITnsParse, status:-1",
-                            "ERROR fail to covert to int, src value:KZLB_READ_TIMEOUT"},
-                  "))"});
+      {"nothing", "(KZLB_READ_TIMEOUT=))",
+       item_begins(read_timeout_item) + mismatch(3, 2) + not_a_number("KZLB_READ_TIMEOUT"), "))"});
 }
 
 // The key words have 20, 18, 20, 17 and 18 characters.
@@ -462,7 +362,7 @@ TEST_F(DescriptionBuild, IntegersThatTheEndCutsOffConvertWhatTheKeyHolds) {
 
 TEST_F(DescriptionBuild, RetryDelayIsOnlyLogged) {
   const Lines log =
-      read_item(delay_item, "5") + Lines{"DEBUG oracle RETRY_DELAY=5"} + block_end() + built(0);
+      read_item(delay_item, "5") + Lines{"DEBUG oracle RETRY_DELAY=5"} + description_ends(0);
   expect_good("(RETRY_DELAY=5))", log, ")");
   KZCIDescription defaults;
   ASSERT_EQ(KZCIDescriptionInit(&defaults), 0);
@@ -487,8 +387,7 @@ TEST_F(DescriptionBuild, RetryDelayPrintsTheLow32Bits) {
   };
   for (const auto &row : rows) {
     expect_good("(RETRY_DELAY="s + row.text + "))",
-                read_item(delay_item, row.text) + delay_of(row.printed) + block_end() + built(0),
-                ")");
+                read_item(delay_item, row.text) + delay_of(row.printed) + description_ends(0), ")");
   }
 }
 
@@ -550,16 +449,14 @@ TEST_F(DescriptionBuild, LaterItemOfTheSameKeyWins) {
 }
 
 TEST_F(DescriptionBuild, RetryTimesIsRefused) {
-  expect_failure(
-      {"retry times",
-       "(RETRY_TIMES=3))",
-       {"DEBUG get key size:11, key:RETRY_TIMES", "DEBUG succ to find key, key is:14",
-        "DEBUG bulid_description get key_type 14", "ERROR KZCIDescriptionBuild get error key_type"},
-       "3))"});
+  expect_failure({"retry times", "(RETRY_TIMES=3))",
+                  description_key("RETRY_TIMES", LB_RETRY_TIMES) +
+                      Lines{"ERROR KZCIDescriptionBuild get error key_type"},
+                  "3))"});
 }
 
 TEST_F(DescriptionBuild, BareAddressMakesAListWithDefaults) {
-  expect_good("(ADDRESS=(HOST=h)))", bare_address("h") + block_end() + built(1), ")");
+  expect_good("(ADDRESS=(HOST=h)))", bare_address("h") + description_ends(1), ")");
   const KZCIAddressList *list = service_.description->address_list;
   ASSERT_NE(list, nullptr);
   EXPECT_EQ(service_.description->address_list_count, 1u);
@@ -593,7 +490,7 @@ TEST_F(DescriptionBuild, BareAddressAfterAListIsRefused) {
 
 TEST_F(DescriptionBuild, ListAfterABareAddressIsAppended) {
   expect_good("(ADDRESS=(HOST=a))(ADDRESS_LIST=(ADDRESS=(HOST=b))))",
-              bare_address("a") + list_of("b") + block_end() + built(2), ")");
+              bare_address("a") + list_of("b") + description_ends(2), ")");
   KZCIAddressList *first = service_.description->address_list;
   ASSERT_EQ(service_.description->address_list_count, 2u);
   EXPECT_EQ(host_of(*first), "a");
@@ -639,7 +536,7 @@ TEST_F(DescriptionBuild, FailingBareAddressReleasesItsList) {
 TEST_F(DescriptionBuild, FailingListAfterABareAddressKeepsTheAddressAllocated) {
   expect_failure({"list after address",
                   "(ADDRESS=(HOST=a))(ADDRESS_LIST=))",
-                  bare_address("a") + list_begins() + block_end() +
+                  bare_address("a") + new_list() + block_end() +
                       Lines{"ERROR something error in KZCIAddressListBuild", "FREE address_list",
                             "ERROR fail to call KZCIAddressListBuild, status:-1"},
                   "))",
@@ -651,19 +548,19 @@ TEST_F(DescriptionBuild, FailingListFailsTheDescription) {
   const Lines fails = {"ERROR something error in KZCIAddressListBuild", "FREE address_list",
                        "ERROR fail to call KZCIAddressListBuild, status:-1"};
   expect_failures({
-      {"empty list", "(ADDRESS_LIST=))", list_begins() + block_end() + fails, "))"},
+      {"empty list", "(ADDRESS_LIST=))", new_list() + block_end() + fails, "))"},
       {"text for a list", "(ADDRESS_LIST=h))",
-       list_begins() + mismatch(TNS_LEFT_PARENTHESES, TNS_KEY) + fails, "h))"},
-      {"end for a list", "(ADDRESS_LIST=", list_begins() + input_end(mode) + fails, ""},
+       new_list() + mismatch(TNS_LEFT_PARENTHESES, TNS_KEY) + fails, "h))"},
+      {"end for a list", "(ADDRESS_LIST=", new_list() + input_end(mode) + fails, ""},
       {"refused key word", "(ADDRESS_LIST=(HOST=h)))",
-       list_begins() + key_word("HOST", LB_HOST) +
+       new_list() + key_word("HOST", LB_HOST) +
            Lines{"DEBUG KZCIAddressListBuild get key_type 20",
                  "ERROR KZCIAddressListBuild get error key_type"} +
            fails,
        "h)))"},
       {"second item of a list",
        "(ADDRESS_LIST=(ADDRESS=(HOST=a))(ADDRESSES=h)))",
-       list_begins() + address_of_list("a") + unknown_word("ADDRESSES") + fails,
+       new_list() + listed_address("a") + unknown_word("ADDRESSES") + fails,
        "=h)))",
        -1,
        {address_block}},
@@ -674,16 +571,16 @@ TEST_F(DescriptionBuild, FailingConnectDataFailsTheDescription) {
   const Lines fails = {"ERROR something error in KZCIConnectDataBuild", "FREE KZCIConnectData",
                        "ERROR fail to call KZCIConnectDataBuild, status:-1"};
   expect_failures({
-      {"empty data", "(CONNECT_DATA=))", data_begins() + block_end() + fails, "))"},
+      {"empty data", "(CONNECT_DATA=))", new_data() + block_end() + fails, "))"},
       {"refused key word", "(CONNECT_DATA=(HOST=x)))",
-       data_begins() + key_word("HOST", LB_HOST) +
+       new_data() + key_word("HOST", LB_HOST) +
            Lines{"DEBUG KZCIConnectDataBuild get key_type 20",
                  "ERROR KZCIConnectDataBuild get error key_type"} +
            fails,
        "x)))"},
       {"empty second data",
        "(CONNECT_DATA=(SID=a))(CONNECT_DATA=))",
-       data_of("a") + data_begins() + block_end() + fails,
+       data_of("a") + new_data() + block_end() + fails,
        "))",
        -1,
        {data_block}},
@@ -715,7 +612,7 @@ TEST_F(DescriptionBuild, BlacklistIsReadInPlace) {
   expect_good("(KZLB_BLACKLIST=(REMOVE_STRATEGY=(TIMEOUT=30))))",
               blacklist_begins() + remove_begins() + timeout_of("30") + block_end() +
                   Lines{"DEBUG success to call KZCIRemoveStrategyBuild"} + block_end() +
-                  Lines{"DEBUG success to call build_black_list_conf"} + block_end() + built(0),
+                  Lines{"DEBUG success to call build_black_list_conf"} + description_ends(0),
               ")");
   EXPECT_EQ(service_.description->black_list_conf.remove_timeout, 30);
   EXPECT_EQ(service_.description->black_list_conf.append_strategy, LB_OPTION_NORMAL);
@@ -728,7 +625,7 @@ TEST_F(DescriptionBuild, SecondConnectDataEndsTheDescriptionWhichIsGood) {
               data_of("a") + data_of("b") +
                   Lines{"FREE KZCIConnectData", "ERROR connect_data is already parse",
                         "ERROR fail to call KZCIConnectDataBuild, status:-1"} +
-                  built(0),
+                  description_built(0),
               ")(KZLB=ON))");
   const KZCIDescription *des = service_.description;
   ASSERT_NE(des->connect_data, nullptr);
@@ -742,21 +639,25 @@ TEST_F(DescriptionBuild, SecondConnectDataEndsTheDescriptionWhichIsGood) {
 // description looks for next.
 TEST_F(DescriptionBuild, AcceptsABlockThatIsNotClosed) {
   const Lines open_end = input_end(mode);
-  expect_good("(ADDRESS=(HOST=h)", bare_begins() + host("h") + open_end + ended() + built(1), "");
-  expect_good("(ADDRESS_LIST=(ADDRESS=(HOST=h))",
-              list_begins() + address_of_list("h") + open_end + list_built(1) + ended() + built(1),
-              "");
+  expect_good("(ADDRESS=(HOST=h)",
+              bare_begins() + host("h") + open_end + ended() + description_built(1), "");
+  expect_good(
+      "(ADDRESS_LIST=(ADDRESS=(HOST=h))",
+      new_list() + listed_address("h") + open_end + list_built(1) + ended() + description_built(1),
+      "");
   expect_good("(CONNECT_DATA=(SID=a)",
-              data_begins() + sid("a") + open_end + data_built("a") + ended() + built(0), "");
+              new_data() + sid("a") + open_end + data_built("a") + ended() + description_built(0),
+              "");
   expect_good("(KZLB_BLACKLIST=(REMOVE_STRATEGY=(TIMEOUT=30)",
               blacklist_begins() + remove_begins() + timeout_of("30") + open_end +
                   Lines{"DEBUG success to call KZCIRemoveStrategyBuild"} + ended() +
-                  Lines{"DEBUG success to call build_black_list_conf"} + ended() + built(0),
+                  Lines{"DEBUG success to call build_black_list_conf"} + ended() +
+                  description_built(0),
               "");
   EXPECT_EQ(service_.description->black_list_conf.remove_timeout, 30);
   expect_good("(ADDRESS=(HOST=h)x)",
               bare_begins() + host("h") + mismatch(TNS_LEFT_PARENTHESES, TNS_KEY) +
-                  mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY) + built(1),
+                  mismatch(TNS_RIGHT_PARENTHESES, TNS_KEY) + description_built(1),
               "x)");
 }
 
@@ -843,7 +744,7 @@ TEST_F(DescriptionBuild, BodyOfSeveralSlices) {
   const std::string comment = "#" + std::string(1022, 'c') + "\n";
   expect_good(comment + "(KZLB=ON)" + comment + "(KZLB_READ_TIMEOUT=5))",
               refill(mode) + read_item(kzlb_item, "ON") + refill(mode) +
-                  read_item(read_timeout_item, "5") + block_end() + built(0),
+                  read_item(read_timeout_item, "5") + description_ends(0),
               ")");
   EXPECT_EQ(service_.description->read_timout, 5);
 }
@@ -854,7 +755,7 @@ TEST_F(DescriptionBuild, ReadsFromAFileAsWell) {
   ASSERT_EQ(KZCIDescriptionBuild(&service_, &file.params), 0);
   EXPECT_EQ(joined(support::events()),
             joined(description_call() + allocated(description_block) + refill(TNS_MODE_FILE) +
-                   read_item(kzlb_item, "ON") + data_of("a") + block_end() + built(0)));
+                   read_item(kzlb_item, "ON") + data_of("a") + description_ends(0)));
 }
 
 }  // namespace

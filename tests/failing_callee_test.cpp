@@ -1,5 +1,6 @@
-// Builds in which single functions fail that no input makes fail: what their
-// callers make of it, by status, log, allocations and releases, and what stays.
+// Single functions of the module fail that no input makes fail, during builds, releases,
+// dumps and slow-SQL batches: what their callers make of it, by status, log, allocations and
+// releases, and what stays.
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -9,6 +10,7 @@
 
 #include "kzoci/oci_tnsname.h"
 #include "support/builder_body.h"
+#include "support/expected_dump.h"
 #include "support/expected_log.h"
 #include "support/failing_callee.h"
 #include "support/parsing.h"
@@ -19,6 +21,7 @@ using namespace builder_body;
 using namespace expected_log;
 using namespace failing_callee;
 using support::build;
+using support::open_files;
 using support::Outcome;
 
 // ----------------------------------------------------------------------
@@ -62,13 +65,6 @@ sword build_append(Parents &p, Body &b) {
 
 using Build = sword (*)(Parents &, Body &);
 
-const Lines description_call = {
-    "DEBUG call KZCIDescriptionBuild with params [tns_service:PTR], [parse_params:PTR]"};
-const Lines strategy_call = {
-    "DEBUG call KZCIAddressListBuild with params [black:PTR], [parse_params:PTR]"};
-const Lines blacklist_call = {
-    "DEBUG call KZCIBlacklistConfBuild with params [black_list_conf:PTR], [parse_params:PTR]"};
-
 struct InitRow {
   Callee callee;
   Build build;
@@ -82,12 +78,12 @@ TEST_F(FailingCallee, InitOfARecordStopsItsBuilder) {
   const InitRow rows[] = {
       {description_init,
        build_description,
-       description_call,
+       description_call(),
        description_block,
        {"ERROR fail to call KZCIDescriptionInit"}},
       {blacklist_init,
        build_description,
-       description_call,
+       description_call(),
        description_block,
        {"ERROR fail to call KZCIBlacklistConfInit, status:STATUS",
         "ERROR fail to call KZCIDescriptionInit"}},
@@ -124,28 +120,36 @@ TEST_F(FailingCallee, InitOfARecordStopsItsBuilder) {
     }
 }
 
-TEST_F(FailingCallee, InitOfTheVariablesStopsTheInitOfAService) {
-  for (const sword status : statuses) {
-    begin();
-    const auto service = std::make_unique<KZCITnsService>();
-    fail_call(variables_init, 1, status);
-    EXPECT_EQ(KZCITnsServiceInit(service.get(), 0, ""), status);
-    EXPECT_EQ(support::events(),
-              with_status({"ERROR fail to call KZCISystemVariablesInit, ret:STATUS"}, status));
-    EXPECT_TRUE(all_struck());
-  }
-}
-
-TEST_F(FailingCallee, InitOfTheBlacklistStopsTheInitOfADescription) {
-  for (const sword status : statuses) {
-    begin();
-    KZCIDescription des;
-    fail_call(blacklist_init, 1, status);
-    EXPECT_EQ(KZCIDescriptionInit(&des), status);
-    EXPECT_EQ(support::events(),
-              with_status({"ERROR fail to call KZCIBlacklistConfInit, status:STATUS"}, status));
-    EXPECT_TRUE(all_struck());
-  }
+// A record's Init stops where that of a part of it fails.
+TEST_F(FailingCallee, InitOfAPartStopsTheInitOfItsRecord) {
+  struct Row {
+    Callee callee;
+    sword (*init)();
+    std::string failure;
+  };
+  const Row rows[] = {
+      {variables_init,
+       [] {
+         const auto service = std::make_unique<KZCITnsService>();
+         return KZCITnsServiceInit(service.get(), 0, "");
+       },
+       "ERROR fail to call KZCISystemVariablesInit, ret:STATUS"},
+      {blacklist_init,
+       [] {
+         KZCIDescription des;
+         return KZCIDescriptionInit(&des);
+       },
+       "ERROR fail to call KZCIBlacklistConfInit, status:STATUS"},
+  };
+  for (const Row &row : rows)
+    for (const sword status : statuses) {
+      SCOPED_TRACE(row.failure + " with " + std::to_string(status));
+      begin();
+      fail_call(row.callee, 1, status);
+      EXPECT_EQ(row.init(), status);
+      EXPECT_EQ(support::events(), with_status({row.failure}, status));
+      EXPECT_TRUE(all_struck());
+    }
 }
 
 // ----------------------------------------------------------------------
@@ -178,17 +182,17 @@ std::vector<KeyRow> key_rows() {
        {"ERROR something error in KZCIConnectDataBuild"},
        release("KZCIConnectData")},
       {build_description,
-       description_call + allocated(description_block),
+       description_call() + allocated(description_block),
        {"KZLB", LB_KZLB, {"DEBUG bulid_description get key_type 2"}, "ON"},
        {"ERROR something error in build description"},
        release("KZCIDescription")},
       {build_remove,
-       strategy_call,
+       strategy_call(),
        {"TIMEOUT", LB_TIMEOUT, {"DEBUG KZCIRemoveStrategyBuild get key_type 12"}, "30"},
        {"ERROR something error in KZCIRemoveStrategyBuild"},
        {}},
       {build_append,
-       strategy_call,
+       strategy_call(),
        {"DURATION", LB_DRUATION, {"DEBUG get key_type 15"}, "5"},
        {"ERROR something error in KZCIAppendStrategyBuild"},
        {}},
@@ -199,45 +203,29 @@ Lines no_key_type(const std::string &word) {
   return key(word) + Lines{"ERROR fail to get key type, status:STATUS"};
 }
 
-TEST_F(FailingCallee, KeyTypeOfTheFirstItemStopsABlock) {
+// Whether it is the block's first item or a later one.
+TEST_F(FailingCallee, KeyTypeOfAnItemStopsABlock) {
   for (const KeyRow &row : key_rows())
-    for (const sword status : statuses) {
-      SCOPED_TRACE(row.verdict.front() + " with " + std::to_string(status));
-      begin();
-      Parents parents;
-      Body body("(" + row.item.key + "=" + row.item.value + "))");
-      fail_call(get_key_type, 1, status);
-      EXPECT_EQ(row.build(parents, body), -1);
-      EXPECT_EQ(joined(support::events()),
-                joined(with_status(row.begins + refill(mode) + no_key_type(row.item.key) +
-                                       row.verdict + row.releases,
-                                   status)));
-      EXPECT_EQ(live(), Lines{});
-      EXPECT_EQ(body.unread(), "=" + row.item.value + "))");
-      EXPECT_TRUE(parents.without_children());
-      EXPECT_TRUE(all_struck());
-    }
-}
-
-TEST_F(FailingCallee, KeyTypeOfALaterItemStopsABlock) {
-  for (const KeyRow &row : key_rows())
-    for (const sword status : statuses) {
-      SCOPED_TRACE(row.verdict.front() + " with " + std::to_string(status));
-      begin();
-      Parents parents;
-      const std::string item = "(" + row.item.key + "=" + row.item.value + ")";
-      Body body(item + item + ")");
-      fail_call(get_key_type, 2, status);
-      EXPECT_EQ(row.build(parents, body), -1);
-      EXPECT_EQ(joined(support::events()),
-                joined(with_status(row.begins + refill(mode) + item_begins(row.item) +
-                                       value(row.item.value) + no_key_type(row.item.key) +
-                                       row.verdict + row.releases,
-                                   status)));
-      EXPECT_EQ(live(), Lines{});
-      EXPECT_TRUE(parents.without_children());
-      EXPECT_TRUE(all_struck());
-    }
+    for (const std::size_t before : {0u, 1u})
+      for (const sword status : statuses) {
+        SCOPED_TRACE(row.verdict.front() + " with " + std::to_string(status) + " after " +
+                     std::to_string(before) + " items");
+        begin();
+        Parents parents;
+        const std::string item = "(" + row.item.key + "=" + row.item.value + ")";
+        Body body((before > 0 ? item : "") + item + ")");
+        const Lines read = before > 0 ? item_begins(row.item) + value(row.item.value) : Lines{};
+        fail_call(get_key_type, before + 1, status);
+        EXPECT_EQ(row.build(parents, body), -1);
+        EXPECT_EQ(joined(support::events()),
+                  joined(with_status(row.begins + refill(mode) + read + no_key_type(row.item.key) +
+                                         row.verdict + row.releases,
+                                     status)));
+        EXPECT_EQ(live(), Lines{});
+        EXPECT_EQ(body.unread(), "=" + row.item.value + "))");
+        EXPECT_TRUE(parents.without_children());
+        EXPECT_TRUE(all_struck());
+      }
 }
 
 // A blacklist's items are blocks themselves. The one that was read stays in the
@@ -245,7 +233,7 @@ TEST_F(FailingCallee, KeyTypeOfALaterItemStopsABlock) {
 TEST_F(FailingCallee, KeyTypeStopsABlacklist) {
   const Lines remove_strategy =
       key_word("REMOVE_STRATEGY", LB_REMOVE_STRATEGY) +
-      Lines{"DEBUG KZCIAddressListBuild get key_type 10"} + strategy_call +
+      Lines{"DEBUG KZCIAddressListBuild get key_type 10"} + strategy_call() +
       key_word("TIMEOUT", LB_TIMEOUT) + Lines{"DEBUG KZCIRemoveStrategyBuild get key_type 12"} +
       key("30") + block_end() + Lines{"DEBUG success to call KZCIRemoveStrategyBuild"};
   const Lines verdict = {"ERROR something error in build_black_list_conf"};
@@ -258,8 +246,8 @@ TEST_F(FailingCallee, KeyTypeStopsABlacklist) {
     EXPECT_EQ(build_blacklist(parents, first), -1);
     EXPECT_EQ(
         joined(support::events()),
-        joined(with_status(blacklist_call + refill(mode) + no_key_type("REMOVE_STRATEGY") + verdict,
-                           status)));
+        joined(with_status(
+            blacklist_call() + refill(mode) + no_key_type("REMOVE_STRATEGY") + verdict, status)));
     EXPECT_EQ(parents.des.black_list_conf.remove_timeout, 50);
 
     begin();
@@ -267,7 +255,7 @@ TEST_F(FailingCallee, KeyTypeStopsABlacklist) {
     fail_call(get_key_type, 3, status);
     EXPECT_EQ(build_blacklist(parents, second), -1);
     EXPECT_EQ(joined(support::events()),
-              joined(with_status(blacklist_call + refill(mode) + remove_strategy +
+              joined(with_status(blacklist_call() + refill(mode) + remove_strategy +
                                      no_key_type("APPEND_STRATEGY") + verdict,
                                  status)));
     EXPECT_EQ(parents.des.black_list_conf.remove_timeout, 30);
@@ -304,47 +292,6 @@ BuildRow fails(const std::string &name, Callee callee, std::size_t call, const L
 BuildRow passes_on(const std::string &name, Callee callee, std::size_t call, const Lines &log,
                    const Lines &left) {
   return {name, callee, call, log, Result::passed_on, left};
-}
-
-std::string service_block(const std::string &name, const std::string &tag) {
-  return block(sizeof(KZCITnsService) + name.size(), tag);
-}
-
-// The parts of a build's log, with the allocations among them.
-Lines new_description() { return description_call + allocated(description_block); }
-
-Lines description_word() {
-  return key_word("DESCRIPTION", LB_DESCRIPTION) + Lines{"DEBUG bulid_tns_service get key_type 1"};
-}
-
-Lines new_list() {
-  return description_key("ADDRESS_LIST", LB_ADDRESS_LIST) + address_list_call() +
-         allocated(list_block);
-}
-
-Lines new_listed_address() {
-  return key_word("ADDRESS", LB_ADDRESS) + Lines{"DEBUG KZCIAddressListBuild get key_type 18"} +
-         address_call() + allocated(address_block);
-}
-
-Lines listed_address(const std::string &name) {
-  return new_listed_address() + host(name) + block_end();
-}
-
-Lines list_ends(unsigned addresses) {
-  return block_end() + Lines{"DEBUG success to call KZCIAddressListBuild, address count:" +
-                             std::to_string(addresses)};
-}
-
-Lines new_implied_list() { return description_key("ADDRESS", LB_ADDRESS) + allocated(list_block); }
-
-Lines bare_address(const std::string &name) {
-  return new_implied_list() + address_call() + allocated(address_block) + host(name) + block_end();
-}
-
-Lines description_ends(unsigned lists) {
-  return block_end() +
-         Lines{"DEBUG success to build description, address count:" + std::to_string(lists)};
 }
 
 // How a failure goes up from each block; each begins after its own message.
@@ -405,10 +352,7 @@ std::vector<BuildRow> whole_body_rows(const Lines &tail) {
             begins + first_list() + new_list() + new_listed_address() + address_refused,
             {l, a, a, a}),
       fails("connect data", connect_data_init, 1,
-            begins + first_list() + second_list() +
-                description_key("CONNECT_DATA", LB_CONNECT_DATA) + connect_data_call() +
-                allocated(data_block) + data_refused,
-            {l, a, a, l, a, c}),
+            begins + first_list() + second_list() + new_data() + data_refused, {l, a, a, l, a, c}),
   };
 }
 
@@ -423,9 +367,9 @@ std::vector<BuildRow> bare_body_rows(const Lines &tail) {
                 description_lost() + tail,
             {}),
       fails("bare address", address_init, 1,
-            begins + address_call() + allocated(address_block) +
-                Lines{"ERROR fail to call KZCIAddressInit"} + release("address_list") +
-                Lines{"ERROR fail to call KZCIAddressBuild"} + description_lost() + tail,
+            begins + new_bare_address() + Lines{"ERROR fail to call KZCIAddressInit"} +
+                release("address_list") + Lines{"ERROR fail to call KZCIAddressBuild"} +
+                description_lost() + tail,
             {address_block}),
   };
 }
@@ -450,8 +394,7 @@ class FailingCalleeOfABuild : public FailingCallee {
     if (row.result == Result::built) outcome = {0, 1};
     if (row.result == Result::passed_on) {
       outcome = {status == end_of_input ? 0 : status, 0};
-      if (status == end_of_input)
-        expected = expected + Lines{"DEBUG fail to find tns service, dbname:" + identifier};
+      if (status == end_of_input) expected = expected + not_found(identifier);
     }
     fail_call(row.callee, row.call, status);
     EXPECT_EQ(build(tns_, identifier), outcome);
@@ -468,16 +411,11 @@ class FailingCalleeOfABuild : public FailingCallee {
 // ---------------------------------------------------------------- in the file
 
 Lines entry_begins(const std::string &name) {
-  return lookup_begins() + refill(TNS_MODE_FILE) + key(name) +
-         Lines{"DEBUG find tns service, dbname:" + name,
-               "DEBUG call KZCITnsServiceBuild with params [tns:PTR], [parse_params:PTR]"} +
+  return lookup_begins() + refill(TNS_MODE_FILE) + key(name) + name_found(name) +
          allocated(service_block(name, "KZCITnsServiceBuild"));
 }
 
-Lines entry_lost() {
-  return release("KZCITnsServiceBuild") +
-         Lines{"ERROR fail to call KZCITnsServiceBuild, status:-1"};
-}
+Lines entry_lost() { return release("KZCITnsServiceBuild") + entry_refused(); }
 
 // The service of an entry that is lost by its Init stays allocated, and its
 // status reaches the caller of the lookup.
@@ -541,8 +479,8 @@ TEST_F(FailingCalleeOfABuild, KeyTypeInsideADescriptionOfTheFile) {
       {fails("item of the description", get_key_type, 2,
              begins + no_key_type("ADDRESS") + description_lost() + entry_lost(), {}),
        fails("item of the address", get_key_type, 3,
-             begins + new_implied_list() + address_call() + allocated(address_block) +
-                 address_fails + description_lost() + entry_lost(),
+             begins + new_implied_list() + new_bare_address() + address_fails + description_lost() +
+                 entry_lost(),
              {})});
 }
 
@@ -551,29 +489,24 @@ TEST_F(FailingCalleeOfABuild, KeyTypeInsideADescriptionOfTheFile) {
 TEST_F(FailingCalleeOfABuild, KeyTypeInTheReservedEntry) {
   const std::string name = "KZCISYSTEMVARIABLES";
   names_file(name + " = (LOG_COUNT = 3)(SLOWSQL_THRESHOLD = 7)");
-  const Lines begins = entry_begins(name) + Lines{"DEBUG parse system variables"};
-  const Lines count = key_word("LOG_COUNT", LB_LOG_COUNT) + key("3") +
-                      Lines{"DEBUG parse system variables get log level:3"};
+  const Lines begins = entry_begins(name) + variables_begin();
   const Lines threshold = key_word("SLOWSQL_THRESHOLD", LB_SLOWSQL_THRESHOLD) + key("7") +
                           Lines{"DEBUG parse system variables get slowsql threshold:7"};
-  const Lines ends = input_end(TNS_MODE_FILE) + service_built(0) +
-                     Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:1"};
+  const Lines ends = input_end(TNS_MODE_FILE) + built(0, 1);
   const std::string service = service_block(name, "KZCITnsServiceBuild");
   const BuildRow first = {"first block",
                           get_key_type,
                           1,
-                          no_key_type("LOG_COUNT") +
-                              Lines{"WARN parse system variables get error key type:0"} + key("3") +
-                              threshold + ends,
+                          no_key_type("LOG_COUNT") + no_variable(0) + key("3") + threshold + ends,
                           Result::built,
                           {service}};
-  const BuildRow second = {"second block",
-                           get_key_type,
-                           2,
-                           count + no_key_type("SLOWSQL_THRESHOLD") + key("7") +
-                               Lines{"DEBUG parse system variables get log level:7"} + ends,
-                           Result::built,
-                           {service}};
+  const BuildRow second = {
+      "second block",
+      get_key_type,
+      2,
+      log_count("3") + no_key_type("SLOWSQL_THRESHOLD") + key("7") + log_count_told("7") + ends,
+      Result::built,
+      {service}};
   for (const sword status : statuses) {
     SCOPED_TRACE(status);
     run_once(name, begins, first, status);
@@ -588,9 +521,7 @@ TEST_F(FailingCalleeOfABuild, KeyTypeInTheReservedEntry) {
 // ---------------------------------------------------------------- in a descriptor
 
 Lines descriptor_begins(const std::string &text) {
-  return Lines{"DEBUG call KZCITnsBuild with params [tns:PTR]",
-               "DEBUG call KZCITnsBuildDes with params [tns:PTR, " + text + "]"} +
-         refill(TNS_MODE_DESCRIPTION);
+  return lookup_call() + descriptor_call(text) + refill(TNS_MODE_DESCRIPTION);
 }
 
 Lines new_descriptor_service() {
@@ -665,11 +596,9 @@ TEST_F(FailingCalleeOfABuild, AnyStatusButTheEndMeansTextAfterADescriptor) {
                    bare_description_left),
              status);
   }
-  const Lines built =
-      service_built(1) + Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:1"};
   const Lines left = Lines{service_block("DESCRIPTION", "KZCITnsBuildDes")} + bare_description_left;
   run_once(text, descriptor_up_to_its_end(text),
-           {"end", parse_blank, at_end, built, Result::built, left}, end_of_input);
+           {"end", parse_blank, at_end, built(1, 1), Result::built, left}, end_of_input);
 }
 
 // ----------------------------------------------------------------------
@@ -680,6 +609,9 @@ const Lines no_blanks = {"ERROR fail to call KZCITnsCheckBuffer"};
 const Lines no_key = {"ERROR fail to call kzci_tns_check buffer"};
 const Lines no_token = {"WARN fail to call parse blank, status:STATUS"};
 const Lines parse_fails = {"WARN fail to call KZCITnsParse, status:STATUS"};
+const Lines token_fails = no_blanks + no_token + parse_fails;
+const Lines no_key_token = no_key + Lines{"ERROR fail to call parse key, status:STATUS"};
+const Lines key_fails = no_key_token + parse_fails;
 
 struct RefillRow {
   std::string name;
@@ -699,7 +631,6 @@ const std::string long_blanks(1024, ' ');
 
 std::vector<RefillRow> refill_rows() {
   const Lines read = refill(mode);
-  const Lines no_key_token = no_key + Lines{"ERROR fail to call parse key, status:STATUS"};
   return {
       {"blanks at once", KZCITnsParseBlank, " (", 1, no_blanks, " ("},
       {"blanks on the way", KZCITnsParseBlank, long_blanks + "(", 2, read + no_blanks, "("},
@@ -711,7 +642,7 @@ std::vector<RefillRow> refill_rows() {
       {"token at once", parse_for_equal_sign, "=", 1, no_blanks + no_token, "="},
       {"key token at once", parse_for_key, "K=", 1, no_blanks + no_token, "K="},
       {"key token on the way", parse_for_key, " AB", 2, read + no_key_token, ""},
-      {"skip at once", KZCITnsServiceSkip, "(x)", 1, no_blanks + no_token + parse_fails, "(x)"},
+      {"skip at once", KZCITnsServiceSkip, "(x)", 1, token_fails, "(x)"},
       {"skip after its parenthesis", KZCITnsServiceSkip, "(", 2, read + no_key, ""},
       {"skip on the way", KZCITnsServiceSkip, "(x(y)", 2, read + no_key, ""},
   };
@@ -802,17 +733,11 @@ class FailingRefillOfABuild : public FailingCalleeOfABuild {
 
 TEST_F(FailingRefillOfABuild, BeforeAnythingIsRead) {
   names_file("mydb=(DESCRIPTION=(ADDRESS=(HOST=a)))");
-  run("mydb", lookup_begins(),
-      {passes_on("at once", check_buffer, 1, no_blanks + no_token + parse_fails, {})});
+  run("mydb", lookup_begins(), {passes_on("at once", check_buffer, 1, token_fails, {})});
 }
 
 TEST_F(FailingRefillOfABuild, BetweenAndInsideOtherEntries) {
-  const Lines token_fails = no_blanks + no_token + parse_fails;
-  const Lines key_fails =
-      no_key + Lines{"ERROR fail to call parse key, status:STATUS"} + parse_fails;
-  const Lines skips = key("other") + Lines{
-                                         "DEBUG dbname is not equal to tns_service, "
-                                         "dbname:mydb, key:othe"};
+  const Lines skips = key("other") + other_name("mydb", "othe");
   const Lines skip_fails = {"ERROR fail to call KZCITnsServiceSkip, status:STATUS"};
   const Result passed_on = Result::passed_on;
   run_parted("", "mydb=(x)", token_fails, passed_on, {});
@@ -826,20 +751,11 @@ TEST_F(FailingRefillOfABuild, BetweenAndInsideOtherEntries) {
 
 // In the entry that is built, the last token consumed decides.
 TEST_F(FailingRefillOfABuild, InsideTheEntry) {
-  const Lines token_fails = no_blanks + no_token + parse_fails;
-  const Lines key_fails =
-      no_key + Lines{"ERROR fail to call parse key, status:STATUS"} + parse_fails;
   const Lines fails = {"ERROR something error in build tns service, status:STATUS"};
   const std::string service = service_block("mydb", "KZCITnsServiceBuild");
-  const Lines entry = key("mydb") +
-                      Lines{"DEBUG find tns service, dbname:mydb",
-                            "DEBUG call KZCITnsServiceBuild with params [tns:PTR], "
-                            "[parse_params:PTR]"} +
-                      allocated(service);
+  const Lines entry = key("mydb") + name_found("mydb") + allocated(service);
   const Lines address = entry + description_word() + new_description() + new_implied_list() +
                         address_call() + allocated(address_block);
-  const Lines host_word =
-      key_word("HOST", LB_HOST) + Lines{"DEBUG KZCIAddressBuild get key_type 20"};
   const Lines address_lost = Lines{"ERROR something error in build address, status:STATUS"} +
                              release("address") + release("address_list") +
                              Lines{"ERROR fail to call KZCIAddressBuild"} + description_lost() +
@@ -851,18 +767,325 @@ TEST_F(FailingRefillOfABuild, InsideTheEntry) {
   run_parted("mydb=(DESCRIPTION=(ADDRESS=", "(HOST=a)))", address + token_fails + address_lost,
              failed, {});
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=", "a)))",
-             address + host_word + token_fails + no_text() + address_lost, failed, {});
+             address + host_word() + token_fails + no_text() + address_lost, failed, {});
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=a", "b)))",
-             address + host_word + key_fails + no_text() + address_lost, failed, {});
+             address + host_word() + key_fails + no_text() + address_lost, failed, {});
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=a ", ")))",
              address + host("a") + token_fails + address_lost, failed, {});
   // After a complete item, the address is content, and the blocks around it find
   // their own ends.
   run_parted("mydb=(DESCRIPTION=(ADDRESS=(HOST=a)", "))",
              address + host("a") + token_fails + refill(TNS_MODE_FILE) + description_ends(1) +
-                 input_end(TNS_MODE_FILE) + service_built(1) +
-                 Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:1"},
+                 input_end(TNS_MODE_FILE) + built(1, 1),
              Result::built, {service, description_block, list_block, address_block});
+}
+
+// ----------------------------------------------------------------------
+// Releasing a tree
+// ----------------------------------------------------------------------
+
+// A service of the literals below, with its name.
+const std::string built_service = service_block("DESCRIPTION", "KZCITnsBuildDes");
+
+Lines clear_call(const std::string &function, const std::string &argument) {
+  return {"DEBUG call " + function + " with params [" + argument + ":PTR]"};
+}
+
+const Lines clear_container = clear_call("KZCITnsClear", "tns");
+const Lines clear_service = clear_call("KZCITnsServiceClear", "tns_service");
+const Lines clear_description = clear_call("KZCIDescriptionClear", "des");
+const Lines clear_list = clear_call("KZCIAddressListClear", "address_list");
+const Lines clear_address = clear_call("KZCIAddressClear", "address");
+const Lines clear_data = clear_call("KZCIConnectDataClear", "con_data");
+
+Lines clear_fails(const std::string &function) {
+  return {"ERROR fail to call " + function + ", status:STATUS"};
+}
+
+const Lines services_fail =
+    clear_fails("KZCIDescriptionClear") + clear_fails("KZCITnsServiceClear");
+const Lines lists_fail =
+    clear_fails("KZCIAddressClear") + clear_fails("KZCIAddressListClear") + services_fail;
+
+const Lines whole_list_released = clear_list + clear_address + release("address") + clear_address +
+                                  release("address") + release("address_list");
+const Lines whole_service_released = clear_service + clear_description + whole_list_released +
+                                     clear_data + release("KZCIConnectData") +
+                                     release("KZCIDescription") + release("KZCITnsBuildDes");
+
+const Lines whole_service_left = {built_service, description_block, list_block,
+                                  address_block, address_block,     data_block};
+
+struct ClearRow {
+  std::string name;
+  Callee callee;
+  std::size_t call;
+  Lines log;
+  Lines left;
+  bool again;  // Whether the way to all that is left is still there.
+};
+
+std::vector<ClearRow> clear_rows() {
+  const Lines first = clear_container + clear_service;
+  const Lines second = clear_container + whole_service_released + clear_service;
+  const Lines variables_fail = Lines{"ERROR fail to call KZCISystemVariablesClear, ret:STATUS"} +
+                               clear_fails("KZCITnsServiceClear");
+  const Lines data_fails =
+      clear_description + whole_list_released + clear_fails("KZCIConnectDataClear") + services_fail;
+  const Lines data_left = {built_service, description_block, data_block};
+  const Lines &whole = whole_service_left;
+  return {
+      {"first address", address_clear, 1, first + clear_description + clear_list + lists_fail,
+       whole + whole, true},
+      // The first address is gone; its list points at it still.
+      {"last address of a list", address_clear, 2,
+       first + clear_description + clear_list + clear_address + release("address") + lists_fail,
+       Lines{built_service, description_block, list_block, address_block, data_block} + whole,
+       false},
+      {"address of the second service", address_clear, 3,
+       second + clear_description + clear_list + lists_fail, whole, false},
+      // The lists go first; the connect data stay, and where they are can be told.
+      {"connect data", connect_data_clear, 1, first + data_fails, data_left + whole, true},
+      {"connect data of the second service", connect_data_clear, 2, second + data_fails, data_left,
+       false},
+      // The system variables go before the descriptions.
+      {"system variables", variables_clear, 1, first + variables_fail, whole + whole, true},
+      {"system variables of the second service", variables_clear, 2, second + variables_fail, whole,
+       false},
+  };
+}
+
+TEST_F(FailingCallee, ReleaseStopsAtARecord) {
+  const std::string text =
+      "(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(HOST=a))(ADDRESS=(HOST=b)))"
+      "(CONNECT_DATA=(SID=s)))";
+  for (const ClearRow &row : clear_rows())
+    for (const sword status : statuses) {
+      SCOPED_TRACE(row.name + " with " + std::to_string(status));
+      begin();
+      for (int i = 0; i < 2; ++i) ASSERT_EQ(build(tns_, text), (Outcome{0, 1}));
+      const std::size_t events_before = support::events().size();
+      KZCITnsService *const first = tns_.tns_service;
+      fail_call(row.callee, row.call, status);
+      EXPECT_EQ(KZCITnsClear(&tns_), status);
+      EXPECT_TRUE(all_struck());
+      EXPECT_EQ(joined(since(events_before)), joined(with_status(row.log, status)));
+      EXPECT_EQ(live(), row.left);
+      EXPECT_EQ(tns_.tns_service, first);
+      EXPECT_EQ(tns_.tns_service_count, 2u);
+      EXPECT_EQ(support::bad_releases(), 0u);
+      if (row.callee == connect_data_clear && row.call == 1) {
+        const KZCIDescription &des = *first->description;
+        EXPECT_EQ(des.address_list, nullptr);
+        EXPECT_EQ(des.address_list_count, 0u);
+        EXPECT_NE(des.connect_data, nullptr);
+      }
+      if (!row.again) continue;
+      EXPECT_EQ(KZCITnsClear(&tns_), 0);
+      EXPECT_EQ(live(), Lines{});
+      EXPECT_EQ(tns_.tns_service, nullptr);
+      EXPECT_EQ(tns_.tns_service_count, 0u);
+    }
+}
+
+// ----------------------------------------------------------------------
+// Printing a tree
+// ----------------------------------------------------------------------
+
+struct DisplayRow {
+  std::string name;
+  Lines identifiers;  // What is built.
+  Callee callee;
+  std::size_t call;
+  std::string text;
+  Lines log;
+};
+
+const Lines container_fails = {"ERROR fail to call KZCITnsServiceDisplay, status:STATUS"};
+const Lines description_fails =
+    Lines{"ERROR fail to call KZCIDescriptionDisplay, status:STATUS"} + container_fails;
+// The first line names the Clear.
+const Lines address_fails = Lines{"ERROR fail to call KZCIAddressClear, status:STATUS",
+                                  "ERROR fail to call KZCIAddressListDisplay, status:STATUS"} +
+                            description_fails;
+
+std::vector<DisplayRow> display_rows() {
+  using namespace expected_dump;
+  const std::string two =
+      "(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(HOST=a))(ADDRESS=(HOST=a)))"
+      "(CONNECT_DATA=(SID=s)))";
+  const std::string two_lists =
+      "(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(HOST=a)))"
+      "(ADDRESS_LIST=(ADDRESS=(HOST=b)))(CONNECT_DATA=(SID=s)))";
+  const std::string one = "(DESCRIPTION=(ADDRESS=(HOST=a)))";
+  const std::string first = service("DESCRIPTION") + description();
+  const std::string list = container() + first + address_list(2);
+  const std::string data = list + address("a") + address("a");
+  return {
+      {"first address", {two}, address_display, 1, list, address_fails},
+      {"second address", {two}, address_display, 2, list + address("a"), address_fails},
+      {"connect data",
+       {two},
+       connect_data_display,
+       1,
+       data,
+       Lines{"ERROR fail to call KZCIConnectDataDisplay, status:STATUS"} + description_fails},
+      {"system variables",
+       {two},
+       variables_display,
+       1,
+       data + connect_data("s"),
+       Lines{"ERROR fail to call KZCISystemVariablesDisplay, status:STATUS"} + container_fails},
+      // The reserved entry is its variables, and its failure is worded otherwise.
+      {"reserved entry",
+       {"KZCISYSTEMVARIABLES"},
+       variables_display,
+       1,
+       container(),
+       Lines{"ERROR fail to call KZCISystemVariablesDisplay, ret:STATUS"} + container_fails},
+      {"first of two services",
+       {one, one},
+       address_display,
+       1,
+       container(2) + first + address_list(1),
+       address_fails},
+      {"first of two lists",
+       {two_lists},
+       address_display,
+       1,
+       container() + service("DESCRIPTION") + description(2) + address_list(1),
+       address_fails},
+  };
+}
+
+// What is written stays, the status goes up, every level adds its line, and nothing more is
+// printed.
+TEST_F(FailingCallee, DisplayStopsAtARecord) {
+  names_file("KZCISYSTEMVARIABLES = (LOG_COUNT = 3)");
+  for (const DisplayRow &row : display_rows())
+    for (const sword status : statuses) {
+      SCOPED_TRACE(row.name + " with " + std::to_string(status));
+      begin();
+      for (const std::string &identifier : row.identifiers)
+        ASSERT_EQ(build(tns_, identifier), (Outcome{0, 1}));
+      const std::size_t events_before = support::events().size();
+      fail_call(row.callee, row.call, status);
+      sword displayed = 0;
+      EXPECT_EQ(support::display_text(tns_, &displayed), row.text);
+      EXPECT_EQ(displayed, status);
+      EXPECT_EQ(calls_of(row.callee), row.call);
+      if (row.callee != connect_data_display && row.callee != variables_display) {
+        EXPECT_EQ(calls_of(connect_data_display), 0u);
+      }
+      if (row.callee != variables_display) {
+        EXPECT_EQ(calls_of(variables_display), 0u);
+      }
+      EXPECT_EQ(joined(since(events_before)),
+                joined(Lines{"DEBUG tns display in stdout"} + with_status(row.log, status)));
+      EXPECT_EQ(KZCITnsClear(&tns_), 0);
+    }
+}
+
+// The file is closed after the failure.
+TEST_F(FailingCallee, DisplayIntoAFile) {
+  environment_.set("KZCI_TNS_DISPLAY", folder_.write("display", "as it was\n"));
+  ASSERT_EQ(build(tns_, "(DESCRIPTION=(ADDRESS=(HOST=a)))"), (Outcome{0, 1}));
+  const auto open_before = open_files();
+  for (const sword status : statuses) {
+    fail_call(address_display, 1, status);
+    EXPECT_EQ(KZCITnsDisplay(&tns_), status);
+    EXPECT_EQ(open_files(), open_before);
+    EXPECT_TRUE(all_struck());
+  }
+}
+
+// ----------------------------------------------------------------------
+// The link string
+// ----------------------------------------------------------------------
+
+TEST_F(FailingCallee, LinkStringCannotBeFormatted) {
+  for (const std::string sid : {"0", "1"})
+    for (const int result : {0, -1}) {
+      SCOPED_TRACE("USE_DEFAULT_SID " + sid + ", result " + std::to_string(result));
+      begin();
+      ASSERT_EQ(build(tns_,
+                      "(DESCRIPTION=(ADDRESS=(HOST=a)(PORT=1))(CONNECT_DATA=(SID=s)"
+                      "(USE_DEFAULT_SID=" +
+                          sid + ")))"),
+                (Outcome{0, 1}));
+      const std::size_t events_before = support::events().size();
+      char dblink[256] = "as it was";
+      sb4 length = 7;
+      fail_call(format_text, 1, result);
+      const sword status = KZCITnsServiceDblinkGet(tns_.tns_service, dblink, &length);
+      EXPECT_TRUE(all_struck());
+      EXPECT_EQ(status, -1);
+      EXPECT_EQ(length, 7);
+      EXPECT_STREQ(dblink, "as it was");
+      EXPECT_EQ(since(events_before),
+                Lines{"ERROR fail to get dblink, dblink_len:" + std::to_string(result)});
+      // The same call succeeds as soon as the formatter does.
+      EXPECT_EQ(KZCITnsServiceDblinkGet(tns_.tns_service, dblink, &length), 0);
+      EXPECT_STREQ(dblink, sid == "1" ? "a:1" : "a:1/s");
+    }
+}
+
+// ----------------------------------------------------------------------
+// The slow-SQL buffer
+// ----------------------------------------------------------------------
+
+const std::string lost_before = "ERROR KZCISlowSQLBufferFlush write to log fail.";
+const std::string lost_after = "ERROR KZCISlowSQLBufferFlush write to log fail!";
+const std::string batch = "SLOWSQL SLOWSQL:0123456789";
+
+// A report that comes to a buffer of 16 characters while a flush fails.
+struct FlushRow {
+  std::string name;
+  std::string held;
+  sb4 pos;  // What the buffer says of its fill.
+  std::string report;
+  std::size_t call;
+  std::size_t calls;
+  Lines log;
+  std::string text;  // What the buffer then holds.
+  sb4 then_pos;
+};
+
+TEST_F(FailingCallee, FlushFailsAroundAReport) {
+  const std::string held = "0123456789";
+  const std::string filling = "abcdefghijklmno";
+  const FlushRow rows[] = {
+      // Nothing is written, and what was there stays.
+      {"before it", held, 10, "abcde", 1, 1, {lost_before}, held, 10},
+      // A report that fills the buffer is there, and stays there.
+      {"after it", "", 0, "0123456789abcdefgh", 2, 2, {lost_after}, "0123456789abcde", 18},
+      // A buffer that is full already is tried twice. The second attempt may help the
+      // text, not the report.
+      {"before it, the buffer full", held, 15, "abcde", 1, 2, {lost_before, batch}, "", 0},
+      // A flush that succeeds before the report does not hide the one that fails.
+      {"after it and a batch", held, 10, filling, 2, 2, {batch, lost_after}, filling, 15},
+  };
+  for (const FlushRow &row : rows)
+    for (const sword status : statuses) {
+      SCOPED_TRACE(row.name + " with " + std::to_string(status));
+      begin();
+      KZCISLowSQL slowsql = {};
+      ASSERT_EQ(KZCISlowSQLBufferInit(&slowsql, 16), 0);
+      ASSERT_EQ(KZCISlowSQLWrite(&slowsql, "%s", row.held.c_str()), 0);
+      slowsql.buffer_pos = row.pos;
+      const std::size_t events_before = support::events().size();
+      fail_call(slow_sql_flush, row.call, status);
+      EXPECT_EQ(KZCISlowSQLWrite(&slowsql, "%s", row.report.c_str()), -1);
+      EXPECT_EQ(calls_of(slow_sql_flush), row.calls);
+      EXPECT_EQ(since(events_before), row.log);
+      EXPECT_EQ(slowsql.buffer, row.text);
+      EXPECT_EQ(slowsql.buffer_pos, row.then_pos);
+      if (row.text != held) continue;
+      // The next report finds what stayed.
+      EXPECT_EQ(KZCISlowSQLWrite(&slowsql, "%s", "abcde"), 0);
+      EXPECT_EQ(since(events_before), (Lines{lost_before, batch}));
+      EXPECT_STREQ(slowsql.buffer, "abcde");
+    }
 }
 
 }  // namespace

@@ -22,10 +22,8 @@ using builder_body::data_block;
 using builder_body::description_block;
 using builder_body::list_block;
 using builder_body::refused;
-
-std::string service_block(const std::string &name, const std::string &tag) {
-  return builder_body::block(sizeof(KZCITnsService) + name.size(), tag);
-}
+using builder_body::release;
+using builder_body::service_block;
 
 // What a caller does with a tree that was built; none of it needs memory.
 void use_tree(KZCITns &tns) {
@@ -288,34 +286,6 @@ Lines no_connect_data(const Lines &service) {
          Lines{"ERROR fail to call KZCIConnectDataBuild, status:-1"} + description_lost(service);
 }
 
-// "(ADDRESS =" inside an address list.
-Lines listed_address_begins() {
-  return key_word("ADDRESS", LB_ADDRESS) + Lines{"DEBUG KZCIAddressListBuild get key_type 18"} +
-         address_call();
-}
-
-Lines list_begins() {
-  return description_key("ADDRESS_LIST", LB_ADDRESS_LIST) + address_list_call();
-}
-
-Lines list_ends(unsigned addresses) {
-  return block_end() + Lines{"DEBUG success to call KZCIAddressListBuild, address count:" +
-                             std::to_string(addresses)};
-}
-
-Lines data_begins() {
-  return description_key("CONNECT_DATA", LB_CONNECT_DATA) + connect_data_call();
-}
-
-Lines data_ends(const std::string &name) {
-  return block_end() + Lines{"DEBUG success to call KZCIConnectDataBuild, service_name:" + name};
-}
-
-Lines description_ends(unsigned lists) {
-  return block_end() +
-         Lines{"DEBUG success to build description, address count:" + std::to_string(lists)};
-}
-
 class WholeLog : public NoMemory {
  protected:
   Lines happened() const { return since(earlier_events_); }
@@ -372,16 +342,13 @@ TEST_F(WholeLog, AnEntryOfTheFile) {
       "  (ADDRESS = (HOST = d))\n"
       "  (CONNECT_DATA = (SID = t)))\n"
       "next = x\n");
-  const Lines lookup = {"ERROR fail to call KZCITnsServiceBuild, status:-1"};
-  const Lines service = service_failed(-1) + release("KZCITnsServiceBuild") + lookup;
+  const Lines service = service_failed(-1) + release("KZCITnsServiceBuild") + entry_refused();
   const std::string &d = description_block, &l = list_block, &a = address_block, &c = data_block;
   const Lines first_description = {d, l, a, a, l, a, c};
   const std::vector<Step> steps = {
-      {lookup_begins() + refill(1) + key("mydb") +
-           Lines{"DEBUG find tns service, dbname:mydb",
-                 "DEBUG call KZCITnsServiceBuild with params [tns:PTR], [parse_params:PTR]"},
+      {lookup_begins() + refill(1) + key("mydb") + name_found("mydb"),
        service_block("mydb", "KZCITnsServiceBuild"),
-       no_memory("tns_service", sizeof(KZCITnsService) + 4) + lookup,
+       no_memory("tns_service", sizeof(KZCITnsService) + 4) + entry_refused(),
        {}},
       {description_begins(), d, no_description(service), {}},
       {list_begins(), l, no_list(service), {}},
@@ -404,8 +371,7 @@ TEST_F(WholeLog, AnEntryOfTheFile) {
        {d, l, a, a, l, a, c, l, a}},
   };
   run_all("mydb", steps,
-          sid("t") + data_ends("t") + description_ends(1) + mismatch(1, 3) + service_built(2) +
-              Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:2"});
+          sid("t") + data_ends("t") + description_ends(1) + mismatch(1, 3) + built(2, 2));
 }
 
 TEST_F(WholeLog, ALiteralDescriptor) {
@@ -416,17 +382,11 @@ TEST_F(WholeLog, ALiteralDescriptor) {
   const Lines service = service_failed(-1) + release("KZCITnsBuildDes");
   const std::string &d = description_block, &l = list_block, &a = address_block, &c = data_block;
   const std::vector<Step> steps = {
-      {Lines{"DEBUG call KZCITnsBuild with params [tns:PTR]",
-             "DEBUG call KZCITnsBuildDes with params [tns:PTR, " + text + "]"} +
-           refill(2) + key_word("DESCRIPTION", LB_DESCRIPTION) +
-           Lines{"DEBUG bulid_tns_service get key_type 1"},
+      {lookup_call() + descriptor_call(text) + refill(2) + description_word(),
        service_block("DESCRIPTION", "KZCITnsBuildDes"),
        no_memory("tns_service", sizeof(KZCITnsService) + 11) + service_failed(-1) + release("null"),
        {}},
-      {{"DEBUG call KZCIDescriptionBuild with params [tns_service:PTR], [parse_params:PTR]"},
-       d,
-       no_description(service),
-       {}},
+      {description_call(), d, no_description(service), {}},
       {description_key("ADDRESS", LB_ADDRESS), l, no_implied_list(service), {}},
       {address_call(), a, no_bare_address(service), {}},
       {host("a") + block_end() + list_begins(), l, no_list(service), {l, a}},
@@ -439,27 +399,22 @@ TEST_F(WholeLog, ALiteralDescriptor) {
   };
   run_all(text, steps,
           sid("s") + data_ends("s") + description_ends(2) + refill(2) + Lines{"DEBUG reach eof"} +
-              service_built(1) + Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:2"});
+              built(1, 2));
 }
 
 TEST_F(WholeLog, TheReservedEntryNeedsOneBlock) {
   names_file("KZCISYSTEMVARIABLES = (LOG_COUNT = 3)(LOG_LEVEL = INFO)\n");
   const std::string name = "KZCISYSTEMVARIABLES";
   const std::vector<Step> steps = {
-      {lookup_begins() + refill(1) + key(name) +
-           Lines{"DEBUG find tns service, dbname:" + name,
-                 "DEBUG call KZCITnsServiceBuild with params [tns:PTR], [parse_params:PTR]"},
+      {lookup_begins() + refill(1) + key(name) + name_found(name),
        service_block(name, "KZCITnsServiceBuild"),
-       no_memory("tns_service", sizeof(KZCITnsService) + 19) +
-           Lines{"ERROR fail to call KZCITnsServiceBuild, status:-1"},
+       no_memory("tns_service", sizeof(KZCITnsService) + 19) + entry_refused(),
        {}},
   };
   run_all(name, steps,
-          Lines{"DEBUG parse system variables"} + key_word("LOG_COUNT", LB_LOG_COUNT) + key("3") +
-              Lines{"DEBUG parse system variables get log level:3"} +
-              key_word("LOG_LEVEL", LB_LOG_LEVEL) + key("INFO") +
+          variables_begin() + log_count("3") + key_word("LOG_LEVEL", LB_LOG_LEVEL) + key("INFO") +
               Lines{"DEBUG parse system variables get log level:INFO"} + input_end(1) +
-              service_built(0) + Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:2"});
+              built(0, 2));
 }
 
 }  // namespace

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "kzoci/oci_tnsname.h"
+#include "support/expected_log.h"
 #include "support/faults.h"
 
 namespace {
@@ -102,8 +103,7 @@ std::FILE *__wrap_fopen64(const char *name, const char *mode) {
 namespace {
 
 using namespace faults;
-using expected_log::input_end;
-using expected_log::key_too_long;
+using namespace expected_log;
 
 // ----------------------------------------------------------------------
 // Reads that fail or give less
@@ -329,6 +329,8 @@ TEST_F(ChangingFile, GrowsBeforeItsEndIsMet) {
 // Files that cannot be opened
 // ----------------------------------------------------------------------
 
+Lines cannot_open(const std::string &file) { return lookup_begins(file) + not_opened(file); }
+
 using Opening = Reads;
 
 constexpr int open_errors[] = {ENOENT, EACCES,       EMFILE, ENFILE, EISDIR,
@@ -360,14 +362,13 @@ TEST_F(Opening, OfTheDisplayFileFails) {
   environment_.set("KZCI_TNS_DISPLAY", folder_.write("display", "as it was\n"));
   for (const int error : open_errors) {
     SCOPED_TRACE(std::generic_category().message(error));
-    const std::size_t records_before = support::log_records().size();
+    const std::size_t before = support::events().size();
     open_plan = {.error = error};
     sword status = 0;
     EXPECT_EQ(support::display_text(tns_, &status), "");
     EXPECT_EQ(status, -1);
     EXPECT_EQ(open_plan.opened, 1u);
-    const Lines log = support::log_records();
-    EXPECT_EQ(Lines(log.begin() + static_cast<std::ptrdiff_t>(records_before), log.end()),
+    EXPECT_EQ(since(before),
               (Lines{"DEBUG tns display in file:" + folder_.path() + "/display",
                      "DEBUG fail to open display file, file:" + folder_.path() + "/display"}));
     EXPECT_EQ(open_files(), open_before_);
@@ -384,8 +385,7 @@ using NamesFile = Faults;
 
 // What a lookup logs that opens its file and finds nothing in it.
 Lines nothing_to_read(const std::string &file) {
-  return lookup_begins(file) + input_end(TNS_MODE_FILE) +
-         Lines{"DEBUG fail to find tns service, dbname:mydb"};
+  return lookup_begins(file) + input_end(TNS_MODE_FILE) + not_found("mydb");
 }
 
 // A folder can be opened, yet not read.
@@ -569,12 +569,12 @@ TEST_F(OpenFiles, StayAsTheyWereAfterManyLookups) {
       "mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))\n"
       "bad = (DESCRIPTION = (ADDRESS = (WEIGHT = x)))\n"
       "KZCISYSTEMVARIABLES = (LOG_COUNT = 1)\n"
-      "behind = (DESCRIPTION = (ADDRESS = (HOST = a)))\n");
+      "after = (DESCRIPTION = (ADDRESS = (HOST = a)))\n");
   const auto nothing = [] {};
   run("mydb", found, nothing);
   run("bad", malformed, nothing);
   run("KZCISYSTEMVARIABLES", found, nothing);
-  run("behind", absent, nothing);
+  run("after", absent, nothing);
   for (const std::size_t n : {std::size_t{1}, std::size_t{4}})
     run("mydb", malformed, [n] { support::fail_allocation(n); });
   names_file("mydb = (DESCRIPTION = (ADDRESS = (HOST = a)))\nother = (x)\n");

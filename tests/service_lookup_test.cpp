@@ -7,8 +7,8 @@
 
 #include <chrono>
 #include <filesystem>
-#include <iterator>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -16,6 +16,7 @@
 
 #include "kzoci/oci_tnsname.h"
 #include "support/expected_log.h"
+#include "support/lookup_fixture.h"
 #include "support/parsing.h"
 
 namespace {
@@ -25,6 +26,7 @@ using namespace std::string_view_literals;
 using support::Block;
 using support::build;
 using support::bytes;
+using support::open_files;
 using support::Outcome;
 
 constexpr Outcome found{0, 1};
@@ -34,11 +36,6 @@ constexpr Outcome failed{-1, 0};
 const Block description_block{"KZCIDescription", sizeof(KZCIDescription)};
 const Block list_block{"address_list", sizeof(KZCIAddressList)};
 const Block address_block{"address", sizeof(KZCIAddress)};
-
-std::ptrdiff_t open_files() {
-  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"),
-                       std::filesystem::directory_iterator());
-}
 
 std::string host_of(const KZCITnsService &service) {
   const KZCIAddress &address = *service.description->address_list->address;
@@ -53,80 +50,17 @@ std::string entry(const std::string &name, const std::string &host_value) {
   return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host_value + ")))\n";
 }
 
-// The lookup's lines before the first refill.
-Lines opened(const std::string &variable, const std::string &value, const std::string &file) {
-  return {"DEBUG call KZCITnsBuild with params [tns:PTR]", "DEBUG get " + variable + ":" + value,
-          "DEBUG get configure file:" + file};
-}
+Lines entry_failed(int status) { return service_failed(status) + entry_refused(); }
 
-Lines not_opened(const std::string &file) {
-  return {"DEBUG fail to open tns file, tns_name:" + file,
-          "DEBUG fail to call KZCITnsBuildGetFile, status:-1"};
-}
-
-Lines other_name(const std::string &sought, const std::string &shown) {
-  return {"DEBUG dbname is not equal to tns_service, dbname:" + sought + ", key:" + shown};
-}
-
-Lines name_found(const std::string &name) {
-  return {"DEBUG find tns service, dbname:" + name,
-          "DEBUG call KZCITnsServiceBuild with params [tns:PTR], [parse_params:PTR]"};
-}
-
-Lines built(unsigned descriptions, unsigned services) {
-  return service_built(descriptions) +
-         Lines{"DEBUG succ to call KZCITnsServiceBuild, service number:" +
-               std::to_string(services)};
-}
-
-Lines entry_failed(int status) {
-  return service_failed(status) + Lines{"ERROR fail to call KZCITnsServiceBuild, status:-1"};
-}
-
-Lines not_found(const std::string &name) {
-  return {"DEBUG fail to find tns service, dbname:" + name};
-}
-
-// Works inside a folder of its own, so that names of files are short and known.
-class ServiceLookup : public testing::Test {
+class ServiceLookup : public support::LookupTest {
  protected:
-  void SetUp() override {
-    start_ = std::filesystem::current_path();
-    std::filesystem::current_path(folder_.path());
-    environment_.set("KZCI_TNS_FILE", "names.ora");
-    begin();
-  }
-
-  void TearDown() override {
-    end({});
-    std::filesystem::current_path(start_);
-  }
-
-  void begin() {
-    support::reset_platform();
-    KZCITnsInit(&tns_);
-  }
-
-  // Releases the tree; only the given blocks are still allocated then.
-  void end(const std::vector<Block> &left) {
-    EXPECT_EQ(KZCITnsClear(&tns_), 0);
-    EXPECT_EQ(support::live_blocks(), left);
-    EXPECT_EQ(support::bad_releases(), 0u);
-    support::reset_platform();
-  }
-
-  void names_file(std::string_view text) { folder_.write("names.ora", text); }
+  void TearDown() override { end({}); }
 
   // Looks a name up in a file with this text.
   Outcome look_up(std::string_view text, const std::string &name) {
     names_file(text);
     return build(tns_, name);
   }
-
-  support::Environment environment_;
-  support::TemporaryFolder folder_;
-  std::filesystem::path start_;
-  KZCITns tns_;
 };
 
 // ----------------------------------------------------------------------
@@ -311,11 +245,9 @@ TEST_F(ServiceLookup, TheOutcomeOfADescriptorIsPassedOn) {
   support::reset_platform();  // The first descriptor's description stays allocated.
 
   EXPECT_EQ(build(tns_, "(DESCRIPTION="), failed);
-  EXPECT_EQ(support::log_without_pointers(),
-            (Lines{"DEBUG call KZCITnsBuild with params [tns:PTR]",
-                   "DEBUG call KZCITnsBuildDes with params [tns:PTR, (DESCRIPTION=]"} +
-             refill(2) + description_begins() + input_end(2) + description_failed() +
-             service_failed(-1)));
+  EXPECT_EQ(support::log_without_pointers(), lookup_call() + descriptor_call("(DESCRIPTION=") +
+                                                 refill(2) + description_begins() + input_end(2) +
+                                                 description_failed() + service_failed(-1));
 }
 
 // ----------------------------------------------------------------------
@@ -325,16 +257,14 @@ TEST_F(ServiceLookup, TheOutcomeOfADescriptorIsPassedOn) {
 TEST_F(ServiceLookup, WithoutAnyVariableThereIsNoFile) {
   environment_.unset("KZCI_TNS_FILE");
   EXPECT_EQ(build(tns_, "mydb"), absent);
-  EXPECT_EQ(support::log_without_pointers(),
-            (Lines{"DEBUG call KZCITnsBuild with params [tns:PTR]",
-                   "DEBUG can not get file name in environment",
-                   "DEBUG fail to call KZCITnsBuildGetFile, status:100"}));
+  const Lines no_file = {"DEBUG can not get file name in environment",
+                         "DEBUG fail to call KZCITnsBuildGetFile, status:100"};
+  EXPECT_EQ(support::log_without_pointers(), lookup_call() + no_file);
 }
 
 TEST_F(ServiceLookup, AMissingFileIsNoError) {
   EXPECT_EQ(build(tns_, "mydb"), absent);
-  EXPECT_EQ(support::log_without_pointers(),
-            opened("KZCI_TNS_FILE", "names.ora", "names.ora") + not_opened("names.ora"));
+  EXPECT_EQ(support::log_without_pointers(), lookup_begins() + not_opened("names.ora"));
 }
 
 // A value of this length, and what the file's name holds after its first 256
@@ -345,7 +275,23 @@ struct NameRow {
   const char *suffix;
 };
 
-TEST_F(ServiceLookup, TnsAdminIsADirectoryAndTheNameIsCutTo256Characters) {
+class ValueOfAVariable : public ServiceLookup {
+ protected:
+  void run_values(const char *variable, std::span<const NameRow> rows) {
+    for (const NameRow &row : rows) {
+      SCOPED_TRACE(row.length);
+      begin();
+      const std::string value(row.length, 'a');
+      const std::string file = std::string(row.kept, 'a') + row.suffix;
+      environment_.set(variable, value);
+      EXPECT_EQ(build(tns_, "mydb"), absent);
+      EXPECT_EQ(support::log_without_pointers(),
+                lookup_begins(variable, value, file) + not_opened(file));
+    }
+  }
+};
+
+TEST_F(ValueOfAVariable, TnsAdminIsADirectoryAndTheNameIsCutTo256Characters) {
   environment_.unset("KZCI_TNS_FILE");
   const NameRow rows[] = {
       {1, 1, "/tnsnames.ora"},
@@ -359,18 +305,10 @@ TEST_F(ServiceLookup, TnsAdminIsADirectoryAndTheNameIsCutTo256Characters) {
       {257, 256, ""},
       {5000, 256, ""},
   };
-  for (const NameRow &row : rows) {
-    SCOPED_TRACE(row.length);
-    begin();
-    const std::string value(row.length, 'a');
-    const std::string file = std::string(row.kept, 'a') + row.suffix;
-    environment_.set("TNS_ADMIN", value);
-    EXPECT_EQ(build(tns_, "mydb"), absent);
-    EXPECT_EQ(support::log_without_pointers(), opened("TNS_ADMIN", value, file) + not_opened(file));
-  }
+  run_values("TNS_ADMIN", rows);
 }
 
-TEST_F(ServiceLookup, OracleHomeIsADirectoryAndTheNameIsCutTo256Characters) {
+TEST_F(ValueOfAVariable, OracleHomeIsADirectoryAndTheNameIsCutTo256Characters) {
   environment_.unset("KZCI_TNS_FILE");
   const NameRow rows[] = {
       {1, 1, "/network/admin/tnsnames.ora"},
@@ -383,32 +321,14 @@ TEST_F(ServiceLookup, OracleHomeIsADirectoryAndTheNameIsCutTo256Characters) {
       {257, 256, ""},
       {5000, 256, ""},
   };
-  for (const NameRow &row : rows) {
-    SCOPED_TRACE(row.length);
-    begin();
-    const std::string value(row.length, 'a');
-    const std::string file = std::string(row.kept, 'a') + row.suffix;
-    environment_.set("ORACLE_HOME", value);
-    EXPECT_EQ(build(tns_, "mydb"), absent);
-    EXPECT_EQ(support::log_without_pointers(),
-              opened("ORACLE_HOME", value, file) + not_opened(file));
-  }
+  run_values("ORACLE_HOME", rows);
 }
 
-TEST_F(ServiceLookup, TheFilesOwnVariableIsCutTo256Characters) {
+TEST_F(ValueOfAVariable, TheFilesOwnVariableIsCutTo256Characters) {
   const NameRow rows[] = {
       {0, 0, ""}, {1, 1, ""}, {255, 255, ""}, {256, 256, ""}, {257, 256, ""}, {5000, 256, ""},
   };
-  for (const NameRow &row : rows) {
-    SCOPED_TRACE(row.length);
-    begin();
-    const std::string value(row.length, 'a');
-    const std::string file(row.kept, 'a');
-    environment_.set("KZCI_TNS_FILE", value);
-    EXPECT_EQ(build(tns_, "mydb"), absent);
-    EXPECT_EQ(support::log_without_pointers(),
-              opened("KZCI_TNS_FILE", value, file) + not_opened(file));
-  }
+  run_values("KZCI_TNS_FILE", rows);
 }
 
 TEST_F(ServiceLookup, AFileWhoseNameHas256CharactersIsRead) {
@@ -497,14 +417,14 @@ TEST_F(ServiceLookup, AVariableDecidesEvenWhenItIsEmpty) {
   environment_.set("TNS_ADMIN", "admin");
   environment_.set("ORACLE_HOME", "home");
   EXPECT_EQ(build(tns_, "mydb"), absent);
-  EXPECT_EQ(support::log_without_pointers(), opened("KZCI_TNS_FILE", "", "") + not_opened(""));
+  EXPECT_EQ(support::log_without_pointers(), lookup_begins("") + not_opened(""));
 
   environment_.unset("KZCI_TNS_FILE");
   environment_.set("TNS_ADMIN", "");
   begin();
   build(tns_, "mydb");
   const Lines log = support::log_without_pointers();
-  EXPECT_EQ(Lines(log.begin(), log.begin() + 3), opened("TNS_ADMIN", "", "/tnsnames.ora"));
+  EXPECT_EQ(Lines(log.begin(), log.begin() + 3), lookup_begins("TNS_ADMIN", "", "/tnsnames.ora"));
 
   environment_.unset("TNS_ADMIN");
   environment_.set("ORACLE_HOME", "");
@@ -513,7 +433,7 @@ TEST_F(ServiceLookup, AVariableDecidesEvenWhenItIsEmpty) {
   build(tns_, "mydb");
   const Lines last = support::log_without_pointers();
   EXPECT_EQ(Lines(last.begin(), last.begin() + 3),
-            opened("ORACLE_HOME", "", "/network/admin/tnsnames.ora"));
+            lookup_begins("ORACLE_HOME", "", "/network/admin/tnsnames.ora"));
 }
 
 TEST_F(ServiceLookup, TheEnvironmentIsReadOnEveryCall) {
@@ -530,8 +450,7 @@ TEST_F(ServiceLookup, TheEnvironmentIsReadOnEveryCall) {
 TEST_F(ServiceLookup, AFileThatCannotBeReadEndsAtOnce) {
   environment_.set("KZCI_TNS_FILE", ".");  // A directory opens, its read fails.
   EXPECT_EQ(build(tns_, "mydb"), absent);
-  EXPECT_EQ(support::log_without_pointers(),
-            opened("KZCI_TNS_FILE", ".", ".") + input_end(1) + not_found("mydb"));
+  EXPECT_EQ(support::log_without_pointers(), lookup_begins(".") + input_end(1) + not_found("mydb"));
 }
 
 // ----------------------------------------------------------------------
@@ -563,8 +482,7 @@ class ScanTest : public ServiceLookup {
     EXPECT_EQ(build(tns_, row.name), row.outcome);
     EXPECT_EQ(open_files(), open_before);
     EXPECT_EQ(tns_.tns_service_count, static_cast<ub4>(row.outcome.find));
-    EXPECT_EQ(support::log_without_pointers(),
-              opened("KZCI_TNS_FILE", "names.ora", "names.ora") + row.lines);
+    EXPECT_EQ(support::log_without_pointers(), lookup_begins() + row.lines);
     end(row.left);
   }
 };
@@ -588,9 +506,8 @@ TEST_F(ScanTest, FiveEntries) {
       {"the reserved entry", five_entries(), "KZCISYSTEMVARIABLES", found,
        refill(1) + key("alpha") + other_name("KZCISYSTEMVARIABLES", "alpha") + key("beta") +
            other_name("KZCISYSTEMVARIABLES", "betaa") + key("KZCISYSTEMVARIABLES") +
-           name_found("KZCISYSTEMVARIABLES") + Lines{"DEBUG parse system variables"} +
-           key_word("LOG_COUNT", LB_LOG_COUNT) + key("3") +
-           Lines{"DEBUG parse system variables get log level:3"} + mismatch(1, 3) + built(0, 1)},
+           name_found("KZCISYSTEMVARIABLES") + variables_begin() + log_count("3") + mismatch(1, 3) +
+           built(0, 1)},
       {"no such entry", entry("alpha", "a") + entry("beta", "b") + entry("gamma", "c"), "delta",
        absent,
        refill(1) + key("alpha") + other_name("delta", "alpha") + key("beta") +
@@ -657,9 +574,7 @@ TEST_F(ScanTest, MalformedInputFails) {
       {"the entry without parentheses", "mydb = x", "mydb", failed,
        refill(1) + key("mydb") + name_found("mydb") + mismatch(1, 3) + entry_failed(-1)},
       {"the entry's key is not DESCRIPTION", "mydb = (HOST = h)", "mydb", failed,
-       refill(1) + key("mydb") + name_found("mydb") + key_word("HOST", LB_HOST) +
-           Lines{"DEBUG bulid_tns_service get key_type 20",
-                 "ERROR expect LB_DESCRIPTION:1 but get 20"} +
+       refill(1) + key("mydb") + name_found("mydb") + other_block("HOST", LB_HOST) +
            entry_failed(-1)},
   };
   for (const ScanRow &row : rows) run(row);
@@ -671,30 +586,27 @@ TEST_F(ScanTest, TheFileEndsInsideTheEntry) {
   const Lines begun = refill(1) + key("mydb") + name_found("mydb");
   const Lines address_begun =
       description_begins() + description_key("ADDRESS", LB_ADDRESS) + address_call();
-  const Lines good = {"DEBUG success to build description, address count:1"};
   const std::string one = "mydb = (DESCRIPTION = (ADDRESS = (HOST = h)))";
   const ScanRow rows[] = {
       {"after the equal sign", "mydb = ", "mydb", failed, begun + input_end(1) + entry_failed(100)},
       {"inside a value", "mydb = (DESCRIPTION = (ADDRESS = (HOST = h", "mydb", failed,
-       begun + address_begun + key_word("HOST", LB_HOST) +
-           Lines{"DEBUG KZCIAddressBuild get key_type 20"} + key_cut_off(1) +
-           Lines{"ERROR fail to parse string value",
-                 "ERROR something error in build address, status:100",
+       begun + address_begun + host_word() + key_cut_off(1) + no_text() +
+           Lines{"ERROR something error in build address, status:100",
                  "ERROR fail to call KZCIAddressBuild"} +
            description_failed() + entry_failed(-1)},
       {"before the last parenthesis",
        "mydb = (DESCRIPTION = (ADDRESS = (HOST = h))",
        "mydb",
        failed,
-       begun + address_begun + host("h") + block_end() + input_end(1) + good + ended() +
-           entry_failed(100),
+       begun + address_begun + host("h") + block_end() + input_end(1) + description_built(1) +
+           ended() + entry_failed(100),
        {description_block, list_block, address_block}},
       {"right after the entry", one, "mydb", found,
        begun + small_description("h") + input_end(1) + built(1, 1)},
       {"before the second block's last parenthesis", one + "(DESCRIPTION = (ADDRESS = (HOST = i))",
        "mydb", found,
        begun + small_description("h") + address_begun + host("i") + block_end() + input_end(1) +
-           good + ended() + built(2, 1)},
+           description_built(1) + ended() + built(2, 1)},
   };
   for (const ScanRow &row : rows) run(row);
 }
@@ -771,9 +683,8 @@ TEST_F(ScanTest, ANameMayHoldAZeroByte) {
 TEST_F(ScanTest, AnEmptyNameMatchesOnlyAnEmptyName) {
   const ScanRow rows[] = {
       {"an empty pair of quotes", "\"\" = (LOG_COUNT = 4)", "", found,
-       refill(1) + key("") + name_found("") + Lines{"DEBUG parse system variables"} +
-           key_word("LOG_COUNT", LB_LOG_COUNT) + key("4") +
-           Lines{"DEBUG parse system variables get log level:4"} + input_end(1) + built(0, 1)},
+       refill(1) + key("") + name_found("") + variables_begin() + log_count("4") + input_end(1) +
+           built(0, 1)},
       {"a name", "mydb = ()", "", absent,
        refill(1) + key("mydb") + other_name("", "") + input_end(1) + not_found("")},
   };
@@ -820,9 +731,9 @@ TEST_F(ScanTest, ALengthAboveASignedNumberShowsNoMoreThanAKeyCanHold) {
     boolean find = 7;
     EXPECT_EQ(KZCITnsBuild(&tns_, name, length, &find), 0);
     EXPECT_EQ(find, 0);
-    EXPECT_EQ(support::log_without_pointers(),
-              opened("KZCI_TNS_FILE", "names.ora", "names.ora") + refill(1) + key(other) +
-                  other_name("mydb", other) + input_end(1) + not_found("mydb"));
+    EXPECT_EQ(support::log_without_pointers(), lookup_begins() + refill(1) + key(other) +
+                                                   other_name("mydb", other) + input_end(1) +
+                                                   not_found("mydb"));
   }
 }
 

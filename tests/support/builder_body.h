@@ -53,8 +53,13 @@ inline const std::string list_block = block(sizeof(KZCIAddressList), "address_li
 inline const std::string address_block = block(sizeof(KZCIAddress), "address");
 inline const std::string data_block = block(sizeof(KZCIConnectData), "KZCIConnectData");
 
+inline std::string service_block(const std::string &name, const std::string &tag) {
+  return block(sizeof(KZCITnsService) + name.size(), tag);
+}
+
 inline Lines allocated(const std::string &what) { return {"MALLOC " + what}; }
 inline Lines refused(const std::string &what) { return {"MALLOC FAILS " + what}; }
+inline Lines release(const std::string &tag) { return {"FREE " + tag}; }
 
 // The blocks that are allocated now, in the order of their allocation.
 inline Lines live() {
@@ -66,19 +71,6 @@ inline Lines live() {
 // A value that was read. "%.*s" prints it up to its first zero byte.
 inline Lines value(const std::string &text) {
   return {"DEBUG get key size:" + std::to_string(text.size()) + ", key:" + text.c_str()};
-}
-
-inline Lines not_a_number(const std::string &text) {
-  return {std::string("ERROR fail to covert to int, src value:") + text.c_str()};
-}
-
-inline Lines no_text() { return {"ERROR fail to parse string value"}; }
-
-// A key of more characters than any key word has.
-inline Lines longer_than_any_word(const std::string &text) {
-  return expected_log::key(text) +
-         Lines{"ERROR parse_params tns_key_len:" + std::to_string(text.size()) + " > 20",
-               "ERROR get error key type"};
 }
 
 // A value that another token stands for.
@@ -108,7 +100,40 @@ inline Lines item_begins(const Item &item) {
   return expected_log::key_word(item.key, item.type) + item.handling;
 }
 
-// Faults before an item's value.
+inline Lines read_item(const Item &item, const std::string &text) {
+  return item_begins(item) + value(text);
+}
+
+// The beginnings of records, up to the first token of their bodies.
+inline Lines new_description() {
+  return expected_log::description_call() + allocated(description_block);
+}
+
+inline Lines new_list() { return expected_log::list_begins() + allocated(list_block); }
+
+inline Lines new_listed_address() {
+  return expected_log::listed_address_begins() + allocated(address_block);
+}
+
+inline Lines new_implied_list() {
+  return expected_log::description_key("ADDRESS", LB_ADDRESS) + allocated(list_block);
+}
+
+inline Lines new_bare_address() { return expected_log::address_call() + allocated(address_block); }
+
+inline Lines new_data() { return expected_log::data_begins() + allocated(data_block); }
+
+// "(ADDRESS=(HOST=name))" of an address list, and of a description.
+inline Lines listed_address(const std::string &name) {
+  return new_listed_address() + expected_log::host(name) + expected_log::block_end();
+}
+
+inline Lines bare_address(const std::string &name) {
+  return new_implied_list() + new_bare_address() + expected_log::host(name) +
+         expected_log::block_end();
+}
+
+// Faults in front of an item's value.
 inline std::vector<Fault> key_faults(const Item &item) {
   using namespace expected_log;
   const std::string &k = item.key;

@@ -5,15 +5,11 @@
 #include <cstddef>
 #include <string>
 
-#include "fault_folder.h"
 #include "kzoci/oci_tnsname.h"
+#include "lookup_fixture.h"
 
 namespace failing_callee {
 
-using faults::lookup_begins;
-using faults::open_files;
-using faults::release;
-using support::operator+;
 using support::Lines;
 
 // Functions with a stand-in.
@@ -69,22 +65,22 @@ inline Lines with_status(Lines lines, sword status) {
 }
 
 // Nothing fails when a test begins and when it ends.
-class FailingCallee : public faults::FaultFolder {
+class FailingCallee : public support::LookupTest {
  protected:
   void SetUp() override {
-    FaultFolder::SetUp();
+    LookupTest::SetUp();
     begin();
   }
 
   void TearDown() override {
     EXPECT_TRUE(all_struck());
     forget_failures();
-    FaultFolder::TearDown();
+    LookupTest::TearDown();
   }
 
   void begin() {
     forget_failures();
-    FaultFolder::begin();
+    LookupTest::begin();
   }
 };
 

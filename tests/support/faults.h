@@ -6,16 +6,21 @@
 #include <string>
 #include <vector>
 
+#include "builder_body.h"
 #include "fault_corpus.h"
-#include "fault_folder.h"
+#include "lookup_fixture.h"
 #include "model_reader.h"
 
 namespace faults {
 
+using builder_body::live;
 using model::Fault;
 using model::Prediction;
 using support::build;
 using support::fault_corpus;
+using support::Lines;
+using support::open_files;
+using support::operator+;
 using support::Outcome;
 using support::Sample;
 using support::Source;
@@ -39,14 +44,6 @@ inline Outcome outcome_of(const Prediction &prediction) {
 inline Lines sorted(Lines blocks) {
   std::sort(blocks.begin(), blocks.end());
   return blocks;
-}
-
-// The blocks that are allocated now, in the order of their allocation.
-inline Lines live() {
-  Lines out;
-  for (const support::Block &b : support::live_blocks())
-    out.push_back(model::block_of(b.size, b.tag));
-  return out;
 }
 
 // The log without the refills, which depend on how much each read gave.
@@ -79,12 +76,6 @@ inline Sample small_sample() {
           found};
 }
 
-// What a lookup logs whose file cannot be opened.
-inline Lines cannot_open(const std::string &file) {
-  return lookup_begins(file) + Lines{"DEBUG fail to open tns file, tns_name:" + file,
-                                     "DEBUG fail to call KZCITnsBuildGetFile, status:-1"};
-}
-
 // What came of a lookup.
 struct Trial {
   Outcome outcome;
@@ -94,15 +85,15 @@ struct Trial {
   bool operator==(const Trial &other) const = default;
 };
 
-class Faults : public FaultFolder {
+class Faults : public support::LookupTest {
  protected:
   void SetUp() override {
-    FaultFolder::SetUp();
+    LookupTest::SetUp();
     open_before_ = open_files();
   }
 
   void TearDown() override {
-    FaultFolder::TearDown();
+    LookupTest::TearDown();
     RecordProperty("faults", static_cast<int>(faults_));
   }
 

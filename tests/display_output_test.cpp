@@ -1,4 +1,5 @@
-// Dumps that cannot be written.
+// Where the dump of a tree goes: standard output, also one that takes nothing, or a file,
+// which is opened for reading and stays as it was.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -8,17 +9,21 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
 
 #include "kzoci/oci_tnsname.h"
-#include "support/faults.h"
+#include "support/lookup_fixture.h"
+#include "support/parsing.h"
 
 namespace {
 
-using namespace faults;
+using support::operator+;
+using support::Lines;
+using support::open_files;
 
 // Puts another file in the place of standard output; with a descriptor of -1,
 // standard output is closed. What could not be written is dropped at the end.
@@ -44,28 +49,44 @@ class StandardOutput {
   int kept_;
 };
 
-class Dump : public Faults {
+class Dump : public support::LookupTest {
  protected:
   // A tree whose text is longer than any stream's buffer.
   void SetUp() override {
-    Faults::SetUp();
+    LookupTest::SetUp();
     std::string addresses;
     for (int i = 0; i < 3000; ++i) addresses += "(ADDRESS=(HOST=h)(PORT=1))";
-    ASSERT_EQ(build(tns_, "(DESCRIPTION=(ADDRESS_LIST=" + addresses + ")(CONNECT_DATA=(SID=s)))"),
-              found);
-    tree_ = support::full_tree(tns_);
+    ASSERT_EQ(support::build(
+                  tns_, "(DESCRIPTION=(ADDRESS_LIST=" + addresses + ")(CONNECT_DATA=(SID=s)))"),
+              (support::Outcome{0, 1}));
     support::display_text(tns_);  // The buffer of standard output exists from here on.
-    records_before_ = support::log_records().size();
+    note_what_stays();
   }
 
-  Lines logged() const {
-    const Lines all = support::log_records();
-    return Lines(all.begin() + static_cast<std::ptrdiff_t>(records_before_), all.end());
+  void note_what_stays() {
+    tree_ = support::full_tree(tns_);
+    open_before_ = open_files();
+    events_before_ = support::events().size();
   }
+
+  // Records and allocations since then.
+  Lines happened() const { return since(events_before_); }
 
   void expect_undisturbed() {
     EXPECT_EQ(support::full_tree(tns_), tree_);
     EXPECT_EQ(open_files(), open_before_);
+  }
+
+  // A dump into a file, of which nothing may come to standard output.
+  void dump_into(const std::string &file, sword status, const Lines &log) {
+    SCOPED_TRACE(file);
+    environment_.set("KZCI_TNS_DISPLAY", file);
+    note_what_stays();
+    sword met = 7;
+    EXPECT_EQ(support::display_text(tns_, &met), "");
+    EXPECT_EQ(met, status);
+    EXPECT_EQ(happened(), Lines{"DEBUG tns display in file:" + file} + log);
+    expect_undisturbed();
   }
 
   struct Written {
@@ -81,7 +102,8 @@ class Dump : public Faults {
   }
 
   std::string tree_;
-  std::size_t records_before_ = 0;
+  std::ptrdiff_t open_before_ = 0;
+  std::size_t events_before_ = 0;
 };
 
 TEST_F(Dump, OntoAFullDevice) {
@@ -91,7 +113,7 @@ TEST_F(Dump, OntoAFullDevice) {
   close(full);
   EXPECT_EQ(written.status, 0);
   EXPECT_TRUE(written.failed);
-  EXPECT_EQ(logged(), Lines{"DEBUG tns display in stdout"});
+  EXPECT_EQ(happened(), Lines{"DEBUG tns display in stdout"});
   expect_undisturbed();
 }
 
@@ -99,7 +121,7 @@ TEST_F(Dump, OntoAClosedStandardOutput) {
   const Written written = dump_to(-1);
   EXPECT_EQ(written.status, 0);
   EXPECT_TRUE(written.failed);
-  EXPECT_EQ(logged(), Lines{"DEBUG tns display in stdout"});
+  EXPECT_EQ(happened(), Lines{"DEBUG tns display in stdout"});
   expect_undisturbed();
 }
 
@@ -145,35 +167,47 @@ TEST_F(Dump, OfSingleRecordsOntoAFullDevice) {
     EXPECT_NE(std::ferror(full), 0);
     std::fclose(full);
   }
-  EXPECT_EQ(logged(), Lines{});
+  EXPECT_EQ(happened(), Lines{});
   expect_undisturbed();
 }
 
-// A file that is there is opened for reading: it stays as it was, and nothing
-// comes to standard output.
+TEST_F(Dump, LeavesStandardOutputOpen) {
+  const std::string once = support::display_text(tns_);
+  EXPECT_NE(once, "");
+  EXPECT_EQ(support::display_text(tns_), once);
+}
+
+// A file that is there is opened for reading: it stays as it was.
 TEST_F(Dump, IntoAFileThatExists) {
   const std::string file = folder_.write("display", "as it was\n");
-  environment_.set("KZCI_TNS_DISPLAY", file);
-  sword status = 7;
-  EXPECT_EQ(support::display_text(tns_, &status), "");
-  EXPECT_EQ(status, 0);
+  dump_into(file, 0, {});
   std::ostringstream text;
   text << std::ifstream(file, std::ios::binary).rdbuf();
   EXPECT_EQ(text.str(), "as it was\n");
-  EXPECT_EQ(logged(), Lines{"DEBUG tns display in file:" + file});
-  expect_undisturbed();
 }
 
 // Devices and folders can be opened for reading too.
 TEST_F(Dump, IntoWhateverCanBeOpenedForReading) {
-  for (const std::string name : {"/dev/null", "/dev/full", "."}) {
-    SCOPED_TRACE(name);
-    environment_.set("KZCI_TNS_DISPLAY", name);
-    sword status = 7;
-    EXPECT_EQ(support::display_text(tns_, &status), "");
-    EXPECT_EQ(status, 0);
-    expect_undisturbed();
+  for (const std::string &name :
+       {std::string("/dev/null"), std::string("/dev/full"), std::string("."), folder_.path()})
+    dump_into(name, 0, {});
+}
+
+TEST_F(Dump, IntoAMissingFileFailsAndDoesNotMakeIt) {
+  for (const std::string &file : {folder_.path() + "/missing.txt", std::string()}) {
+    dump_into(file, -1, {"DEBUG fail to open display file, file:" + file});
+    EXPECT_FALSE(std::filesystem::exists(file));
   }
+}
+
+TEST_F(Dump, ClosesTheFileAfterAFailure) {
+  KZCIDescription &des = *tns_.tns_service->description;
+  const ub4 lists = des.address_list_count;
+  des.address_list_count = 0;
+  dump_into(folder_.write("display", ""), -1,
+            {"ERROR error des", "ERROR fail to call KZCIDescriptionDisplay, status:-1",
+             "ERROR fail to call KZCITnsServiceDisplay, status:-1"});
+  des.address_list_count = lists;
 }
 
 }  // namespace
