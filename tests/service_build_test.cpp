@@ -600,7 +600,7 @@ TEST_F(DescriptorBuild, AMalformedBeginningFails) {
 TEST_F(DescriptorBuild, AFailureAfterTheEqualSignFails) {
   const Lines address_begun =
       description_begins() + description_key("ADDRESS", LB_ADDRESS) + address_call();
-  const Lines behind = small_description("h") + service_failed(-1);
+  const Lines after = small_description("h") + service_failed(-1);
   const DescriptorRow rows[] = {
       {"an empty description", "(DESCRIPTION=)", failed,
        description_begins() + mismatch(1, 2) + description_failed() + service_failed(-1)},
