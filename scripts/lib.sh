@@ -47,8 +47,8 @@ need_packages() {
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
 test_packages=("${build_packages[@]}" libgtest-dev clang ccache locales)
 
-# configure_and_build PRESET [CMAKE OPTION...]
-configure_and_build() {
+# configure PRESET [CMAKE OPTION...]
+configure() {
   local preset=$1
   shift
   local cached=()
@@ -60,6 +60,18 @@ configure_and_build() {
   fi
   say "Configuring the $preset preset"
   cmake --preset "$preset" "${cached[@]}" "$@" >/dev/null
+}
+
+# build PRESET [TARGET...]: everything when no target is named.
+build() {
+  local preset=$1
+  shift
   say "Building"
-  cmake --build --preset "$preset" -- --quiet
+  cmake --build --preset "$preset" ${1:+--target "$@"} -- --quiet
+}
+
+# configure_and_build PRESET [CMAKE OPTION...]
+configure_and_build() {
+  configure "$@"
+  build "$1"
 }

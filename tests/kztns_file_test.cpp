@@ -103,7 +103,7 @@ TEST(ReadFile, ThatIsNotThere) {
 
 TEST(ReadFile, UpToTheLimit) {
   const support::TemporaryFolder folder;
-  for (const std::uint64_t limit : {1u, 65535u, 65536u, 65537u}) {
+  for (const std::size_t limit : {1u, 65535u, 65536u, 65537u}) {
     const std::string path = folder.write("names", std::string(limit, 'x'));
     EXPECT_EQ(fault_of(path, limit + 1), "");
     EXPECT_EQ(fault_of(path, limit), "");
