@@ -44,8 +44,14 @@ fi
 cd "$out/case" || exit 1
 unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME KZCI_TNS_DISPLAY NO_COLOR
 export scratch=$out/scratch examples=$out/case/examples
-PATH="$out/bin:$PATH" bash "$out/expected/command" >"$out/actual/stdout" 2>"$out/actual/stderr" \
-  </dev/null
+(
+  # Nothing that the caller left open: some cases count descriptors.
+  for descriptor in /proc/self/fd/*; do
+    descriptor=${descriptor##*/}
+    [ "$descriptor" -le 2 ] || eval "exec $descriptor>&-"
+  done
+  PATH="$out/bin:$PATH" exec bash "$out/expected/command" </dev/null
+) >"$out/actual/stdout" 2>"$out/actual/stderr"
 echo $? >"$out/actual/status"
 
 failed=0
