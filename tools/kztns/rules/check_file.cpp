@@ -4,6 +4,7 @@
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_rules.h"
+#include "rules/parentheses.h"
 
 namespace kztns {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 class EntryChecker : public EntryVisitor {
  public:
   EntryChecker(const NamesText &text, const CheckRequest &request, Findings &findings)
-      : subject_{text, "file"}, request_(request), findings_(findings) {}
+      : subject_{text, "file"}, ranges_(text), request_(request), findings_(findings) {}
 
   void visit(const EntryView &view) override {
     if (utf_16_) return;
@@ -36,26 +37,41 @@ class EntryChecker : public EntryVisitor {
            (view.stop->kind == StopKind::no_open || view.stop->kind == StopKind::never_balanced);
   }
 
-  std::string consequence(const Stop &stop) const {
-    if (stop.kind == StopKind::no_open) return "; the entries after it are lost";
+  // Whether the fault leaves no name to read after the entry.
+  bool loses_next_name(const EntryView &view, const Diagnosis &diagnosis) const {
+    if (!closes_early(diagnosis.rule) || !view.entry.reached || view.stop != nullptr) return false;
+    const auto met = no_name_after(subject_.text.text(), view.entry.body);
+    return met && diagnosis.at <= *met;
+  }
+
+  std::string consequence(const Stop *stop) const {
+    if (stop == nullptr || stop->kind == StopKind::no_open)
+      return "; the entries after it are lost";
     return "; lookups of later names read on to the end of the file at " +
            subject_.text.place(subject_.text.size());
   }
 
+  Diagnosis diagnose_entry(const EntryView &view) {
+    return kztns::diagnose_entry(subject_, view.trace, ranges_.range_of(view.entry.body),
+                                 view.name);
+  }
+
   void report_fault(const EntryView &view) {
-    Diagnosis diagnosis = diagnose(subject_, view.trace, view.name);
+    Diagnosis diagnosis = diagnose_entry(view);
     const Severity severity = view.service == nullptr ? Severity::error : Severity::warning;
-    if (ends_lookups_too(view)) {
+    if (ends_lookups_too(view) || loses_next_name(view, diagnosis)) {
       reported_stop_ = {diagnosis.rule, diagnosis.at, diagnosis.text};
-      diagnosis.text += consequence(*view.stop);
+      diagnosis.text += consequence(view.stop);
     }
     if (!findings_.wanted(diagnosis.rule, severity)) return;
-    findings_.add({diagnosis.rule, diagnosis.at, view.name, std::move(diagnosis.path),
-                   std::move(diagnosis.text), std::move(diagnosis.remedy)},
-                  severity);
+    findings_.add(
+        {diagnosis.rule, diagnosis.at, view.name, std::move(diagnosis.path),
+         std::move(diagnosis.text), std::move(diagnosis.remedy), std::move(diagnosis.fix)},
+        severity);
   }
 
   Subject subject_;
+  EntryRanges ranges_;
   bool utf_16_ = is_utf_16(subject_.text.text());
   const CheckRequest &request_;
   Findings &findings_;
