@@ -375,3 +375,10 @@ TEST(Parentheses, ThatLackOneMakeNoEntryOfAKey) {
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->rule, Rule::missing_open);
 }
+
+TEST(Parentheses, AreSoughtOnlyAFewTimesOverTheWholeText) {
+  const kztns::NamesText text("a = " + std::string(96, ' '));
+  kztns::EntryRanges ranges(text);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(ranges.range_of(0).end, 100u);
+  EXPECT_EQ(ranges.range_of(0).end, 0u);
+}

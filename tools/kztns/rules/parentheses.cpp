@@ -147,7 +147,9 @@ EntryRange EntryRanges::range_of(Offset body) {
     });
   known_ = true;
   const auto next = std::upper_bound(names_.begin(), names_.end(), body);
-  return {body, next == names_.end() ? text_.size() : *next};
+  const Offset end = next == names_.end() ? text_.size() : *next;
+  spent_ += end - body;
+  return {body, spent_ > most_times_over * text_.size() ? body : end};
 }
 
 }  // namespace kztns

@@ -39,11 +39,18 @@ class EntryRanges {
  public:
   explicit EntryRanges(const NamesText &text) : text_(text) {}
 
+  // Empty when the ranges that were asked for overlap too often: in a file made for it,
+  // where lookups come upon thousands of entries of which none stands in a line of its
+  // own, reading them all would cost the square of its length.
   EntryRange range_of(Offset body);
 
  private:
+  // Entries as people write them overlap nowhere.
+  static constexpr std::uint64_t most_times_over = 4;
+
   const NamesText &text_;
   bool known_ = false;
+  std::uint64_t spent_ = 0;    // characters of the ranges so far
   std::vector<Offset> names_;  // where the entries that stand in the text begin
 };
 
