@@ -7,6 +7,7 @@
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_rules.h"
+#include "rules/parentheses.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 
@@ -52,11 +53,11 @@ std::vector<Remark> warnings_of(const NamesText &text, const Trace &trace, std::
 class NameVisitor : public EntryVisitor {
  public:
   NameVisitor(const NamesText &text, const std::string &name, LookupReport &report)
-      : subject_{text, "file"}, name_(name), report_(report) {}
+      : subject_{text, "file"}, ranges_(text), name_(name), report_(report) {}
 
   void visit(const EntryView &view) override {
     if (view.stop != nullptr && view.trace.fault().kind != FaultKind::none)
-      reported_stop_ = remark_of(subject_.text, diagnose(subject_, view.trace, view.name));
+      reported_stop_ = remark_of(view);
     if (report_.entry || !view.entry.reached) return;
     if (same_name(view.name, name_))
       take(view);
@@ -74,12 +75,18 @@ class NameVisitor : public EntryVisitor {
     if (view.service != nullptr)
       report_.warnings = warnings_of(subject_.text, view.trace, view.name);
     if (view.service == nullptr || view.trace.fault().kind != FaultKind::none) {
-      const Remark remark = remark_of(subject_.text, diagnose(subject_, view.trace, view.name));
+      const Remark remark = remark_of(view);
       if (view.service == nullptr)
         report_.fault = told_by_name(view, remark);
       else
         report_.warnings.push_back(remark);
     }
+  }
+
+  Remark remark_of(const EntryView &view) {
+    return kztns::remark_of(
+        subject_.text,
+        diagnose_entry(subject_, view.trace, ranges_.range_of(view.entry.body), view.name));
   }
 
   // What is read as system variables only because of its name is reported so.
@@ -93,6 +100,7 @@ class NameVisitor : public EntryVisitor {
   }
 
   Subject subject_;
+  EntryRanges ranges_;
   const std::string &name_;
   LookupReport &report_;
   std::optional<Remark> reported_stop_;
@@ -145,7 +153,7 @@ LookupReport report_of_literal(const std::string &descriptor) {
   Trace trace(text.text());
   build_literal(text, trace);
   if (trace.fault().kind != FaultKind::none) {
-    report.fault = remark_of(text, diagnose(subject, trace, {}));
+    report.fault = remark_of(text, diagnose_entry(subject, trace, {0, text.size()}, {}));
     return report;
   }
   const Offset rest = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));

@@ -8,6 +8,7 @@
 #include "rules/entry_faults.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_rules.h"
+#include "rules/parentheses.h"
 
 namespace kztns {
 namespace {
@@ -40,16 +41,28 @@ class EntryChecker : public EntryVisitor {
            (view.stop->kind == StopKind::no_open || view.stop->kind == StopKind::never_balanced);
   }
 
-  std::string consequence(const Stop &stop) const {
-    if (stop.kind == StopKind::no_open) return "; the entries after it are lost";
+  // Whether the fault leaves no name to read after the entry.
+  bool loses_next_name(const EntryView &view, const Diagnosis &diagnosis) const {
+    if (!closes_early(diagnosis.rule) || !view.entry.reached || view.stop != nullptr) return false;
+    const auto met = no_name_after(text_.text(), view.entry.body);
+    return met && diagnosis.at <= *met;
+  }
+
+  std::string consequence(const Stop *stop) const {
+    if (stop == nullptr || stop->kind == StopKind::no_open)
+      return "; the entries after it are lost";
     return "; lookups of later names read on to the end of the file at " +
            text_.place(text_.size());
   }
 
   void report_fault(const EntryView &view) {
-    const bool ends_lookups = ends_lookups_too(view);
-    const Diagnosis first = faults_.report(view, ends_lookups ? consequence(*view.stop) : "");
-    if (ends_lookups) reported_stop_ = {first.rule, first.at, first.text};
+    Diagnosis first = faults_.first_of(view);
+    std::string consequence_of_first;
+    if (ends_lookups_too(view) || loses_next_name(view, first)) {
+      reported_stop_ = {first.rule, first.at, first.text};
+      consequence_of_first = consequence(view.stop);
+    }
+    faults_.report(view, std::move(first), consequence_of_first);
   }
 
   const NamesText &text_;

@@ -4,7 +4,6 @@
 
 #include "rules/entry_warnings.h"
 #include "scan/item_text.h"
-#include "scan/written_entries.h"
 
 namespace kztns {
 namespace {
@@ -62,6 +61,7 @@ class EntryCopy {
 
   const Trace &trace() const { return trace_; }
   const NamesText &text() const { return text_; }
+  EntryRange range() const { return {body_, text_.size()}; }
 
   // Edits of the whole text as those of the copy.
   std::vector<Edit> of_whole(std::vector<Edit> edits) const {
@@ -89,7 +89,12 @@ class EntryCopy {
 
 }  // namespace
 
-Diagnosis EntryFaults::report(const EntryView &view, const std::string &consequence) {
+Diagnosis EntryFaults::first_of(const EntryView &view) {
+  range_ = ranges_.range_of(view.entry.body);
+  return diagnose_entry({text_, "file"}, view.trace, range_, view.name);
+}
+
+void EntryFaults::report(const EntryView &view, Diagnosis first, const std::string &consequence) {
   const Severity severity = view.service == nullptr ? Severity::error : Severity::warning;
   const auto add = [&](Diagnosis found) {
     if (!findings_.wanted(found.rule, severity)) return;
@@ -97,14 +102,12 @@ Diagnosis EntryFaults::report(const EntryView &view, const std::string &conseque
                    std::move(found.remedy), std::move(found.fix)},
                   severity);
   };
-  Diagnosis first = diagnose({text_, "file"}, view.trace, view.name);
-  EntryCopy copy(text_, view.entry, view.name, end_of_entry(view.entry.body));
+  EntryCopy copy(text_, view.entry, view.name, range_.end);
   bool complete = bool(first.fix);
   std::vector<Edit> edits =
       copy.of_whole(complete ? first.fix.edits : without_item(text_.text(), view.trace));
-  Diagnosis told = first;
-  told.text += consequence;
-  add(std::move(told));
+  first.text += consequence;
+  add(std::move(first));
 
   const Findings::FromCopy from_copy(findings_, copy.text());
   for (int faults = 1; faults < most_faults && !edits.empty() && copy.apply(edits); ++faults) {
@@ -112,21 +115,11 @@ Diagnosis EntryFaults::report(const EntryView &view, const std::string &conseque
       if (complete) report_entry_warnings(copy.trace(), view.name, findings_);
       break;
     }
-    Diagnosis next = diagnose({copy.text(), "file"}, copy.trace(), view.name);
+    Diagnosis next = diagnose_entry({copy.text(), "file"}, copy.trace(), copy.range(), view.name);
     complete = complete && next.fix;
     edits = next.fix ? next.fix.edits : without_item(copy.text().text(), copy.trace());
     add(std::move(next));
   }
-  return first;
-}
-
-Offset EntryFaults::end_of_entry(Offset body) {
-  if (names_.empty())
-    for_each_written_entry(text_.text(), [this](const WrittenEntry &written) {
-      names_.push_back(written.name_begin);
-    });
-  const auto next = std::upper_bound(names_.begin(), names_.end(), body);
-  return next == names_.end() ? text_.size() : *next;
 }
 
 }  // namespace kztns

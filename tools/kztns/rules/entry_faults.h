@@ -3,28 +3,30 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "rules/diagnosis.h"
 #include "rules/findings.h"
+#include "rules/parentheses.h"
 #include "scan/file_scan.h"
 
 namespace kztns {
 
 class EntryFaults {
  public:
-  EntryFaults(const NamesText &text, Findings &findings) : text_(text), findings_(findings) {}
+  EntryFaults(const NamesText &text, Findings &findings)
+      : text_(text), findings_(findings), ranges_(text) {}
 
-  // Reports the faults and warnings of an entry that has a fault. consequence is
-  // appended to the first one's text. Returns the first one.
-  Diagnosis report(const EntryView &view, const std::string &consequence);
+  // The first fault of an entry that has one.
+  Diagnosis first_of(const EntryView &view);
+
+  // Reports it, with consequence after its text, the other faults and the warnings. To be
+  // called right after first_of.
+  void report(const EntryView &view, Diagnosis first, const std::string &consequence);
 
  private:
-  Offset end_of_entry(Offset body);
-
   const NamesText &text_;
   Findings &findings_;
-  std::vector<Offset> names_;  // of all entries; made when it is needed
+  EntryRanges ranges_;
+  EntryRange range_ = {};  // of the entry at hand
 };
 
 }  // namespace kztns

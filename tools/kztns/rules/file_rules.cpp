@@ -5,6 +5,7 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
+#include "rules/parentheses.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 
@@ -62,21 +63,31 @@ class StopExplainer {
   std::string_view text() const { return subject_.text.text(); }
 
   StopCause no_name() const {
-    const Entry *const before = scan_.last_reached();
-    if (before != nullptr) {
-      if (before->built && before->end > stop_.at && stop_.met == TNS_LEFT_PARENTHESES &&
-          scan_.skip_mismatches().empty())
-        return {
-            Rule::second_block, stop_.at,
-            "second block of " + excerpt(scan_.name(*before)) + ": the entries after it are lost"};
-      if (const auto hidden = find_hidden(text(), before->body, stop_.at, ')'))
-        return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
-    }
+    if (scan_.last_reached() != nullptr)
+      if (auto cause = no_name_after(*scan_.last_reached())) return *std::move(cause);
     if (stop_.met == TNS_RIGHT_PARENTHESES)
-      return {Rule::extra_close, stop_.at, "unmatched \")\": the entries after it are lost"};
+      return {Rule::extra_close, stop_.at, "unmatched \")\": the entries after it are lost",
+              unsafe_fix({{stop_.at, stop_.at + 1, ""}})};
     return {Rule::stray_text, stop_.at,
             "expected a name, found " + quoted_token(subject_, stop_.at) +
                 ": the entries after it are lost"};
+  }
+
+  // Why the name after an entry is none, as far as that lies with the entry.
+  std::optional<StopCause> no_name_after(const Entry &before) const {
+    const EntryRange range = EntryRanges(subject_.text).range_of(before.body);
+    auto fault = find_parenthesis_fault(subject_.text, range, scan_.name(before));
+    if (fault && closes_early(fault->rule) && fault->at <= stop_.at)
+      return StopCause{fault->rule, fault->at, fault->text + ": the entries after it are lost",
+                       std::move(fault->fix)};
+    const bool goes_on = fault || (before.built && before.end > stop_.at);
+    if (goes_on && stop_.met == TNS_LEFT_PARENTHESES && scan_.skip_mismatches().empty())
+      return StopCause{
+          Rule::second_block, stop_.at,
+          "second block of " + excerpt(scan_.name(before)) + ": the entries after it are lost"};
+    if (const auto hidden = find_hidden(text(), before.body, stop_.at, ')'))
+      return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
+    return std::nullopt;
   }
 
   StopCause no_equal() const {
@@ -144,8 +155,9 @@ class FileRules {
  private:
   const std::vector<Entry> &entries() const { return scan_.entries(); }
 
-  void add(Rule rule, Offset at, std::string_view entry, std::string text) {
-    if (findings_.wanted(rule)) findings_.add({rule, at, entry, {}, std::move(text)});
+  void add(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {}) {
+    if (findings_.wanted(rule))
+      findings_.add({rule, at, entry, {}, std::move(text), {}, std::move(fix)});
   }
 
   // The stop is a finding of its own unless an entry's finding explains it.
@@ -157,7 +169,7 @@ class FileRules {
     if (reported_ || told_by_skip_mismatch || scan_.stop().kind == StopKind::reserved) return;
     const bool in_entry = is_parenthesis(cause_.rule) || cause_.rule == Rule::second_block;
     add(cause_.rule, cause_.at, in_entry && last ? scan_.name(*last) : std::string_view(),
-        cause_.text);
+        cause_.text, cause_.fix);
   }
 
   static bool is_parenthesis(Rule rule) {

@@ -15,6 +15,7 @@ struct StopCause {
   Rule rule;
   Offset at;
   std::string text;
+  Fix fix = {};
 };
 StopCause cause_of_stop(const NamesText &text, const FileScan &scan);
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "scan/item_words.h"
+
 namespace kztns {
 namespace {
 
@@ -51,14 +53,15 @@ class Scanner {
 
   // Whether an entry begins here; if so, visits it and goes past its "=".
   bool take_entry() {
-    const bool indented = depth_ == 0 && indentation_only();
-    if (!at_line_start() && !indented) return false;
+    if (!at_line_start() && !indentation_only()) return false;
     if (last_ == '(' || ends_name(text_[at_]) || at_ < no_entry_before_) return false;
     std::vector<WrittenEntry> names;
     const Offset equal = read_names(at_, names);
     if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
     const Offset open = pass_blanks(text_, equal + 1);
     if (open >= text_.size() || text_[open] != '(') return false;
+    if (is_item(names.front())) return false;
+    if (!at_line_start() && depth_ > 0 && !opens_block(key_after(open))) return false;
     for (WrittenEntry &name : names) {
       name.body = equal + 1;
       name.in_list = names.size() > 1;
@@ -68,6 +71,20 @@ class Scanner {
     depth_ = 0;
     last_ = '=';
     return true;
+  }
+
+  // Whether a name is the key of an item whose "(" was forgotten.
+  bool is_item(const WrittenEntry &name) const {
+    return (depth_ > 0 || last_ == '=') &&
+           item_word(text_.substr(name.name_begin, name.name_end - name.name_begin));
+  }
+
+  // The key of the item that begins at a "(".
+  ItemWord key_after(Offset open) const {
+    const Offset begin = pass_blanks(text_, open + 1);
+    Offset end = begin;
+    while (end < text_.size() && !ends_name(text_[end])) ++end;
+    return item_word(text_.substr(begin, end - begin));
   }
 
   bool indentation_only() const {

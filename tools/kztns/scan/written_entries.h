@@ -23,7 +23,8 @@ struct WrittenEntry {
 
 // Calls visit for the entries of the text, in their order. Quotes and
 // comments are observed; where parentheses or quotes do not balance, reading
-// begins anew at a line whose first column begins "NAME = (". Goes forward only.
+// begins anew at a line whose first column begins "NAME = (", or which begins so
+// further in with a block's key after the "(". Goes forward only.
 void for_each_written_entry(std::string_view text,
                             const std::function<void(const WrittenEntry &)> &visit);
 

@@ -1,0 +1,155 @@
+#include "rules/parentheses.h"
+
+#include <algorithm>
+
+#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "scan/parenthesis_search.h"
+#include "scan/written_entries.h"
+
+namespace kztns {
+namespace {
+
+class ParenthesisExplainer {
+ public:
+  ParenthesisExplainer(const NamesText &text, const std::vector<EntryToken> &tokens,
+                       const ParenthesisChange &change)
+      : text_(text), tokens_(tokens), change_(change), at_(tokens[change.token]) {}
+
+  Diagnosis diagnose() const {
+    switch (change_.edit) {
+      case ParenthesisEdit::add_close:
+        return never_closed();
+      case ParenthesisEdit::add_open:
+        return {Rule::missing_open,
+                at_.at,
+                path(),
+                "expected \"(\" before " + word(at_),
+                {},
+                unsafe_fix({{at_.at, at_.at, "("}})};
+      case ParenthesisEdit::remove_close:
+        return surplus(Rule::extra_close, "unmatched \")\"");
+      default:
+        return surplus(Rule::extra_open, "unmatched \"(\"");
+    }
+  }
+
+ private:
+  std::string_view slice(const EntryToken &token) const {
+    return std::string_view(text_.text()).substr(token.at, token.end - token.at);
+  }
+  std::string word(const EntryToken &token) const { return excerpt(slice(token)); }
+
+  // The key of the item that a "(" begins; null for none.
+  const EntryToken *key_of(std::size_t open) const {
+    return tokens_[open].kind == '('   ? key_at(open + 1)
+           : tokens_[open].kind == 'w' ? key_at(open)
+                                       : nullptr;
+  }
+  const EntryToken *key_at(std::size_t i) const {
+    return tokens_[i].kind == 'w' ? &tokens_[i] : nullptr;
+  }
+
+  Diagnosis surplus(Rule rule, std::string text) const {
+    return {rule, at_.at, path(), std::move(text), {}, unsafe_fix({{at_.at, at_.end, ""}})};
+  }
+
+  Diagnosis never_closed() const {
+    const std::size_t open = change_.blocks.back();
+    const EntryToken *const key = key_of(open);
+    const Offset end = tokens_[change_.token - 1].end;
+    std::string text = key == nullptr ? "this \"(\"" : word(*key);
+    text += " is not closed: expected \")\" " + next();
+    return {Rule::unclosed_block,
+            tokens_[open].at,
+            path_of(change_.blocks.size() - 1),
+            std::move(text),
+            "put \")\" at " + text_.place(end),
+            unsafe_fix({{end, end, ")"}})};
+  }
+
+  std::string next() const {
+    const std::string place = " at " + text_.place(at_.at);
+    if (at_.kind == '(' && key_of(change_.token) != nullptr)
+      return "before " + word(*key_of(change_.token)) + place;
+    if (at_.kind != '\0') return "before \"" + word(at_) + "\"" + place;
+    if (at_.at == text_.size()) return "before the end of the file" + place;
+    return "before the next entry" + place;
+  }
+
+  // The blocks around what is at fault, as they are known by their keys.
+  std::string path() const { return path_of(change_.blocks.size()); }
+  std::string path_of(std::size_t depth) const {
+    std::string path;
+    for (std::size_t i = 0; i < depth; ++i) {
+      const std::size_t open = change_.blocks[i];
+      const EntryToken *const key = key_of(open);
+      if (key == nullptr || !opens_block(item_word(slice(*key)))) continue;
+      if (!path.empty()) path += '/';
+      for (const char c : word(*key)) path += kzoci::capital(c);
+    }
+    return path;
+  }
+
+  const NamesText &text_;
+  const std::vector<EntryToken> &tokens_;
+  const ParenthesisChange &change_;
+  const EntryToken &at_;
+};
+
+// What the library does not read as parentheses do not balance either where a comment or
+// quotes hide them.
+bool is_about_hidden_text(Rule rule) {
+  return rule == Rule::comment_in_value || rule == Rule::unclosed_quote || rule == Rule::key_cut ||
+         rule == Rule::key_refused || rule == Rule::quoted_entry;
+}
+
+}  // namespace
+
+std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRange range,
+                                                std::string_view name) {
+  const auto tokens = entry_tokens(text.text(), range.body, range.end);
+  if (!tokens) return std::nullopt;
+  // A literal descriptor has no name.
+  const bool reserved =
+      !name.empty() && kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
+  const auto change = first_parenthesis_change(text.text(), *tokens,
+                                               reserved ? Block::system_variables : Block::entry);
+  if (!change) return std::nullopt;
+  return ParenthesisExplainer(text, *tokens, *change).diagnose();
+}
+
+Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
+                         std::string_view name) {
+  Diagnosis diagnosis = diagnose(subject, trace, name);
+  if (is_about_hidden_text(diagnosis.rule)) return diagnosis;
+  if (auto fault = find_parenthesis_fault(subject.text, range, name)) return *std::move(fault);
+  return diagnosis;
+}
+
+std::optional<Offset> no_name_after(std::string_view text, Offset body) {
+  Offset at = pass_blanks(text, body);
+  std::int64_t depth = 0;
+  for (; at < text.size(); ++at) {
+    depth += text[at] == '(' ? 1 : text[at] == ')' ? -1 : 0;
+    if (depth <= 0) break;
+  }
+  const Offset next = pass_blanks(text, at + 1);
+  const bool name_follows =
+      next >= text.size() || std::string_view("()=").find(text[next]) == std::string_view::npos;
+  if (name_follows) return std::nullopt;
+  return next;
+}
+
+EntryRange EntryRanges::range_of(Offset body) {
+  if (!known_)
+    for_each_written_entry(text_.text(), [this](const WrittenEntry &written) {
+      names_.push_back(written.name_begin);
+    });
+  known_ = true;
+  const auto next = std::upper_bound(names_.begin(), names_.end(), body);
+  const Offset end = next == names_.end() ? text_.size() : *next;
+  spent_ += end - body;
+  return {body, spent_ > most_times_over * text_.size() ? body : end};
+}
+
+}  // namespace kztns

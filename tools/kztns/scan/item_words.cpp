@@ -1,0 +1,89 @@
+#include "scan/item_words.h"
+
+#include <algorithm>
+
+#include "text/spelling.h"
+
+namespace kztns {
+
+// A key that only other readers know, with the block in which it stands there.
+struct ForeignKey {
+  std::string_view word;
+  Block home;
+};
+
+namespace {
+
+using kzoci::tns::grammar;
+
+// Enough of them to tell the blocks apart in which they are common.
+constexpr ForeignKey foreign_keys[] = {
+    {"DESCRIPTION_LIST", Block::entry},
+    {"SERVER", Block::connect_data},
+    {"INSTANCE_NAME", Block::connect_data},
+    {"FAILOVER_MODE", Block::connect_data},
+    {"UR", Block::connect_data},
+    {"SECURITY", Block::description},
+    {"ENABLE", Block::description},
+    {"SDU", Block::description},
+    {"RETRY_COUNT", Block::description},
+    {"CONNECT_TIMEOUT", Block::description},
+};
+constexpr const ForeignKey &description_list_key = foreign_keys[0];
+
+Content content_of_key(const Key &key) {
+  if (key.value.kind == ValueKind::block) return content_of(key.value.opens);
+  return {Content::value};
+}
+
+// What items of the key hold wherever they stand.
+Content content_anywhere(ItemWord word) {
+  if (word.foreign == &description_list_key) return {Content::description_list};
+  for (const Key &key : grammar)
+    if (word.type != LB_ERROR_KEY && key.type == word.type) return content_of_key(key);
+  return {Content::foreign};
+}
+
+Placement in_block(ItemWord word, Block block) {
+  if (!word) return {{Content::foreign}, Fit::unknown};
+  if (word.foreign != nullptr)
+    return {content_anywhere(word), word.foreign->home == block ? Fit::good : Fit::bad};
+  if (const Key *const key = kzoci::tns::key_of(block, word.type))
+    return {content_of_key(*key), Fit::good};
+  return {content_anywhere(word), Fit::bad};
+}
+
+Placement in_description_list(ItemWord word) {
+  if (!word) return {{Content::foreign}, Fit::unknown};
+  return {content_anywhere(word), word.type == LB_DESCRIPTION ? Fit::good : Fit::bad};
+}
+
+}  // namespace
+
+ItemWord item_word(std::string_view key) {
+  for (const Key &row : grammar)
+    if (equal_but_for_case(row.word, key)) return {row.type, nullptr};
+  for (const ForeignKey &row : foreign_keys)
+    if (equal_but_for_case(row.word, key)) return {LB_ERROR_KEY, &row};
+  return {};
+}
+
+bool opens_block(ItemWord word) {
+  const Content::Kind kind = content_anywhere(word).kind;
+  return kind == Content::block || kind == Content::description_list;
+}
+
+Placement placement_of(ItemWord word, Content around) {
+  switch (around.kind) {
+    case Content::block:
+      return in_block(word, around.inner);
+    case Content::description_list:
+      return in_description_list(word);
+    case Content::foreign:
+      return {content_anywhere(word), word.type == LB_ERROR_KEY ? Fit::good : Fit::odd};
+    default:  // items in a value are wrong, whatever they are
+      return {content_anywhere(word), Fit::good};
+  }
+}
+
+}  // namespace kztns
