@@ -119,7 +119,8 @@ bool is_right(const Damage &damage, const Finding &finding) {
 
 // The only fault that a report tells, but for the entries that are lost through it or
 // through a second block, which is right, and for foreign items.
-const Finding *only_fault(const kztns::CheckReport &report, ForeignItems foreign) {
+const Finding *only_fault(const kztns::CheckReport &report,
+                          ForeignItems foreign = ForeignItems::none) {
   const Finding *only = nullptr;
   for (const Finding &finding : report.findings) {
     if (kztns::row_of(finding.rule).severity != kztns::Severity::error ||
@@ -333,7 +334,7 @@ TEST(Parentheses, AreGivenUpInATextOfTooManyTokens) {
 TEST(Parentheses, AreNotToBlameForAComment) {
   const kztns::CheckReport report =
       report_of("a = (DESCRIPTION = (CONNECT_DATA = (SID = s #1)))\n");
-  const Finding *const finding = only_fault(report, foreign);
+  const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->rule, Rule::comment_in_value);
 }
@@ -341,7 +342,7 @@ TEST(Parentheses, AreNotToBlameForAComment) {
 TEST(Parentheses, AfterAnEntryAreRemoved) {
   const std::string text = "a = (DESCRIPTION = (CONNECT_DATA = (SID = s))))\n" + good_entry("b");
   const kztns::CheckReport report = report_of(text);
-  const Finding *const finding = only_fault(report, foreign);
+  const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->at, text.find(")\nb"));
   EXPECT_EQ(with_fix(text, finding->fix),
@@ -350,7 +351,7 @@ TEST(Parentheses, AfterAnEntryAreRemoved) {
 
 TEST(Parentheses, BeforeTheFirstEntryAreRemoved) {
   const kztns::CheckReport report = report_of(")" + good_entry("b"));
-  const Finding *const finding = only_fault(report, foreign);
+  const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->rule, Rule::extra_close);
   EXPECT_EQ(with_fix(")" + good_entry("b"), finding->fix), good_entry("b"));
@@ -362,7 +363,7 @@ TEST(Parentheses, ThatLackOneLeaveTheNextIndentedEntryAlone) {
                 good_entry("c"));
   ASSERT_EQ(report.entries.size(), 3u);
   EXPECT_EQ(report.entries[1].name, "b");
-  const Finding *const finding = only_fault(report, foreign);
+  const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->entry, "a");
 }
@@ -372,7 +373,7 @@ TEST(Parentheses, ThatLackOneMakeNoEntryOfAKey) {
       "a = (DESCRIPTION =\nADDRESS_LIST = (ADDRESS = (HOST = h)(PORT = 1)))\n"
       "(CONNECT_DATA = (SID = s)))\n");
   EXPECT_EQ(report.entries.size(), 1u);
-  const Finding *const finding = only_fault(report, foreign);
+  const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->rule, Rule::missing_open);
 }
