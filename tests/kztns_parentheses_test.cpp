@@ -118,14 +118,16 @@ bool is_right(const Damage &damage, const Finding &finding) {
 }
 
 // The only fault that a report tells, but for the entries that are lost through it or
-// through a second block, which is right, and for foreign items.
+// through a second block, which is right, and for foreign items and
+// what is to be told after these.
 const Finding *only_fault(const kztns::CheckReport &report,
                           ForeignItems foreign = ForeignItems::none) {
   const Finding *only = nullptr;
   for (const Finding &finding : report.findings) {
     if (kztns::row_of(finding.rule).severity != kztns::Severity::error ||
         finding.rule == Rule::unreachable || finding.rule == Rule::second_block ||
-        (finding.rule == Rule::unknown_key && foreign == ForeignItems::some))
+        (foreign == ForeignItems::some &&
+         (finding.rule == Rule::unknown_key || finding.rule == Rule::paren_in_quotes)))
       continue;
     if (only != nullptr) return nullptr;
     only = &finding;

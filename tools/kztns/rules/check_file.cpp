@@ -1,7 +1,6 @@
 #include "rules/check_file.h"
 
 #include <set>
-#include <utility>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/apply_fixes.h"
@@ -85,7 +84,7 @@ class FurtherChecks {
  public:
   FurtherChecks(const NamesText &text, const CheckRequest &request, CheckReport &report)
       : request_(request), report_(report), edited_(text.text()), text_(edited_, text) {
-    for (const Finding &finding : report.findings) known_.emplace(finding.rule, finding.at);
+    for (const Finding &finding : report.findings) known_.insert(finding.at);
   }
 
   void run() {
@@ -109,7 +108,7 @@ class FurtherChecks {
 
   void add(Finding finding) {
     finding.at = edited_.origin(finding.at);
-    if (is_consequence(finding.rule) || !known_.emplace(finding.rule, finding.at).second) return;
+    if (is_consequence(finding.rule) || !known_.insert(finding.at).second) return;
     for (Edit &edit : finding.fix.edits) {
       edit.begin = edited_.origin(edit.begin);
       edit.end = std::max(edit.begin, edited_.origin(edit.end));
@@ -122,7 +121,7 @@ class FurtherChecks {
   CheckReport &report_;
   EditedText edited_;
   NamesText text_;
-  std::set<std::pair<Rule, Offset>> known_;
+  std::set<Offset> known_;  // where something is told already
 };
 
 }  // namespace
