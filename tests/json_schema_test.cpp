@@ -78,6 +78,17 @@ TEST(JsonSchema, References) {
   expect_rows({{list, "[[], [[]]]", {}}, {list, "[[0]]", {"/0/0: number is not \"array\""}}});
 }
 
+TEST(JsonSchema, Alternatives) {
+  const char *const either = R"({"oneOf": [{"type": "integer"}, {"type": "array", "minItems": 2,
+      "items": {"type": "integer"}}]})";
+  expect_rows({{either, "1", {}},
+               {either, "[1, 2]", {}},
+               {either, "\"a\"", {": string is not \"integer\""}},
+               {R"({"oneOf": [{"type": "integer"}, {"minimum": 1}]})",
+                "1",
+                {": more than one alternative fits"}}});
+}
+
 TEST(JsonSchema, RulesBesideAReferenceCountToo) {
   expect_rows({{R"({"$ref": "#/$defs/text", "enum": ["a"], "$defs": {"text": {"type": "string"}}})",
                 "\"b\"",

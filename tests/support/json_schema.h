@@ -52,6 +52,7 @@ class JsonSchema {
         "$schema", "$id", "$defs", "$comment", "title", "default", "examples", "description"};
     if (annotations.count(keyword) > 0) return;
     if (keyword == "$ref") return check(referred(rule.get<std::string>()), instance, at, found);
+    if (keyword == "oneOf") return check_one_of(rule, instance, at, found);
     if (keyword == "type") return check_type(rule, instance, at, found);
     if (keyword == "enum") return check_enum(rule, instance, at, found);
     if (keyword == "const") return check_enum(Json::array({rule}), instance, at, found);
@@ -63,6 +64,21 @@ class JsonSchema {
     if (keyword == "additionalProperties")
       return check_others(rule, schema.value("properties", Json::object()), instance, at, found);
     found.push_back(at + ": the schema's keyword " + keyword + " is not known");
+  }
+
+  // Where none fits, what is wrong with the one that comes closest is told.
+  void check_one_of(const Json &alternatives, const Json &instance, const std::string &at,
+                    Found &found) const {
+    std::size_t fitting = 0;
+    Found closest;
+    for (const Json &alternative : alternatives) {
+      Found violations;
+      check(alternative, instance, at, violations);
+      if (violations.empty()) ++fitting;
+      if (closest.empty() || violations.size() < closest.size()) closest = violations;
+    }
+    if (fitting == 0) found.insert(found.end(), closest.begin(), closest.end());
+    if (fitting > 1) found.push_back(at + ": more than one alternative fits");
   }
 
   // A reference is "#/$defs/NAME", or "#" for the whole.

@@ -6,18 +6,15 @@
 #include <cstdlib>
 
 #include "io/exit_status.h"
+#include "io/input_files.h"
 #include "io/names_file.h"
 #include "io/output.h"
 #include "io/progress.h"
-#include "rules/check_file.h"
+#include "report/rule_text.h"
+#include "rules/check_selected.h"
 
 namespace kztns {
 namespace {
-
-std::string render(const CheckReport &report, const CheckOptions &options) {
-  const bool color = wants_color(options.color);
-  return options.format->render(report, {color, color || isatty(STDOUT_FILENO) != 0});
-}
 
 void make_warnings_errors(CheckReport &report) {
   for (Finding &finding : report.findings)
@@ -27,16 +24,82 @@ void make_warnings_errors(CheckReport &report) {
   warnings = 0;
 }
 
-CheckReport make_report(const std::string &path, std::string text, const CheckOptions &options) {
-  const NamesText names(std::move(text));
-  Progress progress(names.size());
-  CheckRequest request;
-  request.file = path;
-  request.with_entries = options.format->with_entries;
-  request.progress = [&progress](Offset at) { progress.at(at); };
-  CheckReport report = check_file(names, request);
-  if (options.strict) make_warnings_errors(report);
-  return report;
+// Checks one file after the other.
+class Checker {
+ public:
+  explicit Checker(const CheckOptions &options) : options_(options) {}
+
+  CheckRun run() {
+    if (options_.paths.empty()) check_chosen();
+    for (const std::string &path : options_.paths) check_path(path);
+    run_.several = run_.several || options_.paths.size() > 1;
+    return std::move(run_);
+  }
+
+ private:
+  void check_chosen() {
+    if (const std::optional<FileChoice> chosen = choose_file(std::nullopt))
+      return check_named(chosen->path);
+    complain("names file", no_file_chosen());
+    run_.unread.push_back({"names file", no_file_chosen()});
+  }
+
+  void check_path(const std::string &path) {
+    ReadFault fault;
+    if (path == standard_input)
+      check_text(options_.stdin_name, read_standard_input(options_.max_size, fault), fault);
+    else if (is_folder(path))
+      check_folder(path);
+    else
+      check_named(path);
+  }
+
+  void check_folder(const std::string &folder) {
+    run_.several = true;
+    std::optional<std::string> fault;
+    for (const std::string &file : names_files_below(folder, fault)) check_named(file);
+    if (fault) leave_unread(folder, *fault);
+  }
+
+  void check_named(const std::string &path) {
+    ReadFault fault;
+    check_text(path, read_file(path, options_.max_size, fault), fault);
+  }
+
+  void check_text(const std::string &file, std::optional<std::string> content,
+                  const ReadFault &fault) {
+    if (!content) return leave_unread(file, fault.text);
+    const NamesText text(std::move(*content));
+    Progress progress(text.size());
+    CheckRequest request;
+    request.file = file;
+    request.with_entries = options_.format->with_entries;
+    request.progress = [&progress](Offset at) { progress.at(at); };
+    CheckReport report = check_selected(text, request, options_.disabled);
+    if (options_.strict) make_warnings_errors(report);
+    if (options_.format->with_edits) place_edits(text, report);
+    run_.reports.push_back(std::move(report));
+  }
+
+  void leave_unread(const std::string &file, const std::string &fault) {
+    complain(quoted(visible(file)), fault);
+    run_.unread.push_back({file, fault});
+  }
+
+  const CheckOptions &options_;
+  CheckRun run_;
+};
+
+bool fails(const CheckRun &run, FailOn fail_on) {
+  const SeverityCounts counts = totals_of(run).severities;
+  const bool errors = counts[static_cast<std::size_t>(Severity::error)] > 0;
+  const bool warnings = counts[static_cast<std::size_t>(Severity::warning)] > 0;
+  return fail_on != FailOn::never && (errors || (fail_on == FailOn::warning && warnings));
+}
+
+int print(const std::string &text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  return finish_output();
 }
 
 }  // namespace
@@ -47,17 +110,18 @@ bool wants_color(ColorChoice choice) {
   return (no_color == nullptr || *no_color == '\0') && isatty(STDOUT_FILENO) != 0;
 }
 
+int list_rules() { return print(rule_list()); }
+
+int explain_rule(Rule rule) { return print(explanation(rule)); }
+
 int check(const CheckOptions &options) {
-  std::string path;
-  std::optional<std::string> text = read_names_file(options.file, options.max_size, path);
-  if (!text) return exit_no_input;
-  const CheckReport report = make_report(path, std::move(*text), options);
-  const std::string rendered = render(report, options);
-  std::fwrite(rendered.data(), 1, rendered.size(), stdout);
-  const int written = finish_output();
+  const CheckRun run = Checker(options).run();
+  const bool color = wants_color(options.color);
+  const TextStyle style = {color, color || isatty(STDOUT_FILENO) != 0};
+  const int written = print(options.format->render(run, style));
   if (written != exit_success) return written;
-  return report.severities[static_cast<std::size_t>(Severity::error)] > 0 ? exit_findings
-                                                                          : exit_success;
+  if (!run.unread.empty()) return exit_no_input;
+  return fails(run, options.fail_on) ? exit_findings : exit_success;
 }
 
 }  // namespace kztns

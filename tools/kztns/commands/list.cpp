@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 
 #include <nlohmann/json.hpp>
 
@@ -11,7 +12,9 @@
 #include "io/names_file.h"
 #include "io/output.h"
 #include "io/progress.h"
+#include "lookup/near_entries.h"
 #include "scan/file_scan.h"
+#include "text/width.h"
 
 namespace kztns {
 namespace {
@@ -54,53 +57,83 @@ class Links : public EntryVisitor {
   std::string texts_;
 };
 
-std::size_t width_of(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  }));
-}
-
 std::string padded(const std::string &text, std::size_t width) {
   return text + std::string(width - std::min(width, width_of(text)) + 2, ' ');
 }
 
+// Which of the names no entry has.
+std::vector<std::string> names_not_there(const FileScan &scan,
+                                         const std::vector<std::string> &names) {
+  std::set<std::string_view> there;
+  if (!names.empty())
+    for (const Entry &entry : scan.entries()) there.insert(scan.name(entry));
+  std::vector<std::string> missing;
+  for (const std::string &name : names)
+    if (there.count(name) == 0) missing.push_back(name);
+  return missing;
+}
+
 class Lister {
  public:
-  Lister(const NamesText &text, const FileScan &scan, const Links &links)
-      : text_(text), scan_(scan), links_(links) {}
+  Lister(const NamesText &text, const FileScan &scan, const Links &links,
+         const ListOptions &options)
+      : text_(text),
+        scan_(scan),
+        links_(links),
+        names_(options.names.begin(), options.names.end()),
+        verdicts_(options.verdicts) {}
 
   void print(ListFormat format) const {
     const ListWidths widths = format == ListFormat::columns ? measure() : ListWidths();
     if (format == ListFormat::json) std::fputs("[", stdout);
     bool first = true;
-    for (const Entry &entry : scan_.entries()) {
+    for_each([&](const ListedEntry &shown) {
       if (format == ListFormat::json) std::fputs(first ? "\n  " : ",\n  ", stdout);
       first = false;
-      std::fputs(list_line(listed(entry), format, widths).c_str(), stdout);
-    }
+      std::fputs(list_line(shown, format, widths).c_str(), stdout);
+    });
     if (format == ListFormat::json) std::fputs(first ? "]\n" : "\n]\n", stdout);
   }
 
  private:
-  ListedEntry listed(const Entry &entry) const {
-    return {std::string(scan_.name(entry)), text_.position(entry.at).line, entry.verdict,
-            std::string(links_.link_of(entry))};
+  template <class Use>
+  void for_each(const Use &use) const {
+    for (const Entry &entry : scan_.entries())
+      if (is_wanted(entry))
+        use(ListedEntry{std::string(scan_.name(entry)), text_.position(entry.at).line,
+                        entry.verdict, std::string(links_.link_of(entry))});
+  }
+
+  bool is_wanted(const Entry &entry) const {
+    return verdicts_[static_cast<std::size_t>(entry.verdict)] &&
+           (names_.empty() || names_.count(scan_.name(entry)) > 0);
   }
 
   ListWidths measure() const {
     ListWidths widths;
-    for (const Entry &entry : scan_.entries()) {
-      const ListedEntry shown = listed(entry);
+    for_each([&](const ListedEntry &shown) {
       widths.name = std::max(widths.name, width_of(visible(shown.name)));
       widths.line = std::max(widths.line, std::to_string(shown.line).size());
-    }
+    });
     return widths;
   }
 
   const NamesText &text_;
   const FileScan &scan_;
   const Links &links_;
+  std::set<std::string_view> names_;
+  VerdictSet verdicts_;
 };
+
+// Takes the file from the names when it is the first of them.
+ListOptions with_file(ListOptions options) {
+  if (options.file || options.names.empty()) return options;
+  const bool is_file = access(options.names[0].c_str(), F_OK) == 0;
+  if (!is_file && choose_file(std::nullopt)) return options;
+  options.file = options.names[0];
+  options.names.erase(options.names.begin());
+  return options;
+}
 
 }  // namespace
 
@@ -126,7 +159,8 @@ std::string list_line(const ListedEntry &entry, ListFormat format, const ListWid
   return visible_json(object.dump());
 }
 
-int list(const ListOptions &options) {
+int list(const ListOptions &given) {
+  const ListOptions options = with_file(given);
   std::string path;
   std::optional<std::string> content = read_names_file(options.file, options.max_size, path);
   if (!content) return exit_no_input;
@@ -139,8 +173,16 @@ int list(const ListOptions &options) {
   const ListFormat format = options.json                 ? ListFormat::json
                             : isatty(STDOUT_FILENO) != 0 ? ListFormat::columns
                                                          : ListFormat::tabs;
-  Lister(text, scan, links).print(format);
-  return finish_output();
+  Lister(text, scan, links, options).print(format);
+  const int written = finish_output();
+  const std::vector<std::string> missing = names_not_there(scan, options.names);
+  for (const std::string &name : missing) {
+    std::string what = "not found in " + kztns::quoted(visible(path));
+    for (const std::string &clause : near_entries(text, scan, name)) what += "; " + clause;
+    complain(name.empty() ? "\"\"" : visible(name), what);
+  }
+  if (written != exit_success) return written;
+  return missing.empty() ? exit_success : exit_not_found;
 }
 
 }  // namespace kztns

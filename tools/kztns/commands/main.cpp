@@ -6,7 +6,6 @@
 #include <iterator>
 #include <map>
 #include <new>
-#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -14,35 +13,22 @@
 
 #include <CLI/CLI.hpp>
 
-#include "commands/check.h"
-#include "commands/list.h"
+#include "commands/command_line.h"
 #include "commands/settings.h"
 #include "commands/show.h"
 #include "commands/why.h"
 #include "io/exit_status.h"
-#include "io/names_file.h"
 #include "io/output.h"
 #include "io/standard_streams.h"
 #include "kzoci/platform/level_names.h"
 #include "text/escape.h"
 #include "text/spelling.h"
-#include "trace/key_words.h"
 
 namespace {
 
-struct Arguments {
-  std::string identifier;
-  std::string file;
-  std::string level;
-  std::string format = "text";
-  std::string tree_format = "tree";
-  std::string color = "auto";
-  std::uint64_t max_size = kztns::default_max_size;
-  bool no_color = false;
-  bool strict = false;
-  bool dblink = false;
-  bool session = false;
-};
+using kztns::add_command;
+using kztns::Arguments;
+using kztns::given_file;
 
 // A level on which the module logs faults or its steps; absent for another word.
 std::optional<log_level> shown_level(std::string_view word) {
@@ -71,65 +57,12 @@ const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::Sho
                                                              {"dot", kztns::ShowWhat::dot},
                                                              {"svg", kztns::ShowWhat::svg}};
 
-std::map<std::string, const kztns::CheckFormat *> report_formats() {
-  std::map<std::string, const kztns::CheckFormat *> formats;
-  for (const kztns::CheckFormat &format : kztns::check_formats)
-    formats[std::string(format.name)] = &format;
-  return formats;
-}
-
-// "text, json or sarif", in the order of the formats.
-std::string report_format_names() {
-  std::vector<std::string_view> names;
-  for (const kztns::CheckFormat &format : kztns::check_formats) names.push_back(format.name);
-  return kztns::one_of(names);
-}
-
-const std::map<std::string, kztns::ColorChoice> color_choices = {
-    {"auto", kztns::ColorChoice::automatic},
-    {"always", kztns::ColorChoice::always},
-    {"never", kztns::ColorChoice::never}};
-
-constexpr char version[] = "kztns " KZTNS_VERSION;
-
-// What each subcommand has of its own, and what all have.
+// The exit statuses that each subcommand has of its own.
 constexpr char show_statuses[] =
     "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n69 graphviz is not "
     "installed or fails";
 constexpr char why_statuses[] = "0 found, 1 not found, 2 malformed";
 constexpr char settings_statuses[] = "0 shown, 1 no names file, 2 malformed";
-constexpr char check_statuses[] = "0 no error, 1 errors";
-constexpr char list_statuses[] = "0 listed";
-constexpr char common_statuses[] =
-    "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n74 standard output "
-    "cannot be written.";
-
-// A subcommand: all of them read a names file.
-CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses,
-                      Arguments &arguments) {
-  CLI::App *const command = app.add_subcommand(name, purpose);
-  command->set_version_flag("--version", version);
-  command->footer(std::string("Exit status: ") + statuses + ",\n" + common_statuses);
-  command
-      ->add_option("--file", arguments.file,
-                   "Names file; without it " + kztns::file_variables("or") + " decides")
-      ->type_name("PATH");
-  command
-      ->add_option(
-          "--max-size", arguments.max_size,
-          "Largest names file to read, in bytes; the suffixes K, M and G are understood (1G)")
-      ->type_name("SIZE")
-      ->transform(CLI::AsSizeValue(false).description(""))
-      ->check(CLI::Range(std::uint64_t{1}, kztns::largest_max_size).description(""));
-  return command;
-}
-
-// For a subcommand that takes no identifier.
-void add_positional_file(CLI::App *command, Arguments &arguments) {
-  command->add_option("FILE", arguments.file, "The same as --file FILE")
-      ->type_name("")
-      ->excludes("--file");
-}
 
 void add_log(CLI::App *command, Arguments &arguments) {
   command
@@ -172,7 +105,7 @@ void add_settings(CLI::App &app, Arguments &arguments) {
       add_command(app, "settings", "Print the system variables in force for a names file",
                   settings_statuses, arguments);
   add_log(settings, arguments);
-  add_positional_file(settings, arguments);
+  kztns::add_positional_file(settings, arguments);
 }
 
 void add_why(CLI::App &app, Arguments &arguments) {
@@ -180,27 +113,7 @@ void add_why(CLI::App &app, Arguments &arguments) {
       add_command(app, "why", "Explain one lookup, step by step", why_statuses, arguments);
   add_log(why, arguments);
   add_identifier(why, arguments);
-}
-
-void add_check(CLI::App &app, Arguments &arguments) {
-  CLI::App *const check =
-      add_command(app, "check", "Check a names file for errors", check_statuses, arguments);
-  add_positional_file(check, arguments);
-  check->add_option("--format", arguments.format, report_format_names())
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember(report_formats()));
-  check->add_flag("--strict", arguments.strict, "Treat warnings as errors");
-  check->add_option("--color", arguments.color, "auto, always or never")
-      ->type_name("WHEN")
-      ->check(CLI::IsMember(color_choices));
-  check->add_flag("--no-color", arguments.no_color, "Do not use colours");
-}
-
-void add_list(CLI::App &app, Arguments &arguments) {
-  CLI::App *const list =
-      add_command(app, "list", "List the entries of a names file", list_statuses, arguments);
-  add_positional_file(list, arguments);
-  list->add_option("--format", arguments.format, "text or json")
+  why->add_option("--format", arguments.format, "text or json")
       ->type_name("FORMAT")
       ->check(CLI::IsMember({"text", "json"}));
 }
@@ -210,41 +123,22 @@ kztns::ShowWhat shown_part(const Arguments &arguments) {
   return arguments.session ? kztns::ShowWhat::session : tree_formats.at(arguments.tree_format);
 }
 
-std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {
-  const CLI::Option *const positional = command.get_option_no_throw("FILE");
-  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional);
-  return given ? std::optional(arguments.file) : std::nullopt;
-}
-
-int run_check(const CLI::App &command, const Arguments &arguments) {
-  kztns::CheckOptions options;
-  options.file = given_file(command, arguments);
-  options.max_size = arguments.max_size;
-  options.format = report_formats().at(arguments.format);
-  options.color =
-      arguments.no_color ? kztns::ColorChoice::never : color_choices.at(arguments.color);
-  options.strict = arguments.strict;
-  return kztns::check(options);
-}
-
-int run_list(const CLI::App &command, const Arguments &arguments) {
-  return kztns::list(
-      {given_file(command, arguments), arguments.max_size, arguments.format == "json"});
-}
-
 int run_lookup(const CLI::App &command, const Arguments &arguments) {
   kztns::LookupOptions options;
   options.file = given_file(command, arguments);
   options.max_size = arguments.max_size;
   if (command.count("--log") > 0) options.shown = shown_level(arguments.level);
   if (command.get_name() == "settings") return kztns::settings(options);
-  if (command.get_name() == "why") return kztns::why(arguments.identifier, options);
+  if (command.get_name() == "why")
+    return kztns::why(arguments.identifier,
+                      arguments.format == "json" ? kztns::WhyFormat::json : kztns::WhyFormat::text,
+                      options);
   return kztns::show(arguments.identifier, shown_part(arguments), options);
 }
 
 int run(const CLI::App &command, const Arguments &arguments) {
-  if (command.get_name() == "check") return run_check(command, arguments);
-  if (command.get_name() == "list") return run_list(command, arguments);
+  if (command.get_name() == "check") return kztns::run_check(command, arguments);
+  if (command.get_name() == "list") return kztns::run_list(command, arguments);
   return run_lookup(command, arguments);
 }
 
@@ -313,15 +207,15 @@ int main(int argc, char **argv) {
   std::signal(SIGXFSZ, SIG_IGN);
   kztns::reserve_standard_streams();
   CLI::App app("Resolves connect identifiers and checks names files.", "kztns");
-  app.set_version_flag("--version", version);
+  app.set_version_flag("--version", kztns::version);
   app.require_subcommand(1);
   app.failure_message(usage_message);
   Arguments arguments;
   add_show(app, arguments);
   add_settings(app, arguments);
   add_why(app, arguments);
-  add_check(app, arguments);
-  add_list(app, arguments);
+  kztns::add_check(app, arguments);
+  kztns::add_list(app, arguments);
   try {
     app.parse(argc, argv);
     return run(*app.get_subcommands().front(), arguments);

@@ -7,7 +7,9 @@
 
 namespace kztns {
 
+enum class WhyFormat { text, json };
+
 // Prints the report; returns the ExitStatus that show would.
-int why(const std::string &identifier, const LookupOptions &options);
+int why(const std::string &identifier, WhyFormat format, const LookupOptions &options);
 
 }  // namespace kztns

@@ -54,8 +54,7 @@ std::optional<ReadFault> refused_kind(const struct stat &status) {
   return ReadFault{false, kind};
 }
 
-std::optional<ReadFault> read_to_end(int file, std::uint64_t max_size,
-                                     const std::function<bool(std::string_view)> &take) {
+std::optional<ReadFault> read_to_end(int file, std::uint64_t max_size, const PieceTaker &take) {
   char buffer[65536];
   std::uint64_t taken = 0;
   for (;;) {
@@ -69,10 +68,26 @@ std::optional<ReadFault> read_to_end(int file, std::uint64_t max_size,
   }
 }
 
+// What the pieces are together that are read by a function; absent when it fails.
+std::optional<std::string> collect(
+    const std::function<std::optional<ReadFault>(const PieceTaker &)> &read, ReadFault &fault) {
+  std::string text;
+  auto found = read([&](std::string_view piece) {
+    text += piece;
+    return true;
+  });
+  if (found) {
+    fault = std::move(*found);
+    return std::nullopt;
+  }
+  text.shrink_to_fit();
+  return text;
+}
+
 }  // namespace
 
 std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_size,
-                                     const std::function<bool(std::string_view)> &take) {
+                                     const PieceTaker &take) {
   // The kind first: opening a device may already do something.
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) return fault_of(errno);
@@ -89,17 +104,12 @@ std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_
 
 std::optional<std::string> read_file(const std::string &path, std::uint64_t max_size,
                                      ReadFault &fault) {
-  std::string text;
-  auto found = read_pieces(path, max_size, [&](std::string_view piece) {
-    text += piece;
-    return true;
-  });
-  if (found) {
-    fault = std::move(*found);
-    return std::nullopt;
-  }
-  text.shrink_to_fit();
-  return text;
+  return collect([&](const PieceTaker &take) { return read_pieces(path, max_size, take); }, fault);
+}
+
+std::optional<std::string> read_standard_input(std::uint64_t max_size, ReadFault &fault) {
+  return collect([&](const PieceTaker &take) { return read_to_end(STDIN_FILENO, max_size, take); },
+                 fault);
 }
 
 }  // namespace kztns

@@ -24,13 +24,19 @@ struct ReadFault {
   std::string text = {};  // "is a directory", as a clause about the file
 };
 
+// Takes a piece of a file; whether it wants more.
+using PieceTaker = std::function<bool(std::string_view)>;
+
 // Calls take with each piece of the file, in their order, until it returns false.
 // Returns what keeps the file from being read to its end; absent for nothing.
 std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_size,
-                                     const std::function<bool(std::string_view)> &take);
+                                     const PieceTaker &take);
 
 // The whole file; absent when it cannot be read, with the reason in fault.
 std::optional<std::string> read_file(const std::string &path, std::uint64_t max_size,
                                      ReadFault &fault);
+
+// Standard input to its end; absent when it cannot be read, with the reason in fault.
+std::optional<std::string> read_standard_input(std::uint64_t max_size, ReadFault &fault);
 
 }  // namespace kztns

@@ -5,6 +5,7 @@
 
 #include "io/names_file.h"
 #include "kzoci/oci_tnsname/names_file.h"
+#include "lookup/identifier_form.h"
 #include "trace/log_watch.h"
 
 namespace kztns {
@@ -45,6 +46,12 @@ void take_content(const std::string &path, std::uint64_t max_size, Lookup &looku
     lookup.content = content;
 }
 
+// The records name the identifier, which may hold a password.
+Substitution hidden_password(const std::string &identifier) {
+  const std::string shown = without_password(identifier);
+  return shown == identifier ? Substitution() : Substitution{identifier, shown};
+}
+
 // The library reads the content in place of the file; the log names the file.
 std::vector<Rewording> rewordings(const FileChoice &choice) {
   return {{MessageId::tns_file_variable, "get " + choice.variable + ":" + choice.value},
@@ -68,10 +75,11 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
   Lookup lookup;
   lookup.is_literal = IsDescriptionTns(const_cast<char *>(identifier.c_str()),
                                        static_cast<ub4>(identifier.size())) != 0;
+  const Substitution hidden = hidden_password(identifier);
   const std::optional<FileChoice> choice =
       lookup.is_literal ? std::nullopt : choose_file(options.file);
   if (!choice) {
-    build(identifier, LogWatch(options.shown), tree, lookup);
+    build(identifier, LogWatch(options.shown, {}, hidden), tree, lookup);
     return lookup;
   }
   lookup.variable = choice->variable;
@@ -80,10 +88,10 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
   if (lookup.content != nullptr) {
     const std::string &path = lookup.content->path();
     const NamedFile named(path);
-    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
+    build(identifier, LogWatch(options.shown, rewordings(*choice), hidden), tree, lookup);
   } else if (lookup.file_fault.missing) {
     const NamedFile named(choice->path);
-    build(identifier, LogWatch(options.shown, rewordings(*choice)), tree, lookup);
+    build(identifier, LogWatch(options.shown, rewordings(*choice), hidden), tree, lookup);
   } else {
     lookup.outcome = Outcome::unreadable;
   }

@@ -3,31 +3,35 @@
 #include "io/exit_status.h"
 #include "io/names_file.h"
 #include "io/output.h"
+#include "lookup/identifier_form.h"
 #include "text/escape.h"
 
 namespace kztns {
 namespace {
 
 std::string why_not_found(const Lookup &lookup, const LookupReport &report) {
-  if (!lookup.file_name) return "not found: " + no_file_chosen();
+  const std::string note = report.note.empty() ? "" : "; " + report.note;
+  if (!lookup.file_name) return "not found: " + no_file_chosen() + note;
   const std::string file = quoted(visible(*lookup.file_name));
-  if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text;
-  return "not found in " + file + near_clauses(report);
+  if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text + note;
+  return "not found in " + file + note + near_clauses(report);
 }
 
 std::string what_is_malformed(const Lookup &lookup, const LookupReport &report) {
   std::string where;
   if (lookup.file_name) where = visible(*lookup.file_name) + ":";
   if (!report.fault) return "malformed: " + visible(lookup.fault);
-  return "malformed: " + where + to_string(report.fault->position) + ": " + report.fault->text;
+  return "malformed: " + where + to_string(report.fault->position) + ": " + words_of(*report.fault);
 }
 
 }  // namespace
 
 LookupReport make_lookup_report(const std::string &identifier, const Lookup &lookup) {
   if (lookup.is_literal) return report_of_literal(identifier);
-  if (lookup.content == nullptr) return {};
-  return report_of_name(identifier, lookup.content->text());
+  if (lookup.content != nullptr) return report_of_name(identifier, lookup.content->text());
+  LookupReport report;
+  report.note = form_of(identifier).note;
+  return report;
 }
 
 std::string near_clauses(const LookupReport &report) {
@@ -38,7 +42,7 @@ std::string near_clauses(const LookupReport &report) {
 
 std::string label_of(const std::string &identifier, const Lookup &lookup) {
   if (lookup.is_literal) return "literal descriptor";
-  return identifier.empty() ? "\"\"" : excerpt(identifier);
+  return identifier.empty() ? "\"\"" : excerpt(without_password(identifier));
 }
 
 int status_of(Outcome outcome) {

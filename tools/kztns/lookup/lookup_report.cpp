@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
+#include "lookup/identifier_form.h"
 #include "lookup/near_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
@@ -22,21 +23,24 @@ Remark make_remark(const NamesText &text, Offset at, std::string words) {
   return remark;
 }
 
-std::string with_remedy(const std::string &text, const std::string &remedy, Rule rule) {
-  return text + "; " + (remedy.empty() ? std::string(row_of(rule).remedy) : remedy) + " [" +
-         std::string(row_of(rule).id) + "]";
+// With the rule's own remedy if there is no other.
+Remark remark_about(const NamesText &text, Offset at, std::string words, Rule rule,
+                    const std::string &remedy = {}) {
+  Remark remark = make_remark(text, at, std::move(words));
+  remark.remedy = remedy.empty() ? std::string(row_of(rule).remedy) : remedy;
+  remark.rule = row_of(rule).id;
+  return remark;
 }
 
 Remark remark_of(const NamesText &text, const Diagnosis &diagnosis) {
   const std::string path = diagnosis.path.empty() ? "" : diagnosis.path + ": ";
-  return make_remark(text, diagnosis.at,
-                     path + with_remedy(diagnosis.text, diagnosis.remedy, diagnosis.rule));
+  return remark_about(text, diagnosis.at, path + diagnosis.text, diagnosis.rule, diagnosis.remedy);
 }
 
 Remark remark_of(const Finding &finding) {
   const std::string path = finding.path.empty() ? "" : finding.path + ": ";
-  return {finding.position, path + with_remedy(finding.text, finding.remedy, finding.rule),
-          finding.source, finding.caret};
+  return {finding.position,        path + finding.text, finding.remedy,
+          row_of(finding.rule).id, finding.source,      finding.caret};
 }
 
 std::vector<Remark> warnings_of(const NamesText &text, const Trace &trace, std::string_view name) {
@@ -92,11 +96,11 @@ class NameVisitor : public EntryVisitor {
   // What is read as system variables only because of its name is reported so.
   Remark told_by_name(const EntryView &view, const Remark &remark) const {
     if (!view.trace.is_system_variables() || view.name == kzoci::tns::reserved_name) return remark;
-    return make_remark(
+    return remark_about(
         subject_.text, view.entry.at,
-        with_remedy(excerpt(view.name) + " is a prefix of " + kzoci::tns::reserved_name +
-                        ", and is read as system variables",
-                    {}, Rule::reserved_part));
+        excerpt(view.name) + " is a prefix of " + kzoci::tns::reserved_name +
+            ", and is read as system variables",
+        Rule::reserved_part);
   }
 
   Subject subject_;
@@ -120,9 +124,8 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
       break;
   }
   if (is_utf_16(text.text()))
-    return make_remark(
-        text, 0,
-        with_remedy("the file is in UTF-16, in which no name can be read", {}, Rule::utf_16));
+    return remark_about(text, 0, "the file is in UTF-16, in which no name can be read",
+                        Rule::utf_16);
   const StopCause cause = cause_of_stop(text, scan);
   std::string words = cause.text;
   if (scan.stop().kind == StopKind::reserved) {
@@ -131,10 +134,26 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
             "the reserved name: the entries after it are lost";
     return make_remark(text, cause.at, words);
   }
-  return make_remark(text, cause.at, with_remedy(words, {}, cause.rule));
+  return remark_about(text, cause.at, words, cause.rule);
+}
+
+std::vector<Position> shadowed_entries(const NamesText &text, const FileScan &scan,
+                                       const std::string &name) {
+  std::vector<Position> places;
+  for (const Entry &entry : scan.entries())
+    if (entry.verdict == Verdict::shadowed && same_name(scan.name(entry), name))
+      places.push_back(text.position(entry.at));
+  return places;
 }
 
 }  // namespace
+
+std::string words_of(const Remark &remark) {
+  std::string words = remark.text;
+  if (!remark.remedy.empty()) words += "; " + remark.remedy;
+  if (!remark.rule.empty()) words.append(" [").append(remark.rule).append("]");
+  return words;
+}
 
 LookupReport report_of_name(const std::string &name, std::string content) {
   const NamesText text(std::move(content));
@@ -142,7 +161,12 @@ LookupReport report_of_name(const std::string &name, std::string content) {
   NameVisitor visitor(text, name, report);
   const FileScan scan(text, visitor);
   if (!report.entry) report.fault = remark_of_stop(text, scan, visitor);
-  report.near = near_entries(text, scan, name);
+  report.shadowed = shadowed_entries(text, scan, name);
+  const IdentifierForm form = form_of(name);
+  if (!report.entry) report.note = form.note;
+  report.near = report.note.empty() || form.name.empty()
+                    ? near_entries(text, scan, name)
+                    : near_entries(text, scan, form.name, true);
   return report;
 }
 
@@ -158,10 +182,9 @@ LookupReport report_of_literal(const std::string &descriptor) {
   }
   const Offset rest = pass_blanks(text.text(), trace.first_block_end().value_or(text.size()));
   if (rest < text.size())
-    report.fault = make_remark(
-        text, rest,
-        with_remedy("expected nothing after the descriptor, found " + quoted_token(subject, rest),
-                    "remove it", Rule::stray_text));
+    report.fault = remark_about(
+        text, rest, "expected nothing after the descriptor, found " + quoted_token(subject, rest),
+        Rule::stray_text, "remove it");
   else
     report.warnings = warnings_of(text, trace, {});
   return report;

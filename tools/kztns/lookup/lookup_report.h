@@ -13,16 +13,24 @@ namespace kztns {
 // A place in a file or a descriptor, and what is to be said of it.
 struct Remark {
   Position position;
-  std::string text;    // with block path, remedy and rule
-  std::string source;  // the line
+  std::string text;         // with the block path
+  std::string remedy = {};  // empty for none
+  std::string_view rule = {};
+  std::string source = {};  // the line
   std::size_t caret = 0;
 };
+
+// Text, remedy and rule.
+std::string words_of(const Remark &remark);
 
 struct LookupReport {
   std::size_t passed = 0;         // entries passed over
   std::optional<Position> entry;  // of the name, when a lookup comes to it
   std::optional<Remark> fault;    // why the entry is refused, or what ended the lookup before
   std::vector<Remark> warnings;   // about an entry that is built
+  // Further entries of the name, which no lookup finds.
+  std::vector<Position> shadowed;
+  std::string note;               // that the identifier is no plain name; empty when it is
   std::vector<std::string> near;  // clauses about entries with names like this one
 };
 

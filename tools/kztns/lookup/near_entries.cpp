@@ -77,7 +77,7 @@ std::string why_hidden(const FileScan &scan, const Entry &entry) {
 }  // namespace
 
 std::vector<std::string> near_entries(const NamesText &text, const FileScan &scan,
-                                      std::string_view name) {
+                                      std::string_view name, bool with_itself) {
   struct Found {
     Nearness nearness;
     const Entry *entry;
@@ -85,7 +85,7 @@ std::vector<std::string> near_entries(const NamesText &text, const FileScan &sca
   std::vector<Found> found;
   for (const Entry &entry : scan.entries()) {
     const Nearness near = nearness(scan.name(entry), name);
-    const bool is_it = near == Nearness::same && entry.reached;
+    const bool is_it = !with_itself && near == Nearness::same && entry.reached;
     if (near == Nearness::far || is_it) continue;
     const auto place =
         std::upper_bound(found.begin(), found.end(), near,

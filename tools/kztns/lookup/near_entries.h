@@ -9,8 +9,9 @@
 namespace kztns {
 
 // Each as a clause: there is an entry "Sales" at 3:1, which differs in letter
-// case only. At most some; those that come closest first.
+// case only. At most some; those that come closest first. The entry that a lookup of the
+// name finds is none of them, unless it is asked for, too.
 std::vector<std::string> near_entries(const NamesText &text, const FileScan &scan,
-                                      std::string_view name);
+                                      std::string_view name, bool with_itself = false);
 
 }  // namespace kztns

@@ -5,15 +5,15 @@
 #include <string>
 #include <string_view>
 
-#include "rules/check_report.h"
+#include "report/check_run.h"
 
 namespace kztns {
 
-// FORMAT(name, whether it lists the entries): printed by render_name.
+// FORMAT(name, whether it lists the entries, whether it shows edits): printed by render_name.
 #define KZTNS_CHECK_FORMATS(FORMAT) \
-  FORMAT(text, false)               \
-  FORMAT(json, true)                \
-  FORMAT(sarif, false)
+  FORMAT(text, false, false)        \
+  FORMAT(json, true, true)          \
+  FORMAT(sarif, false, true)
 
 // For people; the other formats leave it aside.
 struct TextStyle {
@@ -21,18 +21,20 @@ struct TextStyle {
   bool source = false;  // the source line with a caret under it
 };
 
-#define KZTNS_DECLARE_FORMAT(name, with_entries) \
-  std::string render_##name(const CheckReport &report, const TextStyle &style = {});
+#define KZTNS_DECLARE_FORMAT(name, ...) \
+  std::string render_##name(const CheckRun &run, const TextStyle &style = {});
 KZTNS_CHECK_FORMATS(KZTNS_DECLARE_FORMAT)
 #undef KZTNS_DECLARE_FORMAT
 
 struct CheckFormat {
   std::string_view name;
-  std::string (*render)(const CheckReport &report, const TextStyle &style);
+  std::string (*render)(const CheckRun &run, const TextStyle &style);
   bool with_entries;
+  bool with_edits;
 };
 
-#define KZTNS_FORMAT_ROW(name, with_entries) {#name, render_##name, with_entries},
+#define KZTNS_FORMAT_ROW(name, with_entries, with_edits) \
+  {#name, render_##name, with_entries, with_edits},
 inline constexpr CheckFormat check_formats[] = {KZTNS_CHECK_FORMATS(KZTNS_FORMAT_ROW)};
 #undef KZTNS_FORMAT_ROW
 

@@ -1,6 +1,7 @@
 #include "report/check_text.h"
 
 #include "report/check_formats.h"
+#include "text/width.h"
 
 namespace kztns {
 namespace {
@@ -60,6 +61,27 @@ void add_source(Painter &painter, const Finding &finding) {
   painter.add("\n");
 }
 
+// What can be mended, as the end of a summary.
+std::string fixable(const FixCounts &fixes) {
+  const std::string unsafe = std::to_string(fixes.unsafe);
+  if (fixes.safe == 0)
+    return fixes.unsafe == 0 ? "" : "; " + unsafe + " fixable with kztns fix --unsafe";
+  return "; " + std::to_string(fixes.safe) + " fixable with kztns fix" +
+         (fixes.unsafe == 0 ? "" : " (" + unsafe + " more with --unsafe)");
+}
+
+void add_report(Painter &painter, const CheckReport &report, const TextStyle &style) {
+  for (const Finding &finding : report.findings) {
+    painter.add(line(report.file, finding, style.color) + "\n");
+    if (style.source) add_source(painter, finding);
+  }
+  for (std::size_t i = 0; i < rule_count; ++i)
+    if (const std::size_t more = left_out(report, static_cast<Rule>(i)); more > 0)
+      painter.add(visible(report.file) + ": and " + std::to_string(more) + " more of [" +
+                  std::string(row_of(static_cast<Rule>(i)).id) + "]\n");
+  painter.add(visible(report.file) + ": " + summary(totals_of(report)) + "\n");
+}
+
 }  // namespace
 
 std::string finding_line(const std::string &file, const Finding &finding) {
@@ -74,9 +96,7 @@ std::string with_caret(const std::string &source, std::size_t caret) {
     const std::size_t tab = source.find('\t', begin);
     const std::size_t end = std::min(tab, source.size());
     if (begin < caret) {
-      const std::string before = visible(source.substr(begin, std::min(end, caret) - begin));
-      for (const char c : before)
-        if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) under += ' ';
+      under.append(width_of(visible(source.substr(begin, std::min(end, caret) - begin))), ' ');
       if (tab < caret) under += '\t';
     }
     shown += visible(source.substr(begin, end - begin));
@@ -86,27 +106,27 @@ std::string with_caret(const std::string &source, std::size_t caret) {
   return "  " + shown + "\n  " + under + "^";
 }
 
-std::string summary(const CheckReport &report) {
+std::string summary(const RunTotals &totals) {
   std::size_t all = 0;
-  for (const std::size_t count : report.verdicts) all += count;
+  for (const std::size_t count : totals.verdicts) all += count;
   std::string text = std::to_string(all) + (all == 1 ? " entry:" : " entries:");
   for (std::size_t i = 0; i < verdict_count; ++i)
-    text += (i > 0 ? ", " : " ") + std::to_string(report.verdicts[i]) + " " +
+    text += (i > 0 ? ", " : " ") + std::to_string(totals.verdicts[i]) + " " +
             std::string(name_of(static_cast<Verdict>(i)));
-  return text;
+  return text + fixable(totals.fixes);
 }
 
-std::string render_text(const CheckReport &report, const TextStyle &style) {
+std::string render_text(const CheckRun &run, const TextStyle &style) {
   Painter painter(style.color);
-  for (const Finding &finding : report.findings) {
-    painter.add(line(report.file, finding, style.color) + "\n");
-    if (style.source) add_source(painter, finding);
+  for (const CheckReport &report : run.reports) add_report(painter, report, style);
+  if (run.reports.size() + run.unread.size() > 1) {
+    painter.add(std::to_string(run.reports.size()) +
+                (run.reports.size() == 1 ? " file: " : " files: ") + summary(totals_of(run)));
+    if (!run.unread.empty())
+      painter.add("; " + std::to_string(run.unread.size()) +
+                  (run.unread.size() == 1 ? " more file" : " more files") + " cannot be read");
+    painter.add("\n");
   }
-  for (std::size_t i = 0; i < rule_count; ++i)
-    if (report.left_out[i] > 0)
-      painter.add(visible(report.file) + ": and " + std::to_string(report.left_out[i]) +
-                  " more of [" + std::string(row_of(static_cast<Rule>(i)).id) + "]\n");
-  painter.add(visible(report.file) + ": " + summary(report) + "\n");
   return painter.take();
 }
 

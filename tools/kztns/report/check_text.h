@@ -3,15 +3,15 @@
 
 #include <string>
 
-#include "rules/check_report.h"
+#include "report/check_run.h"
 
 namespace kztns {
 
 // A finding as "FILE:LINE:COL: error: ENTRY: PATH: TEXT; REMEDY [rule]".
 std::string finding_line(const std::string &file, const Finding &finding);
 
-// "2 entries: 1 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved"
-std::string summary(const CheckReport &report);
+// "2 entries: 1 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved; 1 fixable with kztns fix"
+std::string summary(const RunTotals &totals);
 
 // A source line that may be printed, and a caret under the place of an index.
 std::string with_caret(const std::string &source, std::size_t caret);

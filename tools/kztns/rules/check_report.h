@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,14 @@
 #include "text/names_text.h"
 
 namespace kztns {
+
+// Where an edit begins and ends.
+struct EditPlace {
+  Position begin;
+  Position end;
+  std::uint32_t begin_character;  // the columns in characters instead of bytes
+  std::uint32_t end_character;
+};
 
 // Texts are printable, names and source are as they stand in the file.
 struct Finding {
@@ -24,8 +33,9 @@ struct Finding {
   std::string text;
   std::string remedy;
   Fix fix;
-  std::string source;  // the line as it is
-  std::size_t caret;   // index in it of the place
+  std::vector<EditPlace> places;  // of the edits; only where the format shows them
+  std::string source;             // the line as it is
+  std::size_t caret;              // index in it of the place
 };
 
 struct ReportEntry {
@@ -34,15 +44,28 @@ struct ReportEntry {
   Verdict verdict;
 };
 
+constexpr std::size_t severity_count = 3;
+using SeverityCounts = std::array<std::size_t, severity_count>;
+
 struct CheckReport {
   std::string file;
   std::vector<Finding> findings;  // in the order of the file
-  // How many findings of a rule are left out, since there are too many.
-  std::array<std::size_t, rule_count> left_out = {};
+  // How many findings of a rule are left out, since there are too many, by severity.
+  std::array<SeverityCounts, rule_count> left_out = {};
   std::array<std::size_t, verdict_count> verdicts = {};
-  std::array<std::size_t, 3> severities = {};  // how many of each, those left out too
-  bool lookups_end = false;                    // before the end of the file, or go astray in it
-  std::vector<ReportEntry> entries;            // only where the format shows them
+  SeverityCounts severities = {};    // how many of each, those left out too
+  bool lookups_end = false;          // before the end of the file, or go astray in it
+  std::vector<ReportEntry> entries;  // only where the format shows them
 };
+
+inline std::size_t count(const CheckReport &report, Severity severity) {
+  return report.severities[static_cast<std::size_t>(severity)];
+}
+
+// How many findings of the rule are left out.
+inline std::size_t left_out(const CheckReport &report, Rule rule) {
+  const SeverityCounts &counts = report.left_out[static_cast<std::size_t>(rule)];
+  return std::accumulate(counts.begin(), counts.end(), std::size_t{0});
+}
 
 }  // namespace kztns

@@ -10,7 +10,7 @@ bool Findings::wanted(Rule rule, Severity severity) {
   const auto index = static_cast<std::size_t>(rule);
   ++report_.severities[static_cast<std::size_t>(severity)];
   if (++counts_[index] <= most_) return true;
-  ++report_.left_out[index];
+  ++report_.left_out[index][static_cast<std::size_t>(severity)];
   return false;
 }
 

@@ -16,6 +16,18 @@ constexpr RuleRow rows[] = {
 
 const RuleRow &row_of(Rule rule) { return rows[static_cast<std::size_t>(rule)]; }
 
+std::optional<Rule> rule_of(std::string_view id) {
+  for (std::size_t i = 0; i < rule_count; ++i)
+    if (rows[i].id == id) return static_cast<Rule>(i);
+  return std::nullopt;
+}
+
+std::vector<std::string_view> rule_ids() {
+  std::vector<std::string_view> ids;
+  for (const RuleRow &row : rows) ids.push_back(row.id);
+  return ids;
+}
+
 std::string_view name_of(Severity severity) {
   switch (severity) {
     case Severity::error:

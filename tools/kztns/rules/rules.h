@@ -1,8 +1,11 @@
 // The rules that findings refer to; rules.def is their table.
 #pragma once
 
+#include <bitset>
 #include <cstddef>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 namespace kztns {
 
@@ -23,7 +26,15 @@ struct RuleRow {
 
 constexpr std::size_t rule_count = static_cast<std::size_t>(Rule::count);
 
+using RuleSet = std::bitset<rule_count>;
+
 const RuleRow &row_of(Rule rule);
+
+// The rule of an identifier; absent when there is none.
+std::optional<Rule> rule_of(std::string_view id);
+
+// The identifiers of all rules, in their order.
+std::vector<std::string_view> rule_ids();
 
 std::string_view name_of(Severity severity);  // "error"
 

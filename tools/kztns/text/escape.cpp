@@ -1,56 +1,14 @@
 #include "text/escape.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdio>
-#include <iterator>
+
+#include "text/utf8.h"
 
 namespace kztns {
 namespace {
 
-// Bytes of the UTF-8 character that begins here; 0 when none does.
-std::size_t character_length(std::string_view text) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const unsigned char first = byte(0);
-  const std::size_t length = first < 0x80   ? 1
-                             : first < 0xC2 ? 0
-                             : first < 0xE0 ? 2
-                             : first < 0xF0 ? 3
-                             : first < 0xF5 ? 4
-                                            : 0;
-  if (length > text.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  // Overlong forms, surrogates, and what lies beyond the last character.
-  if (length == 3 && ((first == 0xE0 && byte(1) < 0xA0) || (first == 0xED && byte(1) > 0x9F)))
-    return 0;
-  if (length == 4 && ((first == 0xF0 && byte(1) < 0x90) || (first == 0xF4 && byte(1) > 0x8F)))
-    return 0;
-  return length;
-}
-
-// The code point of a character of at most three bytes; that of a longer one is
-// beyond all ranges here.
-std::uint32_t code_point(std::string_view character) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(character[i]); };
-  switch (character.size()) {
-    case 1:
-      return byte(0);
-    case 2:
-      return (byte(0) & 0x1Fu) << 6 | (byte(1) & 0x3Fu);
-    case 3:
-      return (byte(0) & 0x0Fu) << 12 | (byte(1) & 0x3Fu) << 6 | (byte(2) & 0x3Fu);
-    default:
-      return UINT32_MAX;
-  }
-}
-
-struct Range {
-  std::uint32_t first;
-  std::uint32_t last;
-};
-
-constexpr Range unseen[] = {
+constexpr CharacterRange unseen[] = {
     {0x0000, 0x001F},  // control characters
     {0x007F, 0x00A0},  // delete, the second half of the controls, the no-break space
     {0x061C, 0x061C},  // Arabic letter mark
@@ -62,11 +20,7 @@ constexpr Range unseen[] = {
     {0xFFFE, 0xFFFF},  // no characters, and none that XML may hold
 };
 
-bool is_unseen(std::string_view character) {
-  const std::uint32_t code = code_point(character);
-  return std::any_of(std::begin(unseen), std::end(unseen),
-                     [&](const Range &range) { return code >= range.first && code <= range.last; });
-}
+bool is_unseen(std::string_view character) { return is_in(code_point(character), unseen); }
 
 bool is_hex_digit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "text/utf8.h"
+
 namespace kztns {
 namespace {
 
@@ -48,12 +50,10 @@ Position NamesText::position(Offset at) const {
 std::uint32_t NamesText::character_column(Offset at) const {
   if (of_ != nullptr) return of_->character_column(changed_->origin(at));
   const std::uint32_t column = position(at).column;
-  const Offset counted = std::min<Offset>(column - 1, stride);
+  const Offset counted = std::min<Offset>(column - 1, longest_counted_line);
   const std::string_view before = std::string_view(text_).substr(at - counted, counted);
   return column -
-         static_cast<std::uint32_t>(std::count_if(before.begin(), before.end(), [](char c) {
-           return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
-         }));
+         static_cast<std::uint32_t>(std::count_if(before.begin(), before.end(), is_continuation));
 }
 
 std::string_view NamesText::line_around(Offset at, std::size_t &column) const {
@@ -62,9 +62,11 @@ std::string_view NamesText::line_around(Offset at, std::size_t &column) const {
   constexpr std::size_t most = 120;
   const std::size_t in_line = position(at).column - 1;
   column = std::min(in_line, most_before);
+  if (column < in_line) column -= cut_begin(std::string_view(text_).substr(at - column, column));
   const std::string_view rest = std::string_view(text_).substr(at - column, most);
   const std::size_t end = rest.substr(column).find_first_of("\r\n");
-  return end == std::string_view::npos ? rest : rest.substr(0, column + end);
+  if (end != std::string_view::npos) return rest.substr(0, column + end);
+  return rest.substr(0, rest.size() - (rest.size() == most ? cut_end(rest) : 0));
 }
 
 }  // namespace kztns

@@ -39,8 +39,9 @@ class NamesText {
   Offset origin(Offset at) const { return of_ == nullptr ? at : changed_->origin(at); }
   std::string place(Offset at) const { return to_string(position(at)); }
 
-  // The column of a place in characters of UTF-8. Of a line of many thousand bytes
-  // the beginning counts in bytes.
+  // The column of a place in characters of UTF-8. Of a longer line the beginning counts
+  // in bytes.
+  static constexpr std::uint32_t longest_counted_line = 4096;
   std::uint32_t character_column(Offset at) const;
 
   // The line that holds a place, without its line feed; of a long line the part

@@ -19,13 +19,21 @@ std::string formatted(const char *format, std::va_list arguments) {
   return text;
 }
 
+std::string substituted(std::string text, const Substitution &substitution) {
+  if (substitution.text.empty()) return text;
+  for (std::size_t at = text.find(substitution.text); at != std::string::npos;
+       at = text.find(substitution.text, at + substitution.shown.size()))
+    text.replace(at, substitution.text.size(), substitution.shown);
+  return text;
+}
+
 }  // namespace
 
 // DEBUG records are formatted only when somebody wants to see them: a large file
 // makes millions.
 void LogWatch::record(log_level level, const char *format, std::va_list arguments) {
   if (level < LOG_LEVEL_WARN && !is_shown(level)) return;
-  const std::string text = formatted(format, arguments);
+  const std::string text = substituted(formatted(format, arguments), substitution_);
   if (is_shown(level))
     std::fprintf(stderr, "%s %s\n", kzoci::platform::level_name(level),
                  visible(reworded(format, text)).c_str());

@@ -17,12 +17,22 @@ struct Rewording {
   std::string shown;
 };
 
+// A text that is shown as another one, wherever a record holds it.
+struct Substitution {
+  std::string text;  // empty for none
+  std::string shown;
+};
+
 class LogWatch : private LogListener {
  public:
   // Shows records from the given level on on standard error, one a line; none when
   // absent.
-  explicit LogWatch(std::optional<log_level> shown, std::vector<Rewording> rewordings = {})
-      : shown_(shown), rewordings_(std::move(rewordings)), listening_(*this) {}
+  explicit LogWatch(std::optional<log_level> shown, std::vector<Rewording> rewordings = {},
+                    Substitution substitution = {})
+      : shown_(shown),
+        rewordings_(std::move(rewordings)),
+        substitution_(std::move(substitution)),
+        listening_(*this) {}
 
   // The text of the first ERROR record; where there is none, of the WARN records
   // that ended the lookup.
@@ -37,6 +47,7 @@ class LogWatch : private LogListener {
 
   std::optional<log_level> shown_;
   std::vector<Rewording> rewordings_;
+  Substitution substitution_;
   std::optional<std::string> first_error_;
   std::string warning_;
   std::string warning_before_;

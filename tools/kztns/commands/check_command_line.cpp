@@ -1,0 +1,121 @@
+#include <algorithm>
+#include <map>
+
+#include "commands/check.h"
+#include "commands/command_line.h"
+#include "io/input_files.h"
+#include "text/spelling.h"
+#include "trace/key_words.h"
+
+namespace kztns {
+namespace {
+
+constexpr char statuses[] =
+    "0 no errors, 1 errors (--fail-on says what else fails),\n66 takes precedence over 1";
+
+std::map<std::string, const CheckFormat *> report_formats() {
+  std::map<std::string, const CheckFormat *> formats;
+  for (const CheckFormat &format : check_formats) formats[std::string(format.name)] = &format;
+  return formats;
+}
+
+// "text, json or sarif", in the order of the formats.
+std::string report_format_names() {
+  std::vector<std::string_view> names;
+  for (const CheckFormat &format : check_formats) names.push_back(format.name);
+  return one_of(names);
+}
+
+const std::map<std::string, ColorChoice> color_choices = {{"auto", ColorChoice::automatic},
+                                                          {"always", ColorChoice::always},
+                                                          {"never", ColorChoice::never}};
+
+const std::map<std::string, FailOn> failures = {
+    {"error", FailOn::error}, {"warning", FailOn::warning}, {"never", FailOn::never}};
+
+const CLI::Validator is_rule(
+    [](const std::string &word) { return complaint_about("rule", word, rule_ids()); }, "");
+
+void add_files(CLI::App *check, Arguments &arguments) {
+  check
+      ->add_option("FILE", arguments.paths,
+                   "Names files; of a folder the *.ora files in it and below; - is standard input")
+      ->type_name("")
+      ->excludes("--file");
+  check->add_option("--stdin-name", arguments.stdin_name, "What reports call standard input")
+      ->type_name("NAME");
+}
+
+void add_rules(CLI::App *check, Arguments &arguments) {
+  CLI::Option *const rules =
+      check->add_flag("--rules", arguments.rules, "List the rules, and check nothing")
+          ->excludes("FILE");
+  check
+      ->add_option("--explain", arguments.explained,
+                   "Print what the documents say of a rule, and check nothing")
+      ->type_name("RULE")
+      ->check(is_rule)
+      ->excludes("FILE")
+      ->excludes(rules);
+  check
+      ->add_option("--disable", arguments.disabled,
+                   "Rules whose findings are not reported, separated by commas; repeatable")
+      ->type_name("RULE,...")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(is_rule);
+}
+
+void add_outcome(CLI::App *check, Arguments &arguments) {
+  check->add_flag("--strict", arguments.strict, "Report warnings as errors");
+  check
+      ->add_option("--fail-on", arguments.fail_on,
+                   "Findings from which on the exit status is 1: error, warning, or never; "
+                   "warnings stay warnings")
+      ->type_name("SEVERITY")
+      ->check(CLI::IsMember(failures));
+}
+
+RuleSet rules_of(const std::vector<std::string> &ids) {
+  RuleSet rules;
+  for (const std::string &id : ids)
+    if (const std::optional<Rule> rule = rule_of(id)) rules.set(static_cast<std::size_t>(*rule));
+  return rules;
+}
+
+}  // namespace
+
+void add_check(CLI::App &app, Arguments &arguments) {
+  CLI::App *const check =
+      add_command(app, "check", "Check names files for errors", statuses, arguments);
+  add_files(check, arguments);
+  check->add_option("--format", arguments.format, report_format_names())
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember(report_formats()));
+  add_outcome(check, arguments);
+  add_rules(check, arguments);
+  check->add_option("--color", arguments.color, "auto, always or never")
+      ->type_name("WHEN")
+      ->check(CLI::IsMember(color_choices));
+  check->add_flag("--no-color", arguments.no_color, "Do not use colours");
+}
+
+int run_check(const CLI::App &command, const Arguments &arguments) {
+  if (arguments.rules) return list_rules();
+  if (const std::optional<Rule> rule = rule_of(arguments.explained)) return explain_rule(*rule);
+  CheckOptions options;
+  options.paths = arguments.paths;
+  if (command.count("--file") > 0) options.paths = {arguments.file};
+  if (std::count(options.paths.begin(), options.paths.end(), standard_input) > 1)
+    throw CLI::ValidationError("FILE", "standard input (-) can be given only once");
+  options.stdin_name = arguments.stdin_name;
+  options.max_size = arguments.max_size;
+  options.format = report_formats().at(arguments.format);
+  options.color = arguments.no_color ? ColorChoice::never : color_choices.at(arguments.color);
+  options.disabled = rules_of(arguments.disabled);
+  options.strict = arguments.strict;
+  options.fail_on = failures.at(arguments.fail_on);
+  return check(options);
+}
+
+}  // namespace kztns

@@ -1,0 +1,64 @@
+// What the subcommands' command lines have in common.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "io/read_file.h"
+
+namespace kztns {
+
+// What the options of all subcommands are read into.
+struct Arguments {
+  std::string identifier;
+  std::string file;
+  std::string level;
+  std::string format = "text";
+  std::string tree_format = "tree";
+  std::string color = "auto";
+  std::uint64_t max_size = default_max_size;
+  bool no_color = false;
+  bool strict = false;
+  bool dblink = false;
+  bool session = false;
+  // check
+  std::vector<std::string> paths;
+  std::string stdin_name = "<stdin>";
+  std::string explained;
+  std::vector<std::string> disabled;
+  std::string fail_on = "error";
+  bool rules = false;
+  // list
+  std::vector<std::string> names;
+  std::vector<std::string> verdicts;
+};
+
+inline constexpr char version[] = "kztns " KZTNS_VERSION;
+
+// A subcommand: all of them read a names file. The statuses are those that it has of its
+// own.
+CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, const char *statuses,
+                      Arguments &arguments);
+
+// For a subcommand that takes no identifier.
+void add_positional_file(CLI::App *command, Arguments &arguments);
+
+// The names file that the command line names.
+std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments);
+
+// What is wrong with a word that has to be one of some, as an option's check returns it:
+// empty for nothing, otherwise with the one that is near.
+std::string complaint_about(const std::string &what, const std::string &word,
+                            const std::vector<std::string_view> &words);
+
+void add_check(CLI::App &app, Arguments &arguments);
+int run_check(const CLI::App &command, const Arguments &arguments);
+
+void add_list(CLI::App &app, Arguments &arguments);
+int run_list(const CLI::App &command, const Arguments &arguments);
+
+}  // namespace kztns

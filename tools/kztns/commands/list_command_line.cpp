@@ -1,0 +1,58 @@
+#include "commands/command_line.h"
+#include "commands/list.h"
+
+namespace kztns {
+namespace {
+
+constexpr char statuses[] = "0 listed, 1 a NAME is not there";
+
+std::vector<std::string_view> verdict_names() {
+  std::vector<std::string_view> names;
+  for (std::size_t i = 0; i < verdict_count; ++i) names.push_back(name_of(static_cast<Verdict>(i)));
+  return names;
+}
+
+const CLI::Validator is_verdict(
+    [](const std::string &word) { return complaint_about("verdict", word, verdict_names()); }, "");
+
+VerdictSet verdicts_of(const std::vector<std::string> &words) {
+  VerdictSet verdicts;
+  if (words.empty()) verdicts.set();
+  for (std::size_t i = 0; i < verdict_count; ++i)
+    for (const std::string &word : words)
+      if (word == name_of(static_cast<Verdict>(i))) verdicts.set(i);
+  return verdicts;
+}
+
+}  // namespace
+
+void add_list(CLI::App &app, Arguments &arguments) {
+  CLI::App *const list =
+      add_command(app, "list", "List the entries of a names file", statuses, arguments);
+  list->add_option("NAME", arguments.names,
+                   "List only the entries of these names. Without --file the first one is the "
+                   "file, if there is such a file, or if the environment chooses none")
+      ->type_name("");
+  list->add_option("--verdict", arguments.verdicts,
+                   "List only entries with one of these verdicts, separated by commas: ok, "
+                   "refused, unreachable, shadowed, reserved")
+      ->type_name("VERDICT,...")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(is_verdict);
+  list->add_option("--format", arguments.format, "text or json")
+      ->type_name("FORMAT")
+      ->check(CLI::IsMember({"text", "json"}));
+}
+
+int run_list(const CLI::App &command, const Arguments &arguments) {
+  ListOptions options;
+  options.file = given_file(command, arguments);
+  options.names = arguments.names;
+  options.max_size = arguments.max_size;
+  options.json = arguments.format == "json";
+  options.verdicts = verdicts_of(arguments.verdicts);
+  return list(options);
+}
+
+}  // namespace kztns

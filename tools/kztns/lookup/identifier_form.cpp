@@ -1,0 +1,63 @@
+#include "lookup/identifier_form.h"
+
+#include <string_view>
+
+namespace kztns {
+namespace {
+
+constexpr std::string_view blanks = " \t\r\n";
+
+std::string_view without_blanks_around(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(blanks);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+// HOST:PORT/SERVICE, of which port or service may be left out.
+bool is_host_and_service(std::string_view text) {
+  if (text.find('/') != std::string_view::npos) return true;
+  const std::size_t colon = text.rfind(':');
+  return colon != std::string_view::npos && colon + 1 < text.size() &&
+         text.find_first_not_of("0123456789", colon + 1) == std::string_view::npos;
+}
+
+IdentifierForm form_of_text(std::string_view text) {
+  if (text.starts_with("("))
+    return {
+        "only what begins with (DESCRIPTION = is a literal descriptor; this, also a "
+        "DESCRIPTION_LIST, is looked up as a name; give one DESCRIPTION",
+        ""};
+  if (is_host_and_service(text))
+    return {
+        "HOST:PORT/SERVICE is looked up as a name; add an entry for it, or give "
+        "(DESCRIPTION = (ADDRESS = ...)(CONNECT_DATA = ...))",
+        ""};
+  return {"", std::string(text)};
+}
+
+}  // namespace
+
+IdentifierForm form_of(const std::string &identifier) {
+  const std::string_view text = without_blanks_around(identifier);
+  const std::size_t at = text.rfind('@');
+  if (!text.starts_with("(") && at != std::string_view::npos) {
+    IdentifierForm form = form_of_text(without_blanks_around(text.substr(at + 1)));
+    form.note = "USER/PASSWORD@NAME is looked up as a name; give what comes after the \"@\"" +
+                (form.note.empty() ? "" : "; " + form.note);
+    return form;
+  }
+  IdentifierForm form = form_of_text(text);
+  if (form.note.empty() && text.size() < identifier.size())
+    form.note = "the identifier has blanks before or after the name; give the name without them";
+  if (form.note.empty()) form.name.clear();
+  return form;
+}
+
+std::string without_password(const std::string &identifier) {
+  const std::size_t at = identifier.rfind('@');
+  const std::size_t slash = identifier.find('/');
+  if (at == std::string::npos || slash >= at || identifier.starts_with("(")) return identifier;
+  return identifier.substr(0, slash + 1) + "***" + identifier.substr(at);
+}
+
+}  // namespace kztns

@@ -1,0 +1,36 @@
+#include "report/check_run.h"
+
+namespace kztns {
+
+RunTotals totals_of(const CheckReport &report) {
+  RunTotals totals;
+  totals.verdicts = report.verdicts;
+  totals.severities = report.severities;
+  for (const Finding &finding : report.findings) {
+    if (finding.fix.applicability == Applicability::safe) ++totals.fixes.safe;
+    if (finding.fix.applicability == Applicability::unsafe) ++totals.fixes.unsafe;
+  }
+  return totals;
+}
+
+RunTotals totals_of(const CheckRun &run) {
+  RunTotals all;
+  for (const CheckReport &report : run.reports) {
+    const RunTotals one = totals_of(report);
+    for (std::size_t i = 0; i < verdict_count; ++i) all.verdicts[i] += one.verdicts[i];
+    for (std::size_t i = 0; i < severity_count; ++i) all.severities[i] += one.severities[i];
+    all.fixes.safe += one.fixes.safe;
+    all.fixes.unsafe += one.fixes.unsafe;
+  }
+  return all;
+}
+
+void place_edits(const NamesText &text, CheckReport &report) {
+  for (Finding &finding : report.findings)
+    for (const Edit &edit : finding.fix.edits)
+      finding.places.push_back({text.position(edit.begin), text.position(edit.end),
+                                text.character_column(edit.begin),
+                                text.character_column(edit.end)});
+}
+
+}  // namespace kztns
