@@ -24,8 +24,8 @@ bool is_host_and_service(std::string_view text) {
 IdentifierForm form_of_text(std::string_view text) {
   if (text.starts_with("("))
     return {
-        "only what begins with (DESCRIPTION = is a literal descriptor; this, also a "
-        "DESCRIPTION_LIST, is looked up as a name; give one DESCRIPTION",
+        "only (DESCRIPTION = ...) is read as a descriptor: anything else, (DESCRIPTION_LIST = "
+        "...) too, is looked up as a name; give one DESCRIPTION",
         ""};
   if (is_host_and_service(text))
     return {

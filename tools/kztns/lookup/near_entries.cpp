@@ -85,7 +85,8 @@ std::vector<std::string> near_entries(const NamesText &text, const FileScan &sca
   std::vector<Found> found;
   for (const Entry &entry : scan.entries()) {
     const Nearness near = nearness(scan.name(entry), name);
-    const bool is_it = !with_itself && near == Nearness::same && entry.reached;
+    const bool is_it = near == Nearness::same &&
+                       (with_itself ? entry.verdict == Verdict::shadowed : entry.reached);
     if (near == Nearness::far || is_it) continue;
     const auto place =
         std::upper_bound(found.begin(), found.end(), near,

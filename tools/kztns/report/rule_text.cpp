@@ -27,39 +27,55 @@ std::string_view label_of(std::string_view kind) {
   return kind;
 }
 
-// A line without the marks of code and links.
-std::string plain(std::string_view line) {
+// A text without the marks of code and links.
+std::string plain(std::string_view markdown) {
   std::string text;
-  while (!line.empty()) {
-    const std::size_t mark = std::min(line.find_first_of("`["), line.size());
-    text += line.substr(0, mark);
-    line.remove_prefix(mark);
-    if (line.empty()) break;
-    const std::size_t end = line.find(line[0] == '`' ? "`" : "](", 1);
-    const std::size_t after = line[0] == '`' ? end : line.find(')', end);
-    if (after == std::string_view::npos) return text.append(line);
-    text += line.substr(1, end - 1);
-    line.remove_prefix(after + 1);
+  while (!markdown.empty()) {
+    const std::size_t mark = std::min(markdown.find_first_of("`["), markdown.size());
+    text += markdown.substr(0, mark);
+    markdown.remove_prefix(mark);
+    if (markdown.empty()) break;
+    const bool is_code = markdown[0] == '`';
+    const std::size_t end = markdown.find(is_code ? "`" : "](", 1);
+    const std::size_t after = is_code ? end : markdown.find(')', end);
+    if (after == std::string_view::npos) return text.append(markdown);
+    text += markdown.substr(1, end - 1);
+    markdown.remove_prefix(after + 1);
   }
   return text;
 }
 
-// A section of the documents for a terminal.
-std::string plain_section(std::string_view markdown) {
-  constexpr std::string_view fence = "```";
+std::string paragraphs(std::string_view markdown) {
+  const std::size_t begin = std::min(markdown.find_first_not_of('\n'), markdown.size());
+  const std::size_t end = markdown.find_last_not_of('\n') + 1;
+  return begin < end ? plain(markdown.substr(begin, end - begin)) + "\n\n" : "";
+}
+
+std::string indented(std::string_view block) {
   std::string text;
-  bool in_block = false;
+  while (!block.empty()) {
+    const std::size_t end = std::min(block.find('\n'), block.size() - 1) + 1;
+    text += block[0] == '\n' ? "" : "    ";
+    text += block.substr(0, end);
+    block.remove_prefix(end);
+  }
+  return text;
+}
+
+// A section of the documents for a terminal: text and fenced blocks in turn.
+std::string plain_section(std::string_view markdown) {
+  constexpr std::string_view fence = "\n```";
+  std::string text;
   while (!markdown.empty()) {
-    const std::size_t end = std::min(markdown.find('\n'), markdown.size());
-    const std::string_view line = markdown.substr(0, end);
-    markdown.remove_prefix(std::min(end + 1, markdown.size()));
-    if (line.starts_with(fence)) {
-      in_block = !in_block;
-      if (in_block) text.append(label_of(line.substr(fence.size()))).append("\n\n");
-      continue;
-    }
-    if (in_block) text += line.empty() ? "" : "    ";
-    text += (in_block ? std::string(line) : plain(line)) + "\n";
+    const std::size_t begin = std::min(markdown.find(fence), markdown.size());
+    text += paragraphs(markdown.substr(0, begin));
+    markdown.remove_prefix(std::min(begin + fence.size(), markdown.size()));
+    if (markdown.empty()) break;
+    const std::size_t kind = markdown.find('\n');
+    const std::size_t end = markdown.find(fence, kind);
+    text.append(label_of(markdown.substr(0, kind))).append("\n\n");
+    text += indented(markdown.substr(kind + 1, end - kind)) + "\n";
+    markdown.remove_prefix(std::min(end + fence.size(), markdown.size()));
   }
   return text;
 }
@@ -91,7 +107,7 @@ std::string explanation(Rule rule) {
   const RuleRow &row = row_of(rule);
   return std::string(row.id) + ": " + std::string(name_of(row.severity)) + ": " +
          std::string(row.text) + ".\n\n" + plain_section(section_of(rule)) +
-         "\nWhat to do: " + std::string(row.remedy) + ".\n";
+         "What to do: " + std::string(row.remedy) + ".\n";
 }
 
 }  // namespace kztns
