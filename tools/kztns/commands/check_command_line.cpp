@@ -10,8 +10,7 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] =
-    "0 no errors, 1 errors (--fail-on says what else fails),\n66 takes precedence over 1";
+constexpr char statuses[] = "0 no errors, 1 errors, or what --fail-on says";
 
 std::map<std::string, const CheckFormat *> report_formats() {
   std::map<std::string, const CheckFormat *> formats;

@@ -19,6 +19,8 @@ constexpr BlockLabel block_labels[] = {
     {"bytes", "Example, with bytes written as \\xHH:"},
     {"shell", "Example, as a shell makes it:"},
     {"output", "What check says:"},
+    {"fixed", "What kztns fix makes of it:"},
+    {"fixed-unsafe", "What kztns fix --unsafe makes of it:"},
 };
 
 std::string_view label_of(std::string_view kind) {

@@ -12,10 +12,14 @@ constexpr std::string_view mark = "kztns:";
 constexpr std::string_view verb = "ignore";
 constexpr std::string_view blanks = " \t";
 
+// Words that are no rules; a file with more of them is none that anybody wrote.
+constexpr std::size_t most_unknown = 10'000;
+
 // One of the comments.
 struct Comment {
   Offset at;               // of the mark
   Offset list;             // what it names
+  Offset end;              // of the line
   std::string_view names;  // up to the end of the line, or to " --"
   bool alone;              // on a line of its own
 };
@@ -40,21 +44,24 @@ bool at_begin_of_line(std::string_view text, std::size_t at) {
 std::optional<Comment> comment_at(std::string_view text, std::size_t at) {
   const std::size_t sign = pass_blanks_back(text, at);
   if (sign == 0 || text[sign - 1] != '#' || !can_begin(text, sign - 1)) return std::nullopt;
-  std::string_view rest = text.substr(0, text.find_first_of("\r\n", at));
-  const std::size_t word = rest.find_first_not_of(blanks, at + mark.size());
-  if (word == std::string_view::npos || !rest.substr(word).starts_with(verb)) return std::nullopt;
+  const std::size_t word = text.find_first_not_of(blanks, at + mark.size());
+  if (word == std::string_view::npos || !text.substr(word).starts_with(verb)) return std::nullopt;
   const std::size_t list = word + verb.size();
+  std::string_view rest = text.substr(0, text.find_first_of("\r\n", list));
   if (list < rest.size() && !is_blank(rest[list])) return std::nullopt;
+  const Offset end = static_cast<Offset>(rest.size());
   rest = rest.substr(0, rest.find(" --", list));
-  return Comment{static_cast<Offset>(at), static_cast<Offset>(list), rest.substr(list),
+  return Comment{static_cast<Offset>(at), static_cast<Offset>(list), end, rest.substr(list),
                  at_begin_of_line(text, pass_blanks_back(text, sign - 1))};
 }
 
 std::vector<Comment> comments_of(std::string_view text) {
   std::vector<Comment> comments;
-  for (std::size_t at = text.find(mark); at != std::string_view::npos;
-       at = text.find(mark, at + mark.size()))
-    if (const auto comment = comment_at(text, at)) comments.push_back(*comment);
+  for (std::size_t at = text.find(mark); at != std::string_view::npos; at = text.find(mark, at)) {
+    const std::optional<Comment> comment = comment_at(text, at);
+    if (comment) comments.push_back(*comment);
+    at = comment ? comment->end : at + mark.size();
+  }
   return comments;
 }
 
@@ -133,7 +140,8 @@ RuleSet Ignores::read_rules(std::string_view list, Offset at) {
     const std::string_view word = list.substr(begin, end - begin);
     const std::optional<Rule> rule = rule_of(word);
     if (rule) rules.set(static_cast<std::size_t>(*rule));
-    if (!rule && !word.empty()) unknown_.push_back({at + static_cast<Offset>(begin), word});
+    if (!rule && !word.empty() && unknown_.size() < most_unknown)
+      unknown_.push_back({at + static_cast<Offset>(begin), word});
     names_some = names_some || !word.empty();
     begin = end + 1;
   }
