@@ -4,6 +4,7 @@
 #include "commands/check.h"
 #include "commands/command_line.h"
 #include "io/input_files.h"
+#include "text/escape.h"
 #include "text/spelling.h"
 #include "trace/key_words.h"
 
@@ -32,8 +33,16 @@ const std::map<std::string, ColorChoice> color_choices = {{"auto", ColorChoice::
 const std::map<std::string, FailOn> failures = {
     {"error", FailOn::error}, {"warning", FailOn::warning}, {"never", FailOn::never}};
 
-const CLI::Validator is_rule(
-    [](const std::string &word) { return complaint_about("rule", word, rule_ids()); }, "");
+// What is wrong with a word for a rule; empty for nothing.
+std::string rule_fault(const std::string &word) {
+  if (rule_of(word)) return {};
+  const std::string_view near = near_word(word, rule_ids());
+  const std::string fault = "unknown rule " + kztns::quoted(excerpt(word));
+  return fault +
+         (near.empty() ? ": --rules lists them" : "; did you mean " + std::string(near) + "?");
+}
+
+const CLI::Validator is_rule(rule_fault, "");
 
 void add_files(CLI::App *check, Arguments &arguments) {
   check

@@ -1,8 +1,6 @@
 #include "commands/command_line.h"
 
 #include "io/names_file.h"
-#include "text/escape.h"
-#include "text/spelling.h"
 
 namespace kztns {
 namespace {
@@ -40,17 +38,9 @@ void add_positional_file(CLI::App *command, Arguments &arguments) {
 
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {
   const CLI::Option *const positional = command.get_option_no_throw("FILE");
-  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional);
+  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional) ||
+                     !arguments.file.empty();
   return given ? std::optional(arguments.file) : std::nullopt;
-}
-
-std::string complaint_about(const std::string &what, const std::string &word,
-                            const std::vector<std::string_view> &words) {
-  for (const std::string_view other : words)
-    if (other == word) return {};
-  const std::string_view near = near_word(word, words);
-  return "unknown " + what + " " + visible(word) +
-         (near.empty() ? "" : "; did you mean " + std::string(near) + "?");
 }
 
 }  // namespace kztns

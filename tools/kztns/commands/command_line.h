@@ -50,11 +50,6 @@ void add_positional_file(CLI::App *command, Arguments &arguments);
 // The names file that the command line names.
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments);
 
-// What is wrong with a word that has to be one of some, as an option's check returns it:
-// empty for nothing, otherwise with the one that is near.
-std::string complaint_about(const std::string &what, const std::string &word,
-                            const std::vector<std::string_view> &words);
-
 void add_check(CLI::App &app, Arguments &arguments);
 int run_check(const CLI::App &command, const Arguments &arguments);
 

@@ -12,6 +12,7 @@
 #include "io/names_file.h"
 #include "io/output.h"
 #include "io/progress.h"
+#include "lookup/identifier_form.h"
 #include "lookup/near_entries.h"
 #include "scan/file_scan.h"
 #include "text/width.h"
@@ -125,16 +126,6 @@ class Lister {
   VerdictSet verdicts_;
 };
 
-// Takes the file from the names when it is the first of them.
-ListOptions with_file(ListOptions options) {
-  if (options.file || options.names.empty()) return options;
-  const bool is_file = access(options.names[0].c_str(), F_OK) == 0;
-  if (!is_file && choose_file(std::nullopt)) return options;
-  options.file = options.names[0];
-  options.names.erase(options.names.begin());
-  return options;
-}
-
 }  // namespace
 
 std::string list_line(const ListedEntry &entry, ListFormat format, const ListWidths &widths) {
@@ -159,8 +150,7 @@ std::string list_line(const ListedEntry &entry, ListFormat format, const ListWid
   return visible_json(object.dump());
 }
 
-int list(const ListOptions &given) {
-  const ListOptions options = with_file(given);
+int list(const ListOptions &options) {
   std::string path;
   std::optional<std::string> content = read_names_file(options.file, options.max_size, path);
   if (!content) return exit_no_input;
@@ -179,7 +169,7 @@ int list(const ListOptions &given) {
   for (const std::string &name : missing) {
     std::string what = "not found in " + kztns::quoted(visible(path));
     for (const std::string &clause : near_entries(text, scan, name)) what += "; " + clause;
-    complain(name.empty() ? "\"\"" : visible(name), what);
+    complain(name.empty() ? "\"\"" : excerpt(without_password(name)), what);
   }
   if (written != exit_success) return written;
   return missing.empty() ? exit_success : exit_not_found;

@@ -16,10 +16,8 @@ enum class ListFormat { columns, tabs, json };
 using VerdictSet = std::bitset<verdict_count>;
 
 struct ListOptions {
-  std::optional<std::string> file;
-  // Only entries of these; none: all. Without a file the first one is the file, if there is
-  // such a file, or if the environment chooses none.
-  std::vector<std::string> names;
+  std::optional<std::string> file;  // absent: the one that the environment chooses
+  std::vector<std::string> names;   // only entries of these; none: all
   std::uint64_t max_size = default_max_size;
   bool json = false;
   VerdictSet verdicts = VerdictSet().set();  // only entries with one of these

@@ -1,5 +1,12 @@
+#include <unistd.h>
+
+#include <algorithm>
+
 #include "commands/command_line.h"
 #include "commands/list.h"
+#include "io/names_file.h"
+#include "text/escape.h"
+#include "trace/key_words.h"
 
 namespace kztns {
 namespace {
@@ -12,8 +19,14 @@ std::vector<std::string_view> verdict_names() {
   return names;
 }
 
-const CLI::Validator is_verdict(
-    [](const std::string &word) { return complaint_about("verdict", word, verdict_names()); }, "");
+// What is wrong with a word for a verdict; empty for nothing.
+std::string verdict_fault(const std::string &word) {
+  const std::vector<std::string_view> names = verdict_names();
+  if (std::find(names.begin(), names.end(), word) != names.end()) return {};
+  return "unknown verdict " + kztns::quoted(excerpt(word)) + ": expected " + one_of(names);
+}
+
+const CLI::Validator is_verdict(verdict_fault, "");
 
 VerdictSet verdicts_of(const std::vector<std::string> &words) {
   VerdictSet verdicts;
@@ -22,6 +35,15 @@ VerdictSet verdicts_of(const std::vector<std::string> &words) {
     for (const std::string &word : words)
       if (word == name_of(static_cast<Verdict>(i))) verdicts.set(i);
   return verdicts;
+}
+
+// Takes the file from the names when it is the first of them.
+void take_file(const CLI::App &list, Arguments &arguments) {
+  if (list.count("--file") > 0 || arguments.names.empty()) return;
+  const bool is_file = access(arguments.names[0].c_str(), F_OK) == 0;
+  if (!is_file && choose_file(std::nullopt)) return;
+  arguments.file = arguments.names[0];
+  arguments.names.erase(arguments.names.begin());
 }
 
 }  // namespace
@@ -34,8 +56,8 @@ void add_list(CLI::App &app, Arguments &arguments) {
                    "file, if there is such a file, or if the environment chooses none")
       ->type_name("");
   list->add_option("--verdict", arguments.verdicts,
-                   "List only entries with one of these verdicts, separated by commas: ok, "
-                   "refused, unreachable, shadowed, reserved")
+                   "List only entries with one of these verdicts, separated by commas: " +
+                       one_of(verdict_names()))
       ->type_name("VERDICT,...")
       ->delimiter(',')
       ->allow_extra_args(false)
@@ -43,6 +65,7 @@ void add_list(CLI::App &app, Arguments &arguments) {
   list->add_option("--format", arguments.format, "text or json")
       ->type_name("FORMAT")
       ->check(CLI::IsMember({"text", "json"}));
+  list->callback([list, &arguments] { take_file(*list, arguments); });
 }
 
 int run_list(const CLI::App &command, const Arguments &arguments) {

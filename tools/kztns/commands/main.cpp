@@ -6,6 +6,7 @@
 #include <iterator>
 #include <map>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -18,11 +19,13 @@
 #include "commands/show.h"
 #include "commands/why.h"
 #include "io/exit_status.h"
+#include "io/names_file.h"
 #include "io/output.h"
 #include "io/standard_streams.h"
 #include "kzoci/platform/level_names.h"
 #include "text/escape.h"
 #include "text/spelling.h"
+#include "trace/key_words.h"
 
 namespace {
 
@@ -147,6 +150,8 @@ std::string subject_of(const CLI::App &app, Arguments &arguments) {
   std::string &identifier = arguments.identifier;
   if (IsDescriptionTns(identifier.data(), static_cast<ub4>(identifier.size())))
     return "literal descriptor";
+  if (arguments.paths.size() == 1) return kztns::quoted(kztns::visible(arguments.paths[0]));
+  if (arguments.paths.size() > 1) return "names files";
   const std::vector<const CLI::App *> commands = app.get_subcommands({});
   const auto used = std::find_if(commands.begin(), commands.end(),
                                  [](const CLI::App *command) { return command->parsed(); });
