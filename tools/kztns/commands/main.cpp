@@ -227,7 +227,9 @@ int main(int argc, char **argv) {
   } catch (const CLI::ParseError &error) {
     return finish_without_command(app, error, argc, argv);
   } catch (const std::bad_alloc &) {
-    kztns::complain(subject_of(app, arguments), "not enough memory to read it");
+    kztns::complain(subject_of(app, arguments), arguments.paths.size() > 1
+                                                    ? "not enough memory to read them"
+                                                    : "not enough memory to read it");
     return kztns::exit_no_memory;
   }
 }
