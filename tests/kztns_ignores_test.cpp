@@ -71,13 +71,13 @@ TEST(Ignores, AboveAnEntryHoldForIt) {
 }
 
 TEST(Ignores, HoldForTheEntryThatAFindingNames) {
-  // The place of the finding is the beginning of the next entry.
   const std::string open = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n";
   const std::string next = entry("b", "");
-  ASSERT_EQ(found_in(open + next), "2:1 missing-close\n2:1 unreachable\n");
-  EXPECT_EQ(found_in("# kztns: ignore missing-close\n" + open + next), "3:1 unreachable\n");
-  EXPECT_EQ(found_in(open + "# kztns: ignore missing-close\n" + next),
-            "3:1 missing-close\n3:1 unreachable\n");
+  ASSERT_EQ(found_in(open + next), "1:5 unclosed-block\n1:6 no-service\n2:1 unreachable\n");
+  EXPECT_EQ(found_in("# kztns: ignore unclosed-block\n" + open + next),
+            "2:6 no-service\n3:1 unreachable\n");
+  EXPECT_EQ(found_in(open + "# kztns: ignore unclosed-block\n" + next),
+            "1:5 unclosed-block\n1:6 no-service\n3:1 unreachable\n");
 }
 
 TEST(Ignores, OfADuplicateHoldForTheOneBelow) {
