@@ -56,6 +56,19 @@ TEST(EditedText, MayLoseAllOfIt) {
   EXPECT_EQ(text.origin(0), 8u);
 }
 
+TEST(EditedText, KnowsWhichEditsAreOfTheTextBefore) {
+  EditedText text("0123456789");
+  text.apply({{2, 4, "xyz"}, {6, 6, "+"}});  // 01xyz45+6789
+  const auto before = [&](Edit edit) { return text.to_origin(edit) ? edit : Edit{99, 99, ""}; };
+  EXPECT_EQ(before({0, 2, "a"}), (Edit{0, 2, "a"}));
+  EXPECT_EQ(before({5, 7, ""}), (Edit{4, 6, ""}));
+  EXPECT_EQ(before({8, 8, "a"}), (Edit{6, 6, "a"}));
+  EXPECT_EQ(before({12, 12, "a"}), (Edit{10, 10, "a"}));
+  EXPECT_EQ(before({2, 5, ""}), (Edit{99, 99, ""}));
+  EXPECT_EQ(before({3, 3, "a"}), (Edit{99, 99, ""}));
+  EXPECT_EQ(before({6, 9, ""}), (Edit{99, 99, ""}));
+}
+
 TEST(Edits, AreSortedAndToldWhereTheyOverlap) {
   std::vector<Edit> edits = {{4, 6, "b"}, {1, 1, "first"}, {1, 1, "second"}, {1, 4, "a"}};
   kztns::sort_edits(edits);

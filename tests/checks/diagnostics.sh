@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs every example of docs/diagnostics.md and compares: a block that makes a
 # names file, followed by a block with what check says of it, the last line
-# excepted. Every rule has its section.
+# excepted, and by what fix makes of it: "fixed", "fixed-unsafe" with --unsafe. Every
+# rule has its section.
 #
 #   diagnostics.sh PROJECT KZTNS
 set -uo pipefail
@@ -31,15 +32,28 @@ compare() {
   examples=$((examples + 1))
 }
 
+# compare_fixed KIND: the names file as fix prints it.
+compare_fixed() {
+  local options=()
+  [ "$1" = fixed ] || options=(--unsafe)
+  "$kztns" fix "${options[@]}" names.ora >actual 2>/dev/null
+  # Some examples have no line feed at their end.
+  [ -z "$(tail -c 1 actual)" ] || echo >>actual
+  diff -u --label "$rule: expected, $1" --label "$rule: actual" block actual || failed=1
+}
+"$kztns" --help | grep -q '^ *fix ' || compare_fixed() { :; }
+
 kind=
 while IFS= read -r line; do
   case $kind:$line in
     :'#### '*) rule=${line#'#### '} && echo "$rule" >>rules ;;
-    :'```names' | :'```names-without-end' | :'```bytes' | :'```shell' | :'```output')
+    :'```names' | :'```names-without-end' | :'```bytes' | :'```shell' | :'```output' | \
+      :'```fixed' | :'```fixed-unsafe')
       kind=${line#'```'}
       : >block
       ;;
     output:'```') mv block expected && compare && kind= ;;
+    fixed*:'```') compare_fixed "$kind"; kind= ;;
     ?*:'```') make_file "$kind" <block && kind= ;;
     ?*:*) printf '%s\n' "$line" >>block ;;
   esac

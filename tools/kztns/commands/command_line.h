@@ -32,6 +32,14 @@ struct Arguments {
   std::vector<std::string> disabled;
   std::string fail_on = "error";
   bool rules = false;
+  // fix
+  std::string output;
+  std::string keep;
+  bool diff = false;
+  bool in_place = false;
+  bool with_unsafe = false;
+  bool inline_ifile = false;
+  bool comment_out = false;
   // list
   std::vector<std::string> names;
   std::vector<std::string> verdicts;
@@ -52,6 +60,9 @@ std::optional<std::string> given_file(const CLI::App &command, const Arguments &
 
 void add_check(CLI::App &app, Arguments &arguments);
 int run_check(const CLI::App &command, const Arguments &arguments);
+
+void add_fix(CLI::App &app, Arguments &arguments);
+int run_fix(const CLI::App &command, const Arguments &arguments);
 
 void add_list(CLI::App &app, Arguments &arguments);
 int run_list(const CLI::App &command, const Arguments &arguments);

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -23,6 +24,17 @@ int finish_output() {
 
 std::string for_output(std::string_view value) {
   return isatty(STDOUT_FILENO) != 0 ? visible(value) : std::string(value);
+}
+
+std::string visible_lines(std::string_view text) {
+  std::string shown;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find_first_of("\n\t", begin), text.size());
+    shown += visible(text.substr(begin, end - begin));
+    if (end < text.size()) shown += text[end];
+    begin = end + 1;
+  }
+  return shown;
 }
 
 }  // namespace kztns

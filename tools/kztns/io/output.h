@@ -16,4 +16,7 @@ int finish_output();
 // for a terminal.
 std::string for_output(std::string_view value);
 
+// Lines as a terminal takes them: line feeds and tabs stay.
+std::string visible_lines(std::string_view text);
+
 }  // namespace kztns

@@ -7,23 +7,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "io/descriptor.h"
+
 namespace kztns {
 namespace {
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() {
-    if (number_ >= 0) close(number_);
-  }
-  Descriptor(const Descriptor &) = delete;
-  Descriptor &operator=(const Descriptor &) = delete;
-
-  int number() const { return number_; }
-
- private:
-  int number_;
-};
 
 ReadFault fault_of(int error) {
   return {error == ENOENT || error == ENOTDIR,

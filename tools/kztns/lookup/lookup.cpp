@@ -1,38 +1,14 @@
 #include "lookup/lookup.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "io/names_file.h"
-#include "kzoci/oci_tnsname/names_file.h"
 #include "lookup/identifier_form.h"
+#include "lookup/named_file.h"
 #include "trace/log_watch.h"
 
 namespace kztns {
 namespace {
-
-// The one that names the file itself.
-constexpr const char *file_variable = kzoci::tns::names_file_sources[0].variable;
-
-// Sets the variable that names the file for the time of its life.
-class NamedFile {
- public:
-  explicit NamedFile(const std::string &path) {
-    if (const char *const value = std::getenv(file_variable)) before_ = value;
-    setenv(file_variable, path.c_str(), 1);
-  }
-  ~NamedFile() {
-    if (before_)
-      setenv(file_variable, before_->c_str(), 1);
-    else
-      unsetenv(file_variable);
-  }
-  NamedFile(const NamedFile &) = delete;
-  NamedFile &operator=(const NamedFile &) = delete;
-
- private:
-  std::optional<std::string> before_;
-};
 
 void take_content(const std::string &path, std::uint64_t max_size, Lookup &lookup) {
   const auto content = std::make_shared<MemoryFile>();

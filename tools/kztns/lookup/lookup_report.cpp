@@ -7,10 +7,11 @@
 #include "lookup/near_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
-#include "rules/file_rules.h"
 #include "rules/parentheses.h"
+#include "rules/stop_causes.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
+#include "text/utf_16.h"
 
 namespace kztns {
 namespace {
@@ -96,11 +97,10 @@ class NameVisitor : public EntryVisitor {
   // What is read as system variables only because of its name is reported so.
   Remark told_by_name(const EntryView &view, const Remark &remark) const {
     if (!view.trace.is_system_variables() || view.name == kzoci::tns::reserved_name) return remark;
-    return remark_about(
-        subject_.text, view.entry.at,
-        excerpt(view.name) + " is a prefix of " + kzoci::tns::reserved_name +
-            ", and is read as system variables",
-        Rule::reserved_part);
+    return remark_about(subject_.text, view.entry.at,
+                        excerpt(view.name) + " is a prefix of " + kzoci::tns::reserved_name +
+                            ", and is read as system variables",
+                        Rule::reserved_part);
   }
 
   Subject subject_;
@@ -126,8 +126,9 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
   if (is_utf_16(text.text()))
     return remark_about(text, 0, "the file is in UTF-16, in which no name can be read",
                         Rule::utf_16);
-  const StopCause cause = cause_of_stop(text, scan);
+  const StopCause cause = cause_of_stop(scan);
   std::string words = cause.text;
+  if (goes_on_with_loss(cause.rule)) words += ": the entries after it are lost";
   if (scan.stop().kind == StopKind::reserved) {
     const std::string name = excerpt(scan.name(*scan.last_reached()));
     words = name + " is " + (name == kzoci::tns::reserved_name ? "" : "a prefix of ") +

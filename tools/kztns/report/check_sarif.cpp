@@ -69,7 +69,8 @@ bool has_fix_to_show(const Finding &finding) {
   const auto is_countable = [](const EditPlace &place) {
     return std::max(place.begin.column, place.end.column) <= NamesText::longest_counted_line;
   };
-  return finding.fix && std::all_of(finding.places.begin(), finding.places.end(), is_countable) &&
+  return finding.fix && !finding.places.empty() &&
+         std::all_of(finding.places.begin(), finding.places.end(), is_countable) &&
          std::all_of(finding.fix.edits.begin(), finding.fix.edits.end(),
                      [](const Edit &edit) { return is_utf8(edit.text); });
 }

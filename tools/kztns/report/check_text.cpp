@@ -40,16 +40,21 @@ class Painter {
   std::string text_;
 };
 
+// From the entry on.
+std::string message(const Finding &finding, const std::string &remedy) {
+  std::string text;
+  if (!finding.entry.empty()) text += excerpt(finding.entry) + ": ";
+  if (!finding.path.empty()) text += finding.path + ": ";
+  return text + finding.text + "; " + remedy + " [" + std::string(row_of(finding.rule).id) + "]";
+}
+
 std::string line(const std::string &file, const Finding &finding, bool color) {
   Painter painter(color);
   painter.add(bold, visible(file) + ":" + to_string(finding.position) + ":");
   painter.add(" ");
   painter.add(color_of(finding.severity), std::string(name_of(finding.severity)) + ":");
   painter.add(" ");
-  if (!finding.entry.empty()) painter.add(excerpt(finding.entry) + ": ");
-  if (!finding.path.empty()) painter.add(finding.path + ": ");
-  painter.add(finding.text + "; " + finding.remedy + " [" + std::string(row_of(finding.rule).id) +
-              "]");
+  painter.add(message(finding, finding.remedy));
   return painter.take();
 }
 
@@ -75,10 +80,7 @@ void add_report(Painter &painter, const CheckReport &report, const TextStyle &st
     painter.add(line(report.file, finding, style.color) + "\n");
     if (style.source) add_source(painter, finding);
   }
-  for (std::size_t i = 0; i < rule_count; ++i)
-    if (const std::size_t more = left_out(report, static_cast<Rule>(i)); more > 0)
-      painter.add(visible(report.file) + ": and " + std::to_string(more) + " more of [" +
-                  std::string(row_of(static_cast<Rule>(i)).id) + "]\n");
+  painter.add(left_out_lines(report));
   painter.add(visible(report.file) + ": " + summary(totals_of(report)) + "\n");
 }
 
@@ -86,6 +88,12 @@ void add_report(Painter &painter, const CheckReport &report, const TextStyle &st
 
 std::string finding_line(const std::string &file, const Finding &finding) {
   return line(file, finding, false);
+}
+
+std::string fixed_line(const std::string &file, const Finding &finding, const std::string &done) {
+  const bool guessed = finding.fix.applicability == Applicability::unsafe;
+  return visible(file) + ":" + to_string(finding.position) +
+         (guessed ? ": fixed (unsafe): " : ": fixed: ") + message(finding, done);
 }
 
 std::string with_caret(const std::string &source, std::size_t caret) {
@@ -104,6 +112,18 @@ std::string with_caret(const std::string &source, std::size_t caret) {
     begin = end + 1;
   }
   return "  " + shown + "\n  " + under + "^";
+}
+
+std::string left_out_lines(const CheckReport &report) {
+  std::string text;
+  for (std::size_t i = 0; i < rule_count; ++i) {
+    const auto rule = static_cast<Rule>(i);
+    const std::size_t count = left_out(report, rule);
+    if (count > 0)
+      text += visible(report.file) + ": and " + std::to_string(count) + " more of [" +
+              std::string(row_of(rule).id) + "]\n";
+  }
+  return text;
 }
 
 std::string summary(const RunTotals &totals) {

@@ -10,6 +10,12 @@ namespace kztns {
 // A finding as "FILE:LINE:COL: error: ENTRY: PATH: TEXT; REMEDY [rule]".
 std::string finding_line(const std::string &file, const Finding &finding);
 
+// The same of one that was mended, as "FILE:LINE:COL: fixed: ENTRY: PATH: TEXT; DONE [rule]".
+std::string fixed_line(const std::string &file, const Finding &finding, const std::string &done);
+
+// How many findings of each rule the report leaves out, a line each.
+std::string left_out_lines(const CheckReport &report);
+
 // "2 entries: 1 ok, 1 refused, 0 unreachable, 0 shadowed, 0 reserved; 1 fixable with kztns fix"
 std::string summary(const RunTotals &totals);
 

@@ -1,13 +1,18 @@
 #include "rules/check_file.h"
 
+#include <algorithm>
 #include <set>
+#include <utility>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/apply_fixes.h"
 #include "rules/entry_faults.h"
 #include "rules/entry_warnings.h"
+#include "rules/file_fixes.h"
 #include "rules/file_rules.h"
 #include "rules/parentheses.h"
+#include "scan/further_stops.h"
+#include "text/utf_16.h"
 
 namespace kztns {
 namespace {
@@ -19,10 +24,12 @@ class EntryChecker : public EntryVisitor {
       : text_(text), request_(request), findings_(findings), faults_(text, findings) {}
 
   void visit(const EntryView &view) override {
+    if (request_.visit) request_.visit(view);
     if (utf_16_) return;
     if (view.service == nullptr && view.trace.is_system_variables() &&
         view.name != kzoci::tns::reserved_name)
       return;  // the name is to blame
+    if (is_told_already(view)) return;
     if (view.trace.fault().kind != FaultKind::none) report_fault(view);
     if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
       report_entry_warnings(view.trace, view.name, findings_);
@@ -33,7 +40,18 @@ class EntryChecker : public EntryVisitor {
   // The finding about the last entry, when its fault ends the lookups too.
   const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
 
+  // Of entries whose parentheses match too early, what comes after that.
+  const std::vector<EntryRange> &closed_early() const { return closed_early_; }
+
  private:
+  // Of the names of a list one is enough; a comment of other readers is no entry.
+  bool is_told_already(const EntryView &view) {
+    const bool comment = view.stop != nullptr && view.stop->kind == StopKind::no_open &&
+                         is_foreign_comment(view.name);
+    if (!view.entry.in_list) return comment;
+    return std::exchange(list_, view.entry.body) == view.entry.body;
+  }
+
   // Whether the fault ends the lookups of other names too.
   static bool ends_lookups_too(const EntryView &view) {
     return view.stop != nullptr &&
@@ -48,8 +66,7 @@ class EntryChecker : public EntryVisitor {
   }
 
   std::string consequence(const Stop *stop) const {
-    if (stop == nullptr || stop->kind == StopKind::no_open)
-      return "; the entries after it are lost";
+    if (stop == nullptr || stop->kind == StopKind::no_open) return {};
     return "; lookups of later names read on to the end of the file at " +
            text_.place(text_.size());
   }
@@ -61,6 +78,8 @@ class EntryChecker : public EntryVisitor {
       reported_stop_ = {first.rule, first.at, first.text};
       consequence_of_first = consequence(view.stop);
     }
+    if (closes_early(first.rule) && closed_early_.size() < Findings::most_of_a_rule)
+      closed_early_.push_back({first.at, faults_.range().end});
     faults_.report(view, std::move(first), consequence_of_first);
   }
 
@@ -69,7 +88,9 @@ class EntryChecker : public EntryVisitor {
   const CheckRequest &request_;
   Findings &findings_;
   EntryFaults faults_;
+  Offset list_ = 0;  // the body of the last list of names
   std::optional<StopCause> reported_stop_;
+  std::vector<EntryRange> closed_early_;
 };
 
 void list_entries(const NamesText &text, const FileScan &scan, CheckReport &report) {
@@ -89,7 +110,7 @@ class FurtherChecks {
 
   void run() {
     std::vector<Edit> edits = edits_of(report_.findings, true);
-    for (int walks = 1; walks < most_walks && !edits.empty(); ++walks) {
+    for (int walks = 1; walks < most_walks && !edits.empty() && is_complete(); ++walks) {
       edited_.apply(edits);
       CheckReport found = check_once(text_, request_);
       edits = edits_of(found.findings, true);
@@ -101,18 +122,27 @@ class FurtherChecks {
   // Each walk comes past what stopped the one before.
   static constexpr int most_walks = 16;
 
-  // The findings about entries that something else keeps lookups from.
-  static bool is_consequence(Rule rule) {
-    return rule == Rule::unreachable || rule == Rule::after_reserved || rule == Rule::comma_list;
+  // A file with more findings than are shown is not mended by reading them.
+  bool is_complete() const {
+    for (std::size_t i = 0; i < rule_count; ++i)
+      if (left_out(report_, static_cast<Rule>(i)) > 0) return false;
+    return true;
+  }
+
+  // Of the entries that something else keeps lookups from it is told once.
+  bool is_consequence(Rule rule) const {
+    return rule == Rule::unreachable || (rule == Rule::after_reserved && has(rule));
+  }
+
+  bool has(Rule rule) const {
+    return std::any_of(report_.findings.begin(), report_.findings.end(),
+                       [&](const Finding &finding) { return finding.rule == rule; });
   }
 
   void add(Finding finding) {
     finding.at = edited_.origin(finding.at);
     if (is_consequence(finding.rule) || !known_.insert(finding.at).second) return;
-    for (Edit &edit : finding.fix.edits) {
-      edit.begin = edited_.origin(edit.begin);
-      edit.end = std::max(edit.begin, edited_.origin(edit.end));
-    }
+    finding.fix.to_origin(edited_);
     ++report_.severities[static_cast<std::size_t>(finding.severity)];
     report_.findings.push_back(std::move(finding));
   }
@@ -124,6 +154,23 @@ class FurtherChecks {
   std::set<Offset> known_;  // where something is told already
 };
 
+// Of what is converted the places are those of the converted text, as editors show it. Its
+// findings have no fixes: those would be of another text.
+void add_findings_of_converted(const NamesText &text, const CheckRequest &request,
+                               CheckReport &report) {
+  const NamesText converted(utf_8_of_utf_16(text.text()));
+  CheckReport found = check_file(converted, request);
+  for (Finding &finding : found.findings) {
+    finding.fix = {};
+    report.findings.push_back(std::move(finding));
+  }
+  for (std::size_t i = 0; i < rule_count; ++i)
+    for (std::size_t severity = 0; severity < severity_count; ++severity)
+      report.left_out[i][severity] += found.left_out[i][severity];
+  for (std::size_t i = 0; i < found.severities.size(); ++i)
+    report.severities[i] += found.severities[i];
+}
+
 }  // namespace
 
 CheckReport check_once(const NamesText &text, const CheckRequest &request) {
@@ -132,10 +179,11 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   Findings findings(text, request.most_of_a_rule, report);
   EntryChecker checker(text, request, findings);
   const FileScan scan(text, checker);
-  apply_file_rules(text, scan, checker.reported_stop(), findings);
+  apply_file_rules(scan, checker.reported_stop(), checker.closed_early(), findings);
   for (const Entry &entry : scan.entries())
     ++report.verdicts[static_cast<std::size_t>(entry.verdict)];
-  report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty();
+  report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty() ||
+                       hiding_carriage_return(text.text()).has_value();
   if (request.with_entries) list_entries(text, scan, report);
   sort(report.findings);
   return report;
@@ -143,7 +191,10 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
 
 CheckReport check_file(const NamesText &text, const CheckRequest &request) {
   CheckReport report = check_once(text, request);
-  if (report.lookups_end) FurtherChecks(text, request, report).run();
+  if (is_utf_16(text.text()))
+    add_findings_of_converted(text, request, report);
+  else if (report.lookups_end)
+    FurtherChecks(text, request, report).run();
   sort(report.findings);
   return report;
 }

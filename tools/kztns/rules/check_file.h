@@ -13,6 +13,7 @@ struct CheckRequest {
   bool with_entries = false;                              // whether the report lists the entries
   std::size_t most_of_a_rule = Findings::most_of_a_rule;  // findings; more are counted only
   std::function<void(Offset)> progress = [](Offset) {};
+  std::function<void(const EntryView &)> visit = {};  // called for every entry, when it is there
 };
 
 // One walk through the file: what ends the lookups hides what else would.

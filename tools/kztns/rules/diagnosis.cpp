@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kzoci/platform/my_strtoll10.h"
+#include "rules/fixes.h"
 #include "scan/written_entries.h"
 #include "text/spelling.h"
 
@@ -218,7 +219,9 @@ class FaultExplainer {
 }  // namespace
 
 Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name) {
-  return FaultExplainer(subject, trace, name).diagnose();
+  Diagnosis diagnosis = FaultExplainer(subject, trace, name).diagnose();
+  add_fix(subject, trace, name, diagnosis);
+  return diagnosis;
 }
 
 std::string quoted_token(const Subject &subject, Offset at) {

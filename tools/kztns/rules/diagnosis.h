@@ -1,6 +1,8 @@
 // What the trace of a build means for people.
 #pragma once
 
+#include <functional>
+
 #include "rules/findings.h"
 #include "scan/file_scan.h"
 
@@ -10,6 +12,11 @@ namespace kztns {
 struct Subject {
   const NamesText &text;
   std::string_view noun;  // "file" or "text"
+  // For fixes of an entry:
+  Offset end = ~Offset{0};  // where it ends at the latest
+  bool last = true;         // whether no entry comes after it
+  // Whether no entry has a name; unset where names cannot be given.
+  std::function<bool(std::string_view)> is_free = {};
 };
 
 // A finding on its way: the rule, the place and the words.
@@ -22,7 +29,7 @@ struct Diagnosis {
   Fix fix = {};
 };
 
-// Explains the trace's fault, of which there is one; name is the entry's.
+// Explains the trace's fault, of which there is one, with its fix; name is the entry's.
 Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name);
 
 // A token as a message quotes it.

@@ -4,6 +4,7 @@
 
 #include "rules/entry_warnings.h"
 #include "scan/item_text.h"
+#include "scan/written_entries.h"
 
 namespace kztns {
 namespace {
@@ -22,6 +23,7 @@ bool is_fault_of_item(FaultKind kind) {
   switch (kind) {
     case FaultKind::empty_block:
     case FaultKind::value_for_block:
+    case FaultKind::missing_equal:
     case FaultKind::missing_value:
     case FaultKind::block_for_value:
     case FaultKind::unknown_key:
@@ -42,10 +44,16 @@ bool is_fault_of_item(FaultKind kind) {
 std::vector<Edit> without_item(std::string_view text, const Trace &trace) {
   const Fault &fault = trace.fault();
   if (!is_fault_of_item(fault.kind) || fault.item < 0) return {};
-  const std::optional<Span> item =
-      item_to_remove(text, trace.items()[static_cast<std::size_t>(fault.item)].open);
+  const Offset open = trace.items()[static_cast<std::size_t>(fault.item)].open;
+  if (open >= text.size()) return {};
+  const std::optional<Span> item = item_to_remove(text, open);
   if (!item) return {};
   return {{item->begin, item->end, {}}};
+}
+
+// Whether the entry goes on with other items after the fault.
+bool has_rest(std::string_view text, const Fault &fault) {
+  return text.find('(', fault.at) != std::string_view::npos;
 }
 
 // The copy of one entry that is mended step by step.
@@ -69,13 +77,26 @@ class EntryCopy {
     return edits;
   }
 
-  // Applies the edits and builds the copy; whether all of them were within the entry.
+  // A diagnosis of the copy as one of the whole text.
+  Diagnosis to_whole(Diagnosis found) const {
+    found.at = edited_.origin(found.at);
+    found.fix.to_origin(edited_);
+    return found;
+  }
+
+  // Applies the edits and builds the copy; false when they are not within the entry.
   bool apply(const std::vector<Edit> &edits) {
     for (const Edit &edit : edits)
       if (edit.begin < body_ || edit.end > edited_.text().size()) return false;
+    before_ = edited_;
     edited_.apply(edits);
     build_entry(edited_.text(), body_, name_, trace_);
-    return true;
+    return !edits.empty();
+  }
+
+  void take_back() {
+    edited_ = before_;
+    build_entry(edited_.text(), body_, name_, trace_);
   }
 
  private:
@@ -83,43 +104,87 @@ class EntryCopy {
   Offset body_;
   std::string_view name_;
   EditedText edited_;
+  EditedText before_ = edited_;  // the last edits
   NamesText text_;
   Trace trace_;
+};
+
+// A fault that was found in a copy, and how to get past it there.
+struct Found {
+  Diagnosis told;  // with places of the whole text
+  std::vector<Edit> fix;
+  std::vector<Edit> removal;  // of the item, where there is no fix
+  bool rest;                  // whether other items come after it
 };
 
 }  // namespace
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
   range_ = ranges_.range_of(view.entry.body);
-  return diagnose_entry({text_, "file"}, view.trace, range_, view.name);
+  return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
 }
 
 void EntryFaults::report(const EntryView &view, Diagnosis first, const std::string &consequence) {
-  const Severity severity = view.service == nullptr ? Severity::error : Severity::warning;
-  const auto add = [&](Diagnosis found) {
-    if (!findings_.wanted(found.rule, severity)) return;
-    findings_.add({found.rule, found.at, view.name, std::move(found.path), std::move(found.text),
-                   std::move(found.remedy), std::move(found.fix)},
-                  severity);
-  };
+  const bool built = view.service != nullptr;
+  const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_.end);
-  bool complete = bool(first.fix);
-  std::vector<Edit> edits =
-      copy.of_whole(complete ? first.fix.edits : without_item(text_.text(), view.trace));
-  first.text += consequence;
-  add(std::move(first));
+  const Subject part = subject(copy.text(), copy.text().size());
+  const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
+  Found found = {first, copy.of_whole(first.fix.edits),
+                 copy.of_whole(without_item(text, view.trace)), has_rest(text, view.trace.fault())};
+  found.told.text += consequence;
 
-  const Findings::FromCopy from_copy(findings_, copy.text());
-  for (int faults = 1; faults < most_faults && !edits.empty() && copy.apply(edits); ++faults) {
-    if (copy.trace().fault().kind == FaultKind::none) {
-      if (complete) report_entry_warnings(copy.trace(), view.name, findings_);
-      break;
-    }
-    Diagnosis next = diagnose_entry({copy.text(), "file"}, copy.trace(), copy.range(), view.name);
-    complete = complete && next.fix;
-    edits = next.fix ? next.fix.edits : without_item(copy.text().text(), copy.trace());
-    add(std::move(next));
+  std::optional<Found> next;
+  // Whether edits lead to another fault, next, or to none; if not, they are taken back.
+  const auto get_past = [&](const std::vector<Edit> &edits) {
+    if (!copy.apply(edits)) return false;
+    next.reset();
+    if (copy.trace().fault().kind == FaultKind::none) return true;
+    Diagnosis now = diagnose_entry(part, copy.trace(), copy.range(), view.name);
+    std::vector<Edit> fix = now.fix.edits;
+    next = {copy.to_whole(std::move(now)), std::move(fix),
+            without_item(copy.text().text(), copy.trace()),
+            has_rest(copy.text().text(), copy.trace().fault())};
+    if (next->told.rule != found.told.rule || next->told.at != found.told.at) return true;
+    copy.take_back();
+    return false;
+  };
+  bool complete = true;
+  for (int faults = 1; faults <= most_faults; ++faults) {
+    const bool helps = get_past(found.fix);
+    const bool goes_on = helps || get_past(found.removal);
+    complete = complete && helps;
+    if (!helps || built) found.told.fix = {};
+    if (!goes_on && found.rest) found.told.text += "; the rest of the entry is not checked";
+    add(view.name, severity, std::move(found.told));
+    if (!goes_on) return;
+    if (!next) break;
+    found = *std::move(next);
   }
+  if (built || copy.trace().fault().kind != FaultKind::none) return;
+  const Findings::FromCopy from_copy(findings_, copy.text());
+  report_entry_warnings(copy.trace(), view.name, findings_, complete);
+}
+
+Subject EntryFaults::subject(const NamesText &text, Offset end) {
+  return {text, "file", end, range_.end == text_.size(),
+          [this](std::string_view name) { return is_free(name); }};
+}
+
+void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
+  if (!findings_.wanted(found.rule, severity)) return;
+  findings_.add({found.rule, found.at, entry, std::move(found.path), std::move(found.text),
+                 std::move(found.remedy), std::move(found.fix)},
+                severity);
+}
+
+bool EntryFaults::is_free(std::string_view name) {
+  const std::string_view text = text_.text();
+  if (names_.empty())
+    for_each_written_entry(text, [&](const WrittenEntry &written) {
+      names_.insert(text.substr(written.name_begin, written.name_end - written.name_begin));
+    });
+  return names_.count(name) == 0;
 }
 
 }  // namespace kztns

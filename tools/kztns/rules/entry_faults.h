@@ -3,6 +3,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <unordered_set>
 
 #include "rules/findings.h"
 #include "rules/parentheses.h"
@@ -19,14 +21,23 @@ class EntryFaults {
   Diagnosis first_of(const EntryView &view);
 
   // Reports it, with consequence after its text, the other faults and the warnings. To be
-  // called right after first_of.
+  // called right after first_of. An entry that is built keeps its tree: its faults have no
+  // fixes.
   void report(const EntryView &view, Diagnosis first, const std::string &consequence);
 
+  // Of the entry at hand.
+  EntryRange range() const { return range_; }
+
  private:
+  Subject subject(const NamesText &text, Offset end);
+  void add(std::string_view entry, Severity severity, Diagnosis found);
+  bool is_free(std::string_view name);
+
   const NamesText &text_;
   Findings &findings_;
   EntryRanges ranges_;
-  EntryRange range_ = {};  // of the entry at hand
+  std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
+  EntryRange range_ = {};                       // of the entry at hand
 };
 
 }  // namespace kztns

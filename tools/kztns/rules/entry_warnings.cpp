@@ -7,6 +7,8 @@
 
 #include "kzoci/platform/level_names.h"
 #include "kzoci/platform/my_strtoll10.h"
+#include "rules/diagnosis.h"
+#include "rules/list_warnings.h"
 #include "text/spelling.h"
 
 namespace kztns {
@@ -56,11 +58,13 @@ bool is_level(std::string_view text) {
 class EntryWarnings {
  public:
   EntryWarnings(const Trace &trace, std::string_view name, Findings &findings)
-      : trace_(trace), name_(name), findings_(findings) {}
+      : trace_(trace), name_(name), findings_(findings), given_(trace.frames().size()) {}
 
-  void report() {
+  void report(bool with_absent) {
     for (const Item &item : trace_.items()) check_item(item);
     if (trace_.is_system_variables()) return;
+    report_list_warnings(trace_, name_, findings_);
+    if (!with_absent) return;
     const std::vector<Frame> &frames = trace_.frames();
     for (std::size_t i = 1; i < frames.size(); ++i) check_block(static_cast<int>(i));
   }
@@ -89,12 +93,56 @@ class EntryWarnings {
     const Key *const key = trace_.row_of(item);
     if (item.type == LB_ERROR_KEY || (trace_.is_system_variables() && key == nullptr))
       return add_item(Rule::unknown_setting, item, " is not a system variable");
-    if (!item.has_value || key == nullptr) return;
+    if (key == nullptr) return;
+    check_repeated(item, *key);
+    if (!item.has_value) return;
     if (item.dropped) return add_dropped(item, *key);
 #define RULE(...)
 #define BLOCK_RULE(...)
 #define VALUE_RULE(rule, ...) check_##rule(item, *key);
 #include "rules/rules.def"
+  }
+
+  // Of two values the last one counts; of two blocks that are no records of their own,
+  // both, item by item.
+  void check_repeated(const Item &item, const Key &key) {
+    const bool is_block = key.value.kind == ValueKind::block;
+    const bool shares_record =
+        is_block && (key.block == Block::blacklist || key.value.opens == Block::blacklist);
+    if (item.dropped || (is_block && !shares_record)) return;
+    KeySet &given = given_[static_cast<std::size_t>(item.frame)];
+    if (given.has(field_of(item)))
+      add_item(Rule::repeated_key, item,
+               std::string(is_block ? " again: its items replace those of " : " again: replaces ") +
+                   earlier(item));
+    given.add(field_of(item));
+  }
+
+  // SERVICE_NAME and SID are two keys of one field.
+  static KZCILBKeyType field_of(const Item &item) {
+    return item.type == LB_SID ? LB_SERVICE_NAME : item.type;
+  }
+
+  // "SID at 1:20", which sets what an item sets, too.
+  std::string earlier(const Item &item) const {
+    const Item *before = &item - 1;
+    while (before->frame != item.frame || field_of(*before) != field_of(item) || before->dropped)
+      --before;
+    return excerpt(trace_.key_word_of(*before)) + " at " + findings_.place(before->key.begin);
+  }
+
+  void check_placeholder(const Item &item, const Key &) {
+    if (item.type != LB_HOST) return;
+    const std::string_view host = trace_.value_of(item);
+    if (host.find_first_of("<>'") != std::string_view::npos ||
+        host.find("${") != std::string_view::npos)
+      add(Rule::placeholder, item, value_of(item) + ", no name of a host");
+    else if (!trace_.slice(item.value).starts_with('"') && !odd_character(host).empty() &&
+             findings_.wanted(Rule::odd_bytes, Severity::warning))
+      findings_.add(
+          {Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
+           "the invisible character " + visible(odd_character(host)) + " is part of the host"},
+          Severity::warning);
   }
 
   void add_dropped(const Item &item, const Key &key) {
@@ -116,14 +164,25 @@ class EntryWarnings {
       add(Rule::log_level, item, value_of(item) + ", not a log level", "write " + one_of(levels()));
   }
 
+  void add_abbreviated(const Item &item, std::string_view word) {
+    if (!findings_.wanted(Rule::abbreviated_word)) return;
+    findings_.add(
+        {Rule::abbreviated_word,
+         item.value.begin,
+         name_,
+         trace_.path(item.frame),
+         excerpt(trace_.key_word_of(item)) + value_of(item) + ", read as " + std::string(word),
+         {},
+         safe_fix({{item.value.begin, item.value.end, std::string(word)}})});
+  }
+
   void check_abbreviated_word(const Item &item, const Key &key) {
     if (key.value.kind != ValueKind::word) return;
     const std::string_view text = trace_.value_of(item);
     for (const std::string_view word : choices(key)) {
       if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
         continue;
-      if (text.size() < word.size())
-        add(Rule::abbreviated_word, item, value_of(item) + ", read as " + std::string(word));
+      if (text.size() < word.size()) add_abbreviated(item, word);
       return;
     }
   }
@@ -196,12 +255,14 @@ class EntryWarnings {
   const Trace &trace_;
   std::string_view name_;
   Findings &findings_;
+  std::vector<KeySet> given_;  // the keys of each frame so far
 };
 
 }  // namespace
 
-void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings) {
-  EntryWarnings(trace, name, findings).report();
+void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings,
+                           bool with_absent) {
+  EntryWarnings(trace, name, findings).report(with_absent);
 }
 
 }  // namespace kztns

@@ -6,7 +6,9 @@
 
 namespace kztns {
 
-// Reports the warnings about an entry that is built; name is the entry's.
-void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings);
+// Reports the warnings about an entry that is built; name is the entry's. Without what is
+// absent: of a copy from which items were left out.
+void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings,
+                           bool with_absent = true);
 
 }  // namespace kztns

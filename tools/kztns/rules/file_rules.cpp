@@ -5,9 +5,13 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
-#include "rules/parentheses.h"
+#include "rules/file_fixes.h"
+#include "rules/lost_entries.h"
+#include "rules/moved_entries.h"
+#include "scan/item_text.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
+#include "text/utf_16.h"
 
 namespace kztns {
 namespace {
@@ -20,197 +24,230 @@ bool is_reserved(std::string_view name) {
   return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
 }
 
-StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
-  const char *const where = hidden.in_comment ? "comment" : "quotes";
-  return {hidden.in_comment ? Rule::paren_in_comment : Rule::paren_in_quotes, hidden.at,
-          "lookups of later names count this parenthesis, although it is in " +
-              std::string(hidden.in_comment ? "a " : "") + where + std::string(consequence)};
-}
-
-std::string read_on(const NamesText &text, Offset to) {
-  const bool whole = to == text.size();
-  return std::string(", and read on to ") + (whole ? "the end of the file at " : "") +
-         text.place(to);
-}
-
-// Says why no name could be read.
-class StopExplainer {
- public:
-  StopExplainer(const NamesText &text, const FileScan &scan)
-      : subject_{text, "file"}, scan_(scan), stop_(scan.stop()) {}
-
-  StopCause explain() const {
-    switch (stop_.kind) {
-      case StopKind::no_name:
-        return no_name();
-      case StopKind::no_equal:
-        return no_equal();
-      case StopKind::lost_name:
-        return lost_name();
-      case StopKind::name_too_long:
-        return {Rule::key_refused, stop_.at,
-                "a name of " + std::to_string(longest_token) +
-                    " characters ends at a 1024-byte read boundary"};
-      case StopKind::gave_up:
-        return {Rule::gave_up, stop_.at,
-                "the entries up to here overlap too often: the check stops here"};
-      default:
-        return at_entry();
-    }
-  }
-
- private:
-  std::string_view text() const { return subject_.text.text(); }
-
-  StopCause no_name() const {
-    if (scan_.last_reached() != nullptr)
-      if (auto cause = no_name_after(*scan_.last_reached())) return *std::move(cause);
-    if (stop_.met == TNS_RIGHT_PARENTHESES)
-      return {Rule::extra_close, stop_.at, "unmatched \")\": the entries after it are lost",
-              unsafe_fix({{stop_.at, stop_.at + 1, ""}})};
-    return {Rule::stray_text, stop_.at,
-            "expected a name, found " + quoted_token(subject_, stop_.at) +
-                ": the entries after it are lost"};
-  }
-
-  // Why the name after an entry is none, as far as that lies with the entry.
-  std::optional<StopCause> no_name_after(const Entry &before) const {
-    const EntryRange range = EntryRanges(subject_.text).range_of(before.body);
-    auto fault = find_parenthesis_fault(subject_.text, range, scan_.name(before));
-    if (fault && closes_early(fault->rule) && fault->at <= stop_.at)
-      return StopCause{fault->rule, fault->at, fault->text + ": the entries after it are lost",
-                       std::move(fault->fix)};
-    const bool goes_on = fault || (before.built && before.end > stop_.at);
-    if (goes_on && stop_.met == TNS_LEFT_PARENTHESES && scan_.skip_mismatches().empty())
-      return StopCause{
-          Rule::second_block, stop_.at,
-          "second block of " + excerpt(scan_.name(before)) + ": the entries after it are lost"};
-    if (const auto hidden = find_hidden(text(), before.body, stop_.at, ')'))
-      return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
-    return std::nullopt;
-  }
-
-  StopCause no_equal() const {
-    if (stop_.name == 0 && text().starts_with(byte_order_mark))
-      return {
-          Rule::byte_order_mark, 0,
-          "the byte order mark is read as part of the first name: the entries after it are lost"};
-    const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
-    const bool comma =
-        name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
-    if (comma)
-      return {Rule::comma_list, stop_.name,
-              "a list of names is not an entry: the entries after it are lost"};
-    const std::string word = quoted_token(subject_, stop_.name);
-    if (stop_.met == TNS_LEFT_PARENTHESES)
-      return {Rule::missing_equal, stop_.at,
-              "expected \"=\" after the name " + word + ": the entries after it are lost"};
-    return {Rule::stray_text, stop_.name,
-            word + " is read as a name, but no \"=\" follows: the entries after it are lost"};
-  }
-
-  StopCause lost_name() const {
-    const auto quote = open_quote(text(), stop_.name, subject_.text.size());
-    if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
-    return {Rule::lost_name, stop_.name,
-            quoted_token(subject_, stop_.name) + " at the end of the file is lost"};
-  }
-
-  StopCause at_entry() const {
-    const Entry &entry = *scan_.last_reached();
-    const std::string name = excerpt(scan_.name(entry));
-    if (stop_.kind == StopKind::reserved)
-      return {Rule::reserved_part, entry.at,
-              name + " ends every lookup: the entries after it are lost"};
-    if (stop_.kind == StopKind::no_open)
-      return {Rule::no_block, stop_.at,
-              "expected \"(\" after \"=\": the entries after it are lost"};
-    if (const auto hidden = find_hidden(text(), entry.body, subject_.text.size(), '(');
-        entry.built && hidden && hidden->at < entry.end)
-      return found_parenthesis(*hidden, read_on(subject_.text, subject_.text.size()));
-    return {Rule::unclosed_block, pass_blanks(text(), entry.body),
-            "the parentheses of " + name + " never balance: the entries after it are lost"};
-  }
-
-  Subject subject_;
-  const FileScan &scan_;
-  const Stop &stop_;
-};
-
 class FileRules {
  public:
-  FileRules(const NamesText &text, const FileScan &scan, const std::optional<StopCause> &reported,
-            Findings &findings)
-      : text_(text), scan_(scan), reported_(reported), findings_(findings) {}
+  FileRules(const FileScan &scan, const std::optional<StopCause> &reported,
+            const std::vector<EntryRange> &closed_early, Findings &findings)
+      : text_(scan.text()),
+        scan_(scan),
+        reported_(reported),
+        closed_early_(closed_early),
+        findings_(findings),
+        lists_(scan) {}
 
   void report() {
-    if (is_utf_16(text_.text()))
-      return add(Rule::utf_16, 0, {}, "the file is in UTF-16, in which no name can be read");
-    if (scan_.stop().kind != StopKind::end) take_stop();
-    for (const SkipMismatch &skip_mismatch : scan_.skip_mismatches())
-      report_skip_mismatch(skip_mismatch);
+    if (is_utf_16(text_.text())) return report_utf_16();
+    report_line_ends();
+    const LostEntries lost(scan_);
+    if (scan_.stop().kind != StopKind::end) report_stop(lost);
+    for (const Stop &stop : scan_.further_stops()) report_further_stop(stop);
+    report_skip_mismatches(lost);
+    for (const Swallowed &swallowed : lost.swallowed()) report_swallowed(swallowed);
     for (std::size_t i = 0; i < scan_.entries().size(); ++i) report_entry(i);
   }
 
  private:
   const std::vector<Entry> &entries() const { return scan_.entries(); }
 
-  void add(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {}) {
+  void add(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {},
+           std::string remedy = {}) {
     if (findings_.wanted(rule))
-      findings_.add({rule, at, entry, {}, std::move(text), {}, std::move(fix)});
+      findings_.add({rule, at, entry, {}, std::move(text), std::move(remedy), std::move(fix)});
+  }
+
+  void report_utf_16() {
+    std::string converted = utf_8_of_utf_16(text_.text());
+    add(Rule::utf_16, 0, {}, "the file is in UTF-16, in which no name can be read",
+        safe_fix({{0, text_.size(), std::move(converted)}}));
+  }
+
+  void report_line_ends() {
+    const auto at = hiding_carriage_return(text_.text());
+    if (at)
+      add(Rule::cr_line_ends, *at, {},
+          "a carriage return alone does not end this comment: what follows is part of it",
+          fix_of_line_ends(text_.text()));
   }
 
   // The stop is a finding of its own unless an entry's finding explains it.
-  void take_stop() {
-    cause_ = reported_ ? *reported_ : cause_of_stop(text_, scan_);
-    const Entry *const last = scan_.last_reached();
-    const bool told_by_skip_mismatch =
-        is_parenthesis(cause_.rule) && !scan_.skip_mismatches().empty();
-    if (reported_ || told_by_skip_mismatch || scan_.stop().kind == StopKind::reserved) return;
-    const bool in_entry = is_parenthesis(cause_.rule) || cause_.rule == Rule::second_block;
-    add(cause_.rule, cause_.at, in_entry && last ? scan_.name(*last) : std::string_view(),
-        cause_.text, cause_.fix);
+  void report_stop(const LostEntries &lost) {
+    const std::string words = lost.after_stop().sentence(scan_);
+    if (scan_.stop().kind == StopKind::reserved) return report_after_reserved(lost.after_stop());
+    if (reported_) {
+      const bool said = scan_.stop().kind == StopKind::never_balanced;
+      if (lost.after_stop().count() > 0 || !said)
+        findings_.append(reported_->rule, reported_->at, "; " + words);
+      return;
+    }
+    StopCause cause = cause_of_stop(scan_);
+    if (is_parenthesis(cause.rule) && !scan_.skip_mismatches().empty()) return;
+    if (cause.rule == Rule::second_block && ends_file(lost)) return;
+    const Lost names = names_of_list(scan_, cause.at);
+    if (names.count() > 0) cause.text += ": no lookup finds " + names.names(scan_);
+    const bool goes_on = goes_on_with_loss(cause.rule) && names.count() == 0;
+    if (goes_on || lost.after_stop().count() > 0) cause.text += separator(cause) + words;
+    report_cause(scan_.stop(), std::move(cause));
+  }
+
+  static const char *separator(const StopCause &cause) {
+    return cause.text.find(": ") == std::string::npos && !is_parenthesis(cause.rule) ? ": " : "; ";
+  }
+
+  // Whether nothing but the rest of the last entry is after the stop.
+  bool ends_file(const LostEntries &lost) const {
+    return lost.after_stop().count() == 0 && scan_.further_stops().empty();
+  }
+
+  bool is_told(Offset at) const {
+    return std::any_of(closed_early_.begin(), closed_early_.end(),
+                       [at](const EntryRange &range) { return range.body < at && at < range.end; });
+  }
+
+  void report_further_stop(const Stop &stop) {
+    if (is_told(stop.at)) return;
+    StopCause cause = cause_of_further_stop(scan_, stop);
+    const Lost names = names_of_list(scan_, cause.at);
+    if (names.count() > 0)
+      cause.text += ": no lookup finds " + names.names(scan_);
+    else if (goes_on_with_loss(cause.rule))
+      cause.text += separator(cause) + Lost().sentence(scan_);
+    report_cause(stop, std::move(cause));
+  }
+
+  void report_cause(const Stop &stop, StopCause cause) {
+    if (!findings_.wanted(cause.rule)) return;
+    const Entry *const entry = entry_of(cause);
+    Fix fix = cause.rule == Rule::comma_list ? lists_.split(cause.at) : Fix{};
+    if (entry != nullptr && cause.rule == Rule::second_block) fix = moved_to_end(*entry);
+    if (entry != nullptr && cause.rule == Rule::paren_in_comment)
+      fix = fix_of_comments(text_.text(), entry->body, end_of(*entry));
+    if (!fix) fix = fix_of_stop(scan_, stop, cause);
+    findings_.add({cause.rule,
+                   cause.at,
+                   entry == nullptr ? std::string_view() : scan_.name(*entry),
+                   {},
+                   std::move(cause.text),
+                   std::move(cause.remedy),
+                   std::move(fix)});
+  }
+
+  // The entry that a stop is about, if it is about one.
+  const Entry *entry_of(const StopCause &cause) const {
+    const bool in_entry = is_parenthesis(cause.rule) || cause.rule == Rule::second_block;
+    return in_entry ? entry_before(cause.at) : nullptr;
+  }
+
+  const Entry *entry_before(Offset at) const {
+    const auto after =
+        std::upper_bound(entries().begin(), entries().end(), at,
+                         [](Offset place, const Entry &entry) { return place < entry.at; });
+    return after == entries().begin() ? nullptr : &*std::prev(after);
+  }
+
+  // The end of an entry's first block, by its tokens.
+  Offset end_of(const Entry &entry) const {
+    const auto next =
+        std::upper_bound(entries().begin(), entries().end(), entry.body,
+                         [](Offset place, const Entry &other) { return place < other.at; });
+    const Offset limit = next == entries().end() ? text_.size() : next->at;
+    const std::string_view text = std::string_view(text_.text()).substr(0, limit);
+    return end_of_item(text, pass_blanks(text, entry.body)).value_or(limit);
   }
 
   static bool is_parenthesis(Rule rule) {
     return rule == Rule::paren_in_comment || rule == Rule::paren_in_quotes;
   }
 
-  const Entry &entry_of(const SkipMismatch &skip_mismatch) const {
-    return *std::find_if(entries().begin(), entries().end(), [&](const Entry &entry) {
-      return entry.reached && entry.body == skip_mismatch.body;
-    });
+  // Only one entry can be the last one.
+  Fix moved_to_end(const Entry &entry) {
+    if (moved_) return {};
+    Fix fix = move_to_end(scan_, entry);
+    moved_ = bool(fix);
+    return fix;
   }
 
-  // The entries from a place on that no lookup reaches.
-  std::string lost_after(Offset from) const {
-    constexpr std::size_t most = 3;
-    std::string names;
-    std::size_t count = 0;
-    for (const Entry &entry : entries()) {
-      if (entry.at < from || entry.reached || entry.verdict != Verdict::unreachable) continue;
-      if (++count <= most) names += (count > 1 ? ", " : "") + excerpt(scan_.name(entry));
+  // The entries that are lost where lookups go on elsewhere in the text.
+  Lost lost_through(const LostEntries &lost, std::size_t i) const {
+    const SkipMismatch &skip_mismatch = scan_.skip_mismatches()[i];
+    for (const Swallowed &swallowed : lost.swallowed())
+      if (swallowed.by->body == skip_mismatch.body) return swallowed.entries;
+    const bool at_stop = skip_mismatch.reached && skip_mismatch.body == scan_.last_reached()->body;
+    return at_stop && scan_.stop().kind != StopKind::reserved ? lost.after_stop() : Lost();
+  }
+
+  void report_skip_mismatches(const LostEntries &lost) {
+    for (std::size_t i = 0; i < scan_.skip_mismatches().size(); ++i) {
+      const SkipMismatch &skip_mismatch = scan_.skip_mismatches()[i];
+      auto cause = cause_of_skip_mismatch(text_, skip_mismatch);
+      if (!cause) continue;
+      const Entry &entry = *entry_before(skip_mismatch.body);
+      const Lost entries = lost_through(lost, i);
+      const bool last = entry.body == this->entries().back().body;
+      if (last && entries.count() == 0 && cause->rule == Rule::paren_in_quotes) continue;
+      if (!findings_.wanted(cause->rule)) continue;
+      if (entries.count() > 0) cause->text += "; " + entries.sentence(scan_);
+      Fix fix = cause->rule == Rule::paren_in_comment
+                    ? fix_of_comments(text_.text(), entry.body, skip_mismatch.built_to)
+                    : moved_to_end(entry);
+      findings_.add({cause->rule,
+                     cause->at,
+                     scan_.name(entry),
+                     {},
+                     std::move(cause->text),
+                     {},
+                     std::move(fix)});
     }
-    if (count > most) names += " and " + std::to_string(count - most) + " more";
-    return names;
   }
 
-  void report_skip_mismatch(const SkipMismatch &skip_mismatch) {
-    const auto cause = cause_of_skip_mismatch(text_, skip_mismatch);
-    if (!cause || !findings_.wanted(cause->rule)) return;
-    const std::string lost = lost_after(skip_mismatch.body);
-    findings_.add({cause->rule,
-                   cause->at,
-                   scan_.name(entry_of(skip_mismatch)),
+  bool is_told(const Swallowed &swallowed) const {
+    return std::any_of(
+        scan_.skip_mismatches().begin(), scan_.skip_mismatches().end(),
+        [&](const SkipMismatch &mismatch) { return mismatch.body == swallowed.by->body; });
+  }
+
+  void report_swallowed(const Swallowed &swallowed) {
+    if (is_told(swallowed)) return;
+    const Entry &first = *swallowed.entries.first();
+    add(Rule::unreachable, first.at, scan_.name(first),
+        "lookups skip it as part of " + excerpt(scan_.name(*swallowed.by)) + " at " +
+            text_.place(swallowed.by->at) + others(swallowed.entries, ", and"));
+  }
+
+  // "; so do the 2 entries after it: b, c"; empty for one entry.
+  std::string others(const Lost &lost, const std::string &link) const {
+    const std::size_t count = lost.count() - 1;
+    if (count == 0) return {};
+    const std::string entries = count == 1
+                                    ? " the entry after it: "
+                                    : " the " + std::to_string(count) + " entries after it: ";
+    return link + entries + lost.names(scan_, 1);
+  }
+
+  void report_after_reserved(const Lost &lost) {
+    if (lost.count() == 0 || !findings_.wanted(Rule::after_reserved)) return;
+    const Entry &last = *scan_.last_reached();
+    const Entry &first = *lost.first();
+    const bool one = lost.count() == 1;
+    findings_.add({Rule::after_reserved,
+                   first.at,
+                   scan_.name(first),
                    {},
-                   cause->text + (lost.empty() ? "" : "; entries lost: " + lost)});
+                   "comes after " + excerpt(scan_.name(last)) + " at " + text_.place(last.at) +
+                       ", where every lookup ends" +
+                       others(lost, lost.count() == 2 ? "; so does" : "; so do"),
+                   one ? "" : "move them before that entry",
+                   move_reserved(scan_)});
   }
 
   void report_entry(std::size_t i) {
     const Entry &entry = entries()[i];
     report_name(entry);
-    if (entry.verdict == Verdict::unreachable) report_unreachable(entry);
     const std::string_view name = scan_.name(entry);
+    if (entry.reached && entry.verdict == Verdict::unreachable)
+      add(Rule::unreachable, entry.at, name,
+          "a name like this is read as a descriptor, and never looked up");
+    // No lookup finds the names of a list.
+    if (entry.in_list) return;
     const std::uint32_t same = first_same(i, name);
     const std::uint32_t alike = first_alike(i, name);
     if (same != NameIndex::none) {
@@ -263,17 +300,41 @@ class FileRules {
     if (entry.name_length == longest_token)
       add(Rule::key_cut, entry.at, name,
           "a name of " + std::to_string(longest_token) + " characters may be cut");
-    if (entry.in_list || name.find(',') != std::string_view::npos) {
-      if (entry.reached)
-        add(Rule::comma_list, entry.at, name,
-            "a list of names is read as one name: no lookup finds its parts");
-    }
+    if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
     const std::string_view odd = odd_character(name);
-    if (odd.empty()) return;
-    const bool at_file_start = entry.at == 0 && odd == byte_order_mark;
-    add(at_file_start ? Rule::byte_order_mark : Rule::odd_bytes, entry.at, name,
-        "invisible character " + visible(odd) +
-            " in the name: the entry is found only by a name with it");
+    if (odd.empty() || !findings_.wanted(rule_of_odd(entry, odd))) return;
+    findings_.add({rule_of_odd(entry, odd),
+                   entry.at,
+                   name,
+                   {},
+                   "invisible character " + visible(odd) +
+                       " in the name: the entry is found only by a name with it",
+                   {},
+                   entry.quoted
+                       ? Fix{}
+                       : fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length)});
+  }
+
+  static Rule rule_of_odd(const Entry &entry, std::string_view odd) {
+    return entry.at == 0 && odd == byte_order_mark ? Rule::byte_order_mark : Rule::odd_bytes;
+  }
+
+  void report_commas(const Entry &entry, std::string_view name) {
+    if (name.starts_with(',')) {
+      const auto commas = static_cast<Offset>(name.find_first_not_of(',') == std::string_view::npos
+                                                  ? name.size()
+                                                  : name.find_first_not_of(','));
+      add(Rule::stray_comma, entry.at, name, "the comma is read as part of the name",
+          entry.quoted ? Fix{} : safe_fix({{entry.at, entry.at + commas, {}}}));
+    } else if (findings_.wanted(Rule::comma_list)) {
+      findings_.add({Rule::comma_list,
+                     entry.at,
+                     name,
+                     {},
+                     "a list of names is read as one name: no lookup finds its parts",
+                     {},
+                     entry.quoted ? Fix{} : lists_.split(entry.at)});
+    }
   }
 
   void report_reserved_part(const Entry &entry, std::string_view name) {
@@ -285,34 +346,13 @@ class FileRules {
       findings_.add({Rule::reserved_part, entry.at, name, {}, std::move(text)});
   }
 
-  void report_unreachable(const Entry &entry) {
-    const bool after_reserved = scan_.stop().kind == StopKind::reserved && !entry.reached &&
-                                entry.at > scan_.last_reached()->at;
-    const Rule rule = after_reserved  ? Rule::after_reserved
-                      : entry.in_list ? Rule::comma_list
-                                      : Rule::unreachable;
-    if (!findings_.wanted(rule)) return;
-    findings_.add({rule, entry.at, scan_.name(entry), {}, why_unreachable(entry)});
-  }
-
-  std::string why_unreachable(const Entry &entry) const {
-    if (entry.reached) return "a name like this is read as a descriptor, and never looked up";
-    const Entry *const last = scan_.last_reached();
-    if (scan_.stop().kind == StopKind::reserved && last != nullptr && entry.at > last->at)
-      return "comes after " + excerpt(scan_.name(*last)) + " at " + text_.place(last->at) +
-             ", where every lookup ends";
-    if (scan_.stop().kind == StopKind::end || entry.at < scan_.stop().name)
-      return "lookups skip it as part of the entry before";
-    if (entry.in_list) return "one of a list of names: no lookup finds it";
-    return "no lookup gets here: see the finding at " + text_.place(cause_.at) + " [" +
-           std::string(row_of(cause_.rule).id) + "]";
-  }
-
   const NamesText &text_;
   const FileScan &scan_;
   const std::optional<StopCause> &reported_;
+  const std::vector<EntryRange> &closed_early_;
   Findings &findings_;
-  StopCause cause_ = {};
+  NameLists lists_;
+  bool moved_ = false;
   NameIndex exact_;
   NameIndex alike_;
   std::string folded_;
@@ -320,28 +360,9 @@ class FileRules {
 
 }  // namespace
 
-bool is_utf_16(std::string_view text) {
-  return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF");
-}
-
-StopCause cause_of_stop(const NamesText &text, const FileScan &scan) {
-  return StopExplainer(text, scan).explain();
-}
-
-std::optional<StopCause> cause_of_skip_mismatch(const NamesText &text,
-                                                const SkipMismatch &skip_mismatch) {
-  const bool too_far = skip_mismatch.passed_to > skip_mismatch.built_to;
-  const auto hidden =
-      find_hidden(text.text(), skip_mismatch.body, skip_mismatch.built_to, too_far ? '(' : ')');
-  if (!hidden) return std::nullopt;
-  if (too_far) return found_parenthesis(*hidden, read_on(text, skip_mismatch.passed_to));
-  const Offset next = pass_blanks(text.text(), skip_mismatch.passed_to);
-  return found_parenthesis(*hidden, ", and look for the next name at " + text.place(next));
-}
-
-void apply_file_rules(const NamesText &text, const FileScan &scan,
-                      const std::optional<StopCause> &reported, Findings &findings) {
-  FileRules(text, scan, reported, findings).report();
+void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
+                      const std::vector<EntryRange> &closed_early, Findings &findings) {
+  FileRules(scan, reported, closed_early, findings).report();
 }
 
 }  // namespace kztns

@@ -31,12 +31,16 @@ void Findings::add(NewFinding found, Severity severity) {
   finding.text = std::move(found.text);
   finding.remedy = found.remedy.empty() ? row_of(found.rule).remedy : std::move(found.remedy);
   finding.fix = std::move(found.fix);
-  for (Edit &edit : finding.fix.edits) {
-    edit.begin = in_text(edit.begin);
-    edit.end = std::max(edit.begin, in_text(edit.end));
-  }
+  if (copy_ != nullptr) finding.fix.to_origin(*copy_);
   finding.source = text_.line_around(finding.at, finding.caret);
   report_.findings.push_back(std::move(finding));
+}
+
+void Findings::append(Rule rule, Offset at, std::string_view words) {
+  const auto found = std::find_if(
+      report_.findings.begin(), report_.findings.end(),
+      [&](const Finding &finding) { return finding.rule == rule && finding.at == at; });
+  if (found != report_.findings.end()) found->text += words;
 }
 
 void sort(std::vector<Finding> &findings) {

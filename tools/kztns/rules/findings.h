@@ -38,6 +38,9 @@ class Findings {
     Findings &findings_;
   };
 
+  // A place as messages give it.
+  std::string place(Offset at) const { return text_.place(in_text(at)); }
+
   // Counts a finding; whether it is to be added, too. Asking first saves making
   // texts that are invisible.
   bool wanted(Rule rule);
@@ -46,6 +49,9 @@ class Findings {
   // Adds a wanted finding.
   void add(NewFinding found);
   void add(NewFinding found, Severity severity);
+
+  // Appends words to the text of a finding that was added, when it is there.
+  void append(Rule rule, Offset at, std::string_view words);
 
  private:
   Offset in_text(Offset at) const { return copy_ == nullptr ? at : copy_->origin(at); }

@@ -21,6 +21,16 @@ struct Fix {
   Applicability applicability = Applicability::none;
   std::vector<Edit> edits = {};
 
+  // Makes it one of the text that a text is a copy of; none where it cannot be one.
+  template <class Text>
+  void to_origin(const Text &text) {
+    for (Edit &edit : edits) {
+      if (text.to_origin(edit)) continue;
+      *this = {};
+      return;
+    }
+  }
+
   explicit operator bool() const { return applicability != Applicability::none; }
 };
 

@@ -5,6 +5,8 @@
 #include <optional>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
+#include "scan/further_stops.h"
+#include "scan/item_text.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 
@@ -42,6 +44,9 @@ KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_vie
 }
 
 }  // namespace
+
+// More are not worth telling: the first ones are hardly mended yet.
+constexpr std::size_t most_skip_mismatches = 100;
 
 // Builds entries, decides on their verdicts and shows them to the visitor.
 class Builder {
@@ -198,9 +203,8 @@ class Walk {
     if (!entry_.built || !end || scan_.stop_.kind == StopKind::reserved) return;
     const bool balanced = scan_.stop_.kind == StopKind::end;
     const Offset passed_to = balanced ? here(params_) : scan_.text_.size();
-    constexpr std::size_t most = 100;
-    if (passed_to != *end && scan_.skip_mismatches_.size() < most)
-      scan_.skip_mismatches_.push_back({entry_.body, *end, passed_to});
+    if (passed_to != *end && scan_.skip_mismatches_.size() < most_skip_mismatches)
+      scan_.skip_mismatches_.push_back({entry_.body, *end, passed_to, true});
   }
 
   // An entry may be built far past the place to which it is skipped, and
@@ -266,9 +270,23 @@ class UnreachedEntries {
                    [&](KZCITnsService *service, Offset end) {
                      entry.built = service != nullptr;
                      entry.end = end;
+                     note_skip_mismatch(entry);
                      scan_.entries_.push_back(entry);
                      builder_.show(entry, name, service, nullptr);
                    });
+  }
+
+  // Whether a lookup that comes so far would pass the entry over to another end. The
+  // parentheses are counted no further than the entry: that is enough to know.
+  void note_skip_mismatch(const Entry &entry) {
+    const std::optional<Offset> &end = builder_.trace().first_block_end();
+    const bool noted =
+        !scan_.skip_mismatches_.empty() && scan_.skip_mismatches_.back().body == entry.body;
+    if (!entry.built || !end || noted || ends_lookups(scan_.name(entry)) ||
+        scan_.skip_mismatches_.size() >= most_skip_mismatches)
+      return;
+    const Offset counted = counted_end(scan_.text_.text(), entry.body, *end);
+    if (counted != *end) scan_.skip_mismatches_.push_back({entry.body, *end, counted, false});
   }
 
   FileScan &scan_;
@@ -298,6 +316,7 @@ FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) {
   NameIndex names;
   Walk(*this, builder, names).run();
   UnreachedEntries(*this, builder, names).run();
+  further_stops_ = find_further_stops(*this);
 }
 
 std::string_view name_of(Verdict verdict) {

@@ -32,6 +32,7 @@ enum class StopKind {
   end,             // of the file
   reserved,        // at an entry that ends every lookup
   no_name,         // another token where a name is expected
+  after_block,     // of further stops: the same, a "(" right after an entry
   no_equal,        // another token after a name
   no_open,         // an entry's value does not begin with "("
   never_balanced,  // the file ends in passing over an entry
@@ -52,6 +53,9 @@ struct SkipMismatch {
   Offset body;
   Offset built_to;   // after the ")" of its first block
   Offset passed_to;  // the text's size when the skip finds no end
+  // Whether lookups come to the entry; if not, passed_to is only known to be before or
+  // after built_to.
+  bool reached;
 };
 
 // What a visitor is shown of an entry. All of it is gone after the visit.
@@ -81,9 +85,12 @@ class FileScan {
 
   const std::vector<Entry> &entries() const { return entries_; }  // in the text's order
   const Stop &stop() const { return stop_; }
+  // What else would end lookups if they came past the stop, in the text's order.
+  const std::vector<Stop> &further_stops() const { return further_stops_; }
   const std::vector<SkipMismatch> &skip_mismatches() const { return skip_mismatches_; }
   // The entry that was reached last; null for none.
   const Entry *last_reached() const { return last_reached_ ? &*last_reached_ : nullptr; }
+  const NamesText &text() const { return text_; }
 
   std::string_view name(const Entry &entry) const {
     const std::string &from = entry.quoted ? names_ : text_.text();
@@ -99,6 +106,7 @@ class FileScan {
   std::optional<Entry> last_reached_;
   std::string names_;  // of entries whose names are written in quotes
   Stop stop_;
+  std::vector<Stop> further_stops_;
   std::vector<SkipMismatch> skip_mismatches_;
 };
 

@@ -45,6 +45,15 @@ std::optional<Offset> end_of_item(std::string_view text, Offset open) {
   return std::nullopt;
 }
 
+Offset counted_end(std::string_view text, Offset from, Offset limit) {
+  std::size_t depth = 0;
+  for (Offset at = pass_blanks(text, from); at < limit; ++at) {
+    if (text[at] == '(') ++depth;
+    if (text[at] == ')' && --depth == 0) return at + 1;
+  }
+  return limit + 1;
+}
+
 std::optional<Span> item_to_remove(std::string_view text, Offset open) {
   std::optional<Offset> end = end_of_item(text, open);
   for (std::optional<Offset> block; end && is_first(text, open, block) && is_last(text, *end);

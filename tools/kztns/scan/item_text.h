@@ -12,6 +12,10 @@ namespace kztns {
 // there is none.
 std::optional<Offset> end_of_item(std::string_view text, Offset open);
 
+// After the ")" that closes the first "(" from a place on when all parentheses count, as they
+// do for a lookup of another name; after a limit when it is not before that.
+Offset counted_end(std::string_view text, Offset from, Offset limit);
+
 // What to remove so that the item that begins at open is gone: the item or, when the
 // block around it has no other one, that block, and the blanks before it on its line.
 // Absent when nothing would be left.

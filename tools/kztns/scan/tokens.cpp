@@ -25,7 +25,7 @@ TokenKind kind_of(char c) {
 Token TokenReader::next() {
   at_ = pass_blanks(text_, at_);
   const Offset begin = at_;
-  if (begin == text_.size()) return {TokenKind::end, {begin, begin}};
+  if (begin >= text_.size()) return {TokenKind::end, {begin, begin}};
   const TokenKind kind = kind_of(text_[begin]);
   if (kind != TokenKind::word) return {kind, {begin, ++at_}};
   bool in_quotes = false;

@@ -16,9 +16,6 @@ Offset end_of_line(std::string_view text, Offset from) {
   return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
 }
 
-// Of a longer list not every name is worth knowing.
-constexpr std::size_t most_names = 256;
-
 class Scanner {
  public:
   Scanner(std::string_view text, const std::function<void(const WrittenEntry &)> &visit)
@@ -38,7 +35,7 @@ class Scanner {
       const Offset begin = at;
       while (at < text_.size() && !ends_name(text_[at]) && text_[at] != ',') ++at;
       if (at == begin) return begin;
-      if (names.size() == most_names) {
+      if (names.size() == most_names_of_list) {
         // The list's other lines are no beginnings either.
         no_entry_before_ = begin;
         return begin;

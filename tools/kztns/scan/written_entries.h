@@ -10,6 +10,9 @@
 
 namespace kztns {
 
+// Of a longer list not every name is worth knowing.
+constexpr std::size_t most_names_of_list = 256;
+
 // After the blanks and comments from a place on.
 Offset pass_blanks(std::string_view text, Offset from);
 

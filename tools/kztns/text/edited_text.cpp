@@ -29,7 +29,10 @@ void EditedText::apply(const std::vector<Edit> &edits) {
   Offset from = 0;
   for (const Edit &edit : edits) {
     keep(from, edit.begin, before, next, text);
-    text += edit.text;
+    if (edit.copy_of)
+      copy(edit, before, text);
+    else
+      text += edit.text;
     from = edit.end;
   }
   keep(from, static_cast<Offset>(text_.size()), before, next, text);
@@ -53,15 +56,40 @@ void EditedText::keep(Offset begin, Offset end, const std::vector<Kept> &before,
   text.append(text_, begin, end - begin);
 }
 
+void EditedText::copy(const Edit &edit, const std::vector<Kept> &before, std::string &text) {
+  const auto after =
+      std::upper_bound(before.begin(), before.end(), *edit.copy_of,
+                       [](Offset place, const Kept &part) { return place < part.at; });
+  auto next = static_cast<std::size_t>(after - before.begin());
+  if (next > 0) --next;
+  keep(*edit.copy_of, *edit.copy_of + static_cast<Offset>(edit.text.size()), before, next, text);
+}
+
 Offset EditedText::origin(Offset at) const {
+  const Kept *const part = part_at(at);
+  if (part != nullptr && at < part->at + part->length) return part->origin + (at - part->at);
+  const std::size_t next = part == nullptr ? 0 : static_cast<std::size_t>(part - kept_.data()) + 1;
+  return next == kept_.size() ? end_ : kept_[next].origin;
+}
+
+const EditedText::Kept *EditedText::part_at(Offset at) const {
   const auto after =
       std::upper_bound(kept_.begin(), kept_.end(), at,
                        [](Offset place, const Kept &part) { return place < part.at; });
-  if (after != kept_.begin()) {
-    const Kept &part = *std::prev(after);
-    if (at < part.at + part.length) return part.origin + (at - part.at);
-  }
-  return after == kept_.end() ? end_ : after->origin;
+  return after == kept_.begin() ? nullptr : &*std::prev(after);
+}
+
+bool EditedText::to_origin(Edit &edit) const {
+  const bool at_end = edit.begin == text_.size() && edit.begin == edit.end;
+  const Kept *const part = part_at(edit.begin);
+  const bool kept = part != nullptr && edit.begin < part->at + part->length &&
+                    edit.end <= part->at + part->length;
+  if (!kept && !at_end) return false;
+  const Offset length = edit.end - edit.begin;
+  edit.begin = origin(edit.begin);
+  edit.end = edit.begin + length;
+  edit.copy_of.reset();
+  return true;
 }
 
 }  // namespace kztns

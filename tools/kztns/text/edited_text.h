@@ -1,6 +1,7 @@
 // A text with changes, and where what is left of it was before.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,8 @@ struct Edit {
   Offset begin;
   Offset end;
   std::string text;
+  // Where the text stands before, when it is a copy: findings about it are about that.
+  std::optional<Offset> copy_of = {};
 
   bool operator==(const Edit &) const = default;
 };
@@ -34,24 +37,32 @@ class EditedText {
   // Applies sorted edits that do not overlap; their places are those of text().
   void apply(const std::vector<Edit> &edits);
 
-  // Where what is at a place of text() was before: for inserted text, where it was
-  // inserted.
+  // Where what is at a place of text() was before: for inserted text that is no copy,
+  // where it was inserted.
   Offset origin(Offset at) const;
 
- private:
+  // Makes an edit of text() one of the text before. False when it would change what was
+  // not there.
+  bool to_origin(Edit &edit) const;
+
   // A part of the text that was not changed.
   struct Kept {
-    Offset at;      // in text_
+    Offset at;      // in text()
     Offset origin;  // before
     Offset length;
   };
+  const std::vector<Kept> &kept() const { return kept_; }  // in the order of text()
 
+ private:
+  // The last kept part that begins at a place or before it; null for none.
+  const Kept *part_at(Offset at) const;
   void keep(Offset begin, Offset end, const std::vector<Kept> &before, std::size_t &next,
             std::string &text);
+  void copy(const Edit &edit, const std::vector<Kept> &before, std::string &text);
 
   std::string text_;
-  std::vector<Kept> kept_;  // in the order of both texts
-  Offset end_;              // before, of the part
+  std::vector<Kept> kept_;
+  Offset end_;  // before, of the part
 };
 
 }  // namespace kztns

@@ -8,11 +8,11 @@
 namespace kztns {
 namespace {
 
-// Line feeds from one place to another move the line's start.
-void count_lines(std::string_view text, std::size_t from, std::size_t to, std::uint32_t &line,
-                 Offset &line_start) {
+// Line ends from one place to another move the line's start.
+void count_lines(std::string_view text, char line_end, std::size_t from, std::size_t to,
+                 std::uint32_t &line, Offset &line_start) {
   for (std::size_t at = from; at < to;) {
-    const void *const found = std::memchr(text.data() + at, '\n', to - at);
+    const void *const found = std::memchr(text.data() + at, line_end, to - at);
     if (found == nullptr) return;
     at = static_cast<std::size_t>(static_cast<const char *>(found) - text.data()) + 1;
     line_start = static_cast<Offset>(at);
@@ -26,13 +26,14 @@ std::string to_string(Position position) {
   return std::to_string(position.line) + ":" + std::to_string(position.column);
 }
 
-NamesText::NamesText(std::string text) : text_(std::move(text)) {
+NamesText::NamesText(std::string text)
+    : text_(std::move(text)), line_end_(text_.find('\n') == std::string::npos ? '\r' : '\n') {
   marks_.reserve(text_.size() / stride + 1);
   Mark mark = {1, 0};
   for (std::size_t at = 0;; at += stride) {
     marks_.push_back(mark);
     if (at + stride > text_.size()) return;
-    count_lines(text_, at, at + stride, mark.line, mark.line_start);
+    count_lines(text_, line_end_, at, at + stride, mark.line, mark.line_start);
   }
 }
 
@@ -43,7 +44,7 @@ Position NamesText::position(Offset at) const {
   if (of_ != nullptr) return of_->position(changed_->origin(at));
   const Offset index = std::min<Offset>(at / stride, static_cast<Offset>(marks_.size() - 1));
   Mark mark = marks_[index];
-  count_lines(text_, std::size_t{index} * stride, at, mark.line, mark.line_start);
+  count_lines(text_, line_end_, std::size_t{index} * stride, at, mark.line, mark.line_start);
   return {mark.line, at - mark.line_start + 1};
 }
 

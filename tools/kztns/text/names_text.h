@@ -37,6 +37,8 @@ class NamesText {
   Position position(Offset at) const;
   // A place as one of the text that this is a copy of; of no copy it is the same.
   Offset origin(Offset at) const { return of_ == nullptr ? at : changed_->origin(at); }
+  // The same of an edit; false when it would change what is not in that text.
+  bool to_origin(Edit &edit) const { return of_ == nullptr || changed_->to_origin(edit); }
   std::string place(Offset at) const { return to_string(position(at)); }
 
   // The column of a place in characters of UTF-8. Of a longer line the beginning counts
@@ -57,6 +59,7 @@ class NamesText {
   static constexpr Offset stride = 4096;
 
   std::string text_;
+  char line_end_ = '\n';  // a carriage return where there is no line feed
   std::vector<Mark> marks_;
   const EditedText *changed_ = nullptr;
   const NamesText *of_ = nullptr;

@@ -1,0 +1,383 @@
+// What keeps lookups from entries: what is told of it, and what its fix makes of the file.
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "lookup/lookup.h"
+#include "report/check_text.h"
+#include "rules/apply_fixes.h"
+#include "rules/check_file.h"
+#include "support/parsing.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+const std::string block =
+    "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))";
+
+std::string entry(const std::string &name) { return name + " = " + block + "\n"; }
+
+// "PLACE RULE: TEXT", a line a finding.
+std::string told(const std::string &content) {
+  const kztns::NamesText text(content);
+  std::string lines;
+  for (const kztns::Finding &finding : kztns::check_file(text, {.file = "names"}).findings)
+    lines += to_string(finding.position) + " " + std::string(row_of(finding.rule).id) + ": " +
+             finding.text + "\n";
+  return lines;
+}
+
+std::size_t count_of(const std::string &lines, const std::string &part) {
+  std::size_t count = 0;
+  for (std::size_t at = lines.find(part); at != std::string::npos; at = lines.find(part, at + 1))
+    ++count;
+  return count;
+}
+
+// The text with the fixes of one check.
+std::string fixed(const std::string &content, bool with_unsafe) {
+  const kztns::NamesText text(content);
+  kztns::EditedText edited(content);
+  edited.apply(kztns::edits_of(kztns::check_once(text, {.file = "names"}).findings, with_unsafe));
+  return edited.text();
+}
+
+std::string safely_fixed(const std::string &content) { return fixed(content, false); }
+std::string unsafely_fixed(const std::string &content) { return fixed(content, true); }
+
+class FileRules : public testing::Test {
+ protected:
+  void SetUp() override { setenv("KZCI_TNS_FILE", (folder_.path() + "/names").c_str(), 1); }
+  void TearDown() override { unsetenv("KZCI_TNS_FILE"); }
+
+  // Whether lookups in a file find all of some names.
+  void expect_served(const std::string &content, const std::vector<std::string> &names) {
+    folder_.write("names", content);
+    for (const std::string &name : names) {
+      kztns::Tree tree;
+      boolean find = 0;
+      EXPECT_EQ(KZCITnsBuild(tree.get(), reinterpret_cast<const OraText *>(name.c_str()),
+                             static_cast<ub4>(name.size()), &find),
+                0)
+          << name << " in\n"
+          << content;
+      EXPECT_EQ(find, 1) << name << " in\n" << content;
+      KZCITnsClear(tree.get());
+    }
+  }
+
+ private:
+  support::TemporaryFolder folder_;
+};
+
+}  // namespace
+
+TEST_F(FileRules, AllStrayLinesAreToldInOneWalk) {
+  const std::string text = "-- one\n" + entry("a") + "two\n" + entry("b") + "IFILE = /x\n" +
+                           entry("c") + "IFILE=/y\n)\nn (DESCRIPTION = (SID = s))\nlast";
+  const kztns::NamesText names(text);
+  const kztns::CheckReport once = kztns::check_once(names, {.file = "names"});
+  std::string rules;
+  for (const kztns::Finding &finding : once.findings)
+    rules += to_string(finding.position) + " " + std::string(row_of(finding.rule).id) + "\n";
+  EXPECT_EQ(rules,
+            "1:1 stray-text\n3:1 stray-text\n5:9 ifile\n7:7 ifile\n8:1 extra-close\n"
+            "9:3 missing-equal\n10:1 lost-name\n");
+}
+
+TEST_F(FileRules, OneLineTellsWhatIsLost) {
+  std::string text = "just text\n";
+  for (int i = 0; i < 66; ++i) text += entry("n" + std::to_string(i));
+  EXPECT_EQ(
+      told(text),
+      "1:1 stray-text: \"just\" is read as a name, but no \"=\" follows: the 66 entries after "
+      "it are lost: n0, n1, n2 and 63 more\n");
+  EXPECT_EQ(
+      told("just text\n" + entry("a")),
+      "1:1 stray-text: \"just\" is read as a name, but no \"=\" follows: the entry after it is "
+      "lost: a\n");
+  EXPECT_EQ(told(entry("a") + "just text\n"),
+            "2:1 stray-text: \"just\" is read as a name, but no \"=\" follows: no lookup gets past "
+            "it\n");
+}
+
+TEST_F(FileRules, AfterTheReservedEntryOneLineIsEnough) {
+  const std::string reserved = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
+  EXPECT_EQ(
+      told(reserved + entry("a")),
+      "2:1 after-reserved: comes after KZCISYSTEMVARIABLES at 1:1, where every lookup ends\n");
+  EXPECT_EQ(
+      told(reserved + entry("a") + entry("b")),
+      "2:1 after-reserved: comes after KZCISYSTEMVARIABLES at 1:1, where every lookup ends; so "
+      "does the entry after it: b\n");
+  EXPECT_EQ(
+      told(reserved + entry("a") + entry("b") + entry("c") + entry("d") + entry("e")),
+      "2:1 after-reserved: comes after KZCISYSTEMVARIABLES at 1:1, where every lookup ends; so "
+      "do the 4 entries after it: b, c, d and 1 more\n");
+}
+
+TEST_F(FileRules, WhatIsAfterTheReservedEntryAsWellAsAfterStrayTextIsTold) {
+  EXPECT_EQ(
+      told("!\n" + entry("a") + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("b")),
+      "1:1 stray-text: \"!\" is read as a name, but no \"=\" follows: the 3 entries after it are "
+      "lost: a, KZCISYSTEMVARIABLES, b\n"
+      "4:1 after-reserved: comes after KZCISYSTEMVARIABLES at 3:1, where every lookup ends\n");
+}
+
+TEST_F(FileRules, EntriesMoveBeforeTheReservedOne) {
+  const std::string before = entry("a") +
+                             "\n# settings\n#\nKZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
+                             "  (LOG_SIZE = 2000000) # end\n\n# archive\n" +
+                             entry("b") + "\n" + entry("c") + "# the end\n";
+  const std::string after = entry("a") + "\n# archive\n" + entry("b") + "\n" + entry("c") +
+                            "\n# settings\n#\nKZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
+                            "  (LOG_SIZE = 2000000) # end\n# the end\n";
+  EXPECT_EQ(safely_fixed(before), after);
+  EXPECT_EQ(told(after), "");
+  expect_served(after, {"a", "b", "c", "KZCISYSTEMVARIABLES"});
+}
+
+TEST_F(FileRules, EntriesMoveBeforeTheReservedOneWithoutAFinalLineFeed) {
+  const std::string before = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\r\nb = " + block;
+  const std::string after = "b = " + block + "\r\nKZCISYSTEMVARIABLES = (LOG_COUNT = 5)\r\n";
+  EXPECT_EQ(safely_fixed(before), after);
+  expect_served(after, {"b", "KZCISYSTEMVARIABLES"});
+}
+
+TEST_F(FileRules, TheReservedEntryStaysWhereLookupsOfItCome) {
+  const std::string text =
+      "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") + "IFILE = /x\n" + entry("b");
+  const std::string after =
+      entry("a") + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\nIFILE = /x\n" + entry("b");
+  EXPECT_EQ(safely_fixed(text), after);
+  EXPECT_EQ(safely_fixed(after), after);
+  expect_served(after, {"a", "KZCISYSTEMVARIABLES"});
+  const std::string unclosed =
+      "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\na = (DESCRIPTION = (SID = s)\n";
+  EXPECT_EQ(safely_fixed(unclosed), unclosed);
+  // A second one stays the second one.
+  const std::string two = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
+                          "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n" + entry("b");
+  EXPECT_EQ(safely_fixed(two), entry("a") +
+                                   "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
+                                   "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n" +
+                                   entry("b"));
+}
+
+TEST_F(FileRules, AListOfNamesBecomesAnEntryAName) {
+  const std::string spaced = "x, y = " + block + " # both\n" + entry("z");
+  EXPECT_EQ(
+      told(spaced),
+      "1:1 comma-list: a list of names is not an entry: no lookup finds x, y; the entry after "
+      "it is lost: z\n");
+  EXPECT_EQ(safely_fixed(spaced), "x = " + block + " # both\ny = " + block + "\n" + entry("z"));
+  expect_served(safely_fixed(spaced), {"x", "y", "z"});
+  EXPECT_EQ(safely_fixed("x,y,z = " + block), "x = " + block + "\ny = " + block + "\nz = " + block);
+  EXPECT_EQ(safely_fixed("x, # first\ny # second\n= " + block + "\n"),
+            "x # first\n # second\n= " + block + "\ny = " + block + "\n");
+  expect_served(safely_fixed("x, # first\ny # second\n= " + block + "\n"), {"x", "y"});
+}
+
+TEST_F(FileRules, ANameOfAListWithAnEntryOfItsOwnIsNoDuplicate) {
+  const std::string text = "x, y = " + block + "\n" + entry("y");
+  EXPECT_EQ(
+      told(text),
+      "1:1 comma-list: a list of names is not an entry: no lookup finds x, y; the entry after "
+      "it is lost: y\n");
+  EXPECT_EQ(safely_fixed(text), "x = " + block + "\n" + entry("y"));
+}
+
+TEST_F(FileRules, AByteOrderMarkIsRemoved) {
+  EXPECT_EQ(safely_fixed("\xEF\xBB\xBF" + entry("a")), entry("a"));
+  EXPECT_EQ(safely_fixed("\xEF\xBB\xBF# names\n" + entry("a")), "# names\n" + entry("a"));
+  EXPECT_EQ(safely_fixed(entry("a") + "\xEF\xBB\xBF" + entry("b")), entry("a") + entry("b"));
+}
+
+TEST_F(FileRules, Utf16IsConverted) {
+  const std::string plain = "# \xC3\xA4\xF0\x9F\x98\x80\r\n" + entry("a");
+  std::string little;
+  for (const char32_t unit : u"# \u00E4\U0001F600\r\n") {
+    if (unit == 0) break;
+    little += static_cast<char>(unit & 0xFF);
+    little += static_cast<char>(unit >> 8);
+  }
+  std::string big;
+  for (const char c : entry("a")) (little += c) += '\0';
+  for (std::size_t i = 0; i < little.size(); i += 2) (big += little[i + 1]) += little[i];
+  for (const std::string &text : {"\xFF\xFE" + little, "\xFE\xFF" + big, little, big}) {
+    EXPECT_EQ(told(text), "1:1 utf-16: the file is in UTF-16, in which no name can be read\n");
+    EXPECT_EQ(safely_fixed(text), plain);
+  }
+  expect_served(plain, {"a"});
+  EXPECT_EQ(told("ab = (LOG_COUNT = 5)\n\0"s).find("utf-16"), std::string::npos);
+}
+
+TEST_F(FileRules, OfUtf16TheFaultsAreToldAtThePlacesOfTheConvertedText) {
+  std::string text = "\xFF\xFE";
+  for (const char c : entry("a") + "stray\n" + entry("b")) (text += c) += '\0';
+  EXPECT_EQ(
+      told(text),
+      "1:1 utf-16: the file is in UTF-16, in which no name can be read\n"
+      "2:1 stray-text: \"stray\" is read as a name, but no \"=\" follows: the entry after it is "
+      "lost: b\n");
+}
+
+TEST_F(FileRules, CarriageReturnsAloneDoNotEndComments) {
+  std::string text = "# names\r" + entry("a") + entry("b");
+  for (char &c : text)
+    if (c == '\n') c = '\r';
+  EXPECT_EQ(told(text),
+            "1:8 cr-line-ends: a carriage return alone does not end this comment: what follows is "
+            "part of it\n");
+  EXPECT_EQ(safely_fixed(text), "# names\n" + entry("a") + entry("b"));
+  EXPECT_EQ(told("a = " + block + "\rb = " + block + "\r"), "");
+  EXPECT_EQ(told("# names\r\n" + entry("a")), "");
+  // Faults after that are told in their lines.
+  EXPECT_EQ(told("# names\rstray\r"),
+            "1:8 cr-line-ends: a carriage return alone does not end this comment: what follows is "
+            "part of it\n"
+            "2:1 lost-name: \"stray\" at the end of the file is lost\n");
+}
+
+TEST_F(FileRules, InvisibleCharactersBecomeBlanks) {
+  const std::string space = "\xC2\xA0";
+  EXPECT_EQ(safely_fixed(space + entry("a")), " " + entry("a"));
+  EXPECT_EQ(safely_fixed("a" + space + "= " + block + "\n"), "a = " + block + "\n");
+  EXPECT_EQ(safely_fixed(entry("a") + space + "\n" + entry("b")), entry("a") + " \n" + entry("b"));
+  EXPECT_EQ(
+      told(entry("a") + space + "\n" + entry("b")),
+      "2:1 odd-bytes: the invisible character \\xc2\\xa0 is read as a name: the entry after it is "
+      "lost: b\n");
+  EXPECT_EQ(safely_fixed(entry("a") + "\x1A"), entry("a") + " ");
+  EXPECT_EQ(safely_fixed("a\xE2\x80\x8B"
+                         "b = " +
+                         block),
+            "ab = " + block);
+  EXPECT_EQ(safely_fixed("a" + space + "b = " + block), "a" + space + "b = " + block);
+  EXPECT_EQ(unsafely_fixed("a" + space + "b = " + block), "ab = " + block);
+}
+
+TEST_F(FileRules, ACommaAfterAnEntryIsRemoved) {
+  const std::string text = "a = " + block + ",\n" + entry("b") + ", " + entry("c");
+  EXPECT_EQ(told("a = " + block + ",\n" + entry("b")),
+            "1:" + std::to_string(5 + block.size()) +
+                " stray-comma: a comma after an entry: the entry after it is lost: b\n");
+  EXPECT_EQ(safely_fixed(text), entry("a") + entry("b") + " " + entry("c"));
+  EXPECT_EQ(safely_fixed(entry("a") + "," + entry("b")), entry("a") + entry("b"));
+  EXPECT_EQ(safely_fixed("a = " + block + ","), "a = " + block);
+  expect_served(safely_fixed(text), {"a", "b", "c"});
+}
+
+TEST_F(FileRules, CommentsOfOtherReadersBecomeComments) {
+  const std::string text = "-- one\n" + entry("a") + "  ; two (\n// three\n! four\n" + entry("b");
+  EXPECT_EQ(safely_fixed(text),
+            "# -- one\n" + entry("a") + "  # ; two (\n# // three\n# ! four\n" + entry("b"));
+  expect_served(safely_fixed(text), {"a", "b"});
+  EXPECT_EQ(safely_fixed("! last"), "# ! last");
+  EXPECT_EQ(safely_fixed("; a = b\n" + entry("a")), "# ; a = b\n" + entry("a"));
+  EXPECT_EQ(safely_fixed(";a = b\n" + entry("a")), "# ;a = b\n" + entry("a"));
+}
+
+TEST_F(FileRules, StrayTextBecomesAComment) {
+  const std::string text = "these are\n" + entry("a") + "(HOST = h\n  (PORT = 1))\n" + entry("b");
+  EXPECT_EQ(safely_fixed(text), text);
+  EXPECT_EQ(unsafely_fixed(text),
+            "# these are\n" + entry("a") + "# (HOST = h\n#   (PORT = 1))\n" + entry("b"));
+  expect_served(unsafely_fixed(text), {"a", "b"});
+}
+
+TEST_F(FileRules, UnmatchedParenthesesAreRemoved) {
+  const std::string text = "a = " + block + ") )\n" + entry("b") + ")\n" + entry("c");
+  EXPECT_EQ(safely_fixed(text), text);
+  EXPECT_EQ(unsafely_fixed(text), "a = " + block + "\n" + entry("b") + "\n" + entry("c"));
+  expect_served(unsafely_fixed(text), {"a", "b", "c"});
+}
+
+TEST_F(FileRules, ParenthesesInCommentsBecomeBrackets) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-) (fine) :-(\n"
+      "  # b)\n (CONNECT_DATA = (SID = s)))\n" +
+      entry("b");
+  const std::string after =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-] (fine) :-[\n"
+      "  # b]\n (CONNECT_DATA = (SID = s)))\n" +
+      entry("b");
+  EXPECT_EQ(safely_fixed(text), after);
+  expect_served(after, {"a", "b"});
+}
+
+TEST_F(FileRules, ParenthesesInCommentsOfSeveralEntriesAreToldInOneWalk) {
+  std::string text;
+  for (const char *const name : {"a", "b", "c"})
+    text += name +
+            " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) # :-(\n"
+            " (CONNECT_DATA = (SID = s)))\n"s;
+  EXPECT_EQ(count_of(told(text), "paren-in-comment"), 3u);
+  expect_served(safely_fixed(text), {"a", "b", "c"});
+}
+
+TEST_F(FileRules, AnEntryThatLeadsAstrayMovesToTheEnd) {
+  const std::string quotes =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = \"h)\")(PORT = 1))"
+      "(CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(safely_fixed("# a\n" + quotes + entry("b")), "# a\n" + quotes + entry("b"));
+  EXPECT_EQ(unsafely_fixed("# a\n" + quotes + entry("b")), entry("b") + "# a\n" + quotes);
+  EXPECT_EQ(told(entry("b") + quotes), "");
+  expect_served(entry("b") + quotes, {"a", "b"});
+  // There is only one end.
+  const std::string both = quotes + entry("b") + quotes;
+  EXPECT_EQ(unsafely_fixed(both), both);
+  const std::string reserved = quotes + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
+  EXPECT_EQ(unsafely_fixed(reserved), reserved);
+}
+
+TEST_F(FileRules, ASecondBlockIsToldAsOneAlsoWithAFault) {
+  const std::string good = "a = " + block + "\n  " + block + "\n";
+  const std::string bad = "a = " + block + "\n  (DESCRIPTION = (SERVER = 1))\n";
+  EXPECT_EQ(count_of(told(good + entry("b")), "2:3 second-block: second block of a: "), 1u);
+  EXPECT_EQ(count_of(told(bad + entry("b")), "2:3 second-block: second block of a: "), 1u);
+  EXPECT_EQ(count_of(told(bad + entry("b")), "stray-text"), 0u);
+  EXPECT_EQ(unsafely_fixed(good + entry("b")), entry("b") + good);
+  EXPECT_EQ(told(entry("b") + good), "");
+  expect_served(entry("b") + good, {"a", "b"});
+  // Where another one is at the end, the first block is what is left.
+  EXPECT_EQ(unsafely_fixed(good + entry("b") + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"),
+            "a = " + block + "\n  # " + block + "\n" + entry("b") +
+                "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n");
+}
+
+TEST_F(FileRules, AnEqualSignIsPutAfterAName) {
+  EXPECT_EQ(unsafely_fixed("a " + block + "\nb" + block + "\n"), entry("a") + entry("b"));
+  EXPECT_EQ(safely_fixed("a " + block + "\n"), "a " + block + "\n");
+}
+
+TEST_F(FileRules, AWordAtTheEndBecomesAComment) {
+  EXPECT_EQ(unsafely_fixed(entry("a") + "b"), entry("a") + "# b");
+  EXPECT_EQ(safely_fixed(entry("a") + "b"), entry("a") + "b");
+}
+
+TEST_F(FileRules, ManyStopsAreCountedAndFewAreShown) {
+  std::string text;
+  for (int i = 0; i < 5000; ++i) text += "stray line\n";
+  const kztns::NamesText names(text);
+  const kztns::CheckReport report = kztns::check_file(names, {.file = "names"});
+  EXPECT_EQ(report.findings.size(), 1000u);
+  EXPECT_EQ(report.severities[0], 5000u);
+}
+
+TEST_F(FileRules, WhatIsCopiedIsNotToldTwice) {
+  const std::string text =
+      "x, y = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = none))"
+      "(CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(count_of(told(text), "bad-port"), 1u);
+  const std::string moved = "KZCISYSTEMVARIABLES = (LOG_COLOR = 5)\n" + entry("a");
+  EXPECT_EQ(count_of(told(moved), "unknown-setting"), 1u);
+}
+
+TEST_F(FileRules, ManyParenthesesAreOneFindingAndOneEdit) {
+  const kztns::NamesText names(entry("a") + std::string(100'000, ')') + "\n" + entry("b"));
+  const kztns::CheckReport report = kztns::check_file(names, {.file = "names"});
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].fix.edits.size(), 1u);
+}

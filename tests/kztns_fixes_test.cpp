@@ -1,0 +1,327 @@
+// What the fixes of an entry's faults leave of it.
+#include <algorithm>
+#include <fstream>
+#include <ostream>
+
+#include <gtest/gtest.h>
+
+#include "io/memory_file.h"
+#include "lookup/lookup.h"
+#include "rules/apply_fixes.h"
+#include "rules/check_file.h"
+#include "rules/foreign_keys.h"
+
+namespace {
+
+using kztns::Applicability;
+
+const std::string address = "(ADDRESS=(HOST=h)(PORT=1))";
+const std::string data = "(CONNECT_DATA=(SID=s))";
+
+// A fault of the entry x, whose value is before, and the fix of it.
+struct Row {
+  std::string rule;
+  Applicability applicability;
+  std::string before;
+  std::string after;
+};
+
+void PrintTo(const Row &row, std::ostream *out) { *out << row.rule << ": " << row.before; }
+
+std::string in_description(const std::string &items) { return "(DESCRIPTION=" + items + ")"; }
+
+Row safe(const std::string &rule, const std::string &before, const std::string &after) {
+  return {rule, Applicability::safe, in_description(before), in_description(after)};
+}
+Row unsafe(const std::string &rule, const std::string &before, const std::string &after) {
+  return {rule, Applicability::unsafe, in_description(before), in_description(after)};
+}
+Row none(const std::string &rule, const std::string &before) {
+  return {rule, Applicability::none, in_description(before), in_description(before)};
+}
+
+kztns::CheckReport report_of(const std::string &content) {
+  const kztns::NamesText text(content);
+  return kztns::check_once(text, {.file = "names.ora"});
+}
+
+bool is_served(const std::string &text) {
+  kztns::MemoryFile file;
+  EXPECT_TRUE(file.append(text));
+  kztns::Tree tree;
+  return kztns::look_up("x", {.file = file.path()}, tree).outcome == kztns::Outcome::found;
+}
+
+const kztns::Finding *finding_of(const kztns::CheckReport &report, const std::string &rule) {
+  const auto found = std::find_if(
+      report.findings.begin(), report.findings.end(),
+      [&](const kztns::Finding &finding) { return kztns::row_of(finding.rule).id == rule; });
+  return found == report.findings.end() ? nullptr : &*found;
+}
+
+std::string edited(const std::string &content, const std::vector<kztns::Edit> &edits) {
+  kztns::EditedText text(content);
+  text.apply(edits);
+  return text.text();
+}
+
+std::vector<Row> foreign_rows() {
+  return {
+      safe("unknown-key", address + "(CONNECT_DATA=(SERVER=DEDICATED)(SID=s))", address + data),
+      safe("unknown-key", "(SDU=8192)" + address + data, address + data),
+      safe("unknown-key", "(ADDRESS=(HOSTNAME=h)(PORT=1))" + data, address + data),
+      unsafe("unknown-key", "(ADDRESS=(HOSTNAME=h)(HOST=h)(PORT=1))" + data, address + data),
+      safe("unknown-key", address + "(CONNECT_DATA=(SERVICE=s))",
+           address + "(CONNECT_DATA=(SERVICE_NAME=s))"),
+      unsafe("unknown-key", address + "(CONNECT_DATA=(SERVICE=t)(SID=s))", address + data),
+      unsafe("unknown-key", "(LOAD_BALANCE=yes)" + address + data, "(KZLB=ON)" + address + data),
+      unsafe("unknown-key", "(LOAD_BALANCE=\"off\")" + address + data,
+             "(KZLB=OFF)" + address + data),
+      unsafe("unknown-key", "(LOAD_BALANCE=maybe)" + address + data, address + data),
+      unsafe("unknown-key", "(KZLB=ON)(LOAD_BALANCE=ON)" + address + data,
+             "(KZLB=ON)" + address + data),
+      unsafe("unknown-key", "(connect_timeout=5)" + address + data,
+             "(KZLB_CONNECT_TIMEOUT=5)" + address + data),
+      unsafe("unknown-key", "(FAILOVER=ON)" + address + data, address + data),
+      unsafe("unknown-key",
+             address + "(CONNECT_DATA=(FAILOVER_MODE=(TYPE=SELECT)(METHOD=BASIC))(SID=s))",
+             address + data),
+      none("unknown-key", address + data + "(SECURITY=(SSL_SERVER_CERT_DN=\"CN=x\"))"),
+      none("unknown-key", "(SOURCE_ROUTE=YES)" + address + data),
+      safe("unknown-key", "(SOURCE_ROUTE=no)" + address + data, address + data),
+      unsafe("unknown-key", "(ADDRESS_LIST=(ADDRESS=(KEY=k)(PROTOCOL=IPC))" + address + ")" + data,
+             "(ADDRESS_LIST=" + address + ")" + data),
+      none("unknown-key", "(ADDRESS=(KEY=k)(PROTOCOL=IPC))" + data),
+      {"unknown-key", Applicability::safe,
+       "(DESCRIPTION_LIST=\n " + in_description(address) + "\n)", in_description(address)},
+      {"unknown-key", Applicability::unsafe,
+       "(DESCRIPTION_LIST=(FAILOVER=ON)" + in_description(address) + in_description(data) + ")",
+       in_description(address) + in_description(data)},
+      {"unknown-key", Applicability::none, "(DESCRIPTION_LIST=(FAILOVER=ON))",
+       "(DESCRIPTION_LIST=(FAILOVER=ON))"},
+  };
+}
+
+std::vector<Row> key_rows() {
+  return {
+      unsafe("unknown-key", "(ADDRESS=(HSOT=h)(PORT=1))" + data, address + data),
+      unsafe("unknown-key", address + data + "(COLOR=red)", address + data),
+      unsafe("misplaced-key", address + "(CONNECT_DATA=(KZLB_READ_TIMEOUT=5)(SID=s))",
+             address + "(CONNECT_DATA=(SID=s))(KZLB_READ_TIMEOUT=5)"),
+      unsafe("misplaced-key", "(ADDRESS=(HOST=h)(PORT=1)(SID=s))(CONNECT_DATA=(KZ_MODE=1))",
+             address + "(CONNECT_DATA=(KZ_MODE=1)(SID=s))"),
+      unsafe("misplaced-key", address + "(SID=s)", address + "(CONNECT_DATA = (SID=s))"),
+      none("misplaced-key", address + "(CONNECT_DATA=(PORT=2)(SID=s))"),
+      {"misplaced-key", Applicability::safe, address + data,
+       "(DESCRIPTION = " + address + data + ")"},
+      {"misplaced-key", Applicability::unsafe, in_description(address) + data,
+       in_description(address + data)},
+      safe("missing-equal", address + "(CONNECT_DATA(SID=s))", address + "(CONNECT_DATA =(SID=s))"),
+      safe("missing-equal", address + "(CONNECT_DATA=(SID s))",
+           address + "(CONNECT_DATA=(SID = s))"),
+      unsafe("missing-equal", address + "(CONNECT_DATA=(SID=s)(KZ_MODE))", address + data),
+      safe("missing-key", address + "(CONNECT_DATA=()(SID=s))", address + data),
+      unsafe("missing-key", address + "(CONNECT_DATA=(=1)(SID=s))", address + data),
+      safe("odd-bytes", "(ADDRESS=(\xC2\xA0HOST=h)(PORT\xA0=1))" + data,
+           "(ADDRESS=( HOST=h)(PORT =1))" + data),
+      safe("odd-bytes", address + "\xE2\x80\x8B" + data, address + data),
+  };
+}
+
+std::vector<Row> value_rows() {
+  return {
+      safe("unquoted-value", address + "(CONNECT_DATA=(SID=a=1))",
+           address + "(CONNECT_DATA=(SID=\"a=1\"))"),
+      safe("unquoted-value", address + "(CONNECT_DATA=(SID=a b ))",
+           address + "(CONNECT_DATA=(SID=\"a b\" ))"),
+      unsafe("unquoted-value", "(KZLB_CONNECT_TIMEOUT=5 s)" + address + data,
+             "(KZLB_CONNECT_TIMEOUT=5)" + address + data),
+      none("unquoted-value", "(ADDRESS=(HOST=h PORT=1))" + data),
+      unsafe("comment-in-value", address + "(CONNECT_DATA=(SID=s #1))",
+             address + "(CONNECT_DATA=(SID=\"s #1\"))"),
+      unsafe("missing-value", address + "(CONNECT_DATA=(KZ_MODE=)(SID=s))", address + data),
+      unsafe("empty-block", address + "(KZLB_BLACKLIST=)" + data, address + data),
+      unsafe("block-for-value", address + "(CONNECT_DATA=(SID=(s)))", address + data),
+      none("block-for-value", address + "(CONNECT_DATA=(SID=(NAME=s)))"),
+      unsafe("value-for-block", "(ADDRESS=h:1)" + data, "(ADDRESS=(HOST = h)(PORT = 1))" + data),
+      none("value-for-block", "(ADDRESS=h)" + data),
+      safe("bad-word", "(KZLB=yes)" + address + data, "(KZLB=ON)" + address + data),
+      safe("bad-word", "(KZLB=0)" + address + data, "(KZLB=OFF)" + address + data),
+      unsafe("bad-word", "(ADDRESS_LIST=(KZLB_STRATEGY=RANDON)" + address + ")" + data,
+             "(ADDRESS_LIST=(KZLB_STRATEGY=RANDOM)" + address + ")" + data),
+      none("bad-word", "(KZLB=perhaps)" + address + data),
+      safe("bad-number", "(KZLB_READ_TIMEOUT=\"5 \")" + address + data,
+           "(KZLB_READ_TIMEOUT=5)" + address + data),
+      unsafe("bad-number", "(KZLB_READ_TIMEOUT=-5s)" + address + data,
+             "(KZLB_READ_TIMEOUT=-5)" + address + data),
+      none("bad-number", "(KZLB_READ_TIMEOUT=2.5)" + address + data),
+      none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPS)(HOST=h)(PORT=1))" + data),
+      unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,
+             "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
+      unsafe("bad-protocol",
+             "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=IPC)(KEY=k)))(ADDRESS_LIST=" + address + ")" + data,
+             "(ADDRESS_LIST=" + address + ")" + data),
+      none("bad-protocol",
+           "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=IPC)(KEY=k))(ADDRESS=(PROTOCOL=TCPS)"
+           "(HOST=h)(PORT=1)))" +
+               data),
+      unsafe("unclosed-quote", "(ADDRESS=(HOST=\"h)(PORT=1))" + data,
+             "(ADDRESS=(HOST=\"h\")(PORT=1))" + data),
+      {"quoted-entry", Applicability::safe, "\"" + in_description(address + data) + "\"",
+       in_description(address + data)},
+      {"no-block", Applicability::unsafe, "//h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::none, "h/s", "h/s"},
+  };
+}
+
+std::vector<Row> block_rows() {
+  return {
+      safe("second-address", address + "(ADDRESS=(HOST=i)(PORT=1))" + data,
+           "(ADDRESS_LIST = " + address + "(ADDRESS=(HOST=i)(PORT=1)))" + data),
+      safe("second-address", "(ADDRESS_LIST=" + address + ")(ADDRESS=(HOST=i)(PORT=1))" + data,
+           "(ADDRESS_LIST=" + address + ")(ADDRESS_LIST = (ADDRESS=(HOST=i)(PORT=1)))" + data),
+      unsafe("second-address", address + data + "(ADDRESS=(HOST=i)(PORT=1))",
+             "(ADDRESS_LIST = " + address + ")" + data +
+                 "(ADDRESS_LIST = (ADDRESS=(HOST=i)(PORT=1)))"),
+      unsafe("second-connect-data", data + "(CONNECT_DATA=(KZ_MODE=1))" + address,
+             "(CONNECT_DATA=(SID=s)(KZ_MODE=1))" + address),
+      none("second-connect-data", data + "(CONNECT_DATA=(SID=t))" + address),
+  };
+}
+
+class Fixes : public testing::TestWithParam<Row> {};
+
+}  // namespace
+
+TEST_P(Fixes, LeaveWhatIsServed) {
+  const Row &row = GetParam();
+  const std::string before = "x=" + row.before + "\n";
+  const kztns::CheckReport report = report_of(before);
+  const kztns::Finding *const found = finding_of(report, row.rule);
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(name_of(found->fix.applicability), name_of(row.applicability));
+  EXPECT_EQ(edited(before, found->fix.edits), "x=" + row.after + "\n");
+  EXPECT_FALSE(is_served(before));
+  EXPECT_EQ(is_served("x=" + row.after + "\n"), row.applicability != Applicability::none);
+}
+
+INSTANTIATE_TEST_SUITE_P(OfKeysOfOthers, Fixes, testing::ValuesIn(foreign_rows()));
+INSTANTIATE_TEST_SUITE_P(OfKeys, Fixes, testing::ValuesIn(key_rows()));
+INSTANTIATE_TEST_SUITE_P(OfValues, Fixes, testing::ValuesIn(value_rows()));
+INSTANTIATE_TEST_SUITE_P(OfBlocks, Fixes, testing::ValuesIn(block_rows()));
+
+TEST(Fixes, WriteAbbreviationsOut) {
+  const std::string before = "x=" + in_description("(KZLB=of)" + address + data) + "\n";
+  const kztns::CheckReport report = report_of(before);
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].fix.applicability, Applicability::safe);
+  EXPECT_EQ(edited(before, report.findings[0].fix.edits),
+            "x=" + in_description("(KZLB=OFF)" + address + data) + "\n");
+}
+
+TEST(Fixes, KeepTheTreeOfAnEntryThatIsBuilt) {
+  const std::string text =
+      "x=" + in_description(address + data + "(CONNECT_DATA=(KZ_MODE=1))") + "\n";
+  EXPECT_TRUE(is_served(text));
+  const kztns::CheckReport report = report_of(text);
+  ASSERT_NE(finding_of(report, "second-connect-data"), nullptr);
+  EXPECT_TRUE(kztns::edits_of(report.findings, true).empty());
+}
+
+TEST(Fixes, SplitAListOfDescriptionsBeforeOtherEntries) {
+  const std::string description = in_description(address + data);
+  const std::string other = "y=" + description + "\n";
+  const std::string before = "x=(DESCRIPTION_LIST=" + description + description + ")\n" + other;
+  EXPECT_EQ(edited(before, kztns::edits_of(report_of(before).findings, true)),
+            "x=" + description + "\nx_2 =\n  " + description + "\n" + other);
+  const std::string taken = before + "x_2=" + description + "\n";
+  EXPECT_TRUE(kztns::edits_of(report_of(taken).findings, true).empty());
+}
+
+TEST(Faults, OfASecondDescriptionAreNoStrayText) {
+  const kztns::CheckReport report =
+      report_of("x=" + in_description(address + data) + in_description("(SDU=1)" + address + data) +
+                "\ny=" + in_description(address + data) + "\n");
+  EXPECT_NE(finding_of(report, "unknown-key"), nullptr);
+  EXPECT_NE(finding_of(report, "second-block"), nullptr);
+  EXPECT_EQ(finding_of(report, "stray-text"), nullptr);
+}
+
+TEST(Faults, LeaveTheWarningsAboutValues) {
+  const kztns::CheckReport report = report_of(
+      "x=" + in_description("(SOURCE_ROUTE=ON)(ADDRESS=(HOST=h)(PORT=none)(WEIGHT=-1))") + "\n");
+  EXPECT_NE(finding_of(report, "bad-port"), nullptr);
+  EXPECT_NE(finding_of(report, "negative-number"), nullptr);
+  EXPECT_EQ(finding_of(report, "no-service"), nullptr);
+}
+
+TEST(Faults, SayWhereCheckingEnds) {
+  const kztns::CheckReport report =
+      report_of("x=" + in_description("(ADDRESS=(HOST=" + std::string(300, 'h') + ")(PORT=z))"));
+  const kztns::Finding *const found = finding_of(report, "key-cut");
+  ASSERT_NE(found, nullptr);
+  EXPECT_NE(found->text.find("; the rest of the entry is not checked"), std::string::npos);
+}
+
+namespace {
+
+std::vector<std::string> rules_of(const std::string &description) {
+  std::vector<std::string> rules;
+  for (const kztns::Finding &finding :
+       report_of("x=" + in_description(description) + "\n").findings)
+    rules.emplace_back(kztns::row_of(finding.rule).id);
+  return rules;
+}
+
+using Rules = std::vector<std::string>;
+
+}  // namespace
+
+TEST(Warnings, OfItemsGivenAgain) {
+  EXPECT_EQ(rules_of(address + "(CONNECT_DATA=(SID=s)(SERVICE_NAME=t))"), Rules{"repeated-key"});
+  EXPECT_EQ(
+      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(RETRYTIMES=1)(RETRY_TIMES=2)))" + address + data),
+      Rules{"repeated-key"});
+  EXPECT_EQ(
+      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(DURATION=1))(APPEND_STRATEGY=(DURATION=2)))" +
+               address + data),
+      Rules{"repeated-key"});
+  // What is too long is dropped, and replaces nothing.
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=h)(PORT=1)(PORT=1234567))" + data), Rules{"overlong-value"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
+            Rules{});
+}
+
+TEST(Warnings, OfAddressesSeenTogether) {
+  const std::string other = "(ADDRESS=(HOST=h)(PORT=2))";
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + address + ")" + data),
+            Rules{"equal-addresses"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + ")" + data), Rules{});
+  const std::string weightless = "(ADDRESS=(HOST=i)(PORT=1)(WEIGHT=0))";
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + ")" + data), Rules{"zero-weights"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=(KZLB=OFF)" + weightless + ")" + data), Rules{});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + address + ")" + data), Rules{});
+}
+
+TEST(Warnings, OfHostsThatNobodyFilledIn) {
+  for (const std::string host : {"<host>", "${HOST}", "'h'"})
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
+        << host;
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
+}
+
+TEST(ForeignKeys, AreDocumented) {
+  std::ifstream document(std::string(KZOCI_SOURCE_DIR) + "/docs/diagnostics.md");
+  std::vector<std::string> rows;
+  for (std::string line; std::getline(document, line) && line != "## The rules";) {
+    if (line == "## Keys of other readers") rows.clear();
+    if (line.starts_with("| `")) rows.push_back(line);
+  }
+  std::vector<std::string> expected;
+  for (const kztns::ForeignKey &key : kztns::foreign_keys())
+    expected.push_back("| `" + std::string(key.word) + "` | " + std::string(key.there) + " | " +
+                       fix_of(key) + " | " + std::string(key.here) + " | " +
+                       (key.shared ? "yes" : "no") + " |");
+  EXPECT_EQ(rows, expected);
+}

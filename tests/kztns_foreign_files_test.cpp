@@ -1,0 +1,130 @@
+// Generated files of other readers: every fix that is offered helps, and what is served
+// stays what it was.
+#include <map>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "io/memory_file.h"
+#include "lookup/lookup.h"
+#include "report/tree_json.h"
+#include "rules/apply_fixes.h"
+#include "rules/check_file.h"
+#include "support/foreign_files.h"
+
+namespace {
+
+constexpr std::size_t file_count = 1000;
+
+std::vector<kztns::Finding> findings_of(const std::string &content) {
+  const kztns::NamesText text(content);
+  return kztns::check_once(text, {.file = "names.ora"}).findings;
+}
+
+std::string edited(const std::string &content, const std::vector<kztns::Edit> &edits) {
+  kztns::EditedText text(content);
+  text.apply(edits);
+  return text.text();
+}
+
+// What fixes leave when they are applied until there is nothing to mend.
+std::string mended(std::string text, bool with_unsafe) {
+  constexpr int most_rounds = 20;
+  for (int round = 0; round < most_rounds; ++round) {
+    const std::vector<kztns::Edit> edits = kztns::edits_of(findings_of(text), with_unsafe);
+    if (edits.empty()) return text;
+    text = edited(text, edits);
+  }
+  ADD_FAILURE() << "still mending after " << most_rounds << " rounds:\n" << text;
+  return text;
+}
+
+// The trees of the names that are found.
+std::map<std::string, std::string> served(const std::vector<std::string> &names,
+                                          const std::string &text) {
+  kztns::MemoryFile file;
+  EXPECT_TRUE(file.append(text));
+  std::map<std::string, std::string> trees;
+  for (const std::string &name : names) {
+    kztns::Tree tree;
+    const kztns::Lookup found = kztns::look_up(name, {.file = file.path()}, tree);
+    if (found.outcome == kztns::Outcome::found) trees[name] = kztns::tree_json(*tree.get());
+  }
+  return trees;
+}
+
+template <class Check>
+void for_files(Check check) {
+  for (std::size_t seed = 1; seed <= file_count && !testing::Test::HasFailure(); ++seed) {
+    support::Random random(seed);
+    const support::ForeignFile file = support::random_foreign_file(random);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ":\n" + file.text);
+    check(file);
+  }
+}
+
+// The findings of one entry that have fixes.
+std::map<std::string, std::vector<kztns::Finding>> by_entry(
+    const std::vector<kztns::Finding> &findings) {
+  std::map<std::string, std::vector<kztns::Finding>> entries;
+  for (const kztns::Finding &finding : findings)
+    if (finding.fix && !finding.entry.empty()) entries[finding.entry].push_back(finding);
+  return entries;
+}
+
+}  // namespace
+
+TEST(ForeignFiles, EveryFixHelpsWithTheOthersOfItsEntry) {
+  std::size_t fixes = 0;
+  for_files([&](const support::ForeignFile &file) {
+    for (const auto &[entry, findings] : by_entry(findings_of(file.text))) {
+      std::vector<bool> applied;
+      kztns::EditedText text(file.text);
+      text.apply(kztns::edits_of(findings, true, &applied));
+      std::set<std::pair<kztns::Rule, kztns::Offset>> left;
+      for (const kztns::Finding &finding : findings_of(text.text()))
+        left.emplace(finding.rule, text.origin(finding.at));
+      for (std::size_t i = 0; i < findings.size(); ++i) {
+        if (!applied[i]) continue;
+        ++fixes;
+        EXPECT_EQ(left.count({findings[i].rule, findings[i].at}), 0u)
+            << to_string(findings[i].position) << ": " << findings[i].text << "\n"
+            << text.text();
+      }
+    }
+  });
+  EXPECT_GT(fixes, file_count);
+}
+
+TEST(ForeignFiles, ServedNamesKeepTheirTrees) {
+  std::size_t before = 0;
+  std::size_t safe = 0;
+  std::size_t with_unsafe = 0;
+  for_files([&](const support::ForeignFile &file) {
+    const auto trees = served(file.names, file.text);
+    const auto trees_safe = served(file.names, mended(file.text, false));
+    const auto trees_unsafe = served(file.names, mended(file.text, true));
+    for (const auto &[name, tree] : trees) {
+      EXPECT_EQ(trees_safe.count(name) ? trees_safe.at(name) : "lost", tree) << name;
+      EXPECT_EQ(trees_unsafe.count(name) ? trees_unsafe.at(name) : "lost", tree) << name;
+    }
+    before += trees.size();
+    safe += trees_safe.size();
+    with_unsafe += trees_unsafe.size();
+  });
+  EXPECT_LT(before, safe);
+  EXPECT_LT(safe, with_unsafe);
+  RecordProperty("served_before", std::to_string(before));
+  RecordProperty("served_safe", std::to_string(safe));
+  RecordProperty("served_unsafe", std::to_string(with_unsafe));
+}
+
+TEST(ForeignFiles, AFileWithoutFaultsStaysAsItIs) {
+  for_files([&](const support::ForeignFile &file) {
+    const std::string once = mended(file.text, true);
+    EXPECT_EQ(mended(once, true), once);
+    if (findings_of(file.text).empty()) {
+      EXPECT_EQ(once, file.text);
+    }
+  });
+}

@@ -1,0 +1,109 @@
+// Generated files of other readers, mended: what is served keeps its tree, what is not is
+// reported, and mending twice is mending once.
+#include <map>
+
+#include <gtest/gtest.h>
+
+#include "io/memory_file.h"
+#include "lookup/lookup.h"
+#include "report/tree_json.h"
+#include "rules/check_file.h"
+#include "rules/comment_out.h"
+#include "support/foreign_files.h"
+
+namespace {
+
+constexpr std::size_t file_count = 1000;
+
+struct Choice {
+  const char *name;
+  bool with_unsafe;
+  kztns::Commenting commenting;
+};
+
+constexpr Choice choices[] = {
+    {"safe", false, {}}, {"unsafe", true, {}}, {"commented out", true, {std::nullopt, true}}};
+
+std::string mended(const std::string &content, const Choice &choice) {
+  const kztns::NamesText original(content);
+  kztns::Mender mender(original, {"names.ora", choice.with_unsafe});
+  kztns::mend(mender, choice.commenting);
+  EXPECT_FALSE(mender.stopped());
+  return mender.text().text();
+}
+
+kztns::CheckReport report_of(const std::string &content) {
+  const kztns::NamesText text(content);
+  return kztns::check_file(text, {.file = "names.ora"});
+}
+
+// What lookups find.
+std::map<std::string, std::string> trees(const std::vector<std::string> &names,
+                                         const std::string &text) {
+  kztns::MemoryFile file;
+  EXPECT_TRUE(file.append(text));
+  std::map<std::string, std::string> found;
+  for (const std::string &name : names) {
+    kztns::Tree tree;
+    const kztns::Lookup lookup = kztns::look_up(name, {.file = file.path()}, tree);
+    if (lookup.outcome == kztns::Outcome::found) found[name] = kztns::tree_json(*tree.get());
+  }
+  return found;
+}
+
+template <class Check>
+void for_files_and_choices(Check check) {
+  for (std::size_t seed = 1; seed <= file_count && !testing::Test::HasFailure(); ++seed) {
+    support::Random random(seed);
+    const support::ForeignFile file = support::random_foreign_file(random);
+    SCOPED_TRACE("seed " + std::to_string(seed) + ":\n" + file.text);
+    for (const Choice &choice : choices) {
+      SCOPED_TRACE(choice.name);
+      check(file, choice);
+    }
+  }
+}
+
+}  // namespace
+
+TEST(MendForeignFiles, TwiceIsOnce) {
+  for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
+    const std::string once = mended(file.text, choice);
+    EXPECT_EQ(mended(once, choice), once);
+  });
+}
+
+TEST(MendForeignFiles, LeavesAcceptedFilesByteForByte) {
+  std::size_t accepted = 0;
+  for_files_and_choices([&](const support::ForeignFile &file, const Choice &choice) {
+    if (!report_of(file.text).findings.empty()) return;
+    ++accepted;
+    EXPECT_EQ(mended(file.text, choice), file.text);
+  });
+  EXPECT_GT(accepted, 0u);
+}
+
+TEST(MendForeignFiles, KeepsTheTreesOfWhatIsServed) {
+  for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
+    const auto before = trees(file.names, file.text);
+    const auto after = trees(file.names, mended(file.text, choice));
+    for (const auto &[name, tree] : before) {
+      const auto found = after.find(name);
+      ASSERT_NE(found, after.end()) << name;
+      EXPECT_EQ(found->second, tree) << name;
+    }
+  });
+}
+
+TEST(MendForeignFiles, ReportsWhatIsNotServed) {
+  for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
+    const std::string result = mended(file.text, choice);
+    const kztns::CheckReport report = report_of(result);
+    const bool errors = report.severities[static_cast<std::size_t>(kztns::Severity::error)] > 0;
+    if (choice.commenting.unserved) {
+      EXPECT_FALSE(errors) << result;
+    } else if (!errors) {
+      EXPECT_EQ(trees(file.names, result).size(), file.names.size()) << result;
+    }
+  });
+}

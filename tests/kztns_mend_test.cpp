@@ -1,0 +1,330 @@
+// Mending a file: what the library serves stays, what it refuses is mended or reported.
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "kzoci/oci_tnsname/grammar.h"
+#include "report/tree_json.h"
+#include "report/unified_diff.h"
+#include "rules/check_file.h"
+#include "rules/comment_out.h"
+#include "rules/describe_edits.h"
+#include "rules/mend_file.h"
+#include "scan/tree_digest.h"
+
+namespace {
+
+using kztns::Block;
+using kztns::Edit;
+using kztns::Mender;
+using kztns::NamesText;
+using kztns::Offset;
+using kztns::ValueKind;
+
+std::string entry(const std::string &name, const std::string &host = "h") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
+         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+}
+
+struct Result {
+  std::string text;
+  std::vector<std::string> done;
+};
+
+Result mend(const std::string &content, bool with_unsafe = false) {
+  const NamesText original(content);
+  Mender mender(original, {"names.ora", with_unsafe});
+  mender.apply_fixes();
+  Result result = {mender.text().text(), {}};
+  for (const kztns::MendedFinding &one : mender.mended())
+    result.done.push_back(to_string(one.finding.position) + " " + one.done);
+  return result;
+}
+
+std::string comment_out(const std::string &content) {
+  const NamesText original(content);
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_unserved(mender);
+  return mender.text().text();
+}
+
+std::string keep(const std::string &content, kztns::Keep which) {
+  const NamesText original(content);
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_duplicates(mender, which);
+  return mender.text().text();
+}
+
+// The only service of a text, as JSON and as a digest.
+class OneTree : public kztns::EntryVisitor {
+ public:
+  explicit OneTree(const std::string &content) {
+    const NamesText text(content);
+    const kztns::FileScan scan(text, *this);
+  }
+
+  void visit(const kztns::EntryView &view) override {
+    if (view.service == nullptr) return;
+    KZCITns tns = {};
+    tns.tns_service = view.service;
+    tns.tns_service_count = 1;
+    json = kztns::tree_json(tns);
+    digest = kztns::tree_digest(*view.service);
+  }
+  void progress(Offset) override {}
+
+  std::string json;
+  std::uint64_t digest = 0;
+};
+
+// Two values of a key: different ones unless there is only one.
+std::pair<std::string, std::string> two_values(const kztns::Key &key) {
+  if (key.type == LB_PROTOCOL) return {"TCP", "TCP"};
+  if (key.value.kind == ValueKind::integer) return {"7654321", "7654322"};
+  if (key.value.kind == ValueKind::text) return {"77", "78"};
+  return {key.value.words->words.front().text, key.value.words->words.back().text};
+}
+
+// An entry with one item in a block, and what the block needs around it.
+std::string entry_with(Block block, const std::string &item) {
+  switch (block) {
+    case Block::system_variables:
+      return "KZCISYSTEMVARIABLES = " + item;
+    case Block::description:
+      return "a = (DESCRIPTION = " + item + ")";
+    case Block::address_list:
+      return "a = (DESCRIPTION = (ADDRESS_LIST = " + item + "))";
+    case Block::address:
+      return "a = (DESCRIPTION = (ADDRESS = " + item + "))";
+    case Block::connect_data:
+      return "a = (DESCRIPTION = (CONNECT_DATA = " + item + "))";
+    case Block::remove_strategy:
+      return "a = (DESCRIPTION = (KZLB_BLACKLIST = (REMOVE_STRATEGY = " + item + ")))";
+    case Block::append_strategy:
+      return "a = (DESCRIPTION = (KZLB_BLACKLIST = (APPEND_STRATEGY = " + item + ")))";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+TEST(TreeDigest, TellsEveryFieldThatTheJsonTells) {
+  const std::vector<Block> blocks = {
+      Block::system_variables, Block::description,     Block::address_list,   Block::address,
+      Block::connect_data,     Block::remove_strategy, Block::append_strategy};
+  for (const Block block : blocks) {
+    for (const kztns::Key &key : kzoci::tns::grammar) {
+      if (key.block != block || key.name == nullptr) continue;
+      SCOPED_TRACE(key.word);
+      const auto [value, other_value] = two_values(key);
+      const std::string word = key.word;
+      const OneTree tree(entry_with(block, "(" + word + " = " + value + ")"));
+      const OneTree other(entry_with(block, "(" + word + " = " + other_value + ")"));
+      ASSERT_NE(tree.json, "");
+      EXPECT_EQ(tree.json == other.json, value == other_value);
+      EXPECT_EQ(tree.digest == other.digest, value == other_value);
+    }
+  }
+}
+
+TEST(TreeDigest, TellsTheShapeOfTheTree) {
+  const std::vector<std::string> entries = {
+      entry_with(Block::address, "(HOST = h)"),
+      entry_with(Block::address_list, "(ADDRESS = (HOST = h))(ADDRESS = (HOST = h))"),
+      entry_with(Block::address_list, "(KZLB_STRATEGY = ROTATION)"),
+      entry_with(Block::address_list, "(KZLB = OFF)"),
+      entry_with(Block::description, "(KZLB = ON)"),
+      entry_with(Block::description, "(CONNECT_DATA = (KZ_MODE = 0))"),
+      entry_with(Block::address, "(HOST = h)(PORT = 1)"),
+      entry_with(Block::address, "(HOST = h1)")};
+  std::set<std::uint64_t> digests;
+  for (const std::string &text : entries)
+    EXPECT_TRUE(digests.insert(OneTree(text).digest).second) << text;
+}
+
+TEST(Mend, LeavesAFileWithoutFindingsAsItIs) {
+  const std::string text = "# c\r\n\n" + entry("a") + "  \t# d\n" + entry("b");
+  EXPECT_EQ(mend(text).text, text);
+  EXPECT_TRUE(mend(text).done.empty());
+  EXPECT_EQ(mend("").text, "");
+}
+
+TEST(Mend, AppliesFixesAndTellsThemAtTheirPlaces) {
+  const Result result = mend(entry("a") + entry("b", "x y") + entry("c", "u v w"));
+  EXPECT_EQ(result.text, entry("a") + entry("b", "\"x y\"") + entry("c", "\"u v w\""));
+  ASSERT_EQ(result.done.size(), 2u);
+  EXPECT_EQ(result.done[0].substr(0, 2), "2:");
+  EXPECT_EQ(result.done[0].substr(result.done[0].find(' ')), " put '\"' around \"x y\"");
+  EXPECT_EQ(result.done[1].substr(0, 2), "3:");
+}
+
+TEST(Mend, LeavesWhatIsServedAndWhatItCannotMend) {
+  const std::string foreign = "c = (DESCRIPTION = (NOBODY_KNOWS = x))\n";
+  EXPECT_EQ(mend(entry("a") + foreign + entry("b", "x y")).text,
+            entry("a") + foreign + entry("b", "\"x y\""));
+}
+
+TEST(TryEdits, RefusesToLoseAName) {
+  const std::string text = entry("a") + entry("b");
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  EXPECT_FALSE(mender.try_edits({{0, 1, "c"}}));
+  EXPECT_EQ(mender.text().text(), text);
+  EXPECT_TRUE(mender.try_edits({{0, 1, "c"}}, {0}));
+  EXPECT_EQ(mender.text().text(), entry("c") + entry("b"));
+}
+
+TEST(TryEdits, RefusesToChangeATree) {
+  const std::string text = entry("a") + entry("b");
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  const auto host = static_cast<Offset>(text.find("h)"));
+  EXPECT_FALSE(mender.try_edits({{host, host + 1, "x"}}));
+  EXPECT_FALSE(mender.try_edits({{0, 0, "stray\n"}}));
+  EXPECT_TRUE(mender.try_edits({{0, 0, "# comment\n"}}));
+  EXPECT_EQ(mender.text().text(), "# comment\n" + text);
+}
+
+TEST(TryEdits, GivesInsertedLinesTheEndsOfTheFile) {
+  const std::string text = "# c\r\n" + entry("a");
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  EXPECT_TRUE(mender.try_edits({{0, 0, "# d\n# e\r\n"}}));
+  EXPECT_EQ(mender.text().text(), "# d\r\n# e\r\n" + text);
+}
+
+TEST(Mender, TellsWhatIsLostAndNew) {
+  const NamesText original(entry("a") + entry("b", "x y"));
+  Mender mender(original, {"names.ora"});
+  mender.apply_fixes();
+  const kztns::ServedNames result = kztns::served_names(NamesText(mender.text().text()));
+  EXPECT_TRUE(mender.lost_in(result).empty());
+  ASSERT_EQ(mender.new_in(result).size(), 1u);
+  EXPECT_EQ(mender.new_in(result)[0].name, kztns::digest_of_name("b"));
+  const kztns::ServedNames other = kztns::served_names(NamesText(entry("b")));
+  ASSERT_EQ(mender.lost_in(other).size(), 1u);
+  EXPECT_EQ(mender.lost_in(other)[0].name, kztns::digest_of_name("a"));
+}
+
+TEST(CommentOut, MakesCommentsOfWhatIsRefused) {
+  EXPECT_EQ(
+      comment_out(entry("a") + "b = (DESCRIPTION =\n  (NOBODY_KNOWS = x))\n# c\n" + entry("c")),
+      entry("a") +
+          "# unknown key NOBODY_KNOWS [unknown-key]\n"
+          "# b = (DESCRIPTION =\n#   (NOBODY_KNOWS = x))\n# c\n" +
+          entry("c"));
+}
+
+TEST(CommentOut, MakesCommentsOfStrayText) {
+  EXPECT_EQ(
+      comment_out(entry("a") + "stray text\n" + entry("b")),
+      entry("a") +
+          "# \"stray\" is read as a name, but no \"=\" follows: the entry after it is lost: b "
+          "[stray-text]\n# stray text\n" +
+          entry("b"));
+}
+
+TEST(CommentOut, LeavesWhatIsServed) {
+  const std::string text = entry("a") + entry("a", "i") + entry("b");
+  EXPECT_EQ(comment_out(text), text);
+}
+
+TEST(CommentOut, BeginsALineWhereAnotherEntryStands) {
+  const std::string good = "a = (DESCRIPTION = (ADDRESS = (HOST = h)))";
+  const std::string result = comment_out(good + ") " + entry("b"));
+  EXPECT_EQ(result.substr(0, good.size() + 3), good + "\n# ");
+}
+
+TEST(AsComments, TakeEachLineOfAPart) {
+  const std::string text = "a b\nc\nd e";
+  kztns::EditedText edited(text);
+  edited.apply(kztns::as_comments(text, {{2, 5, "why"}, {6, 7, "too"}}));
+  EXPECT_EQ(edited.text(), "a \n# why\n# b\n# c\n# too\n# d\n e");
+}
+
+// To the library a comment ends there.
+TEST(AsComments, EscapeZeroBytes) {
+  const std::string text("a\0b", 3);
+  kztns::EditedText edited(text);
+  edited.apply(kztns::as_comments(text, {{0, 3, "why"}}));
+  EXPECT_EQ(edited.text(), "# why\n# a\\x00b");
+}
+
+TEST(KeepOfDuplicates, CommentsTheOthersOut) {
+  const std::string text = entry("a", "1") + entry("b") + entry("a", "2") + entry("a", "3");
+  const std::string first = keep(text, kztns::Keep::first);
+  EXPECT_EQ(first, entry("a", "1") + entry("b") + "# duplicate name: the entry at 1:1 is kept\n# " +
+                       entry("a", "2") + "# duplicate name: the entry at 1:1 is kept\n# " +
+                       entry("a", "3"));
+  EXPECT_EQ(keep(text, kztns::Keep::last), "# duplicate name: the entry at 4:1 is kept\n# " +
+                                               entry("a", "1") + entry("b") +
+                                               "# duplicate name: the entry at 4:1 is kept\n# " +
+                                               entry("a", "2") + entry("a", "3"));
+  EXPECT_EQ(keep(first, kztns::Keep::last), first);
+}
+
+// A lookup that found an entry finds one afterwards.
+TEST(KeepOfDuplicates, LastIsTheLastThatIsBuilt) {
+  const std::string refused = "a = (DESCRIPTION = (NOBODY_KNOWS = x))\n";
+  EXPECT_EQ(keep(entry("a", "1") + entry("a", "2") + refused, kztns::Keep::last),
+            "# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "1") + entry("a", "2") +
+                "# duplicate name: the entry at 2:1 is kept\n# " + refused);
+}
+
+TEST(Description, OfEdits) {
+  const std::string text = "0123456789";
+  EXPECT_EQ(kztns::describe({{2, 2, ")"}}, text), "inserted \")\"");
+  EXPECT_EQ(kztns::describe({{2, 4, ""}}, text), "removed \"23\"");
+  EXPECT_EQ(kztns::describe({{2, 4, " \"x\"\n"}}, text), "replaced \"23\" by '\"x\"'");
+  EXPECT_EQ(kztns::describe({{2, 2, "\""}, {5, 5, "\""}}, text), "put '\"' around \"234\"");
+  EXPECT_EQ(kztns::describe({{1, 1, ""}, {2, 4, ""}}, text), "rearranged the lines");
+  EXPECT_EQ(kztns::describe({{1, 2, ""}, {3, 3, "a"}, {4, 5, ""}, {6, 7, ""}}, text),
+            "removed \"1\", inserted \"a\" and 2 more");
+}
+
+namespace {
+
+std::string diff(const std::string &text, const std::vector<Edit> &edits,
+                 const std::string &name = "f") {
+  kztns::EditedText edited(text);
+  edited.apply(edits);
+  return kztns::unified_diff(name, text, edited);
+}
+
+}  // namespace
+
+TEST(UnifiedDiff, IsEmptyOfNoChange) {
+  EXPECT_EQ(diff("a\nb\n", {}), "");
+  EXPECT_EQ(diff("", {}), "");
+}
+
+TEST(UnifiedDiff, HasThreeLinesOfContext) {
+  EXPECT_EQ(diff("1\n2\n3\n4\n5\n6\n7\n8\n9\n", {{8, 9, "x"}}),
+            "--- f\n+++ f\n@@ -2,7 +2,7 @@\n 2\n 3\n 4\n-5\n+x\n 6\n 7\n 8\n");
+}
+
+TEST(UnifiedDiff, JoinsChangesWhoseContextsMeet) {
+  EXPECT_EQ(diff("1\n2\n3\n4\n5\n6\n7\n8\n", {{0, 2, ""}, {14, 15, "x"}}),
+            "--- f\n+++ f\n@@ -1,8 +1,7 @@\n-1\n 2\n 3\n 4\n 5\n 6\n 7\n-8\n+x\n");
+  EXPECT_EQ(diff("1\n2\n3\n4\n5\n6\n7\n8\n9\n", {{0, 2, ""}, {16, 17, "x"}}),
+            "--- f\n+++ f\n@@ -1,4 +1,3 @@\n-1\n 2\n 3\n 4\n@@ -6,4 +5,4 @@\n 6\n 7\n 8\n-9\n+x\n");
+}
+
+TEST(UnifiedDiff, TellsAMissingLastLineFeed) {
+  EXPECT_EQ(
+      diff("a\nb", {{2, 3, "c"}}),
+      "--- f\n+++ f\n@@ -1,2 +1,2 @@\n a\n-b\n\\ No newline at end of file\n+c\n\\ No newline "
+      "at end of file\n");
+  EXPECT_EQ(diff("a", {{1, 1, "\n"}}),
+            "--- f\n+++ f\n@@ -1,1 +1,1 @@\n-a\n\\ No newline at end of file\n+a\n");
+}
+
+TEST(UnifiedDiff, CountsFromTheLineBeforeAnEmptyRange) {
+  EXPECT_EQ(diff("", {{0, 0, "a\n"}}), "--- f\n+++ f\n@@ -0,0 +1,1 @@\n+a\n");
+  EXPECT_EQ(diff("a\n", {{0, 2, ""}}), "--- f\n+++ f\n@@ -1,1 +0,0 @@\n-a\n");
+}
+
+TEST(UnifiedDiff, EndsANameWithBlanksAtATab) {
+  EXPECT_EQ(diff("a\n", {{0, 2, ""}}, "a b").substr(0, 18), "--- a b\t\n+++ a b\t\n");
+}

@@ -1,0 +1,206 @@
+#include "commands/fix.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "io/exit_status.h"
+#include "io/names_file.h"
+#include "io/output.h"
+#include "io/progress.h"
+#include "io/replace_file.h"
+#include "lookup/served_lookups.h"
+#include "report/check_text.h"
+#include "report/unified_diff.h"
+#include "rules/check_file.h"
+#include "rules/inline_files.h"
+#include "rules/mend_file.h"
+
+namespace kztns {
+namespace {
+
+std::string count_of(std::size_t count, const char *what) { return std::to_string(count) + what; }
+
+// One call of the command, for one file.
+class Fixer {
+ public:
+  Fixer(const FixOptions &options, std::string path, std::string text)
+      : options_(options),
+        path_(std::move(path)),
+        original_(std::move(text)),
+        progress_(std::in_place, original_.size()),
+        mender_(original_, {path_, options.with_unsafe, [this](Offset at) { progress_->at(at); }}) {
+  }
+
+  int run() {
+    mend();
+    check_result();
+    progress_.reset();
+    if (!keeps_promises()) return exit_findings;
+    const int written = write();
+    if (written != exit_success) return written;
+    tell();
+    const bool errors = left_.severities[static_cast<std::size_t>(Severity::error)] > 0;
+    return errors || !include_faults_.empty() ? exit_findings : exit_success;
+  }
+
+ private:
+  const std::string &result() const { return mender_.text().text(); }
+  bool changed() const { return mender_.edited() != nullptr; }
+
+  bool writes_file() const {
+    return options_.target == FixTarget::in_place || options_.target == FixTarget::file;
+  }
+
+  // The file of which the findings are told that are left: the one that is written.
+  const std::string &file_left() const {
+    return options_.target == FixTarget::file ? options_.output : path_;
+  }
+
+  void mend() {
+    if (options_.inline_ifile) put_files_in_place();
+    kztns::mend(mender_, options_.commenting);
+  }
+
+  void put_files_in_place() {
+    InlinedFiles files = inline_files(path_, original_, options_.max_size);
+    include_faults_ = std::move(files.faults);
+    if (files.edits.empty() || !mender_.try_edits(std::move(files.edits))) return;
+    for (MendedFinding &line : files.inlined) mender_.add_mended(std::move(line));
+  }
+
+  // The result is checked once more, as a file of its own.
+  void check_result() {
+    CheckRequest request;
+    request.file = file_left();
+    request.progress = [this](Offset at) { progress_->at(at); };
+    if (!changed()) {
+      left_ = mender_.report();
+      if (!left_.findings.empty()) left_ = check_file(original_, request);
+      return;
+    }
+    request.visit = [this](const EntryView &view) { served_.take(view); };
+    const NamesText text(result());
+    left_ = check_once(text, request);
+    served_.sort();
+    request.visit = {};
+    if (left_.lookups_end || !writes_file())
+      left_ = check_file(writes_file() ? text : mender_.text(), request);
+  }
+
+  // Whether every name is served that was, and the library finds those that are new.
+  bool keeps_promises() const {
+    if (!changed()) return true;
+    const bool lost = !mender_.lost_in(served_).empty();
+    if (!lost && all_are_found(result(), mender_.new_in(served_))) return true;
+    complain(quoted(visible(path_)), "a name would not be served as before: nothing is written");
+    return false;
+  }
+
+  int write() const {
+    switch (options_.target) {
+      case FixTarget::output:
+        return print(result());
+      case FixTarget::diff:
+        return changed() ? print(unified_diff(path_, original_.text(), *mender_.edited()))
+                         : exit_success;
+      case FixTarget::in_place:
+        return changed() ? replace(path_, Backup::tilde) : exit_success;
+      default:
+        return replace(options_.output, Backup::none);
+    }
+  }
+
+  static int print(const std::string &text) {
+    if (isatty(STDOUT_FILENO) != 0)
+      std::fputs(visible_lines(text).c_str(), stdout);
+    else
+      std::fwrite(text.data(), 1, text.size(), stdout);
+    return finish_output();
+  }
+
+  int replace(const std::string &path, Backup backup) const {
+    std::optional<std::string> fault;
+    if (backup == Backup::tilde) fault = changed_meanwhile();
+    if (!fault) fault = replace_file(path, result(), backup);
+    if (!fault) return exit_success;
+    complain(quoted(visible(path)), *fault);
+    return exit_output;
+  }
+
+  std::optional<std::string> changed_meanwhile() const {
+    ReadFault fault;
+    const std::optional<std::string> now = read_file(path_, options_.max_size, fault);
+    if (now && *now == original_.text()) return std::nullopt;
+    return now ? "has changed since it was read" : fault.text;
+  }
+
+  void tell() const {
+    std::vector<const MendedFinding *> mended;
+    for (const MendedFinding &one : mender_.mended()) mended.push_back(&one);
+    std::stable_sort(mended.begin(), mended.end(),
+                     [](const MendedFinding *left, const MendedFinding *right) {
+                       const Position &a = left->finding.position;
+                       const Position &b = right->finding.position;
+                       return a.line != b.line ? a.line < b.line : a.column < b.column;
+                     });
+    std::string text;
+    for (const MendedFinding *one : mended)
+      text += fixed_line(path_, one->finding, one->done) + "\n";
+    for (const std::string &fault : include_faults_) text += fault + "\n";
+    for (const Finding &finding : left_.findings) text += finding_line(left_.file, finding) + "\n";
+    text += left_out_lines(left_);
+    text += visible(file_left()) + ": " + count_of(mended.size(), " fixed, ") + left() + "; " +
+            summary(totals_of(left_)) + "\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    if (mender_.stopped())
+      complain(quoted(visible(path_)), "too many faults hide each other; mend the result again");
+  }
+
+  // "3 left, 1 of them with an unsafe fix"
+  std::string left() const {
+    std::size_t all = 0;
+    for (const std::size_t count : left_.severities) all += count;
+    const auto is_unsafe = [](const Finding &finding) {
+      return finding.fix.applicability == Applicability::unsafe;
+    };
+    const auto guesses = static_cast<std::size_t>(
+        std::count_if(left_.findings.begin(), left_.findings.end(), is_unsafe));
+    std::string text = count_of(all, " left");
+    if (guesses > 0 && !options_.with_unsafe)
+      text += " (" + count_of(guesses, " with a fix for --unsafe)");
+    return text;
+  }
+
+  const FixOptions &options_;
+  std::string path_;
+  NamesText original_;
+  std::optional<Progress> progress_;
+  Mender mender_;
+  CheckReport left_;
+  ServedNames served_;  // in the result
+  std::vector<std::string> include_faults_;
+};
+
+// Whether the file is there and cannot be replaced: it is a pipe, for example.
+bool cannot_be_replaced(const FixOptions &options) {
+  const std::optional<FileChoice> chosen = choose_file(options.file);
+  struct stat status = {};
+  if (!chosen || stat(chosen->path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return false;
+  complain(quoted(visible(chosen->path)), "is not a regular file: --in-place cannot replace it");
+  return true;
+}
+
+}  // namespace
+
+int fix(const FixOptions &options) {
+  if (options.target == FixTarget::in_place && cannot_be_replaced(options)) return exit_no_input;
+  std::string path;
+  std::optional<std::string> text = read_names_file(options.file, options.max_size, path);
+  if (!text) return exit_no_input;
+  return Fixer(options, std::move(path), std::move(*text)).run();
+}
+
+}  // namespace kztns

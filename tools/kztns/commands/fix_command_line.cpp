@@ -1,0 +1,60 @@
+#include "commands/command_line.h"
+#include "commands/fix.h"
+
+namespace kztns {
+namespace {
+
+constexpr char statuses[] = "0 every entry of the result is served, 1 errors are left";
+
+void add_target(CLI::App *fix, Arguments &arguments) {
+  CLI::Option *const diff =
+      fix->add_flag("--diff", arguments.diff, "Print a unified diff instead of the whole file");
+  CLI::Option *const in_place =
+      fix->add_flag("--in-place", arguments.in_place,
+                    "Replace the file at once, or not at all; keep the old one as FILE~")
+          ->excludes(diff);
+  fix->add_option("-o,--output", arguments.output, "Write to this file")
+      ->type_name("FILE")
+      ->excludes(diff)
+      ->excludes(in_place);
+}
+
+}  // namespace
+
+void add_fix(CLI::App &app, Arguments &arguments) {
+  CLI::App *const fix =
+      add_command(app, "fix", "Mend a names file: print it with the fixes of what check finds",
+                  statuses, arguments);
+  add_positional_file(fix, arguments);
+  fix->add_flag("--unsafe", arguments.with_unsafe,
+                "Apply fixes too that guess what was meant, or give something up");
+  fix->add_flag("--inline-ifile", arguments.inline_ifile,
+                "Put the text of included files in the place of their IFILE lines");
+  fix->add_flag("--comment-out", arguments.comment_out,
+                "Make comments of what cannot be served, with the reason");
+  fix->add_option("--keep", arguments.keep,
+                  "first or last: of the entries of a name, make comments of the others")
+      ->type_name("WHICH")
+      ->check(CLI::IsMember({"first", "last"}));
+  add_target(fix, arguments);
+}
+
+int run_fix(const CLI::App &command, const Arguments &arguments) {
+  FixOptions options;
+  options.file = given_file(command, arguments);
+  options.max_size = arguments.max_size;
+  options.with_unsafe = arguments.with_unsafe;
+  options.inline_ifile = arguments.inline_ifile;
+  options.commenting.unserved = arguments.comment_out;
+  if (command.count("--keep") > 0)
+    options.commenting.keep = arguments.keep == "last" ? Keep::last : Keep::first;
+  if (arguments.diff) options.target = FixTarget::diff;
+  if (arguments.in_place) options.target = FixTarget::in_place;
+  if (command.count("--output") > 0) {
+    options.target = FixTarget::file;
+    options.output = arguments.output;
+  }
+  return fix(options);
+}
+
+}  // namespace kztns

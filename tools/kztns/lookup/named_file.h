@@ -1,0 +1,35 @@
+// The names file that lookups of this process read.
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "kzoci/oci_tnsname/names_file.h"
+
+namespace kztns {
+
+// Sets the variable that names the file for the time of its life.
+class NamedFile {
+ public:
+  explicit NamedFile(const std::string &path) {
+    if (const char *const value = std::getenv(variable)) before_ = value;
+    setenv(variable, path.c_str(), 1);
+  }
+  ~NamedFile() {
+    if (before_)
+      setenv(variable, before_->c_str(), 1);
+    else
+      unsetenv(variable);
+  }
+  NamedFile(const NamedFile &) = delete;
+  NamedFile &operator=(const NamedFile &) = delete;
+
+ private:
+  // The one that names the file itself.
+  static constexpr const char *variable = kzoci::tns::names_file_sources[0].variable;
+
+  std::optional<std::string> before_;
+};
+
+}  // namespace kztns

@@ -1,0 +1,236 @@
+#include "rules/comment_out.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "scan/file_scan.h"
+#include "scan/tokens.h"
+
+namespace kztns {
+namespace {
+
+class NoVisitor : public EntryVisitor {
+ public:
+  void visit(const EntryView &) override {}
+  void progress(Offset) override {}
+};
+
+Offset line_start(std::string_view text, Offset at) {
+  return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
+}
+
+bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r") == text.npos; }
+
+// Whether more than a comment follows on the line.
+bool goes_on(std::string_view text, Offset at) {
+  const std::string_view rest = text.substr(at, text.find('\n', at) - at);
+  const std::size_t next = rest.find_first_not_of(" \t\r");
+  return next != rest.npos && rest[next] != '#';
+}
+
+// What is to become a comment, with the finding that tells why.
+struct Candidate {
+  CommentedPart part;
+  Finding finding;
+};
+
+// One scan of the text at hand.
+class Unserved {
+ public:
+  explicit Unserved(Mender &mender)
+      : mender_(mender), text_(mender.text().text()), scan_(mender.text(), visitor_) {}
+
+  const FileScan &scan() const { return scan_; }
+
+  std::vector<Candidate> faulty() {
+    std::vector<Candidate> found;
+    const auto is_faulty = [](const Entry &entry) {
+      return entry.verdict == Verdict::refused ||
+             (entry.verdict == Verdict::shadowed && !entry.built);
+    };
+    for (const Entry &entry : scan_.entries())
+      if (is_faulty(entry)) add(entry.at, found);
+    if (const auto stray = stray_text()) add(*stray, found);
+    std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
+      return left.part.begin < right.part.begin;
+    });
+    return found;
+  }
+
+  std::vector<Candidate> unreachable() {
+    std::vector<Candidate> found;
+    for (const Entry &entry : scan_.entries())
+      if (entry.verdict == Verdict::unreachable) add(entry.at, found);
+    return found;
+  }
+
+  // Up to the next entry, without the comments and blanks before that. Names of a list
+  // are one entry.
+  Offset end_of_part(Offset begin) const {
+    const auto &entries = scan_.entries();
+    auto next = std::upper_bound(entries.begin(), entries.end(), begin,
+                                 [](Offset at, const Entry &entry) { return at < entry.at; });
+    if (next != entries.begin())
+      for (const Offset body = std::prev(next)->body; next != entries.end() && next->body == body;)
+        ++next;
+    const Offset limit = next == entries.end() ? static_cast<Offset>(text_.size()) : next->at;
+    Offset end = begin;
+    TokenReader tokens(text_.substr(0, limit), begin);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+      end = token.span.end;
+    return end;
+  }
+
+ private:
+  // Where text begins that is no entry and ends the lookups; absent within an entry.
+  std::optional<Offset> stray_text() const {
+    const Stop &stop = scan_.stop();
+    Offset at = stop.at;
+    if (stop.kind == StopKind::no_equal || stop.kind == StopKind::lost_name)
+      at = stop.name;
+    else if (stop.kind != StopKind::no_name && stop.kind != StopKind::name_too_long)
+      return std::nullopt;
+    const Entry *const before = scan_.last_reached();
+    if (before != nullptr && before->at <= at && at < end_of_part(before->at) &&
+        before->verdict != Verdict::refused && at < before->end)
+      return std::nullopt;
+    return at;
+  }
+
+  void add(Offset begin, std::vector<Candidate> &found) {
+    if (!found.empty() && begin < found.back().part.end) return;
+    const Offset end = end_of_part(begin);
+    if (end == begin) return;
+    Finding finding = finding_in(begin, end);
+    std::string reason = finding.text + " [" + std::string(row_of(finding.rule).id) + "]";
+    found.push_back({{begin, end, std::move(reason)}, std::move(finding)});
+  }
+
+  Finding finding_in(Offset begin, Offset end) const {
+    for (const Finding &finding : mender_.report().findings)
+      if (finding.at >= begin && finding.at < end && finding.severity == Severity::error)
+        return finding;
+    Finding finding = {};
+    finding.rule = Rule::unreachable;
+    finding.at = begin;
+    finding.position = mender_.text().position(begin);
+    finding.text = "no lookup finds it";
+    return finding;
+  }
+
+  Mender &mender_;
+  std::string_view text_;
+  NoVisitor visitor_;
+  FileScan scan_;
+};
+
+bool try_parts(Mender &mender, const std::vector<Candidate> &found,
+               const std::vector<Offset> &exempt = {}) {
+  std::vector<CommentedPart> parts;
+  for (const Candidate &one : found) parts.push_back(one.part);
+  if (!mender.try_edits(as_comments(mender.text().text(), parts), exempt)) return false;
+  for (const Candidate &one : found) mender.add_mended({one.finding, "commented out"});
+  return true;
+}
+
+// All of them or, when that would lose a name, the first one that does not.
+bool comment_out(Mender &mender, const std::vector<Candidate> &found) {
+  if (try_parts(mender, found)) return true;
+  for (const Candidate &one : found)
+    if (mender.may_go_on() && try_parts(mender, {one})) return true;
+  return false;
+}
+
+// The entries of one name.
+using Namesakes = std::vector<const Entry *>;
+
+std::map<std::string_view, Namesakes> namesakes(const FileScan &scan) {
+  std::map<std::string_view, Namesakes> all;
+  for (const Entry &entry : scan.entries())
+    if (!entry.in_list) all[scan.name(entry)].push_back(&entry);
+  return all;
+}
+
+const Entry *kept_of(const Namesakes &entries, Keep keep) {
+  if (keep == Keep::first) return entries.front();
+  const auto last = std::find_if(entries.rbegin(), entries.rend(),
+                                 [](const Entry *entry) { return entry->reached && entry->built; });
+  return last == entries.rend() ? entries.front() : *last;
+}
+
+Finding duplicate(const Mender &mender, const FileScan &scan, const Entry &entry,
+                  const Entry &kept) {
+  Finding finding = {};
+  finding.rule = Rule::duplicate;
+  finding.severity = Severity::warning;
+  finding.at = entry.at;
+  finding.position = mender.text().position(entry.at);
+  finding.entry = scan.name(entry);
+  finding.text = "duplicate name: the entry at " + mender.text().place(kept.at) + " is kept";
+  return finding;
+}
+
+}  // namespace
+
+std::vector<Edit> as_comments(std::string_view text, const std::vector<CommentedPart> &parts) {
+  std::vector<Edit> edits;
+  for (const CommentedPart &part : parts) {
+    const Offset line = line_start(text, part.begin);
+    const bool alone = is_blank(text.substr(line, part.begin - line));
+    const Offset begin = alone ? line : part.begin;
+    edits.push_back({begin, begin, (alone ? "# " : "\n# ") + part.reason + "\n# "});
+    for (Offset at = begin; at < part.end; ++at) {
+      if (text[at] == '\n' && at + 1 < part.end) edits.push_back({at + 1, at + 1, "# "});
+      // To the library a zero byte ends a comment.
+      if (text[at] == '\0') edits.push_back({at, at + 1, "\\x00"});
+    }
+    if (goes_on(text, part.end)) edits.push_back({part.end, part.end, "\n"});
+  }
+  return edits;
+}
+
+void comment_out_duplicates(Mender &mender, Keep keep) {
+  Unserved unserved(mender);
+  std::vector<Candidate> found;
+  std::vector<Offset> exempt;
+  for (const auto &[name, entries] : namesakes(unserved.scan())) {
+    const Entry *const kept = kept_of(entries, keep);
+    for (const Entry *const entry : entries) {
+      if (entry == kept) continue;
+      Finding finding = duplicate(mender, unserved.scan(), *entry, *kept);
+      found.push_back(
+          {{entry->at, unserved.end_of_part(entry->at), finding.text}, std::move(finding)});
+      exempt.push_back(entry->at);
+    }
+  }
+  if (found.empty()) return;
+  std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
+    return left.part.begin < right.part.begin;
+  });
+  try_parts(mender, found, exempt);
+}
+
+void comment_out_unserved(Mender &mender) {
+  while (mender.may_go_on()) {
+    Unserved unserved(mender);
+    std::vector<Candidate> found = unserved.faulty();
+    if (found.empty()) found = unserved.unreachable();
+    if (found.empty() || !comment_out(mender, found)) return;
+  }
+}
+
+void mend(Mender &mender, const Commenting &commenting) {
+  mender.apply_fixes();
+  if (!commenting.keep && !commenting.unserved) return;
+  // What is a comment now may have kept other fixes from being applied.
+  std::size_t steps = 0;
+  do {
+    steps = mender.steps();
+    if (commenting.keep) comment_out_duplicates(mender, *commenting.keep);
+    if (commenting.unserved) comment_out_unserved(mender);
+    mender.apply_fixes();
+  } while (steps != mender.steps() && !mender.stopped());
+}
+
+}  // namespace kztns

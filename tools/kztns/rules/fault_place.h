@@ -1,0 +1,61 @@
+// The text around a fault, for those who mend it.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "rules/diagnosis.h"
+#include "scan/written_items.h"
+
+namespace kztns {
+
+class FaultPlace {
+ public:
+  FaultPlace(const Subject &subject, const Trace &trace)
+      : subject_(subject),
+        trace_(trace),
+        text_(std::string_view(subject.text.text()).substr(0, subject.end)) {}
+
+  const Subject &subject() const { return subject_; }
+  const Trace &trace() const { return trace_; }
+  const Fault &fault() const { return trace_.fault(); }
+  std::string_view text() const { return text_; }  // up to the entry's end
+
+  std::string_view slice(Span span) const {
+    return text_.substr(span.begin, span.end - span.begin);
+  }
+  std::string_view key_of(const WrittenItem &item) const { return slice(item.key); }
+  bool has_key(const WrittenItem &item, std::string_view word) const;
+
+  // The last item that was begun; null for none.
+  const Item *item() const;
+  const Frame &frame() const { return trace_.frames()[static_cast<std::size_t>(fault().frame)]; }
+  Block block() const { return frame().block; }
+
+  // The item that opened a block; absent for the entry.
+  std::optional<WrittenItem> opener(const Frame &frame) const;
+  // All items of a block, those after the fault too.
+  std::vector<WrittenItem> items_of(const Frame &frame) const;
+  std::vector<WrittenItem> children(const WrittenItem &item) const {
+    return items_from(text_, item.value);
+  }
+  // Whether one of some items has the key or one that sets the same.
+  bool is_set(const std::vector<WrittenItem> &items, std::string_view word) const;
+
+  // What removes the item that begins at a place; no fix when nothing would be left.
+  Fix removal(Offset open, Applicability applicability = Applicability::unsafe) const;
+
+ private:
+  const Subject &subject_;
+  const Trace &trace_;
+  std::string_view text_;
+};
+
+// The row of a word in a block; null when it is no key there.
+const Key *key_named(Block block, std::string_view word);
+
+// "ON" or "OFF" for other words of that meaning; empty for none.
+std::string_view switch_word(std::string_view word);
+
+}  // namespace kztns

@@ -1,0 +1,215 @@
+#include "rules/file_fixes.h"
+
+#include <algorithm>
+
+#include "rules/diagnosis.h"
+#include "scan/further_stops.h"
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+
+namespace kztns {
+namespace {
+
+bool is_blank(char c) { return std::string_view(" \t\r\n").find(c) != std::string_view::npos; }
+
+// The first entry after a place that no lookup reaches.
+Offset next_entry(const FileScan &scan, Offset at) {
+  const auto after =
+      std::upper_bound(scan.entries().begin(), scan.entries().end(), at,
+                       [](Offset place, const Entry &entry) { return place < entry.at; });
+  return after == scan.entries().end() ? scan.text().size() : after->at;
+}
+
+// "# " before what is between two places of each line.
+std::vector<Edit> comment_out(std::string_view text, Offset begin, Offset end) {
+  std::vector<Edit> edits;
+  for (Offset at = begin; at < end;) {
+    const auto line_end = static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), end));
+    const std::string_view line = text.substr(at, line_end - at);
+    const std::size_t first = line.find_first_not_of(" \t\r");
+    if (first != std::string_view::npos && line[first] != '#') {
+      const Offset place = at + static_cast<Offset>(at == begin ? first : 0);
+      edits.push_back({place, place, "# "});
+    }
+    at = line_end + 1;
+  }
+  return edits;
+}
+
+Fix fix_of_stray_text(const FileScan &scan, Offset at) {
+  const std::string_view text = scan.text().text();
+  const auto line_end = static_cast<Offset>(std::min(text.find('\n', at), text.size()));
+  if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_out(text, at, line_end));
+  const Offset limit = next_entry(scan, at);
+  const Offset end = end_of_stray_text(text, at, limit);
+  return unsafe_fix(comment_out(text, at, end == limit ? std::min(line_end, limit) : end));
+}
+
+// Those that follow each other on the line.
+Fix fix_of_closes(std::string_view text, Offset at) {
+  const std::size_t next = std::min(text.find_first_not_of(") \t", at), text.size());
+  const std::size_t last = text.substr(0, next).find_last_of(')');
+  return unsafe_fix({{at, static_cast<Offset>(last + 1), {}}});
+}
+
+Fix fix_of_missing_equal(std::string_view text, Offset at) {
+  const bool after_blank = at > 0 && is_blank(text[at - 1]);
+  return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
+}
+
+// Commas at the beginning of a word.
+Fix fix_of_commas(std::string_view text, Offset at) {
+  const auto end = static_cast<Offset>(std::min(text.find_first_not_of(',', at), text.size()));
+  return safe_fix({{at, end, {}}});
+}
+
+// What another block of an entry is made of.
+Fix fix_of_second_block(const FileScan &scan, Offset at) {
+  const std::string_view text = scan.text().text();
+  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
+  const auto end = end_of_items(text.substr(0, next_entry(scan, at)), at);
+  if (!end || before == std::string_view::npos || text[before] != '\n') return {};
+  const std::size_t after = text.find_first_not_of(" \t\r", *end);
+  if (after != std::string_view::npos && text[after] != '\n' && text[after] != '#') return {};
+  return unsafe_fix(comment_out(text, at, *end));
+}
+
+// The parentheses of a comment that have no partner in it.
+void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector<Edit> &edits) {
+  std::vector<Offset> open;
+  std::vector<Offset> found;
+  for (Offset at = begin; at < end; ++at) {
+    if (text[at] == '(') open.push_back(at);
+    if (text[at] != ')') continue;
+    if (open.empty())
+      found.push_back(at);
+    else
+      open.pop_back();
+  }
+  found.insert(found.end(), open.begin(), open.end());
+  std::sort(found.begin(), found.end());
+  for (const Offset at : found) edits.push_back({at, at + 1, text[at] == '(' ? "[" : "]"});
+}
+
+// Calls visit(begin, end) for the comments between tokens, up to a place.
+template <class Visit>
+void for_each_comment(std::string_view text, Offset from, Offset to, const Visit &visit) {
+  TokenReader tokens(text.substr(0, to), from);
+  for (bool more = true; more;) {
+    const Token token = tokens.next();
+    more = token.kind != TokenKind::end;
+    for (Offset at = from; at < token.span.begin;) {
+      if (text[at] != '#') {
+        ++at;
+        continue;
+      }
+      const auto end =
+          static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), token.span.begin));
+      visit(at, end);
+      at = end;
+    }
+    from = token.span.end;
+  }
+}
+
+// Whether an invisible character has a width.
+bool is_space(std::string_view odd) {
+  return odd != "\xEF\xBB\xBF" && odd != "\xE2\x80\x8B" && odd[0] != '\0';
+}
+
+}  // namespace
+
+Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause) {
+  const std::string_view text = scan.text().text();
+  const bool between_entries = cause.rule == Rule::extra_close && cause.at == stop.at;
+  if (cause.fix && !between_entries) return cause.fix;
+  switch (cause.rule) {
+    case Rule::byte_order_mark:
+      return safe_fix({{0, 3, {}}});
+    case Rule::stray_comma:
+      return fix_of_commas(text, cause.at);
+    case Rule::missing_equal:
+      return fix_of_missing_equal(text, cause.at);
+    case Rule::stray_text:
+      return fix_of_stray_text(scan, cause.at);
+    case Rule::extra_close:
+      return fix_of_closes(text, cause.at);
+    case Rule::second_block:
+      return fix_of_second_block(scan, stop.at);
+    case Rule::odd_bytes:
+      return stop.name == cause.at ? fix_of_invisible(text, stop.name, end_of_word(text, stop.name))
+                                   : cause.fix;
+    case Rule::lost_name:
+      return unsafe_fix(comment_out(text, cause.at, scan.text().size()));
+    default:
+      return cause.fix;
+  }
+}
+
+Fix fix_of_comments(std::string_view text, Offset body, Offset end) {
+  std::vector<Edit> edits;
+  for_each_comment(text, body, end, [&](Offset comment, Offset comment_end) {
+    find_unmatched(text, comment, comment_end, edits);
+  });
+  return edits.empty() ? Fix{} : safe_fix(std::move(edits));
+}
+
+Fix fix_of_invisible(std::string_view text, Offset begin, Offset end) {
+  std::vector<Edit> edits;
+  bool safe = true;
+  bool at_begin = true;
+  for (Offset at = begin; at < end;) {
+    const std::string_view rest = text.substr(at, end - at);
+    const std::string_view odd = odd_character(rest);
+    if (odd.empty()) break;
+    const auto place = static_cast<Offset>(odd.data() - text.data());
+    const Offset after = place + static_cast<Offset>(odd.size());
+    at_begin = at_begin && place == at;
+    const bool at_end = after == end || is_blank(text[after]);
+    if (is_blank(odd[0])) {
+      at = after;
+      continue;
+    }
+    const bool blank = is_space(odd) && (at_begin || at_end);
+    safe = safe && (blank || !is_space(odd));
+    edits.push_back({place, after, blank ? " " : ""});
+    at = after;
+  }
+  if (edits.empty()) return {};
+  return safe ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
+}
+
+std::optional<Offset> hiding_carriage_return(std::string_view text) {
+  std::size_t lone = text.find('\r');
+  while (lone != std::string_view::npos && lone + 1 < text.size() && text[lone + 1] == '\n')
+    lone = text.find('\r', lone + 1);
+  if (lone == std::string_view::npos) return std::nullopt;
+  std::optional<Offset> found;
+  for_each_comment(text, 0, static_cast<Offset>(text.size()), [&](Offset begin, Offset end) {
+    if (found) return;
+    const std::string_view comment = text.substr(begin, end - begin);
+    const std::size_t cr = comment.find('\r');
+    if (cr != std::string_view::npos &&
+        comment.find_first_not_of(" \t\r", cr) != std::string_view::npos)
+      found = begin + static_cast<Offset>(cr);
+  });
+  return found;
+}
+
+Fix fix_of_line_ends(std::string_view text) {
+  // From so many on, one edit of all the text takes less memory.
+  constexpr std::size_t most = 100'000;
+  std::vector<Edit> edits;
+  std::string all(text);
+  for (std::size_t at = text.find('\r'); at != std::string_view::npos;
+       at = text.find('\r', at + 1)) {
+    if (at + 1 < text.size() && text[at + 1] == '\n') continue;
+    all[at] = '\n';
+    if (edits.size() <= most)
+      edits.push_back({static_cast<Offset>(at), static_cast<Offset>(at + 1), "\n"});
+  }
+  if (edits.size() > most) return safe_fix({{0, static_cast<Offset>(text.size()), std::move(all)}});
+  return safe_fix(std::move(edits));
+}
+
+}  // namespace kztns

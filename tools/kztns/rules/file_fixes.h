@@ -1,0 +1,26 @@
+// Fixes of what keeps lookups from entries, where no entry is moved.
+#pragma once
+
+#include "rules/fix.h"
+#include "rules/stop_causes.h"
+
+namespace kztns {
+
+// Of what ends lookups between entries; none where another fix is for it.
+Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause);
+
+// Parentheses in the comments of an entry that have no partner in the same comment become
+// brackets.
+Fix fix_of_comments(std::string_view text, Offset body, Offset end);
+
+// Invisible characters of a word: at its ends they become blanks.
+Fix fix_of_invisible(std::string_view text, Offset begin, Offset end);
+
+// A carriage return after which a comment hides text; absent for none. Line feeds end
+// comments.
+std::optional<Offset> hiding_carriage_return(std::string_view text);
+
+// Carriage returns without a line feed become line feeds.
+Fix fix_of_line_ends(std::string_view text);
+
+}  // namespace kztns

@@ -1,0 +1,69 @@
+#include "rules/foreign_keys.h"
+
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+constexpr ForeignKey rows[] = {
+#define FOREIGN_KEY(word, treatment, ...) {word, ForeignTreatment::treatment, __VA_ARGS__},
+#include "rules/foreign_keys.def"
+};
+
+std::string action_of(const ForeignKey &key) {
+  switch (key.treatment) {
+    case ForeignTreatment::drop:
+    case ForeignTreatment::lose:
+      return "remove the item: ";
+    case ForeignTreatment::drop_address:
+      return "remove the address if there is another: ";
+    case ForeignTreatment::unwrap:
+      return "remove this block, but not those in it: ";
+    case ForeignTreatment::drop_off:
+      return "remove the item if it is off: ";
+    case ForeignTreatment::refuse:
+      return "";
+    default:
+      return "write " + std::string(key.target) + ": ";
+  }
+}
+
+}  // namespace
+
+std::span<const ForeignKey> foreign_keys() { return rows; }
+
+const ForeignKey *foreign_key(std::string_view word) {
+  for (const ForeignKey &key : rows)
+    if (equal_but_for_case(word, key.word)) return &key;
+  return nullptr;
+}
+
+std::string remedy_of(const ForeignKey &key) {
+  return action_of(key) + std::string(key.here) +
+         (key.shared ? ", but other readers of the file use it" : "");
+}
+
+std::string fix_of(const ForeignKey &key) {
+  switch (key.treatment) {
+    case ForeignTreatment::drop:
+      return "removed (safe)";
+    case ForeignTreatment::lose:
+      return "removed (unsafe)";
+    case ForeignTreatment::rename:
+      return "`" + std::string(key.target) + "` (safe)";
+    case ForeignTreatment::rename_unsafe:
+      return "`" + std::string(key.target) + "` (unsafe)";
+    case ForeignTreatment::rename_switch:
+      return "`" + std::string(key.target) + "`, `ON` or `OFF` (unsafe)";
+    case ForeignTreatment::drop_address:
+      return "its address removed (unsafe)";
+    case ForeignTreatment::unwrap:
+      return "its blocks kept";
+    case ForeignTreatment::drop_off:
+      return "removed where it is off (safe)";
+    default:
+      return "none";
+  }
+}
+
+}  // namespace kztns

@@ -1,0 +1,152 @@
+#include "rules/inline_files.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "io/read_file.h"
+#include "text/escape.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// What other readers of such files allow.
+constexpr std::size_t most_depth = 16;
+
+constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+// An IFILE line, without its end, and the file that it names.
+struct IncludeLine {
+  Offset begin;
+  Offset end;
+  std::string file;
+};
+
+std::string_view without_blanks(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(blanks);
+  if (begin == text.npos) return {};
+  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+// The file of a line; empty for another line.
+std::string_view included_file(std::string_view line) {
+  const std::size_t equal = line.find('=');
+  if (equal == line.npos || !equal_but_for_case(without_blanks(line.substr(0, equal)), "IFILE"))
+    return {};
+  std::string_view value = without_blanks(line.substr(equal + 1));
+  const bool quoted = !value.empty() && (value[0] == '"' || value[0] == '\'');
+  if (quoted) return value.substr(1, value.find(value[0], 1) - 1);
+  value = without_blanks(value.substr(0, value.find('#')));
+  return value.starts_with('(') ? std::string_view() : value;
+}
+
+std::vector<IncludeLine> include_lines(std::string_view text) {
+  std::vector<IncludeLine> lines;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    const std::string_view line = text.substr(begin, end - begin);
+    const std::string_view file = included_file(line);
+    const std::size_t line_end = end - (line.ends_with('\r') ? 1 : 0);
+    if (!file.empty())
+      lines.push_back(
+          {static_cast<Offset>(begin), static_cast<Offset>(line_end), std::string(file)});
+    begin = end + 1;
+  }
+  return lines;
+}
+
+std::string from_folder_of(const std::string &path, const std::string &file) {
+  if (file[0] == '/') return file;
+  return path.substr(0, path.rfind('/') + 1) + file;
+}
+
+using FileId = std::pair<dev_t, ino_t>;
+
+std::optional<FileId> id_of(const std::string &path) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  return FileId(status.st_dev, status.st_ino);
+}
+
+class Inliner {
+ public:
+  Inliner(std::uint64_t max_size, InlinedFiles &result) : room_(max_size), result_(result) {}
+
+  // The edits of a text that is read from a file. Depth is the input's, up to a limit.
+  std::vector<Edit> edits_of(const std::string &path, const NamesText &text) {
+    std::vector<Edit> edits;
+    open_.push_back(id_of(path));
+    for (const IncludeLine &line : include_lines(text.text()))
+      if (std::optional<std::string> inlined = text_of(path, text, line)) {
+        if (open_.size() == 1) tell(text, line);
+        edits.push_back({line.begin, line.end, std::move(*inlined)});
+      }
+    open_.pop_back();
+    return edits;
+  }
+
+ private:
+  std::optional<std::string> text_of(const std::string &path, const NamesText &text,
+                                     const IncludeLine &line) {
+    const std::string included = from_folder_of(path, line.file);
+    const auto refuse = [&](const std::string &why) {
+      result_.faults.push_back(visible(path) + ":" + text.place(line.begin) + ": error: IFILE " +
+                               quoted(visible(included)) + " " + why + " [" +
+                               std::string(row_of(Rule::ifile).id) + "]");
+      return std::nullopt;
+    };
+    if (open_.size() > most_depth)
+      return refuse("is the " + std::to_string(most_depth + 1) + "th file within each other");
+    const std::optional<FileId> id = id_of(included);
+    if (id && std::find(open_.begin(), open_.end(), id) != open_.end())
+      return refuse("includes itself");
+    ReadFault fault;
+    const std::optional<std::string> content = read_file(included, room_, fault);
+    if (!content) return refuse(fault.text);
+    room_ -= content->size();
+    return expanded(included, *content);
+  }
+
+  // A file's text with the files that it includes, without the line end that the line has.
+  std::string expanded(const std::string &path, const std::string &content) {
+    const NamesText text(
+        content.starts_with(byte_order_mark) ? content.substr(byte_order_mark.size()) : content);
+    EditedText edited(text.text());
+    edited.apply(edits_of(path, text));
+    std::string result = edited.text();
+    if (result.ends_with('\n')) result.pop_back();
+    if (result.ends_with('\r')) result.pop_back();
+    return result;
+  }
+
+  void tell(const NamesText &text, const IncludeLine &line) {
+    Finding finding = {};
+    finding.rule = Rule::ifile;
+    finding.severity = Severity::error;
+    finding.at = line.begin;
+    finding.position = text.position(line.begin);
+    finding.text = "included files are not supported";
+    finding.fix.applicability = Applicability::safe;
+    result_.inlined.push_back(
+        {std::move(finding), "put " + quoted(excerpt(line.file)) + " in the place of the line"});
+  }
+
+  std::uint64_t room_;
+  InlinedFiles &result_;
+  std::vector<std::optional<FileId>> open_;  // the files around the one at hand
+};
+
+}  // namespace
+
+InlinedFiles inline_files(const std::string &path, const NamesText &text, std::uint64_t max_size) {
+  InlinedFiles result;
+  const std::uint64_t room = max_size - std::min<std::uint64_t>(max_size, text.size());
+  result.edits = Inliner(room, result).edits_of(path, text);
+  return result;
+}
+
+}  // namespace kztns

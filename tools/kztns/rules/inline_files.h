@@ -1,0 +1,23 @@
+// Puts the files that IFILE lines name in the lines' places.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "rules/mend_file.h"
+
+namespace kztns {
+
+struct InlinedFiles {
+  std::vector<Edit> edits;             // of the text
+  std::vector<MendedFinding> inlined;  // a line each
+  // Why files are not inlined, "FILE:LINE:COLUMN: error: ..."; their lines stay.
+  std::vector<std::string> faults;
+};
+
+// The text is that of the file at path, from whose folder on relative names lead. All files
+// together may have so many bytes.
+InlinedFiles inline_files(const std::string &path, const NamesText &text, std::uint64_t max_size);
+
+}  // namespace kztns

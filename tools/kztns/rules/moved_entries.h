@@ -1,0 +1,36 @@
+// Fixes that move or copy whole entries.
+#pragma once
+
+#include <string_view>
+#include <unordered_map>
+
+#include "rules/fix.h"
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// The entry that ends every lookup is moved after those that follow it, up to one that
+// lookups could not pass over; its comment goes with it. The rest stays in order.
+Fix move_reserved(const FileScan &scan);
+
+// An entry after which lookups go astray is moved to the end of the file. No fix where
+// that would be in the way of another one.
+Fix move_to_end(const FileScan &scan, const Entry &entry);
+
+// Lists of names, "A, B = (...)".
+class NameLists {
+ public:
+  explicit NameLists(const FileScan &scan) : scan_(scan) {}
+
+  // The list that begins at a place becomes an entry for each name. A name that has an
+  // entry further on keeps that one: that is what other readers use.
+  Fix split(Offset at);
+
+ private:
+  Offset last_of(std::string_view name);
+
+  const FileScan &scan_;
+  std::unordered_map<std::string_view, Offset> last_;  // entries; made when it is needed
+};
+
+}  // namespace kztns

@@ -1,0 +1,67 @@
+#include "rules/served_names.h"
+
+#include <algorithm>
+#include <iterator>
+#include <tuple>
+
+#include "scan/tree_digest.h"
+
+namespace kztns {
+namespace {
+
+bool is_before(const ServedName &left, const ServedName &right) {
+  return std::tie(left.name, left.tree) < std::tie(right.name, right.tree);
+}
+
+class Collector : public EntryVisitor {
+ public:
+  explicit Collector(ServedNames &names) : names_(names) {}
+
+  void visit(const EntryView &view) override { names_.take(view); }
+  void progress(Offset) override {}
+
+ private:
+  ServedNames &names_;
+};
+
+}  // namespace
+
+void ServedNames::take(const EntryView &view) {
+  entries_.push_back(view.entry.at);
+  const bool served = view.entry.verdict == Verdict::ok || view.entry.verdict == Verdict::reserved;
+  if (served && view.service != nullptr)
+    names_.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at});
+}
+
+void ServedNames::sort() {
+  std::sort(names_.begin(), names_.end(), is_before);
+  std::sort(entries_.begin(), entries_.end());
+}
+
+std::vector<ServedName> ServedNames::not_in(const ServedNames &others) const {
+  std::vector<ServedName> missing;
+  std::set_difference(names_.begin(), names_.end(), others.names_.begin(), others.names_.end(),
+                      std::back_inserter(missing), is_before);
+  return missing;
+}
+
+std::size_t ServedNames::entry_around(Offset at) const {
+  const auto after = std::upper_bound(entries_.begin(), entries_.end(), at);
+  return static_cast<std::size_t>(after - entries_.begin());
+}
+
+ServedNames served_names(const NamesText &text) {
+  ServedNames names;
+  Collector collector(names);
+  const FileScan scan(text, collector);
+  names.sort();
+  return names;
+}
+
+std::uint64_t digest_of_name(std::string_view name) {
+  Digest digest;
+  digest.add(name);
+  return digest.value();
+}
+
+}  // namespace kztns

@@ -1,0 +1,44 @@
+// The names that lookups find in a text, and what they find: to tell whether a changed
+// text still gives all of it.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// A name with a tree, both as digests, and where it stands.
+struct ServedName {
+  std::uint64_t name;
+  std::uint64_t tree;
+  Offset at;
+};
+
+class ServedNames {
+ public:
+  // Of an entry that a scan visits.
+  void take(const EntryView &view);
+  // To be called once, after the last entry.
+  void sort();
+
+  const std::vector<ServedName> &names() const { return names_; }
+
+  // Those that are not served, or not with the same tree, by others.
+  std::vector<ServedName> not_in(const ServedNames &others) const;
+
+  // The last of all entries, served or not, that begins at a place or before it, counted
+  // from 1; 0 where there is none.
+  std::size_t entry_around(Offset at) const;
+
+ private:
+  std::vector<ServedName> names_;
+  std::vector<Offset> entries_;
+};
+
+ServedNames served_names(const NamesText &text);
+
+std::uint64_t digest_of_name(std::string_view name);
+
+}  // namespace kztns

@@ -1,0 +1,246 @@
+#include "rules/stop_causes.h"
+
+#include <algorithm>
+
+#include "rules/diagnosis.h"
+#include "rules/parentheses.h"
+#include "scan/further_stops.h"
+#include "scan/item_text.h"
+#include "scan/written_entries.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
+  const char *const where = hidden.in_comment ? "comment" : "quotes";
+  return {hidden.in_comment ? Rule::paren_in_comment : Rule::paren_in_quotes, hidden.at,
+          "lookups of later names count this parenthesis, although it is in " +
+              std::string(hidden.in_comment ? "a " : "") + where + std::string(consequence)};
+}
+
+std::string read_on(const NamesText &text, Offset to) {
+  const bool whole = to == text.size();
+  return std::string(", and read on to ") + (whole ? "the end of the file at " : "") +
+         text.place(to);
+}
+
+// Says why no name could be read.
+class StopExplainer {
+ public:
+  StopExplainer(const FileScan &scan, const Stop &stop)
+      : subject_{scan.text(), "file"}, scan_(scan), stop_(stop) {}
+
+  StopCause explain() const {
+    if (stop_.kind == StopKind::no_name) {
+      if (auto fault = parenthesis_fault()) return *std::move(fault);
+      if (is_after_block()) return after_block();
+      if (auto hidden = hidden_parenthesis()) return *std::move(hidden);
+    }
+    if (stop_.kind == StopKind::no_open && is_foreign_comment(text().substr(stop_.name, 2)))
+      return foreign_comment();
+    switch (stop_.kind) {
+      case StopKind::no_open:
+      case StopKind::never_balanced:
+      case StopKind::reserved:
+        return at_entry();
+      default:
+        return explain_further();
+    }
+  }
+
+  // What stands before a further stop is passed over rightly.
+  StopCause explain_further() const {
+    switch (stop_.kind) {
+      case StopKind::no_name:
+        return no_name();
+      case StopKind::after_block:
+        return after_block();
+      case StopKind::no_equal:
+        return no_equal();
+      case StopKind::no_open:
+        return no_open();
+      case StopKind::lost_name:
+        return lost_name();
+      case StopKind::name_too_long:
+        return {Rule::key_refused, stop_.at,
+                "a name of " + std::to_string(longest_token) +
+                    " characters ends at a 1024-byte read boundary"};
+      default:
+        return {Rule::gave_up, stop_.at,
+                "the entries up to here overlap too often: the check stops here"};
+    }
+  }
+
+ private:
+  std::string_view text() const { return subject_.text.text(); }
+
+  // The entry before the stop, where there is one.
+  const Entry *before() const {
+    const auto after =
+        std::upper_bound(scan_.entries().begin(), scan_.entries().end(), stop_.at,
+                         [](Offset place, const Entry &entry) { return place < entry.at; });
+    return after == scan_.entries().begin() ? nullptr : &*std::prev(after);
+  }
+
+  // What makes the entry before end too early.
+  std::optional<StopCause> parenthesis_fault() const {
+    const Entry *const entry = scan_.last_reached();
+    if (entry == nullptr) return std::nullopt;
+    const EntryRange range = EntryRanges(subject_.text).range_of(entry->body);
+    auto fault = find_parenthesis_fault(subject_.text, range, scan_.name(*entry));
+    if (!fault || !closes_early(fault->rule) || fault->at > stop_.at) return std::nullopt;
+    return StopCause{fault->rule, fault->at, std::move(fault->text), std::move(fault->remedy),
+                     std::move(fault->fix)};
+  }
+
+  std::optional<StopCause> hidden_parenthesis() const {
+    const Entry *const entry = scan_.last_reached();
+    if (entry == nullptr) return std::nullopt;
+    const auto hidden = find_hidden(text(), entry->body, stop_.at, ')');
+    if (!hidden) return std::nullopt;
+    return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
+  }
+
+  // Whether the stop is a "(" right after the first block of the entry before.
+  bool is_after_block() const {
+    const Entry *const entry = scan_.last_reached();
+    if (entry == nullptr || stop_.met != TNS_LEFT_PARENTHESES) return false;
+    const auto end = end_of_item(text().substr(0, stop_.at), pass_blanks(text(), entry->body));
+    return end && pass_blanks(text(), *end) == stop_.at;
+  }
+
+  // Whether the "(" at a place begins a block that may stand in an entry.
+  bool begins_block(Offset open) const {
+    const Offset key = pass_blanks(text(), open + 1);
+    const std::string_view word = text().substr(key, 11);
+    return equal_but_for_case(word, "DESCRIPTION") ||
+           equal_but_for_case(word.substr(0, 7), "ADDRESS");
+  }
+
+  StopCause no_name() const {
+    if (stop_.met == TNS_RIGHT_PARENTHESES) return {Rule::extra_close, stop_.at, "unmatched \")\""};
+    return {Rule::stray_text, stop_.at,
+            "expected a name, found " + quoted_token(subject_, stop_.at)};
+  }
+
+  StopCause after_block() const {
+    const Entry &entry = *before();
+    if (!begins_block(stop_.at) && !(entry.built && entry.end > stop_.at)) return no_name();
+    return {Rule::second_block, stop_.at, "second block of " + excerpt(scan_.name(entry))};
+  }
+
+  StopCause no_equal() const {
+    if (stop_.name == 0 && text().starts_with(byte_order_mark))
+      return {Rule::byte_order_mark, 0, "the byte order mark is read as part of the first name"};
+    const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
+    if (name.starts_with(',')) return {Rule::stray_comma, stop_.name, "a comma after an entry"};
+    const bool comma =
+        name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
+    if (comma) return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
+    if (is_invisible(stop_.name)) return invisible();
+    const std::string word = quoted_token(subject_, stop_.name);
+    if (stop_.met == TNS_LEFT_PARENTHESES && begins_block(stop_.at))
+      return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word};
+    return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows"};
+  }
+
+  // Whether the word at a place is made of invisible characters.
+  bool is_invisible(Offset begin) const {
+    std::string_view word = text().substr(begin, end_of_word(text(), begin) - begin);
+    bool any = false;
+    for (std::string_view odd = odd_character(word); word.starts_with(odd) && !odd.empty();
+         odd = odd_character(word)) {
+      word.remove_prefix(odd.size());
+      any = true;
+    }
+    return any && word.empty();
+  }
+
+  StopCause invisible() const {
+    return {Rule::odd_bytes, stop_.name,
+            "the invisible character " + visible(odd_character(text().substr(stop_.name, 4))) +
+                " is read as a name"};
+  }
+
+  StopCause foreign_comment() const {
+    return {Rule::stray_text, stop_.name,
+            quoted_token(subject_, stop_.name) + " is read as a name"};
+  }
+
+  StopCause no_open() const {
+    const Offset name_end = end_of_word(text(), stop_.name);
+    const Offset equal = pass_blanks(text(), name_end);
+    const std::string_view name = text().substr(stop_.name, name_end - stop_.name);
+    if (is_foreign_comment(name)) return foreign_comment();
+    Trace trace(subject_.text.text());
+    build_entry(subject_.text.text(), equal + 1, name, trace);
+    Diagnosis found = diagnose(subject_, trace, name);
+    return {found.rule, found.at, std::move(found.text), std::move(found.remedy),
+            std::move(found.fix)};
+  }
+
+  StopCause lost_name() const {
+    const auto quote = open_quote(text(), stop_.name, subject_.text.size());
+    if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
+    if (is_invisible(stop_.name)) return invisible();
+    if (text()[stop_.name] == ',') return {Rule::stray_comma, stop_.name, "a comma after an entry"};
+    return {Rule::lost_name, stop_.name,
+            quoted_token(subject_, stop_.name) + " at the end of the file is lost"};
+  }
+
+  StopCause at_entry() const {
+    const Entry &entry = *scan_.last_reached();
+    const std::string name = excerpt(scan_.name(entry));
+    if (stop_.kind == StopKind::reserved)
+      return {Rule::reserved_part, entry.at, name + " ends every lookup"};
+    if (stop_.kind == StopKind::no_open)
+      return {Rule::no_block, stop_.at, "expected \"(\" after \"=\""};
+    if (const auto hidden = find_hidden(text(), entry.body, subject_.text.size(), '(');
+        entry.built && hidden && hidden->at < entry.end)
+      return found_parenthesis(*hidden, read_on(subject_.text, subject_.text.size()));
+    return {Rule::unclosed_block, pass_blanks(text(), entry.body),
+            "the parentheses of " + name + " never balance"};
+  }
+
+  Subject subject_;
+  const FileScan &scan_;
+  const Stop &stop_;
+};
+
+}  // namespace
+
+bool goes_on_with_loss(Rule rule) {
+  switch (rule) {
+    case Rule::paren_in_comment:
+    case Rule::paren_in_quotes:
+    case Rule::lost_name:
+    case Rule::unclosed_quote:
+    case Rule::gave_up:
+      return false;
+    default:
+      return true;
+  }
+}
+
+StopCause cause_of_stop(const FileScan &scan) { return StopExplainer(scan, scan.stop()).explain(); }
+
+StopCause cause_of_further_stop(const FileScan &scan, const Stop &stop) {
+  return StopExplainer(scan, stop).explain_further();
+}
+
+std::optional<StopCause> cause_of_skip_mismatch(const NamesText &text,
+                                                const SkipMismatch &skip_mismatch) {
+  const bool too_far = skip_mismatch.passed_to > skip_mismatch.built_to;
+  const auto hidden =
+      find_hidden(text.text(), skip_mismatch.body, skip_mismatch.built_to, too_far ? '(' : ')');
+  if (!hidden) return std::nullopt;
+  if (!skip_mismatch.reached) return found_parenthesis(*hidden, {});
+  if (too_far) return found_parenthesis(*hidden, read_on(text, skip_mismatch.passed_to));
+  const Offset next = pass_blanks(text.text(), skip_mismatch.passed_to);
+  return found_parenthesis(*hidden, ", and look for the next name at " + text.place(next));
+}
+
+}  // namespace kztns

@@ -1,0 +1,214 @@
+#include "scan/further_stops.h"
+
+#include <algorithm>
+
+#include "scan/item_text.h"
+#include "scan/written_entries.h"
+
+namespace kztns {
+namespace {
+
+// Whoever mends so many checks again.
+constexpr std::size_t most_stops = 100'000;
+
+Offset end_of_line(std::string_view text, Offset from) {
+  return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
+}
+
+KZCITnsTokenType type_at(std::string_view text, Offset at) {
+  if (at >= text.size()) return TNS_ERROR_TYPE;
+  switch (text[at]) {
+    case '(':
+      return TNS_LEFT_PARENTHESES;
+    case ')':
+      return TNS_RIGHT_PARENTHESES;
+    case '=':
+      return TNS_EQUAL_SIGN;
+    default:
+      return TNS_KEY;
+  }
+}
+
+class FurtherStops {
+ public:
+  explicit FurtherStops(const FileScan &scan) : scan_(scan), text_(scan.text().text()) {}
+
+  std::vector<Stop> find() {
+    Offset from = after_first();
+    for (; next_ < scan_.entries().size(); ++next_) {
+      const Entry &entry = scan_.entries()[next_];
+      if (entry.reached || entry.at < from) continue;
+      pass_gap(from, entry.at);
+      after_entry_ = true;
+      if (entry.in_list) add(StopKind::no_equal, end_of_first_name(entry.at), entry.at);
+      from = after(entry);
+    }
+    pass_gap(from, size());
+    return std::move(stops_);
+  }
+
+ private:
+  Offset size() const { return static_cast<Offset>(text_.size()); }
+
+  void add(StopKind kind, Offset at, Offset name) {
+    if (stops_.size() < most_stops) stops_.push_back({kind, at, name, type_at(text_, at)});
+  }
+
+  Offset end_of_first_name(Offset at) const { return pass_blanks(text_, end_of_word(text_, at)); }
+
+  // The first entry after a place that lookups do not reach; the end for none.
+  Offset next_entry(Offset at) const {
+    const auto after =
+        std::upper_bound(scan_.entries().begin(), scan_.entries().end(), at,
+                         [](Offset place, const Entry &entry) { return place < entry.at; });
+    const auto found = std::find_if(after, scan_.entries().end(),
+                                    [](const Entry &entry) { return !entry.reached; });
+    return found == scan_.entries().end() ? size() : found->at;
+  }
+
+  Offset after_first() {
+    const Stop &stop = scan_.stop();
+    const Entry *const last = scan_.last_reached();
+    switch (stop.kind) {
+      case StopKind::reserved:
+        return after(*last);
+      case StopKind::never_balanced:
+        return next_entry(last->at);
+      case StopKind::end:
+      case StopKind::gave_up:
+        return size();
+      default:
+        break;
+    }
+    if (const Entry *const list = list_at(stop.name)) return after(*list);
+    // A parenthesis in a comment or in quotes leads lookups into an entry.
+    if (last != nullptr && after(*last) > stop.at) return after(*last);
+    return after(stop, next_entry(stop.at));
+  }
+
+  const Entry *list_at(Offset at) const {
+    const auto entry =
+        std::lower_bound(scan_.entries().begin(), scan_.entries().end(), at,
+                         [](const Entry &one, Offset place) { return one.at < place; });
+    const bool found = entry != scan_.entries().end() && entry->at == at && entry->in_list;
+    return found ? &*entry : nullptr;
+  }
+
+  // Where the text after an entry begins.
+  Offset after(const Entry &entry) const {
+    const Offset limit = next_entry(entry.body);
+    const std::string_view before = text_.substr(0, limit);
+    const auto end = ends_lookups(scan_.name(entry))
+                         ? end_of_items(before, entry.body)
+                         : end_of_item(before, pass_blanks(before, entry.body));
+    return end.value_or(limit);
+  }
+
+  // Where the text after a stop begins that is between entries.
+  Offset after(const Stop &stop, Offset limit) const {
+    switch (stop.met) {
+      case TNS_RIGHT_PARENTHESES:
+        return after_closes(stop.at, limit);
+      case TNS_LEFT_PARENTHESES:
+        return end_of_items(text_.substr(0, limit), stop.at).value_or(limit);
+      default:
+        break;
+    }
+    if (stop.kind == StopKind::no_open) return end_of_line(text_, stop.at);
+    return end_of_stray_text(text_, stop.name, limit);
+  }
+
+  // Those that follow each other on a line are one fault.
+  Offset after_closes(Offset at, Offset limit) const {
+    for (Offset next = at; next < limit; ++next) {
+      if (text_[next] == ')')
+        at = next + 1;
+      else if (text_[next] != ' ' && text_[next] != '\t')
+        break;
+    }
+    return at;
+  }
+
+  // Text between entries: all of it would end lookups.
+  void pass_gap(Offset from, Offset to) {
+    for (Offset at = pass_blanks(text_, from); at < to; at = pass_blanks(text_, from)) {
+      if (type_at(text_, at) != TNS_KEY) {
+        const bool block = after_entry_ && text_[at] == '(';
+        add(block ? StopKind::after_block : StopKind::no_name, at, at);
+        from = after({StopKind::no_name, at, at, type_at(text_, at)}, to);
+      } else {
+        from = pass_word(at, to);
+      }
+      after_entry_ = false;
+    }
+  }
+
+  // A word, with what follows: no entry stands at the beginning of a line.
+  Offset pass_word(Offset name, Offset to) {
+    const Offset next = end_of_first_name(name);
+    const KZCITnsTokenType met = type_at(text_, next);
+    if (met != TNS_EQUAL_SIGN) {
+      const StopKind kind = next == size() ? StopKind::lost_name : StopKind::no_equal;
+      add(kind, next, name);
+      return after({kind, next, name, met}, to);
+    }
+    const Offset value = pass_blanks(text_, next + 1);
+    if (value > to) return to;
+    if (type_at(text_, value) == TNS_LEFT_PARENTHESES)
+      return end_of_item(text_.substr(0, to), value).value_or(to);
+    add(StopKind::no_open, value, name);
+    return end_of_line(text_, value);
+  }
+
+  const FileScan &scan_;
+  std::string_view text_;
+  std::size_t next_ = 0;
+  bool after_entry_ = false;  // nothing else has come since
+  std::vector<Stop> stops_;
+};
+
+}  // namespace
+
+std::vector<Stop> find_further_stops(const FileScan &scan) { return FurtherStops(scan).find(); }
+
+Offset end_of_word(std::string_view text, Offset begin) {
+  const std::string_view word = text.substr(begin, longest_token);
+  bool in_quotes = false;
+  for (Offset i = 0; i < word.size(); ++i) {
+    if (word[i] == '"') in_quotes = !in_quotes;
+    if (!in_quotes && std::string_view(" \t\r\n()=").find(word[i]) != std::string_view::npos)
+      return begin + i;
+  }
+  return begin + static_cast<Offset>(word.size());
+}
+
+bool is_foreign_comment(std::string_view word) {
+  constexpr std::string_view begins[] = {"--", ";", "!", "//"};
+  return std::any_of(std::begin(begins), std::end(begins),
+                     [&](std::string_view begin) { return word.starts_with(begin); });
+}
+
+Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
+  std::int64_t depth = 0;
+  if (is_foreign_comment(text.substr(at, 2))) return std::min(end_of_line(text, at), limit);
+  for (Offset from = at; from < limit;) {
+    const Offset end = std::min(end_of_line(text, from), limit);
+    const std::string_view line = text.substr(from, end - from);
+    depth += std::count(line.begin(), line.end(), '(') - std::count(line.begin(), line.end(), ')');
+    if (depth <= 0) return end;
+    from = end + 1;
+  }
+  return limit;
+}
+
+std::optional<Offset> end_of_items(std::string_view text, Offset body) {
+  std::optional<Offset> end;
+  for (Offset open = pass_blanks(text, body); open < text.size() && text[open] == '(';
+       open = pass_blanks(text, *end)) {
+    end = end_of_item(text, open);
+    if (!end) return std::nullopt;
+  }
+  return end;
+}
+
+}  // namespace kztns

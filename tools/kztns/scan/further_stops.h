@@ -1,0 +1,29 @@
+// What else would end lookups, after what does.
+#pragma once
+
+#include <vector>
+
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// Goes on where the scan's lookup ends: at the next line, or the next entry that stands
+// in the text. Forward only.
+std::vector<Stop> find_further_stops(const FileScan &scan);
+
+// Whether a word begins a comment of other readers of such files.
+bool is_foreign_comment(std::string_view word);
+
+// The end of a word that begins at a place, as far as the library reads it.
+Offset end_of_word(std::string_view text, Offset begin);
+
+// The end of text that begins at a place and is no entry: of its line or, when
+// parentheses are open there and it is no comment, of the line where they are closed; at
+// most a limit.
+Offset end_of_stray_text(std::string_view text, Offset at, Offset limit);
+
+// After all items of an entry's value, "(...) (...)"; absent when one is not closed
+// before the end of the text.
+std::optional<Offset> end_of_items(std::string_view text, Offset body);
+
+}  // namespace kztns
