@@ -72,7 +72,9 @@ ssize_t __wrap_write(int file, const void *bytes, size_t count) {
   return __real_write(file, bytes, count);
 }
 
-int __wrap_fchmod(int file, mode_t mode) { return fails("fchmod") ? -1 : __real_fchmod(file, mode); }
+int __wrap_fchmod(int file, mode_t mode) {
+  return fails("fchmod") ? -1 : __real_fchmod(file, mode);
+}
 
 int __wrap_fchown(int file, uid_t user, gid_t group) {
   return fails("fchown") ? -1 : __real_fchown(file, user, group);
@@ -192,8 +194,7 @@ TEST_F(ReplaceFile, WritesIntoWhatIsNoRegularFile) {
   EXPECT_EQ(kztns::replace_file("/dev/null", "new", Backup::none), std::nullopt);
   EXPECT_EQ(kztns::replace_file("/dev/full", "new", Backup::none),
             "cannot be written: No space left on device");
-  EXPECT_EQ(kztns::replace_file(folder_, "new", Backup::none),
-            "cannot be written: Is a directory");
+  EXPECT_EQ(kztns::replace_file(folder_, "new", Backup::none), "cannot be written: Is a directory");
 }
 
 TEST_F(ReplaceFile, NeedsItsFolder) {
