@@ -20,18 +20,12 @@ struct Change {
   std::size_t new_begin, new_end;
 };
 
-// Lines that both texts have.
-struct Shared {
-  std::size_t old_begin, new_begin, size;
-};
-
 bool at_line_start(std::string_view text, std::size_t at) {
   return at == 0 || text[at - 1] == '\n';
 }
 
 // The whole lines of a part that was kept; absent for none.
-std::optional<Shared> whole_lines(const Kept &part, std::string_view before,
-                                  std::string_view after) {
+std::optional<Kept> whole_lines(const Kept &part, std::string_view before, std::string_view after) {
   const std::string_view text = before.substr(part.origin, part.length);
   const bool begins_line = at_line_start(before, part.origin) && at_line_start(after, part.at);
   const bool ends_both =
@@ -39,7 +33,8 @@ std::optional<Shared> whole_lines(const Kept &part, std::string_view before,
   const std::size_t begin = begins_line ? 0 : text.find('\n') + 1;
   const std::size_t end = ends_both ? text.size() : text.rfind('\n') + 1;
   if (begin >= end || (!begins_line && begin == 0)) return std::nullopt;
-  return Shared{part.origin + begin, part.at + begin, end - begin};
+  const auto skipped = static_cast<Offset>(begin);
+  return Kept{part.at + skipped, part.origin + skipped, static_cast<Offset>(end - begin)};
 }
 
 // Of the parts that were kept, those that stand in one order in both texts, as many bytes of
@@ -125,9 +120,9 @@ std::vector<Change> changes_of(std::string_view before, const EditedText &after)
   for (const Kept &part : joined(after.kept())) {
     const auto shared = whole_lines(part, before, after.text());
     if (!shared) continue;
-    add(shared->old_begin, shared->new_begin);
-    old_at = shared->old_begin + shared->size;
-    new_at = shared->new_begin + shared->size;
+    add(shared->origin, shared->at);
+    old_at = shared->origin + shared->length;
+    new_at = shared->at + shared->length;
   }
   add(before.size(), after.text().size());
   return changes;

@@ -83,7 +83,7 @@ void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis) {
   }
   if (in_run) edits.push_back({items.back().end, items.back().end, ")"});
   const bool one_list = edits.size() == 2;
-  diagnosis.fix = one_list ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
+  diagnosis.fix = {one_list ? Applicability::safe : Applicability::unsafe, std::move(edits)};
 }
 
 void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {

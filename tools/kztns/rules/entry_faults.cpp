@@ -1,6 +1,7 @@
 #include "rules/entry_faults.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "rules/entry_warnings.h"
 #include "scan/item_text.h"
@@ -159,7 +160,7 @@ void EntryFaults::report(const EntryView &view, Diagnosis first, const std::stri
     add(view.name, severity, std::move(found.told));
     if (!goes_on) return;
     if (!next) break;
-    found = *std::move(next);
+    found = *std::exchange(next, std::nullopt);
   }
   if (built || copy.trace().fault().kind != FaultKind::none) return;
   const Findings::FromCopy from_copy(findings_, copy.text());

@@ -70,8 +70,7 @@ class Mender::Walk {
 
  private:
   std::set<std::size_t> groups_with_fixes() {
-    const std::vector<Edit> edits =
-        edits_of(report_.findings, mender_.request_.with_unsafe, &applied_);
+    edits_of(report_.findings, mender_.request_.with_unsafe, &applied_);
     std::set<std::size_t> groups;
     for (std::size_t i = 0; i < applied_.size(); ++i)
       if (applied_[i]) groups.insert(groups_[i]);
