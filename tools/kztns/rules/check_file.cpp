@@ -72,7 +72,7 @@ class EntryChecker : public EntryVisitor {
   }
 
   void report_fault(const EntryView &view) {
-    Diagnosis first = faults_.first_of(view);
+    const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
     if (ends_lookups_too(view) || loses_next_name(view, first)) {
       reported_stop_ = {first.rule, first.at, first.text};
@@ -80,7 +80,7 @@ class EntryChecker : public EntryVisitor {
     }
     if (closes_early(first.rule) && closed_early_.size() < Findings::most_of_a_rule)
       closed_early_.push_back({first.at, faults_.range().end});
-    faults_.report(view, std::move(first), consequence_of_first);
+    faults_.report(view, first, consequence_of_first);
   }
 
   const NamesText &text_;

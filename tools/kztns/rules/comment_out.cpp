@@ -128,6 +128,7 @@ class Unserved {
 bool try_parts(Mender &mender, const std::vector<Candidate> &found,
                const std::vector<Offset> &exempt = {}) {
   std::vector<CommentedPart> parts;
+  parts.reserve(found.size());
   for (const Candidate &one : found) parts.push_back(one.part);
   if (!mender.try_edits(as_comments(mender.text().text(), parts), exempt)) return false;
   for (const Candidate &one : found) mender.add_mended({one.finding, "commented out"});

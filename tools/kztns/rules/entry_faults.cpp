@@ -125,7 +125,8 @@ Diagnosis EntryFaults::first_of(const EntryView &view) {
   return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
 }
 
-void EntryFaults::report(const EntryView &view, Diagnosis first, const std::string &consequence) {
+void EntryFaults::report(const EntryView &view, const Diagnosis &first,
+                         const std::string &consequence) {
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_.end);

@@ -23,7 +23,7 @@ class EntryFaults {
   // Reports it, with consequence after its text, the other faults and the warnings. To be
   // called right after first_of. An entry that is built keeps its tree: its faults have no
   // fixes.
-  void report(const EntryView &view, Diagnosis first, const std::string &consequence);
+  void report(const EntryView &view, const Diagnosis &first, const std::string &consequence);
 
   // Of the entry at hand.
   EntryRange range() const { return range_; }

@@ -6,7 +6,7 @@ namespace kztns {
 namespace {
 
 constexpr ForeignKey rows[] = {
-#define FOREIGN_KEY(word, treatment, ...) {word, ForeignTreatment::treatment, __VA_ARGS__},
+#define FOREIGN_KEY(word, treatment, ...) {word, __VA_ARGS__, ForeignTreatment::treatment},
 #include "rules/foreign_keys.def"
 };
 

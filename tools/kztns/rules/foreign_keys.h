@@ -22,11 +22,11 @@ enum class ForeignTreatment {
 
 struct ForeignKey {
   std::string_view word;
-  ForeignTreatment treatment;
   std::string_view target;  // the key here; empty for none
   std::string_view there;   // what it does for other readers
   std::string_view here;    // why it is treated so
   bool shared;              // whether other readers that share the file need it
+  ForeignTreatment treatment;
 };
 
 std::span<const ForeignKey> foreign_keys();

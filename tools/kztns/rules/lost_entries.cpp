@@ -34,7 +34,8 @@ LostEntries::LostEntries(const FileScan &scan) {
   const Stop &stop = scan.stop();
   const Entry *const last = scan.last_reached();
   const Entry *before = nullptr;
-  const Offset end = stop.kind == StopKind::reserved ? last->at : stop.name;
+  const bool reserved = stop.kind == StopKind::reserved && last != nullptr;
+  const Offset end = reserved ? last->at : stop.name;
   const Lost list = names_of_list(scan, stop.name);
   const auto is_in_list = [&](const Entry &entry) {
     return list.first() != nullptr && list.first()->body == entry.body;
