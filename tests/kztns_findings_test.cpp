@@ -13,6 +13,7 @@
 #include "report/check_text.h"
 #include "rules/check_file.h"
 #include "support/json_schema.h"
+#include "support/names_report.h"
 #include "text/spelling.h"
 #include "trace/key_words.h"
 #include "trace/platform.h"
@@ -20,21 +21,11 @@
 namespace {
 
 using nlohmann::json;
+using support::good_entry;
+using support::report_of;
 using namespace std::string_view_literals;
 
 const std::string project = KZOCI_SOURCE_DIR;
-
-kztns::CheckReport report_of(const std::string &content) {
-  const kztns::NamesText text(content);
-  kztns::CheckRequest request;
-  request.file = "names.ora";
-  request.with_entries = true;
-  return kztns::check_file(text, request);
-}
-
-std::string good_entry(const std::string &name) {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
-}
 
 kztns::CheckReport varied_report() {
   return report_of(good_entry("a") + "b = (DESCRIPTION = (ADDRESS = (PROT = TCP)))\n" +

@@ -5,20 +5,14 @@
 
 #include <gtest/gtest.h>
 
-#include "io/memory_file.h"
-#include "lookup/lookup.h"
-#include "report/tree_json.h"
 #include "rules/apply_fixes.h"
 #include "rules/check_file.h"
-#include "support/foreign_files.h"
+#include "support/foreign_lookups.h"
+
+using support::for_foreign_files;
+using support::trees_found;
 
 namespace {
-
-#if defined(KZOCI_SANITIZED)
-constexpr std::size_t file_count = 100;  // ten times slower there
-#else
-constexpr std::size_t file_count = 1000;
-#endif
 
 std::vector<kztns::Finding> findings_of(const std::string &content) {
   const kztns::NamesText text(content);
@@ -43,30 +37,6 @@ std::string mended(std::string text, bool with_unsafe) {
   return text;
 }
 
-// The trees of the names that are found.
-std::map<std::string, std::string> served(const std::vector<std::string> &names,
-                                          const std::string &text) {
-  kztns::MemoryFile file;
-  EXPECT_TRUE(file.append(text));
-  std::map<std::string, std::string> trees;
-  for (const std::string &name : names) {
-    kztns::Tree tree;
-    const kztns::Lookup found = kztns::look_up(name, {.file = file.path()}, tree);
-    if (found.outcome == kztns::Outcome::found) trees[name] = kztns::tree_json(*tree.get());
-  }
-  return trees;
-}
-
-template <class Check>
-void for_files(Check check) {
-  for (std::size_t seed = 1; seed <= file_count && !testing::Test::HasFailure(); ++seed) {
-    support::Random random(seed);
-    const support::ForeignFile file = support::random_foreign_file(random);
-    SCOPED_TRACE("seed " + std::to_string(seed) + ":\n" + file.text);
-    check(file);
-  }
-}
-
 // The findings of one entry that have fixes.
 std::map<std::string, std::vector<kztns::Finding>> by_entry(
     const std::vector<kztns::Finding> &findings) {
@@ -80,7 +50,7 @@ std::map<std::string, std::vector<kztns::Finding>> by_entry(
 
 TEST(ForeignFiles, EveryFixHelpsWithTheOthersOfItsEntry) {
   std::size_t fixes = 0;
-  for_files([&](const support::ForeignFile &file) {
+  for_foreign_files([&](const support::ForeignFile &file) {
     for (const auto &[entry, findings] : by_entry(findings_of(file.text))) {
       std::vector<bool> applied;
       kztns::EditedText text(file.text);
@@ -97,17 +67,17 @@ TEST(ForeignFiles, EveryFixHelpsWithTheOthersOfItsEntry) {
       }
     }
   });
-  EXPECT_GT(fixes, file_count);
+  EXPECT_GT(fixes, support::foreign_file_count);
 }
 
 TEST(ForeignFiles, ServedNamesKeepTheirTrees) {
   std::size_t before = 0;
   std::size_t safe = 0;
   std::size_t with_unsafe = 0;
-  for_files([&](const support::ForeignFile &file) {
-    const auto trees = served(file.names, file.text);
-    const auto trees_safe = served(file.names, mended(file.text, false));
-    const auto trees_unsafe = served(file.names, mended(file.text, true));
+  for_foreign_files([&](const support::ForeignFile &file) {
+    const auto trees = trees_found(file.names, file.text);
+    const auto trees_safe = trees_found(file.names, mended(file.text, false));
+    const auto trees_unsafe = trees_found(file.names, mended(file.text, true));
     for (const auto &[name, tree] : trees) {
       EXPECT_EQ(trees_safe.count(name) ? trees_safe.at(name) : "lost", tree) << name;
       EXPECT_EQ(trees_unsafe.count(name) ? trees_unsafe.at(name) : "lost", tree) << name;
@@ -124,7 +94,7 @@ TEST(ForeignFiles, ServedNamesKeepTheirTrees) {
 }
 
 TEST(ForeignFiles, AFileWithoutFaultsStaysAsItIs) {
-  for_files([&](const support::ForeignFile &file) {
+  for_foreign_files([&](const support::ForeignFile &file) {
     const std::string once = mended(file.text, true);
     EXPECT_EQ(mended(once, true), once);
     if (findings_of(file.text).empty()) {

@@ -4,20 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "io/memory_file.h"
-#include "lookup/lookup.h"
-#include "report/tree_json.h"
 #include "rules/check_file.h"
 #include "rules/comment_out.h"
-#include "support/foreign_files.h"
+#include "support/foreign_lookups.h"
+
+using support::trees_found;
 
 namespace {
-
-#if defined(KZOCI_SANITIZED)
-constexpr std::size_t file_count = 100;  // ten times slower there
-#else
-constexpr std::size_t file_count = 1000;
-#endif
 
 struct Choice {
   const char *name;
@@ -41,31 +34,14 @@ kztns::CheckReport report_of(const std::string &content) {
   return kztns::check_file(text, {.file = "names.ora"});
 }
 
-// What lookups find.
-std::map<std::string, std::string> trees(const std::vector<std::string> &names,
-                                         const std::string &text) {
-  kztns::MemoryFile file;
-  EXPECT_TRUE(file.append(text));
-  std::map<std::string, std::string> found;
-  for (const std::string &name : names) {
-    kztns::Tree tree;
-    const kztns::Lookup lookup = kztns::look_up(name, {.file = file.path()}, tree);
-    if (lookup.outcome == kztns::Outcome::found) found[name] = kztns::tree_json(*tree.get());
-  }
-  return found;
-}
-
 template <class Check>
 void for_files_and_choices(Check check) {
-  for (std::size_t seed = 1; seed <= file_count && !testing::Test::HasFailure(); ++seed) {
-    support::Random random(seed);
-    const support::ForeignFile file = support::random_foreign_file(random);
-    SCOPED_TRACE("seed " + std::to_string(seed) + ":\n" + file.text);
+  support::for_foreign_files([&](const support::ForeignFile &file) {
     for (const Choice &choice : choices) {
       SCOPED_TRACE(choice.name);
       check(file, choice);
     }
-  }
+  });
 }
 
 }  // namespace
@@ -89,8 +65,8 @@ TEST(MendForeignFiles, LeavesAcceptedFilesByteForByte) {
 
 TEST(MendForeignFiles, KeepsTheTreesOfWhatIsServed) {
   for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
-    const auto before = trees(file.names, file.text);
-    const auto after = trees(file.names, mended(file.text, choice));
+    const auto before = trees_found(file.names, file.text);
+    const auto after = trees_found(file.names, mended(file.text, choice));
     for (const auto &[name, tree] : before) {
       const auto found = after.find(name);
       ASSERT_NE(found, after.end()) << name;
@@ -107,7 +83,7 @@ TEST(MendForeignFiles, ReportsWhatIsNotServed) {
     if (choice.commenting.unserved) {
       EXPECT_FALSE(errors) << result;
     } else if (!errors) {
-      EXPECT_EQ(trees(file.names, result).size(), file.names.size()) << result;
+      EXPECT_EQ(trees_found(file.names, result).size(), file.names.size()) << result;
     }
   });
 }

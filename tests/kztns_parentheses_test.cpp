@@ -12,6 +12,7 @@
 #include "rules/check_file.h"
 #include "rules/parentheses.h"
 #include "scan/parenthesis_search.h"
+#include "support/names_report.h"
 #include "support/written_entry.h"
 #include "trace/platform.h"
 
@@ -20,21 +21,11 @@ namespace {
 using kztns::Finding;
 using kztns::Rule;
 using support::ForeignItems;
+using support::good_entry;
 using support::Random;
+using support::report_of;
 using support::WrittenItem;
 using support::WrittenText;
-
-kztns::CheckReport report_of(const std::string &content) {
-  const kztns::NamesText text(content);
-  kztns::CheckRequest request;
-  request.file = "names.ora";
-  request.with_entries = true;
-  return kztns::check_file(text, request);
-}
-
-std::string good_entry(const std::string &name) {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
-}
 
 // A names file one of whose entries has lost a parenthesis or has one twice.
 struct Damage {
