@@ -57,16 +57,29 @@ TEST(EditedText, MayLoseAllOfIt) {
 }
 
 TEST(EditedText, KnowsWhichEditsAreOfTheTextBefore) {
+  using Edits = std::vector<Edit>;
   EditedText text("0123456789");
   text.apply({{2, 4, "xyz"}, {6, 6, "+"}});  // 01xyz45+6789
-  const auto before = [&](Edit edit) { return text.to_origin(edit) ? edit : Edit{99, 99, ""}; };
-  EXPECT_EQ(before({0, 2, "a"}), (Edit{0, 2, "a"}));
-  EXPECT_EQ(before({5, 7, ""}), (Edit{4, 6, ""}));
-  EXPECT_EQ(before({8, 8, "a"}), (Edit{6, 6, "a"}));
-  EXPECT_EQ(before({12, 12, "a"}), (Edit{10, 10, "a"}));
-  EXPECT_EQ(before({2, 5, ""}), (Edit{99, 99, ""}));
-  EXPECT_EQ(before({3, 3, "a"}), (Edit{99, 99, ""}));
-  EXPECT_EQ(before({6, 9, ""}), (Edit{99, 99, ""}));
+  EXPECT_EQ(text.to_origin({0, 2, "a"}), (Edits{{0, 2, "a"}}));
+  EXPECT_EQ(text.to_origin({5, 7, ""}), (Edits{{4, 6, ""}}));
+  EXPECT_EQ(text.to_origin({8, 8, "a"}), (Edits{{6, 6, "a"}}));
+  EXPECT_EQ(text.to_origin({12, 12, "a"}), (Edits{{10, 10, "a"}}));
+  EXPECT_EQ(text.to_origin({2, 5, ""}), Edits());
+  EXPECT_EQ(text.to_origin({1, 3, ""}), Edits());
+  EXPECT_EQ(text.to_origin({3, 3, "a"}), Edits());
+  EXPECT_EQ(text.to_origin({6, 9, ""}), Edits());
+}
+
+TEST(EditedText, AnEditOverWhatIsRemovedIsSeveralOfTheTextBefore) {
+  using Edits = std::vector<Edit>;
+  EditedText text("0123456789");
+  text.apply({{2, 4, ""}, {6, 7, ""}});  // 0145789
+  EXPECT_EQ(text.to_origin({1, 5, "a"}), (Edits{{1, 2, "a"}, {4, 6, ""}, {7, 8, ""}}));
+  EXPECT_EQ(text.to_origin({2, 2, "a"}), (Edits{{4, 4, "a"}}));
+  EXPECT_EQ(text.to_origin({6, 8, ""}), Edits());
+  EditedText turned("abcd");
+  turned.apply({{0, 0, "cd", 2}, {2, 4, ""}});  // cdab
+  EXPECT_EQ(turned.to_origin({1, 3, ""}), Edits());
 }
 
 TEST(Edits, AreSortedAndToldWhereTheyOverlap) {
@@ -115,6 +128,18 @@ TEST(Fixes, OfTwoThatChangeTheSameTheFirstApplies) {
             (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}, {6, 6, "after a"}}));
   EXPECT_EQ(applied, (std::vector<bool>{true, false, true, false, false, true}));
   EXPECT_EQ(kztns::edits_of(findings, false), (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}}));
+}
+
+TEST(Fixes, WhatIsCopiedIsCopiedWithItsFixes) {
+  const std::string text = "a, b = (wrong)(odd)\n";
+  const std::vector<kztns::Finding> findings = {
+      with(kztns::safe_fix({{1, 4, " ="}, {4, 4, "(wrong)(odd)", 7}, {4, 6, "\nb ="}})),
+      with(kztns::safe_fix({{8, 13, "right"}})), with(kztns::safe_fix({{14, 19, ""}}))};
+  EditedText edited(text);
+  edited.apply(kztns::edits_of(findings, true));
+  EXPECT_EQ(edited.text(), "a =(right)\nb = (right)\n");
+  EXPECT_EQ(edited.origin(3), 7u);
+  EXPECT_EQ(edited.origin(9), 13u);
 }
 
 TEST(Fixes, APartIsNotRemovedAroundAnInsertion) {

@@ -32,20 +32,57 @@ class Changed {
   std::map<Offset, Offset> parts_;
 };
 
+bool copies(const Fix &fix) {
+  return std::any_of(fix.edits.begin(), fix.edits.end(),
+                     [](const Edit &edit) { return edit.copy_of.has_value(); });
+}
+
+// Appends an edit that is a copy as copies of what the other, sorted edits leave of it, with
+// what they put there.
+void add_edited_copy(const Edit &copy, const std::vector<Edit> &others, std::vector<Edit> &edits) {
+  const Offset begin = *copy.copy_of;
+  const Offset end = begin + static_cast<Offset>(copy.text.size());
+  Offset from = begin;
+  const auto copy_up_to = [&](Offset to) {
+    edits.push_back({from == begin ? copy.begin : copy.end, copy.end,
+                     copy.text.substr(from - begin, to - from), from});
+  };
+  const auto first =
+      std::lower_bound(others.begin(), others.end(), begin,
+                       [](const Edit &edit, Offset place) { return edit.begin < place; });
+  for (auto edit = first; edit != others.end() && edit->begin < end; ++edit) {
+    if (edit->end > end) continue;
+    copy_up_to(edit->begin);
+    if (!edit->text.empty()) edits.push_back({copy.end, copy.end, edit->text});
+    from = edit->end;
+  }
+  copy_up_to(end);
+}
+
 }  // namespace
 
 std::vector<Edit> edits_of(const std::vector<Finding> &findings, bool with_unsafe,
                            std::vector<bool> *applied) {
   Changed changed;
   std::vector<Edit> edits;
+  std::vector<Edit> of_copies;  // of fixes that copy
   if (applied != nullptr) applied->assign(findings.size(), false);
   for (std::size_t i = 0; i < findings.size(); ++i) {
     const Fix &fix = findings[i].fix;
     const bool wanted = fix.applicability == Applicability::safe ||
                         (with_unsafe && fix.applicability == Applicability::unsafe);
     if (!wanted || !changed.add(fix.edits)) continue;
-    edits.insert(edits.end(), fix.edits.begin(), fix.edits.end());
+    std::vector<Edit> &all = copies(fix) ? of_copies : edits;
+    all.insert(all.end(), fix.edits.begin(), fix.edits.end());
     if (applied != nullptr) (*applied)[i] = true;
+  }
+  sort_edits(edits);
+  const std::vector<Edit> others = edits;
+  for (Edit &edit : of_copies) {
+    if (edit.copy_of)
+      add_edited_copy(edit, others, edits);
+    else
+      edits.push_back(std::move(edit));
   }
   sort_edits(edits);
   return edits;

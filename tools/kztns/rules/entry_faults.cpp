@@ -71,6 +71,7 @@ class EntryCopy {
   const Trace &trace() const { return trace_; }
   const NamesText &text() const { return text_; }
   EntryRange range() const { return {body_, text_.size()}; }
+  std::string_view name() const { return name_; }
 
   // Edits of the whole text as those of the copy.
   std::vector<Edit> of_whole(std::vector<Edit> edits) const {
@@ -118,6 +119,19 @@ struct Found {
   bool rest;                  // whether other items come after it
 };
 
+// The first fault of the copy, as it is now.
+Found found_in(const EntryCopy &copy, const Subject &subject) {
+  Diagnosis diagnosis = diagnose_entry(subject, copy.trace(), copy.range(), copy.name());
+  std::vector<Edit> fix = diagnosis.fix.edits;
+  return {copy.to_whole(std::move(diagnosis)), std::move(fix),
+          without_item(copy.text().text(), copy.trace()),
+          has_rest(copy.text().text(), copy.trace().fault())};
+}
+
+bool is_same(const Diagnosis &left, const Diagnosis &right) {
+  return left.rule == right.rule && left.at == right.at;
+}
+
 }  // namespace
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
@@ -130,11 +144,11 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_.end);
-  const Subject part = subject(copy.text(), copy.text().size());
   const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
-  Found found = {first, copy.of_whole(first.fix.edits),
-                 copy.of_whole(without_item(text, view.trace)), has_rest(text, view.trace.fault())};
-  found.told.text += consequence;
+  std::optional<Found> found = {
+      {first, copy.of_whole(first.fix.edits), copy.of_whole(without_item(text, view.trace)),
+       has_rest(text, view.trace.fault())}};
+  found->told.text += consequence;
 
   std::optional<Found> next;
   // Whether edits lead to another fault, next, or to none; if not, they are taken back.
@@ -142,26 +156,21 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
     if (!copy.apply(edits)) return false;
     next.reset();
     if (copy.trace().fault().kind == FaultKind::none) return true;
-    Diagnosis now = diagnose_entry(part, copy.trace(), copy.range(), view.name);
-    std::vector<Edit> fix = now.fix.edits;
-    next = {copy.to_whole(std::move(now)), std::move(fix),
-            without_item(copy.text().text(), copy.trace()),
-            has_rest(copy.text().text(), copy.trace().fault())};
-    if (next->told.rule != found.told.rule || next->told.at != found.told.at) return true;
+    next = found_in(copy, subject(copy.text(), copy.text().size()));
+    if (!is_same(next->told, found->told)) return true;
     copy.take_back();
     return false;
   };
   bool complete = true;
-  for (int faults = 1; faults <= most_faults; ++faults) {
-    const bool helps = get_past(found.fix);
-    const bool goes_on = helps || get_past(found.removal);
+  for (int faults = 1; found && faults <= most_faults; ++faults) {
+    const bool helps = get_past(found->fix);
+    const bool goes_on = helps || get_past(found->removal);
     complete = complete && helps;
-    if (!helps || built) found.told.fix = {};
-    if (!goes_on && found.rest) found.told.text += "; the rest of the entry is not checked";
-    add(view.name, severity, std::move(found.told));
+    if (!helps || built) found->told.fix = {};
+    if (!goes_on && found->rest) found->told.text += "; the rest of the entry is not checked";
+    add(view.name, severity, std::move(found->told));
     if (!goes_on) return;
-    if (!next) break;
-    found = *std::exchange(next, std::nullopt);
+    found = std::exchange(next, std::nullopt);
   }
   if (built || copy.trace().fault().kind != FaultKind::none) return;
   const Findings::FromCopy from_copy(findings_, copy.text());

@@ -1,6 +1,7 @@
 // What mends the fault that a finding is about.
 #pragma once
 
+#include <iterator>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -24,11 +25,14 @@ struct Fix {
   // Makes it one of the text that a text is a copy of; none where it cannot be one.
   template <class Text>
   void to_origin(const Text &text) {
-    for (Edit &edit : edits) {
-      if (text.to_origin(edit)) continue;
-      *this = {};
-      return;
+    std::vector<Edit> before;
+    for (const Edit &edit : std::exchange(edits, {})) {
+      std::vector<Edit> of_it = text.to_origin(edit);
+      if (of_it.empty()) applicability = Applicability::none;
+      before.insert(before.end(), std::make_move_iterator(of_it.begin()),
+                    std::make_move_iterator(of_it.end()));
     }
+    if (*this) edits = std::move(before);
   }
 
   explicit operator bool() const { return applicability != Applicability::none; }

@@ -79,17 +79,21 @@ const EditedText::Kept *EditedText::part_at(Offset at) const {
   return after == kept_.begin() ? nullptr : &*std::prev(after);
 }
 
-bool EditedText::to_origin(Edit &edit) const {
-  const bool at_end = edit.begin == text_.size() && edit.begin == edit.end;
-  const Kept *const part = part_at(edit.begin);
-  const bool kept = part != nullptr && edit.begin < part->at + part->length &&
-                    edit.end <= part->at + part->length;
-  if (!kept && !at_end) return false;
-  const Offset length = edit.end - edit.begin;
-  edit.begin = origin(edit.begin);
-  edit.end = edit.begin + length;
-  edit.copy_of.reset();
-  return true;
+std::vector<Edit> EditedText::to_origin(const Edit &edit) const {
+  if (edit.begin == text_.size() && edit.begin == edit.end) return {{end_, end_, edit.text}};
+  std::vector<Edit> edits;
+  const Kept *part = part_at(edit.begin);
+  for (Offset at = edit.begin; at < edit.end || edits.empty(); ++part) {
+    const bool kept = part != nullptr && part != kept_.data() + kept_.size() && part->at <= at &&
+                      at < part->at + part->length;
+    if (!kept) return {};
+    const Offset end = std::min(edit.end, part->at + part->length);
+    const Offset begin = part->origin + (at - part->at);
+    if (!edits.empty() && begin < edits.back().end) return {};
+    edits.push_back({begin, begin + (end - at), edits.empty() ? edit.text : std::string()});
+    at = end;
+  }
+  return edits;
 }
 
 }  // namespace kztns

@@ -41,9 +41,9 @@ class EditedText {
   // where it was inserted.
   Offset origin(Offset at) const;
 
-  // Makes an edit of text() one of the text before. False when it would change what was
-  // not there.
-  bool to_origin(Edit &edit) const;
+  // The edits of the text before that do what an edit of text() does: several where it
+  // goes over what is removed. Empty when it would change what was not there.
+  std::vector<Edit> to_origin(const Edit &edit) const;
 
   // A part of the text that was not changed.
   struct Kept {

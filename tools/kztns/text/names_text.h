@@ -37,8 +37,10 @@ class NamesText {
   Position position(Offset at) const;
   // A place as one of the text that this is a copy of; of no copy it is the same.
   Offset origin(Offset at) const { return of_ == nullptr ? at : changed_->origin(at); }
-  // The same of an edit; false when it would change what is not in that text.
-  bool to_origin(Edit &edit) const { return of_ == nullptr || changed_->to_origin(edit); }
+  // The same of an edit; empty when it would change what is not in that text.
+  std::vector<Edit> to_origin(const Edit &edit) const {
+    return of_ == nullptr ? std::vector<Edit>{edit} : changed_->to_origin(edit);
+  }
   std::string place(Offset at) const { return to_string(position(at)); }
 
   // The column of a place in characters of UTF-8. Of a longer line the beginning counts
