@@ -1,26 +1,49 @@
-# Installing the libraries, their headers and a CMake package, and packing them.
+# Installing the libraries, their headers, packages for CMake and pkg-config, the command.
+# Each component is a Debian package, too.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS kzoci_tnsname kzoci_platform EXPORT kzociTargets)
-install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci)
-install(FILES kzoci/platform/default_logger.h kzoci/platform/log.h kzoci/platform/memory.h
-              kzoci/platform/my_strtoll10.h kzoci/platform/types.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci/platform)
-if(KZOCI_BUILD_TOOLS)
-  install(TARGETS kztns)
+# The static library that "pkg-config --static" and "gcc -static" take.
+if(BUILD_SHARED_LIBS)
+  kzoci_whole_library(kzoci_static STATIC)
+  install(TARGETS kzoci_static ARCHIVE COMPONENT development)
 endif()
 
-set(kzoci_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
+install(TARGETS kzoci_tnsname kzoci_platform kzoci EXPORT kzociTargets
+        LIBRARY COMPONENT library NAMELINK_COMPONENT development
+        ARCHIVE COMPONENT development)
+install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci COMPONENT development)
+install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platform/log.h
+              kzoci/platform/memory.h kzoci/platform/my_strtoll10.h kzoci/platform/types.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci/platform COMPONENT development)
+if(KZOCI_BUILD_TOOLS)
+  install(TARGETS kztns RUNTIME COMPONENT command)
+endif()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
 install(EXPORT kzociTargets NAMESPACE kzoci:: FILE kzociTargets.cmake
-        DESTINATION ${kzoci_package_dir})
+        DESTINATION ${package_dir} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
-                                 COMPATIBILITY SameMinorVersion)
+                                 COMPATIBILITY SameMajorVersion)
 install(FILES cmake/kzociConfig.cmake ${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
-        DESTINATION ${kzoci_package_dir})
+        DESTINATION ${package_dir} COMPONENT development)
+
+# The package finds the tree that it is in from its own place.
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH prefix_from_package /prefix/${pkgconfig_dir} /prefix)
+set(package_flags)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  set(package_flags " -D_TIME_BITS=64 -D_FILE_OFFSET_BITS=64")
+endif()
+configure_file(cmake/kzoci.pc.in kzoci.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/kzoci.pc DESTINATION ${pkgconfig_dir}
+        COMPONENT development)
 
 if(PROJECT_IS_TOP_LEVEL)
-  set(CPACK_GENERATOR TGZ DEB)
-  set(CPACK_PACKAGE_CONTACT "kzoci maintainers")
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-  include(CPack)
+  # Removes what the last installation of this build folder put where it is.
+  add_custom_target(uninstall
+    COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+            -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake
+    VERBATIM)
+  include(cmake/packages.cmake)
 endif()

@@ -33,23 +33,60 @@ function(kzoci_instrument target)
   target_link_options(${target} PUBLIC ${linking})
 endfunction()
 
-# kzoci_library NAME SOURCE...: kzoci_NAME, known as kzoci::NAME. It needs the C library
-# alone, so that a C program links it.
+# kzoci_interface NAME: what programs get that link one of the libraries, which they know as
+# kzoci::NAME.
+function(kzoci_interface target name)
+  add_library(kzoci::${name} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name})
+  # The records hold a 64-bit time_t.
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_definitions(${target} PUBLIC _TIME_BITS=64 _FILE_OFFSET_BITS=64)
+  endif()
+  target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                              $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endfunction()
+
+# kzoci_library NAME SOURCE...: the static library kzoci_NAME, known as kzoci::NAME. It needs
+# the C library alone, so that a C program links it.
 function(kzoci_library name)
   add_library(kzoci_${name} STATIC ${ARGN})
-  add_library(kzoci::${name} ALIAS kzoci_${name})
-  set_target_properties(kzoci_${name} PROPERTIES EXPORT_NAME ${name}
-                        POSITION_INDEPENDENT_CODE ON)
+  kzoci_interface(kzoci_${name} ${name})
+  set_target_properties(kzoci_${name} PROPERTIES
+                        POSITION_INDEPENDENT_CODE ON  # libkzoci.so is made of it, too
+                        CXX_VISIBILITY_PRESET hidden
+                        VISIBILITY_INLINES_HIDDEN ON)
   target_compile_features(kzoci_${name} PRIVATE cxx_std_20)
   # Calls within a file are our own functions, also in position-independent code. The
   # checks of the C++ library report through that library.
   target_compile_options(kzoci_${name} PRIVATE -fno-exceptions -fno-rtti
                          -fno-semantic-interposition -U_GLIBCXX_ASSERTIONS)
-  # The records hold a 64-bit time_t.
-  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-    target_compile_definitions(kzoci_${name} PUBLIC _TIME_BITS=64 _FILE_OFFSET_BITS=64)
-  endif()
-  target_include_directories(kzoci_${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-                                                  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   kzoci_target(kzoci_${name})
+endfunction()
+
+# kzoci_whole_library NAME [SHARED|STATIC]: module and platform in one library. A C compiler
+# links it: it needs nothing of the C++ library.
+function(kzoci_whole_library target)
+  add_library(${target} ${ARGN}
+    $<TARGET_OBJECTS:kzoci_tnsname> $<TARGET_OBJECTS:kzoci_platform>)
+  set_target_properties(${target} PROPERTIES
+                        OUTPUT_NAME kzoci
+                        VERSION ${PROJECT_VERSION}
+                        SOVERSION ${PROJECT_VERSION_MAJOR}
+                        LINKER_LANGUAGE C)
+  # CMake names the C++ library for objects that come from C++.
+  target_link_options(${target} PRIVATE LINKER:--as-needed)
+  kzoci_instrument(${target})
+endfunction()
+
+# kzoci_export_only TARGET FILE: a shared library exports what a file lists, one function a line.
+function(kzoci_export_only target list)
+  file(STRINGS ${list} functions)
+  list(JOIN functions ";\n    " functions)
+  set(script ${PROJECT_BINARY_DIR}/${target}.map)
+  file(CONFIGURE OUTPUT ${script}
+       @ONLY CONTENT
+       "KZOCI_${PROJECT_VERSION_MAJOR} {\n  global:\n    @functions@;\n  local: *;\n};\n")
+  set_property(DIRECTORY ${PROJECT_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
+  target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" LINKER:-z,defs)
 endfunction()

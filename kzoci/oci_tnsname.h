@@ -51,6 +51,7 @@
 #include <stdio.h>
 #include <time.h>
 
+#include "platform/api.h"
 #include "platform/log.h"
 #include "platform/types.h"
 
@@ -272,7 +273,7 @@ static inline KZCIAddress *KZCIAddressNext(KZCIAddress *address) {
  *
  * Returns 0; -1 when tns is null (ERROR).
  */
-sword KZCITnsInit(KZCITns *tns);
+KZOCI_API sword KZCITnsInit(KZCITns *tns);
 
 /*
  * Builds the service that a connect identifier names and appends it to a
@@ -300,7 +301,7 @@ sword KZCITnsInit(KZCITns *tns);
  * argument is null (ERROR); *find is untouched.
  * After a failure the container is as it was.
  */
-sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
+KZOCI_API sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
 
 /*
  * Tells whether an identifier is a literal descriptor: whether its first 13
@@ -313,7 +314,7 @@ sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean 
  *
  * Returns 1 or 0. Logs nothing.
  */
-boolean IsDescriptionTns(char *description, ub4 description_len);
+KZOCI_API boolean IsDescriptionTns(char *description, ub4 description_len);
 
 /* ======================================================================
  * Printing a tree
@@ -334,7 +335,7 @@ boolean IsDescriptionTns(char *description, ub4 description_len);
  * address list (ERROR at each level); the status of another record that fails
  * (ERROR at each level). Lines already written stay.
  */
-sword KZCITnsDisplay(KZCITns *tns);
+KZOCI_API sword KZCITnsDisplay(KZCITns *tns);
 
 /* ======================================================================
  * Releasing a tree
@@ -348,7 +349,7 @@ sword KZCITnsDisplay(KZCITns *tns);
  * Returns 0; -1 when a count does not agree with its ring (ERROR), which leaves
  * the tree partly released.
  */
-sword KZCITnsClear(KZCITns *tns);
+KZOCI_API sword KZCITnsClear(KZCITns *tns);
 
 /* ======================================================================
  * Reading a built service
@@ -373,8 +374,9 @@ sword KZCITnsClear(KZCITns *tns);
  * Returns 0; -1: no description or no connect data (ERROR); -2: an argument is
  * null (ERROR). After a failure all outputs are untouched.
  */
-sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, sb4 *extra_info_len,
-                                 sb4 *kz_mode, char *session_variable, sb4 *session_variable_len);
+KZOCI_API sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info,
+                                           sb4 *extra_info_len, sb4 *kz_mode,
+                                           char *session_variable, sb4 *session_variable_len);
 
 /*
  * Writes the link string of the service's first address: "host:port/service",
@@ -389,7 +391,7 @@ sword KZCITnsServiceExtraInfoGet(KZCITnsService *tns_service, char *extra_info, 
  * or the text cannot be formatted (ERROR); -2: an argument is null (ERROR).
  * After a failure *dblink_len is untouched.
  */
-sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *dblink_len);
+KZOCI_API sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblink, sb4 *dblink_len);
 
 /* ======================================================================
  * Slow-SQL buffer: reports of slow statements, logged in batches
@@ -419,14 +421,14 @@ typedef struct kzci_slow_sql {
  *
  * Returns 0; -2: null record or no memory, not logged.
  */
-sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size);
+KZOCI_API sword KZCISlowSQLBufferInit(KZCISLowSQL *slowsql, sb8 size);
 
 /*
  * Logs the text of the buffer, if there is any, and empties it.
  *
  * Returns 0; -2: null record or no buffer, not logged.
  */
-sword KZCISlowSQLBufferFlush(KZCISLowSQL *slowsql);
+KZOCI_API sword KZCISlowSQLBufferFlush(KZCISLowSQL *slowsql);
 
 /*
  * Logs what is in the buffer and releases it. flush_second is kept.
@@ -434,7 +436,7 @@ sword KZCISlowSQLBufferFlush(KZCISLowSQL *slowsql);
  * Returns 0, also without a buffer; -2: null record, not logged; the flush's
  * status when that fails (ERROR), the buffer is released all the same.
  */
-sword KZCISlowSQLBufferClear(KZCISLowSQL *slowsql);
+KZOCI_API sword KZCISlowSQLBufferClear(KZCISLowSQL *slowsql);
 
 /*
  * Adds a report. What is in the buffer is logged first when the report would
@@ -448,7 +450,8 @@ sword KZCISlowSQLBufferClear(KZCISLowSQL *slowsql);
  * Returns 0; -1: a flush failed (ERROR); -2: null record or no buffer, not
  * logged.
  */
-sword KZCISlowSQLWrite(KZCISLowSQL *slowsql, const char *fmt, ...) KZOCI_PRINTF_LIKE(2, 3);
+KZOCI_API sword KZCISlowSQLWrite(KZCISLowSQL *slowsql, const char *fmt, ...)
+    KZOCI_PRINTF_LIKE(2, 3);
 
 #if defined(__LP64__)
 KZOCI_REQUIRE(sizeof(KZCITnsService) == 2416, "size of the service record");

@@ -117,7 +117,7 @@ typedef struct kzci_tns_parse_params {
  * 1 (a read error counts as the end). -2: null record, not logged. A read is
  * logged at DEBUG.
  */
-sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params);
 
 /*
  * Passes over spaces, tabs, line feeds, carriage returns and comments ("#" to
@@ -127,7 +127,7 @@ sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params);
  * ended (DEBUG). -2: null record, not logged. Another status of
  * KZCITnsCheckBuffer (ERROR).
  */
-sword KZCITnsParseBlank(KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsParseBlank(KZCITnsParseParams *parse_params);
 
 /*
  * Reads a key from buffer_pos into tns_key: characters up to a space, tab, line
@@ -142,7 +142,7 @@ sword KZCITnsParseBlank(KZCITnsParseParams *parse_params);
  * hand; the rest is the start of the next token. After a failure tns_key holds
  * the new characters over the old ones and tns_key_len its old value.
  */
-sword KZCITnsParseKey(KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsParseKey(KZCITnsParseParams *parse_params);
 
 /*
  * Consumes the next token if it has the expected type.
@@ -152,7 +152,7 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params);
  * 100: the input has ended (WARN before a token, ERROR inside a key). -2: null
  * record, not logged.
  */
-sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type);
+KZOCI_API sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type);
 
 /*
  * Looks up tns_key among the key words, in any letter case, and stores the
@@ -161,7 +161,7 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
  * Returns 0 in both cases (DEBUG; ERROR for a text of more than 20
  * characters); -2: null record, not logged.
  */
-sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params);
 
 /*
  * Passes over one entry of the file. On entry its name is in tns_key and its "="
@@ -174,7 +174,7 @@ sword KZCITnsGetKeyType(KZCITnsParseParams *parse_params);
  * "(" (WARN); -2: null record (ERROR); another status of KZCITnsCheckBuffer
  * (ERROR).
  */
-sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
 
 /* ======================================================================
  * Builders
@@ -202,7 +202,7 @@ sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params);
  * An entry whose name is a leading part of "KZCISYSTEMVARIABLES", in any letter
  * case, is read as system variables.
  */
-sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params);
 
 /*
  * Builds a service from a literal descriptor and appends it. The service's name
@@ -214,28 +214,29 @@ sword KZCITnsServiceBuild(KZCITns *tns, KZCITnsParseParams *parse_params);
  * first "=". -1 with *find 0: malformed text, no memory, or text after the
  * descriptor. -2 with *find 0: a null argument (ERROR; find itself may be null).
  */
-sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
+KZOCI_API sword KZCITnsBuildDes(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find);
 
 /* Builds a description (DESCRIPTION=...) and appends it to a service. */
-sword KZCIDescriptionBuild(KZCITnsService *tns_service, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIDescriptionBuild(KZCITnsService *tns_service, KZCITnsParseParams *parse_params);
 
 /* Builds an address list (ADDRESS_LIST=...) and appends it to a description. */
-sword KZCIAddressListBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIAddressListBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
 
 /* Builds an address (ADDRESS=...) and appends it to an address list. */
-sword KZCIAddressBuild(KZCIAddressList *address_list, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIAddressBuild(KZCIAddressList *address_list, KZCITnsParseParams *parse_params);
 
 /* Builds the connect data (CONNECT_DATA=...) of a description. -1 when the
  * description has some already: they stay, the new ones are released. */
-sword KZCIConnectDataBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIConnectDataBuild(KZCIDescription *des, KZCITnsParseParams *parse_params);
 
 /* Reads a blacklist policy (KZLB_BLACKLIST=...) into a record. Values read
  * before a failure stay. */
-sword KZCIBlacklistConfBuild(KZCIBlacklistConf *black_list_conf, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIBlacklistConfBuild(KZCIBlacklistConf *black_list_conf,
+                                       KZCITnsParseParams *parse_params);
 
 /* Reads REMOVE_STRATEGY=... and APPEND_STRATEGY=... of a blacklist policy. */
-sword KZCIRemoveStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
-sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIRemoveStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *parse_params);
 
 /*
  * Reads the value of one system variable, the one that key_type names.
@@ -250,7 +251,8 @@ sword KZCIAppendStrategyBuild(KZCIBlacklistConf *black, KZCITnsParseParams *pars
  * input included; -2 when an argument is null, not logged. The value that the
  * field then holds is logged at DEBUG.
  */
-sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams *parse_params);
+KZOCI_API sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars,
+                                         KZCITnsParseParams *parse_params);
 
 /* ======================================================================
  * Records one by one: defaults
@@ -268,19 +270,19 @@ sword KZCISystemVariablesBuild(KZCISystemVariables *sys_vars, KZCITnsParseParams
  *
  * Also returns the status of KZCISystemVariablesInit when that fails (ERROR).
  */
-sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char *name);
+KZOCI_API sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char *name);
 
 /* Also returns the status of KZCIBlacklistConfInit when that fails (ERROR). */
-sword KZCIDescriptionInit(KZCIDescription *des);
-sword KZCIAddressListInit(KZCIAddressList *address_list);
-sword KZCIAddressInit(KZCIAddress *address);
-sword KZCIConnectDataInit(KZCIConnectData *con_data);
+KZOCI_API sword KZCIDescriptionInit(KZCIDescription *des);
+KZOCI_API sword KZCIAddressListInit(KZCIAddressList *address_list);
+KZOCI_API sword KZCIAddressInit(KZCIAddress *address);
+KZOCI_API sword KZCIConnectDataInit(KZCIConnectData *con_data);
 
 /* -2 for a null record (ERROR). */
-sword KZCIBlacklistConfInit(KZCIBlacklistConf *black_list_conf);
+KZOCI_API sword KZCIBlacklistConfInit(KZCIBlacklistConf *black_list_conf);
 
 /* -2 for a null record, without a record in the log. */
-sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
+KZOCI_API sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
 
 /* ======================================================================
  * Records one by one: release
@@ -295,18 +297,18 @@ sword KZCISystemVariablesInit(KZCISystemVariables *sys_vars);
  * ====================================================================== */
 
 /* Releases every description. */
-sword KZCITnsServiceClear(KZCITnsService *tns_service);
+KZOCI_API sword KZCITnsServiceClear(KZCITnsService *tns_service);
 
 /* Releases every address list, then the connect data. */
-sword KZCIDescriptionClear(KZCIDescription *des);
+KZOCI_API sword KZCIDescriptionClear(KZCIDescription *des);
 
 /* Releases every address. */
-sword KZCIAddressListClear(KZCIAddressList *address_list);
+KZOCI_API sword KZCIAddressListClear(KZCIAddressList *address_list);
 
 /* Nothing hangs below these three: they return 0. */
-sword KZCIAddressClear(KZCIAddress *address);
-sword KZCIConnectDataClear(KZCIConnectData *con_data);
-sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
+KZOCI_API sword KZCIAddressClear(KZCIAddress *address);
+KZOCI_API sword KZCIConnectDataClear(KZCIConnectData *con_data);
+KZOCI_API sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
 
 /* ======================================================================
  * Records one by one: print
@@ -323,18 +325,18 @@ sword KZCISystemVariablesClear(KZCISystemVariables *sys_vars);
  * reserved entry (any name that is a leading part of its name, in any letter
  * case) the system variables alone. -1 for another service without
  * descriptions. */
-sword KZCITnsServiceDisplay(KZCITnsService *tns_service, FILE *display_file);
+KZOCI_API sword KZCITnsServiceDisplay(KZCITnsService *tns_service, FILE *display_file);
 
 /* -1 for a description without address lists. */
-sword KZCIDescriptionDisplay(KZCIDescription *des, FILE *display_file);
+KZOCI_API sword KZCIDescriptionDisplay(KZCIDescription *des, FILE *display_file);
 
 /* Prints nothing for a list without addresses. Null is logged at DEBUG. */
-sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file);
+KZOCI_API sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file);
 
 /* These three log nothing. */
-sword KZCIAddressDisplay(KZCIAddress *address, FILE *display_file);
-sword KZCIConnectDataDisplay(KZCIConnectData *con_data, FILE *display_file);
-sword KZCISystemVariablesDisplay(KZCISystemVariables *sys_vars, FILE *display_file);
+KZOCI_API sword KZCIAddressDisplay(KZCIAddress *address, FILE *display_file);
+KZOCI_API sword KZCIConnectDataDisplay(KZCIConnectData *con_data, FILE *display_file);
+KZOCI_API sword KZCISystemVariablesDisplay(KZCISystemVariables *sys_vars, FILE *display_file);
 
 #ifdef __cplusplus
 }

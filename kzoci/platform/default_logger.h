@@ -20,6 +20,7 @@
 
 #include <stddef.h>
 
+#include "api.h"
 #include "log.h"
 #include "types.h"
 
@@ -32,10 +33,10 @@ extern "C" {
  *
  * level  the lowest level to be written; LOG_LEVEL_ERROR by default
  */
-void kzoci_log_set_threshold(log_level level);
+KZOCI_API void kzoci_log_set_threshold(log_level level);
 
 /* The threshold in force. */
-log_level kzoci_log_threshold(void);
+KZOCI_API log_level kzoci_log_threshold(void);
 
 /* A record as a sink receives it. Texts belong to the logger and last as long
  * as the call. */
@@ -58,7 +59,7 @@ typedef void (*kzoci_log_sink)(void *context, const kzoci_log_record *record);
  *
  * When the call returns, the former sink is not running and not called again.
  */
-void kzoci_log_set_sink(kzoci_log_sink sink, void *context);
+KZOCI_API void kzoci_log_set_sink(kzoci_log_sink sink, void *context);
 
 /* Characters of the longest path of a log file: the longest that systems accept. */
 enum { KZOCI_LOG_PATH_MAX = 4095 };
@@ -104,7 +105,7 @@ typedef struct kzoci_log_settings {
  * the line is cut off the file first, so that its lines are whole. Without a lock, on a file system
  * that has none, a file is not rotated.
  */
-sword kzoci_log_configure(const kzoci_log_settings *settings);
+KZOCI_API sword kzoci_log_configure(const kzoci_log_settings *settings);
 
 #ifdef __cplusplus
 }

@@ -8,6 +8,8 @@
 #ifndef KZOCI_PLATFORM_LOG_H
 #define KZOCI_PLATFORM_LOG_H
 
+#include "api.h"
+
 #if defined(__GNUC__)
 #define KZOCI_PRINTF_LIKE(format_at, arguments_at) \
   __attribute__((format(printf, format_at, arguments_at)))
@@ -42,7 +44,7 @@ typedef enum log_level {
  * implementation's business, and best done before anything is formatted. It is
  * called from every thread that uses the module. It must not throw.
  */
-void kzoci_log_inner(log_level level, const char *file, int line, const char *format, ...)
+KZOCI_API void kzoci_log_inner(log_level level, const char *file, int line, const char *format, ...)
     KZOCI_PRINTF_LIKE(4, 5);
 
 #ifdef __cplusplus

@@ -9,6 +9,8 @@
 
 #include <stddef.h>
 
+#include "api.h"
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -22,12 +24,12 @@ extern "C" {
  * Returns the block, aligned for every type, its contents unspecified; null
  * when there is no memory. The caller gives the block back with kzci_free.
  */
-void *kzci_malloc(size_t size, const char *tag);
+KZOCI_API void *kzci_malloc(size_t size, const char *tag);
 
 /*
  * Releases a block of kzci_malloc. A null pointer is accepted and does nothing.
  */
-void kzci_free(void *pointer);
+KZOCI_API void kzci_free(void *pointer);
 
 #ifdef __cplusplus
 }

@@ -7,6 +7,7 @@
 #ifndef KZOCI_PLATFORM_MY_STRTOLL10_H
 #define KZOCI_PLATFORM_MY_STRTOLL10_H
 
+#include "api.h"
 #include "types.h"
 
 #ifdef __cplusplus
@@ -33,7 +34,7 @@ extern "C" {
  *
  * In all but the first case *end is the first character that is no digit.
  */
-sb8 my_strtoll10(const char *text, char **end, int *error);
+KZOCI_API sb8 my_strtoll10(const char *text, char **end, int *error);
 
 #ifdef __cplusplus
 }
