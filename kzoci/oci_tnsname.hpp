@@ -285,15 +285,16 @@ class Dblink {
    */
   explicit Dblink(const KZCITnsService &service) noexcept
       : status_(KZCITnsServiceDblinkGet(const_cast<KZCITnsService *>(&service), dblink_,
-                                        &full_length_)) {
-    if (status_ != 0) dblink_[0] = '\0';
-  }
+                                        &full_length_)) {}
 
   sword status() const noexcept { return status_; }
   explicit operator bool() const noexcept { return status_ == 0; }
 
-  /* The link string, at most KZCI_DBLINK_SIZE - 1 characters, and the same terminated. */
-  std::string_view text() const noexcept { return dblink_; }
+  /* The link string, at most KZCI_DBLINK_SIZE - 1 characters. */
+  std::string_view text() const noexcept {
+    return {dblink_, static_cast<std::size_t>(is_cut() ? KZCI_DBLINK_SIZE - 1 : full_length_)};
+  }
+  /* The same, terminated; good where status() is 0. */
   const char *c_str() const noexcept { return dblink_; }
   /* Whether the link string was longer than that, and its length before the cut. */
   bool is_cut() const noexcept { return full_length_ >= KZCI_DBLINK_SIZE; }
@@ -466,6 +467,7 @@ class Tns {
     if (identifier.is_literal()) return build_literal(identifier);
     std::FILE *const file = std::fopen(path, "re"); /* closed on exec */
     if (file == nullptr) return not_opened(errno);
+    /* As in KZCITnsBuild: the stream needs no memory of its own, and few system calls. */
     char stream_buffer[detail::stream_buffer_size];
     std::setvbuf(file, stream_buffer, _IOFBF, sizeof stream_buffer);
     const Result result = look_up_in(file, identifier);

@@ -410,6 +410,15 @@ TEST_F(Face, IteratorsStepBothWays) {
   EXPECT_EQ(++at, --list.end());
   EXPECT_NE(at, list.begin());
   EXPECT_EQ(decltype(at)(), decltype(at)());
+  // In a ring of two both ways lead to the same record.
+  const KZCIDescription &three = *found(
+                                      "(DESCRIPTION=(ADDRESS_LIST=(ADDRESS=(HOST=x))"
+                                      "(ADDRESS=(HOST=y))(ADDRESS=(HOST=z))))")
+                                      .description;
+  auto back = kzoci::addresses(*three.address_list).end();
+  EXPECT_EQ(kzoci::host(*--back), "z");
+  EXPECT_EQ(kzoci::host(*--back), "y");
+  EXPECT_EQ(kzoci::host(*--back), "x");
 }
 
 TEST_F(Face, RecordsCanBeChangedAndConstOnesNot) {
@@ -679,6 +688,7 @@ TEST_F(Face, PathIsNotCut) {
 TEST_F(Face, NullArgumentsOfAPathFail) {
   EXPECT_EQ(told(tns_.look_up_in(static_cast<const char *>(nullptr), "pair")), is_null);
   EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), static_cast<const char *>(nullptr))), is_null);
+  EXPECT_EQ(told(tns_.look_up_in("/nonexistent", static_cast<const char *>(nullptr))), is_null);
   EXPECT_EQ(told(tns_.look_up_in(static_cast<std::FILE *>(nullptr), "pair")), is_null);
   std::FILE *const stream = std::fopen(path_.c_str(), "r");
   EXPECT_EQ(told(tns_.look_up_in(stream, static_cast<const char *>(nullptr))), is_null);
