@@ -4,10 +4,9 @@
 //
 //   KZCI_TNS_FILE=examples/tnsnames.ora slow_sql
 #include <cstdio>
-#include <string_view>
 
-#include <kzoci/oci_tnsname.h>
 #include <kzoci/platform/default_logger.h>
+#include <kzoci/oci_tnsname.hpp>
 
 namespace {
 
@@ -25,14 +24,6 @@ constexpr Statement statements[] = {
     {40, "delete from carts where age > 30", 900},
     {41, "select count(*) from visits", 200},
 };
-
-bool look_up_variables(KZCITns &tns) {
-  constexpr std::string_view name = "KZCISYSTEMVARIABLES";
-  boolean find = 0;
-  const sword status = KZCITnsBuild(&tns, reinterpret_cast<const OraText *>(name.data()),
-                                    static_cast<ub4>(name.size()), &find);
-  return status == 0 && find != 0;
-}
 
 bool set_up_log(const KZCISystemVariables &variables) {
   const kzoci_log_settings settings = {variables.log_level, variables.log_level_len,
@@ -56,14 +47,13 @@ void run_statements(const KZCISystemVariables &variables, KZCISLowSQL &slow_sql)
 }  // namespace
 
 int main() {
-  KZCITns tns;
-  KZCITnsInit(&tns);
-  if (!look_up_variables(tns)) {
+  kzoci::Tns tns;
+  const kzoci::Result result = tns.look_up("KZCISYSTEMVARIABLES");
+  if (!result) {
     std::fprintf(stderr, "slow_sql: the names file has no KZCISYSTEMVARIABLES\n");
-    KZCITnsClear(&tns);
     return 1;
   }
-  const KZCISystemVariables &variables = tns.tns_service->sys_vars;
+  const KZCISystemVariables &variables = result.service->sys_vars;
   if (!set_up_log(variables)) std::fprintf(stderr, "slow_sql: logging on standard error\n");
 
   KZCISLowSQL slow_sql = {};
@@ -71,6 +61,5 @@ int main() {
   KZCISlowSQLBufferInit(&slow_sql, variables.slowsql_buffer_size);
   run_statements(variables, slow_sql);
   KZCISlowSQLBufferClear(&slow_sql);
-  KZCITnsClear(&tns);
   return 0;
 }

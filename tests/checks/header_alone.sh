@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The public headers compile alone, without a warning.
+# The public headers compile alone, without a warning, and so do the examples in C++.
 #   header_alone.sh COMPILER STANDARD PROJECT_DIR [FLAG...]
 set -euo pipefail
 compiler=$1 standard=$2 project=$3
@@ -8,8 +8,20 @@ case $standard in
   c++*) language=c++ ;;
   *) language=c ;;
 esac
-for header in kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h; do
+headers=(kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h
+  kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h)
+flags=(-Wall -Wextra -Wpedantic -Werror)
+# The header for C++ also under the flags of programs that do without exceptions.
+if [ $language = c++ ]; then
+  headers+=(kzoci/oci_tnsname.hpp)
+  flags+=(-Wconversion -Wshadow -fno-exceptions -fno-rtti)
+fi
+for header in "${headers[@]}"; do
   printf '#include "%s"\nint unused;\n' "$header" |
-    "$compiler" -std="$standard" -x "$language" -Wall -Wextra -Wpedantic -Werror \
-      "$@" -I"$project" -fsyntax-only -
+    "$compiler" -std="$standard" -x "$language" "${flags[@]}" "$@" -I"$project" -fsyntax-only -
+done
+
+# Its templates are checked where they are used.
+[ $language = c ] || for example in "$project"/examples/*.cpp; do
+  "$compiler" -std="$standard" "${flags[@]}" "$@" -I"$project" -fsyntax-only "$example"
 done
