@@ -174,6 +174,23 @@ TEST(CheckReport, LeavesOutWhatIsTooMuch) {
             std::string::npos);
 }
 
+TEST(CheckReport, TellsTheFaultsOfEachDescriptionOfAList) {
+  const std::string address = "(ADDRESS=(HOST=h)(PORT=1))";
+  const kztns::CheckReport report = report_of(
+      "a = (DESCRIPTION_LIST=\n"
+      "  (DESCRIPTION=(SDU=1)" +
+      address +
+      "(CONNECT_DATA=(SID=s)))\n"
+      "  (DESCRIPTION=(TDU=2)" +
+      address + "(CONNECT_DATA=(SID=s)(SERVER=SHARED))))\n" + good_entry("b"));
+  std::vector<std::string> told;
+  for (const kztns::Finding &finding : report.findings)
+    told.push_back(to_string(finding.position) + " " + finding.text);
+  EXPECT_EQ(told,
+            (std::vector<std::string>{"1:6 unknown key DESCRIPTION_LIST", "2:17 unknown key SDU",
+                                      "3:17 unknown key TDU", "3:71 unknown key SERVER"}));
+}
+
 TEST(JsonReport, FollowsItsSchema) {
   const json report = json::parse(kztns::render_json(varied_report()));
   EXPECT_EQ(violations_of("/docs/check.schema.json", report), "");

@@ -141,7 +141,9 @@ Fix unwrapped(const FaultPlace &place, std::string_view name) {
   edits.push_back(without_closing(place, *list));
   sort_edits(edits);
   if (overlap(edits)) return {};
-  return items.size() == 1 ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
+  const Applicability applicability =
+      items.size() == 1 ? Applicability::safe : Applicability::unsafe;
+  return {applicability, std::move(edits), splits};
 }
 
 }  // namespace kztns

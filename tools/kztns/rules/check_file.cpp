@@ -184,6 +184,8 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
     ++report.verdicts[static_cast<std::size_t>(entry.verdict)];
   report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty() ||
                        hiding_carriage_return(text.text()).has_value();
+  report.splits = std::any_of(report.findings.begin(), report.findings.end(),
+                              [](const Finding &finding) { return finding.fix.splits; });
   if (request.with_entries) list_entries(text, scan, report);
   sort(report.findings);
   return report;
@@ -193,7 +195,7 @@ CheckReport check_file(const NamesText &text, const CheckRequest &request) {
   CheckReport report = check_once(text, request);
   if (is_utf_16(text.text()))
     add_findings_of_converted(text, request, report);
-  else if (report.lookups_end)
+  else if (report.lookups_end || report.splits)
     FurtherChecks(text, request, report).run();
   sort(report.findings);
   return report;

@@ -55,6 +55,7 @@ struct CheckReport {
   std::array<std::size_t, verdict_count> verdicts = {};
   SeverityCounts severities = {};    // how many of each, those left out too
   bool lookups_end = false;          // before the end of the file, or go astray in it
+  bool splits = false;               // whether a fix makes entries that are not checked yet
   std::vector<ReportEntry> entries;  // only where the format shows them
 };
 

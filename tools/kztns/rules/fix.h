@@ -21,6 +21,7 @@ enum class Applicability {
 struct Fix {
   Applicability applicability = Applicability::none;
   std::vector<Edit> edits = {};
+  bool splits = false;  // whether it makes further entries of an entry
 
   // Makes it one of the text that a text is a copy of; none where it cannot be one.
   template <class Text>
