@@ -16,6 +16,7 @@ fail() {
 echo 'int main(void) { return 0; }' >main.c
 echo 'int main() { return 0; }' >main.cpp
 awk '$0 == "```" {on = 0} on {print} $0 == "```c" {on = 1}' "$project/README.md" >readme.c
+awk '$0 == "```" {on = 0} on {print} $0 == "```cpp" {on = 1}' "$project/README.md" >readme.cpp
 cat >CMakeLists.txt <<END
 cmake_minimum_required(VERSION 3.25)
 project(parent LANGUAGES C CXX)
@@ -25,6 +26,11 @@ add_executable(parent main.c)
 add_executable(parent_cxx main.cpp)
 add_executable(readme readme.c)
 target_link_libraries(readme PRIVATE kzoci::platform kzoci::tnsname)
+add_executable(whole readme.c)
+add_executable(whole_cxx readme.cpp)
+foreach(program IN ITEMS whole whole_cxx)
+  target_link_libraries(\${program} PRIVATE kzoci::kzoci)
+endforeach()
 install(TARGETS parent)
 END
 
@@ -40,6 +46,11 @@ configure() {
 configure plain -DKZOCI_SANITIZE= -DKZOCI_COVERAGE=OFF
 [ -z "$(sed -n 's/^CMAKE_BUILD_TYPE:[A-Z]*=//p' plain/CMakeCache.txt)" ] || fail "a build type is forced"
 cmake --build plain --parallel 2 >log 2>&1 || { cat log; fail "the parent cannot be built"; }
+KZCI_TNS_FILE=$project/examples/tnsnames.ora
+export KZCI_TNS_FILE
+for program in readme whole whole_cxx; do
+  "plain/$program" >log 2>&1 || { cat log; fail "$program does not find the service"; }
+done
 cmake --install plain --prefix installed >log || fail "the parent cannot be installed"
 [ "$(cd installed && find . -type f)" = ./bin/parent ] ||
   fail "installed with the parent: $(find installed -type f)"

@@ -1,0 +1,102 @@
+#!/usr/bin/env bash
+# Projects in C99 and in C++ use an installed tree that was moved: by find_package, by
+# pkg-config with the shared and with the static library, with the platform's functions of
+# their own. Uninstalling leaves nothing.
+#   consumers.sh PROJECT_DIR BUILD_DIR C_COMPILER CXX_COMPILER
+set -uo pipefail
+project=$1 build=$2 cc=$3 cxx=$4
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+export KZCI_TNS_FILE=$project/examples/tnsnames.ora
+unset KZCI_TNS_DISPLAY
+
+fail() {
+  echo "$1"
+  exit 1
+}
+
+# run COMMAND...: shows its output when it fails.
+run() {
+  "$@" >"$scratch/log" 2>&1 || { cat "$scratch/log"; fail "failed: $*"; }
+}
+
+# example LANGUAGE: the README's program in it.
+example() { awk -v start="\`\`\`$1" '$0 == "```" {on = 0} on {print} $0 == start {on = 1}' "$project/README.md"; }
+
+# finds PROGRAM: whether it shows the service, the C program as a tree, the other one by its
+# addresses.
+finds() {
+  "$1" >shown 2>records || fail "$1 does not find the service"
+  grep -qxe '--TnsService:sales' -e '10.0.1.11:2881' shown || fail "$1 does not show the service"
+}
+
+needs_library() { readelf -d "$1" | grep -q 'NEEDED.*libkzoci\.so\.1'; }
+
+mkdir "$scratch/user" && cd "$scratch/user" || exit 1
+run cmake --install "$build" --prefix "$scratch/first"
+cp "$build/install_manifest.txt" .
+run cmake -E copy_directory "$scratch/first" "$scratch/moved"
+run cmake -DMANIFEST=install_manifest.txt -P "$project/cmake/uninstall.cmake"
+[ ! -e "$scratch/first" ] || fail "left after uninstalling: $(find "$scratch/first")"
+
+example c >main.c
+example cpp >main.cpp
+cp "$project"/tests/checks/embedding/*.c .
+libraries=$(dirname "$(find "$scratch/moved" -name 'libkzoci.so.1')")
+export PKG_CONFIG_PATH=$libraries/pkgconfig
+
+mkdir c cxx
+cat >c/CMakeLists.txt <<'END'
+cmake_minimum_required(VERSION 3.25)
+project(user LANGUAGES C)
+set(CMAKE_C_STANDARD 99)
+find_package(kzoci 1.0 REQUIRED)
+add_executable(main ../main.c)
+target_link_libraries(main PRIVATE kzoci::kzoci)
+add_executable(own_platform ../main.c ../own_log.c ../own_memory.c ../own_number.c)
+target_link_libraries(own_platform PRIVATE kzoci::kzoci)
+END
+cat >cxx/CMakeLists.txt <<'END'
+cmake_minimum_required(VERSION 3.25)
+project(user LANGUAGES CXX)
+set(CMAKE_CXX_STANDARD 17)
+find_package(kzoci 1.0 REQUIRED)
+add_executable(main ../main.cpp)
+target_link_libraries(main PRIVATE kzoci::kzoci)
+add_executable(static_main ../main.cpp)
+target_link_libraries(static_main PRIVATE kzoci::tnsname kzoci::platform)
+END
+for language in c cxx; do
+  run cmake -S "$language" -B "build_$language" -DCMAKE_C_COMPILER="$cc" \
+    -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$scratch/moved"
+  run cmake --build "build_$language"
+  finds "build_$language/main"
+  needs_library "build_$language/main" || fail "the shared library is not taken"
+done
+finds build_cxx/static_main
+! needs_library build_cxx/static_main || fail "the static libraries are not taken"
+
+# What the program brings comes before what is in the shared library.
+finds build_c/own_platform
+grep -q 'own log' records || fail "the program's own log is not called"
+for function in kzoci_log_inner kzci_malloc kzci_free my_strtoll10; do
+  LD_DEBUG=bindings build_c/own_platform 2>&1 >/dev/null |
+    grep -qE "libkzoci\.so\.1 .*to build_c/own_platform .*symbol .$function'" ||
+    fail "the shared library does not call the program's $function"
+done
+
+if ! find "$scratch/moved" -name oci_tnsname.h | grep -q .; then fail "no headers"; fi
+read -ra shared <<<"$(pkg-config --cflags --libs kzoci)"
+read -ra static <<<"$(pkg-config --static --cflags --libs kzoci)"
+[ "$(pkg-config --modversion kzoci)" = "$(sed -nE 's/^project\(kzoci VERSION ([0-9.]+).*/\1/p' "$project/CMakeLists.txt")" ] ||
+  fail "pkg-config tells another version"
+run "$cc" -std=c99 main.c "${shared[@]}" -o c_shared
+run "$cxx" -std=c++17 main.cpp "${shared[@]}" -o cxx_shared
+run "$cc" -std=c99 -static main.c "${static[@]}" -o c_static
+run "$cxx" -std=c++17 -static main.cpp "${static[@]}" -o cxx_static
+for program in c_shared cxx_shared; do
+  LD_LIBRARY_PATH=$libraries finds "./$program"
+  needs_library "$program" || fail "the shared library is not taken"
+done
+finds ./c_static
+finds ./cxx_static
