@@ -2,7 +2,8 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS kzoci_tnsname kzoci_platform EXPORT kzociTargets)
-install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci)
+install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h kzoci/version.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci)
 install(FILES kzoci/platform/default_logger.h kzoci/platform/log.h kzoci/platform/memory.h
               kzoci/platform/my_strtoll10.h kzoci/platform/types.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci/platform)

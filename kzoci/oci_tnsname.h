@@ -53,6 +53,7 @@
 
 #include "platform/log.h"
 #include "platform/types.h"
+#include "version.h"
 
 /* What must hold where the records are used, checked by the compiler. */
 #if defined(__cplusplus)
