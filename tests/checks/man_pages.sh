@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The man pages against what they describe: each function of the public headers with its
+# The man pages and docs/kztns.md against what they describe: each function of the public headers with its
 # declaration, each option and exit status of the command, the example program.
 #   man_pages.sh PROJECT MAN_DIR LIBRARY_DIR KZTNS C_COMPILER [FLAG...]
 set -euo pipefail
@@ -89,6 +89,9 @@ statuses=$(for subcommand in "${subcommands[@]}"; do
 done)
 same "exit statuses" "$statuses" \
   "$(section kztns.1 '.Sh EXIT STATUS' '.Sh EXAMPLES' | sed -n 's/^\.It \([0-9]*\)$/\1/p')"
+same "exit statuses" "$statuses" "$(sed -nE 's/^\| ([0-9]+) \|.*/\1/p' "$project/docs/kztns.md")"
+same "options of all subcommands" "$(grep -vE -- '^--(help|version)$' <<<"$of_helps")" \
+  "$(grep -oE -- '--[a-z][a-z-]+' "$project/docs/kztns.md")"
 
 version=$("$kztns" --version)
 for page in kztns.1 kzoci_tnsname.3 kzoci_tnsnames.5; do
