@@ -8,8 +8,11 @@
 #ifndef KZOCI_VERSION_H
 #define KZOCI_VERSION_H
 
+/* Changes with what programs must be changed for. */
 #define KZOCI_VERSION_MAJOR 0
+/* Changes with what is new. */
 #define KZOCI_VERSION_MINOR 1
+/* Changes with what is mended. */
 #define KZOCI_VERSION_PATCH 0
 
 /* The version as a number that can be compared, 10203 for 1.2.3. */
@@ -22,6 +25,7 @@
 
 /* Only for KZOCI_VERSION: the arguments are replaced by their numbers first. */
 #define KZOCI_VERSION_TEXT(major, minor, patch) KZOCI_VERSION_PARTS(major, minor, patch)
+/* Only for KZOCI_VERSION. */
 #define KZOCI_VERSION_PARTS(major, minor, patch) #major "." #minor "." #patch
 
 #endif

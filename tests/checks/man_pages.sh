@@ -44,7 +44,7 @@ declarations() {
 }
 
 declarations >"$scratch/declarations"
-of_headers=$(sed -nE 's/^(sword|boolean|static inline).* \*?([A-Za-z]+)\(.*/\2/p' \
+of_headers=$(sed -nE 's/^(KZOCI_[A-Z]+ )?(sword|boolean|static inline).* \*?([A-Za-z]+)\(.*/\3/p' \
   "$project"/kzoci/oci_tnsname.h "$project"/kzoci/oci_tnsname_parser.h)
 same "functions of the headers" "$of_headers" \
   "$(sed -E 's/\(.*//; s/.*[ *]//' "$scratch/declarations")"
