@@ -3,7 +3,7 @@
 # in order, in a folder of its own:
 #
 #   ```names [NAME]   a file, names.ora where it has no name
-#   ```c NAME         a program
+#   ```c NAME         a program, which compiles
 #   ```console        commands after "$ ", each followed by what it prints, standard
 #                     error included; a last line "..." is any number of lines
 #
@@ -97,6 +97,12 @@ name_of_block() {
   echo "${words[1]:-names.ora}"
 }
 
+# make_program FILE
+make_program() {
+  mv block "$1"
+  cc -Wall -Wextra -Wpedantic -Werror -fsyntax-only "$1" || fail "$1 does not compile"
+}
+
 run_document() {
   local line kind=
   while IFS= read -r line; do
@@ -106,7 +112,8 @@ run_document() {
       ?*:'```')
         case $kind in
           console) run_block ;;
-          names* | c\ *) mv block "$(name_of_block "$kind")" ;;
+          names*) mv block "$(name_of_block "$kind")" ;;
+          c\ *) make_program "$(name_of_block "$kind")" ;;
           *) ! grep -q '^\$ ' block || fail "commands that are not run: $(grep -m 1 '^\$ ' block)" ;;
         esac
         kind=
