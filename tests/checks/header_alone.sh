@@ -8,7 +8,8 @@ case $standard in
   c++*) language=c++ ;;
   *) language=c ;;
 esac
-for header in kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h; do
+for header in kzoci/{oci_tnsname,oci_tnsname_parser,version}.h \
+  kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h; do
   printf '#include "%s"\nint unused;\n' "$header" |
     "$compiler" -std="$standard" -x "$language" -Wall -Wextra -Wpedantic -Werror \
       "$@" -I"$project" -fsyntax-only -
