@@ -12,6 +12,7 @@ install(TARGETS kzoci_tnsname kzoci_platform kzoci EXPORT kzociTargets
         LIBRARY COMPONENT library NAMELINK_COMPONENT development
         ARCHIVE COMPONENT development)
 install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname.hpp kzoci/oci_tnsname_parser.h
+              kzoci/version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci COMPONENT development)
 install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platform/log.h
               kzoci/platform/memory.h kzoci/platform/my_strtoll10.h kzoci/platform/types.h
@@ -19,6 +20,15 @@ install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platfor
 if(KZOCI_BUILD_TOOLS)
   install(TARGETS kztns RUNTIME COMPONENT command)
 endif()
+foreach(page IN LISTS kzoci_man_pages)
+  cmake_path(GET page EXTENSION LAST_ONLY section)
+  string(SUBSTRING ${section} 1 1 section)
+  set(component command)
+  if(section EQUAL 3)
+    set(component development)
+  endif()
+  install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
+endforeach()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
 install(EXPORT kzociTargets NAMESPACE kzoci:: FILE kzociTargets.cmake

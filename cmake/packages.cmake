@@ -1,6 +1,7 @@
 # The Debian packages, one for each component of the installation; scripts/package makes them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "the kzoci authors <kzoci@localhost.localdomain>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_COMPONENTS_ALL library development command)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -8,8 +9,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
-# What strip takes out goes into packages of debug symbols.
-set(CPACK_STRIP_FILES ON)
+# What is stripped goes into packages of debug symbols.
 set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 
 set(library_package libkzoci${PROJECT_VERSION_MAJOR})
@@ -17,14 +17,15 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION
 "connect identifiers of a database client
- A connect identifier is a net service name, which is looked up in a names file,
- or a literal descriptor. The library turns it into records from which a
- connection layer picks servers, balances load, times out, retries and
- blacklists.")
+A connect identifier is a net service name, which is looked up in a names file,
+or a literal descriptor. The library turns it into records from which a
+connection layer picks servers, balances load, times out, retries and
+blacklists.")
 # Whoever links the library depends on it; the loader's cache is brought up to date.
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
+file(WRITE ${PROJECT_BINARY_DIR}/shlibs
+     "libkzoci ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})\n")
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_BINARY_DIR}/shlibs ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkzoci-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
@@ -33,17 +34,17 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "connect identifiers of a database client (development files)
- A connect identifier is a net service name, which is looked up in a names file,
- or a literal descriptor. This package has the headers, the static libraries, and
- what CMake and pkg-config need to find them.")
+A connect identifier is a net service name, which is looked up in a names file,
+or a literal descriptor. This package has the headers, the static libraries, and
+what CMake and pkg-config need to find them.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME kztns)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION database)
 set(CPACK_DEBIAN_COMMAND_DESCRIPTION
 "shows, checks and mends names files of a database client
- The command shows what a lookup of a connect identifier finds and why it finds
- nothing, tells what is wrong with a names file with line and column, and mends
- it.")
+The command shows what a lookup of a connect identifier finds and why it finds
+nothing, tells what is wrong with a names file with line and column, and mends
+it.")
 
 # Documents that Debian wants in every package.
 if(KZOCI_DEBIAN_FILES)
@@ -53,9 +54,14 @@ if(KZOCI_DEBIAN_FILES)
     cmake_path(NORMAL_PATH folder)
     install(FILES packaging/debian/copyright ${PROJECT_BINARY_DIR}/changelog.Debian.gz
             DESTINATION ${folder} COMPONENT ${component})
+    set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
+    configure_file(packaging/debian/lintian-overrides.in lintian/${package} @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/lintian/${package}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides COMPONENT ${component})
   endforeach()
   execute_process(COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/packaging/debian/changelog
                   OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.Debian.gz
                   COMMAND_ERROR_IS_FATAL ANY)
 endif()
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/strip_archives.cmake)
 include(CPack)

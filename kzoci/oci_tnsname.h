@@ -54,6 +54,7 @@
 #include "platform/api.h"
 #include "platform/log.h"
 #include "platform/types.h"
+#include "version.h"
 
 /* What must hold where the records are used, checked by the compiler. */
 #if defined(__cplusplus)
@@ -84,9 +85,9 @@ extern "C" {
 /* Entry of a circular, doubly linked list; a member of the records that it
  * chains. An entry that is alone points at itself in both directions. */
 typedef struct list_entry {
-  ub4 type; /* 0 in every record; nothing reads it */
-  struct list_entry *prev;
-  struct list_entry *next;
+  ub4 type;                /* 0 in every record; nothing reads it */
+  struct list_entry *prev; /* the one before on the ring */
+  struct list_entry *next; /* the one after */
 } list_entry_t;
 
 /* Strategies of load balancing and blacklisting. This library reads and keeps
@@ -127,13 +128,13 @@ typedef struct kzci_address_list {
 /* The CONNECT_DATA block: what the connection layer sends when it opens a
  * session. Every field is zero by default. */
 typedef struct kzci_connect_data {
-  char service_name[257]; /* SERVICE_NAME or SID, at most 256 characters */
-  ub4 service_name_len;
+  char service_name[257];                     /* SERVICE_NAME or SID, at most 256 characters */
+  ub4 service_name_len;                       /* characters of service_name */
   char user_extra_info[KZCI_EXTRA_INFO_SIZE]; /* KZ_USER_EXTRA_INFO; it may fill the array */
-  ub4 user_extra_info_len;
+  ub4 user_extra_info_len;                    /* characters of user_extra_info */
   char session_variable[KZCI_SESSION_VARIABLE_SIZE]; /* SESSION_VARIABLE, at most 256 characters */
-  ub4 session_variable_len;
-  sb8 kz_mode;         /* KZ_MODE */
+  ub4 session_variable_len;                          /* characters of session_variable */
+  sb8 kz_mode;                                       /* KZ_MODE */
   sb8 use_default_sid; /* USE_DEFAULT_SID: not 0 leaves the service out of the link string */
 } KZCIConnectData;
 
@@ -154,29 +155,29 @@ typedef struct kzci_system_variables {
   ub4 slowsql_flush_second; /* SLOWSQL_FLUSH_SECOND, seconds; default 60 */
   char session_variable[KZCI_SESSION_VARIABLE_SIZE]; /* SESSION_VARIABLE, at most 256 characters;
                                                         default empty */
-  ub4 session_variable_len;
+  ub4 session_variable_len;                          /* characters of session_variable */
   sb8 log_size;         /* LOG_SIZE, bytes, at least 1048576 once set; default 0 */
   ub4 log_count;        /* LOG_COUNT, number of log files; default 0 */
   char log_level[1025]; /* LOG_LEVEL as written; default empty */
-  ub4 log_level_len;
-  char log_path[1025]; /* LOG_PATH; default empty */
-  ub4 log_path_len;
+  ub4 log_level_len;    /* characters of log_level */
+  char log_path[1025];  /* LOG_PATH; default empty */
+  ub4 log_path_len;     /* characters of log_path */
 } KZCISystemVariables;
 
 /* One DESCRIPTION block. Times are in the connection layer's units. */
 typedef struct kzci_description {
-  KZCIAddressList *address_list;    /* first address list, or null */
-  ub4 address_list_count;           /* address lists on the ring */
-  list_entry_t le;                  /* in the ring of its service */
-  KZCIConnectData *connect_data;    /* the CONNECT_DATA block, or null */
-  boolean kzlb;                     /* KZLB: balance over the address lists; default 0 */
-  sb8 retry_all_downs;              /* KZLB_RETRY_ALL_DOWNS; default 120 */
-  sb8 connect_timout;               /* KZLB_CONNECT_TIMEOUT; default 0 */
-  sb8 read_timout;                  /* KZLB_READ_TIMEOUT; default 0 */
-  sb8 write_timout;                 /* KZLB_WRITE_TIMEOUT; default 0 */
-  time_t retry_timeout;             /* KZLB_RETRY_TIMEOUT; default 10000 */
-  KZCILBOption kzlb_group_strategy; /* KZLB_GROUP_STRATEGY; default LB_OPTION_GROUP_ROTATION */
-  KZCIBlacklistConf black_list_conf;
+  KZCIAddressList *address_list;     /* first address list, or null */
+  ub4 address_list_count;            /* address lists on the ring */
+  list_entry_t le;                   /* in the ring of its service */
+  KZCIConnectData *connect_data;     /* the CONNECT_DATA block, or null */
+  boolean kzlb;                      /* KZLB: balance over the address lists; default 0 */
+  sb8 retry_all_downs;               /* KZLB_RETRY_ALL_DOWNS; default 120 */
+  sb8 connect_timout;                /* KZLB_CONNECT_TIMEOUT; default 0 */
+  sb8 read_timout;                   /* KZLB_READ_TIMEOUT; default 0 */
+  sb8 write_timout;                  /* KZLB_WRITE_TIMEOUT; default 0 */
+  time_t retry_timeout;              /* KZLB_RETRY_TIMEOUT; default 10000 */
+  KZCILBOption kzlb_group_strategy;  /* KZLB_GROUP_STRATEGY; default LB_OPTION_GROUP_ROTATION */
+  KZCIBlacklistConf black_list_conf; /* KZLB_BLACKLIST */
 } KZCIDescription;
 
 /* The name at the end of a service is a flexible array, which C++ has as an
@@ -230,34 +231,42 @@ typedef struct kzci_tns {
 #define KZCI_RECORD_OF_ENTRY(record_type, entry) \
   ((record_type *)(void *)((char *)(entry)-offsetof(record_type, le)))
 
+/* The service that holds an entry. */
 static inline KZCITnsService *KZCITnsServiceOfEntry(list_entry_t *entry) {
   return KZCI_RECORD_OF_ENTRY(KZCITnsService, entry);
 }
 
+/* The service after this one on its ring. */
 static inline KZCITnsService *KZCITnsServiceNext(KZCITnsService *tns_service) {
   return KZCITnsServiceOfEntry(tns_service->le.next);
 }
 
+/* The description that holds an entry. */
 static inline KZCIDescription *KZCIDescriptionOfEntry(list_entry_t *entry) {
   return KZCI_RECORD_OF_ENTRY(KZCIDescription, entry);
 }
 
+/* The description after this one on its ring. */
 static inline KZCIDescription *KZCIDescriptionNext(KZCIDescription *des) {
   return KZCIDescriptionOfEntry(des->le.next);
 }
 
+/* The address list that holds an entry. */
 static inline KZCIAddressList *KZCIAddressListOfEntry(list_entry_t *entry) {
   return KZCI_RECORD_OF_ENTRY(KZCIAddressList, entry);
 }
 
+/* The address list after this one on its ring. */
 static inline KZCIAddressList *KZCIAddressListNext(KZCIAddressList *address_list) {
   return KZCIAddressListOfEntry(address_list->le.next);
 }
 
+/* The address that holds an entry. */
 static inline KZCIAddress *KZCIAddressOfEntry(list_entry_t *entry) {
   return KZCI_RECORD_OF_ENTRY(KZCIAddress, entry);
 }
 
+/* The address after this one on its ring. */
 static inline KZCIAddress *KZCIAddressNext(KZCIAddress *address) {
   return KZCIAddressOfEntry(address->le.next);
 }
@@ -405,6 +414,7 @@ KZOCI_API sword KZCITnsServiceDblinkGet(KZCITnsService *tns_service, char *dblin
  * One record serves one thread at a time.
  * ====================================================================== */
 
+/* The buffer and where it stands. */
 typedef struct kzci_slow_sql {
   char *buffer;      /* the text, terminated; null when there is no buffer */
   sb8 buffer_length; /* its size in characters */

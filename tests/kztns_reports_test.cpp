@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "kzoci/version.h"
 #include "report/check_formats.h"
 #include "report/check_text.h"
 #include "report/rule_text.h"
@@ -190,7 +191,7 @@ TEST(SarifReport, TellsWhatIsLeftOut) {
 
 TEST(SarifReport, HasTheVersionAndHelpOfEachRule) {
   const json driver = sarif_of(report_of(""))["tool"]["driver"];
-  EXPECT_EQ(driver["version"], KZTNS_VERSION);
+  EXPECT_EQ(driver["version"], KZOCI_VERSION);
   for (const json &rule : driver["rules"]) {
     EXPECT_NE(rule["help"]["text"].get<std::string>(), "") << rule["id"];
     EXPECT_NE(rule["help"]["markdown"].get<std::string>(), "") << rule["id"];

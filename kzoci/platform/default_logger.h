@@ -41,13 +41,14 @@ KZOCI_API log_level kzoci_log_threshold(void);
 /* A record as a sink receives it. Texts belong to the logger and last as long
  * as the call. */
 typedef struct kzoci_log_record {
-  log_level level;
+  log_level level;  /* its severity */
   const char *file; /* path of the source file that logs; terminated */
-  int line;
+  int line;         /* line of the call in that file */
   const char *text; /* the formatted text; terminated */
   size_t text_len;  /* its length */
 } kzoci_log_record;
 
+/* A function that takes records; see kzoci_log_set_sink. */
 typedef void (*kzoci_log_sink)(void *context, const kzoci_log_record *record);
 
 /*

@@ -10,6 +10,8 @@
 
 #include "api.h"
 
+/* Lets compilers check the arguments of a function against its format: the numbers, from
+ * 1, of the format and of the first argument after it. */
 #if defined(__GNUC__)
 #define KZOCI_PRINTF_LIKE(format_at, arguments_at) \
   __attribute__((format(printf, format_at, arguments_at)))
@@ -21,6 +23,7 @@
 extern "C" {
 #endif
 
+/* Severities, in rising order. */
 typedef enum log_level {
   LOG_LEVEL_TRACE = 1,
   LOG_LEVEL_DEBUG,

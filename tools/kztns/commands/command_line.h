@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include "io/read_file.h"
+#include "kzoci/version.h"
 
 namespace kztns {
 
@@ -45,7 +46,7 @@ struct Arguments {
   std::vector<std::string> verdicts;
 };
 
-inline constexpr char version[] = "kztns " KZTNS_VERSION;
+inline constexpr char version[] = "kztns " KZOCI_VERSION;
 
 // A subcommand: all of them read a names file. The statuses are those that it has of its
 // own.

@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "kzoci/version.h"
 #include "report/fingerprints.h"
 #include "report/rule_text.h"
 #include "text/utf8.h"
@@ -146,7 +147,7 @@ Json results(const CheckRun &run) {
 
 // Code review tools read it.
 std::string render_sarif(const CheckRun &run, const TextStyle &) {
-  const Json driver = {{"name", "kztns"}, {"version", KZTNS_VERSION}, {"rules", rules()}};
+  const Json driver = {{"name", "kztns"}, {"version", KZOCI_VERSION}, {"rules", rules()}};
   const Json object = {{"tool", {{"driver", driver}}},
                        {"invocations", Json::array({invocation(run)})},
                        {"columnKind", "unicodeCodePoints"},
