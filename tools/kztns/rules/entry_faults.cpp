@@ -145,9 +145,9 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_.end);
   const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
-  std::optional<Found> found = {
-      {first, copy.of_whole(first.fix.edits), copy.of_whole(without_item(text, view.trace)),
-       has_rest(text, view.trace.fault())}};
+  std::optional<Found> found = {{first, copy.of_whole(first.fix.edits),
+                                 copy.of_whole(without_item(text, view.trace)),
+                                 has_rest(text, view.trace.fault())}};
   found->told.text += consequence;
 
   std::optional<Found> next;
@@ -184,6 +184,7 @@ Subject EntryFaults::subject(const NamesText &text, Offset end) {
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
   if (!findings_.wanted(found.rule, severity)) return;
+  if (found.rule == Rule::ifile) entry = {};  // that is no name
   findings_.add({found.rule, found.at, entry, std::move(found.path), std::move(found.text),
                  std::move(found.remedy), std::move(found.fix)},
                 severity);
