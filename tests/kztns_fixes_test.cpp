@@ -118,6 +118,8 @@ std::vector<Row> key_rows() {
       none("misplaced-key", address + "(CONNECT_DATA=(PORT=2)(SID=s))"),
       {"misplaced-key", Applicability::safe, address + data,
        "(DESCRIPTION = " + address + data + ")"},
+      {"misplaced-key", Applicability::safe, address + " # 1) one\n" + data,
+       "(DESCRIPTION = " + address + " # 1] one\n" + data + ")"},
       {"misplaced-key", Applicability::unsafe, in_description(address) + data,
        in_description(address + data)},
       safe("missing-equal", address + "(CONNECT_DATA(SID=s))", address + "(CONNECT_DATA =(SID=s))"),

@@ -1,6 +1,7 @@
 #include "rules/key_fixes.h"
 
 #include "rules/block_fixes.h"
+#include "rules/file_fixes.h"
 #include "rules/foreign_keys.h"
 #include "rules/value_fixes.h"
 #include "text/characters.h"
@@ -155,8 +156,13 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
     description = other;
   }
   if (description) return moved_into(place, item, *description);
-  return safe_fix({{items.front().open, items.front().open, "(DESCRIPTION = "},
-                   {items.back().end, items.back().end, ")"}});
+  std::vector<Edit> edits = {{items.front().open, items.front().open, "(DESCRIPTION = "}};
+  // Comments that are in the block now must not lead lookups astray.
+  for (std::size_t i = 1; i < items.size(); ++i)
+    for (Edit &edit : fix_of_comments(place.text(), items[i - 1].end, items[i].open).edits)
+      edits.push_back(std::move(edit));
+  edits.push_back({items.back().end, items.back().end, ")"});
+  return safe_fix(std::move(edits));
 }
 
 }  // namespace
