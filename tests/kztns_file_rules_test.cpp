@@ -110,6 +110,13 @@ TEST_F(FileRules, AListOfNamesBecomesAnEntryAName) {
   expect_served(safely_fixed("x, # first\ny # second\n= " + block + "\n"), {"x", "y"});
 }
 
+TEST_F(FileRules, WhatComesAfterAListIsMendedAfterIt) {
+  const std::string split = entry("a") + entry("b");
+  EXPECT_EQ(safely_fixed("a, b = " + block + "\n; note\n" + entry("c")),
+            split + "; note\n" + entry("c"));
+  EXPECT_EQ(safely_fixed(split + "; note\n" + entry("c")), split + "# ; note\n" + entry("c"));
+}
+
 TEST_F(FileRules, ANameOfAListWithAnEntryOfItsOwnIsNoDuplicate) {
   const std::string text = "x, y = " + block + "\n" + entry("y");
   EXPECT_EQ(
