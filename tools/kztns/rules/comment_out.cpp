@@ -6,6 +6,7 @@
 
 #include "scan/file_scan.h"
 #include "scan/tokens.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
@@ -20,12 +21,12 @@ Offset line_start(std::string_view text, Offset at) {
   return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
 }
 
-bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r") == text.npos; }
+bool is_blank(std::string_view text) { return text.find_first_not_of(blanks_of_line) == text.npos; }
 
 // Whether more than a comment follows on the line.
 bool goes_on(std::string_view text, Offset at) {
   const std::string_view rest = text.substr(at, text.find('\n', at) - at);
-  const std::size_t next = rest.find_first_not_of(" \t\r");
+  const std::size_t next = rest.find_first_not_of(blanks_of_line);
   return next != rest.npos && rest[next] != '#';
 }
 
@@ -69,8 +70,7 @@ class Unserved {
   // are one entry.
   Offset end_of_part(Offset begin) const {
     const auto &entries = scan_.entries();
-    auto next = std::upper_bound(entries.begin(), entries.end(), begin,
-                                 [](Offset at, const Entry &entry) { return at < entry.at; });
+    auto next = scan_.first_after(begin);
     if (next != entries.begin())
       for (const Offset body = std::prev(next)->body; next != entries.end() && next->body == body;)
         ++next;

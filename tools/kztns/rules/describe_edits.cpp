@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/characters.h"
 #include "text/escape.h"
 
 namespace kztns {
@@ -9,10 +10,7 @@ namespace {
 
 // A part of a text between quotes that are not in it, without the blanks around it.
 std::string part(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(blanks);
-  if (begin != std::string_view::npos)
-    text = text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+  if (const std::string_view words = trimmed(text); !words.empty()) text = words;
   const char quote = text.find('"') == std::string_view::npos ? '"' : '\'';
   return quote + excerpt(text) + quote;
 }
