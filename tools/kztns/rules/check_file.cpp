@@ -10,6 +10,7 @@
 #include "rules/entry_warnings.h"
 #include "rules/file_fixes.h"
 #include "rules/file_rules.h"
+#include "rules/fixability.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
 #include "text/utf_16.h"
@@ -185,7 +186,10 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty() ||
                        hiding_carriage_return(text.text()).has_value();
   if (request.with_entries) list_entries(text, scan, report);
+  if (!report.findings.empty())
+    for (const Entry &entry : scan.entries()) report.starts.push_back(entry.at);
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 
@@ -196,6 +200,7 @@ CheckReport check_file(const NamesText &text, const CheckRequest &request) {
   else if (report.lookups_end)
     FurtherChecks(text, request, report).run();
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 

@@ -42,6 +42,8 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_out(text, at, line_end));
   const Offset limit = next_entry(scan, at);
   const Offset end = end_of_stray_text(text, at, limit);
+  // The entry that begins on the same line would become a comment, too.
+  if (end == limit && limit < line_end) return {};
   return unsafe_fix(comment_out(text, at, end == limit ? std::min(line_end, limit) : end));
 }
 
