@@ -221,8 +221,11 @@ TEST(Mend, DoesWithUnsafeFixesWhatItDoesWithout) {
   EXPECT_EQ(mend(of("(SERVER = x)"), true).text.find("SERVER"), std::string::npos);
 }
 
-TEST(Mend, RemovesACommaBeforeAName) {
+TEST(Mend, RemovesCommasAroundAName) {
   EXPECT_EQ(mend(entry("a") + "," + entry("b")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry("b,")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry(",b,,")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry(",b,c")).text, entry("a") + entry("b") + entry("c"));
 }
 
 TEST(TryEdits, RefusesToLoseAName) {

@@ -92,7 +92,8 @@ class Fixer {
     request.file = file_left();
     request.progress = [this](Offset at) { progress_->at(at); };
     if (!changed()) {
-      left_ = check_selected(original_, request, options_.disabled);
+      left_ = mender_.report();
+      if (!left_.findings.empty()) left_ = check_selected(original_, request, options_.disabled);
       return;
     }
     request.visit = [this](const EntryView &view) { served_.take(view); };
