@@ -10,6 +10,7 @@
 #include "rules/entry_warnings.h"
 #include "rules/file_fixes.h"
 #include "rules/file_rules.h"
+#include "rules/fixability.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
@@ -217,7 +218,10 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   report.splits = std::any_of(report.findings.begin(), report.findings.end(),
                               [](const Finding &finding) { return finding.fix.splits; });
   if (request.with_entries) list_entries(text, scan, report);
+  if (!report.findings.empty())
+    for (const Entry &entry : scan.entries()) report.starts.push_back(entry.at);
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 
@@ -228,6 +232,7 @@ CheckReport check_file(const NamesText &text, const CheckRequest &request) {
   else if (report.lookups_end || report.splits)
     FurtherChecks(text, request, report).run();
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 

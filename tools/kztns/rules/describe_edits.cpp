@@ -28,6 +28,13 @@ bool is_around(const std::vector<Edit> &edits) {
          edits[0].text == edits[1].text;
 }
 
+// Whether they make comments of lines.
+bool make_comments(const std::vector<Edit> &edits) {
+  return !edits.empty() && std::all_of(edits.begin(), edits.end(), [](const Edit &edit) {
+    return edit.begin == edit.end && edit.text == "# ";
+  });
+}
+
 // Whether one of the edits has no text of its own: it copies a part.
 bool has_copy(const std::vector<Edit> &edits) {
   return std::any_of(edits.begin(), edits.end(),
@@ -38,6 +45,7 @@ bool has_copy(const std::vector<Edit> &edits) {
 
 std::string describe(const std::vector<Edit> &edits, std::string_view text) {
   if (has_copy(edits)) return "rearranged the lines";
+  if (make_comments(edits)) return "commented out";
   if (is_around(edits))
     return "put " + part(edits[0].text) + " around " +
            part(text.substr(edits[0].begin, edits[1].begin - edits[0].begin));

@@ -33,6 +33,8 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
+  // The entry that begins on the same line would become a comment, too.
+  if (end == limit && limit < line_end) return {};
   return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
 }
 

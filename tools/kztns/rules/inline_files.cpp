@@ -17,6 +17,9 @@ namespace {
 // What other readers of such files allow.
 constexpr std::size_t most_depth = 16;
 
+// A few files that include the next one several times make millions.
+constexpr std::size_t most_files = 1000;
+
 // An IFILE line, without its end, and the file that it names.
 struct IncludeLine {
   Offset begin;
@@ -71,11 +74,13 @@ class Inliner {
   std::vector<Edit> edits_of(const std::string &path, const NamesText &text) {
     std::vector<Edit> edits;
     open_.push_back(id_of(path));
-    for (const IncludeLine &line : include_lines(text.text()))
+    for (const IncludeLine &line : include_lines(text.text())) {
+      if (files_ > most_files) break;
       if (std::optional<std::string> inlined = text_of(path, text, line)) {
         if (open_.size() == 1) tell(text, line);
         edits.push_back({line.begin, line.end, std::move(*inlined)});
       }
+    }
     open_.pop_back();
     return edits;
   }
@@ -95,6 +100,8 @@ class Inliner {
     const std::optional<FileId> id = id_of(included);
     if (id && std::find(open_.begin(), open_.end(), id) != open_.end())
       return refuse("includes itself");
+    if (++files_ > most_files)
+      return refuse("is one too many: at most " + std::to_string(most_files) + " files are put in");
     ReadFault fault;
     const std::optional<std::string> content = read_file(included, room_, fault);
     if (!content) return refuse(fault.text);
@@ -127,6 +134,7 @@ class Inliner {
   }
 
   std::uint64_t room_;
+  std::size_t files_ = 0;  // that were read
   InlinedFiles &result_;
   std::vector<std::optional<FileId>> open_;  // the files around the one at hand
 };

@@ -118,13 +118,24 @@ class NameRules {
     return entry.at == 0 && odd == byte_order_mark ? Rule::byte_order_mark : Rule::odd_bytes;
   }
 
+  // The commas around a name that has none within.
+  static std::vector<Edit> commas_around(const Entry &entry, std::string_view name) {
+    const auto place = [&](std::size_t index) {
+      return entry.at + static_cast<Offset>(std::min(index, name.size()));
+    };
+    const std::size_t first = name.find_first_not_of(',');
+    const std::size_t after = name.find(',', first);
+    std::vector<Edit> edits;
+    if (first != 0) edits.push_back({entry.at, place(first), {}});
+    if (after != name.npos && name.find_first_not_of(',', after) == name.npos)
+      edits.push_back({place(after), place(name.size()), {}});
+    return edits;
+  }
+
   void report_commas(const Entry &entry, std::string_view name) {
-    if (name.starts_with(',')) {
-      const auto commas = static_cast<Offset>(name.find_first_not_of(',') == std::string_view::npos
-                                                  ? name.size()
-                                                  : name.find_first_not_of(','));
+    if (std::vector<Edit> commas = commas_around(entry, name); !commas.empty()) {
       add(Rule::stray_comma, entry.at, name, "the comma is read as part of the name",
-          entry.quoted ? Fix{} : safe_fix({{entry.at, entry.at + commas, {}}}));
+          entry.quoted ? Fix{} : safe_fix(std::move(commas)));
     } else if (findings_.wanted(Rule::comma_list)) {
       findings_.add({Rule::comma_list,
                      entry.at,
