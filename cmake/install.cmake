@@ -20,12 +20,23 @@ install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platfor
 if(KZOCI_BUILD_TOOLS)
   install(TARGETS kztns RUNTIME COMPONENT command)
 endif()
+# kzoci_compress FILE RESULT: RESULT becomes the path of the compressed file.
+function(kzoci_compress file result)
+  cmake_path(GET file FILENAME name)
+  execute_process(COMMAND gzip -9nc ${file} OUTPUT_FILE ${PROJECT_BINARY_DIR}/${name}.gz
+                  COMMAND_ERROR_IS_FATAL ANY)
+  set(${result} ${PROJECT_BINARY_DIR}/${name}.gz PARENT_SCOPE)
+endfunction()
+
 foreach(page IN LISTS kzoci_man_pages)
   cmake_path(GET page EXTENSION LAST_ONLY section)
   string(SUBSTRING ${section} 1 1 section)
   set(component command)
   if(section EQUAL 3)
     set(component development)
+  endif()
+  if(KZOCI_DEBIAN_FILES)
+    kzoci_compress(${page} page)
   endif()
   install(FILES ${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man${section} COMPONENT ${component})
 endforeach()

@@ -17,8 +17,8 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME ${library_package})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION
 "connect identifiers of a database client
-A connect identifier is a net service name, which is looked up in a names file,
-or a literal descriptor. The library turns it into records from which a
+A connect identifier is a net service name, which is looked up in a names
+file, or a literal descriptor. The library turns it into records from which a
 connection layer picks servers, balances load, times out, retries and
 blacklists.")
 # Whoever links the library depends on it; the loader's cache is brought up to date.
@@ -34,9 +34,9 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "connect identifiers of a database client (development files)
-A connect identifier is a net service name, which is looked up in a names file,
-or a literal descriptor. This package has the headers, the static libraries, and
-what CMake and pkg-config need to find them.")
+A connect identifier is a net service name, which is looked up in a names
+file, or a literal descriptor. This package has the headers, the static libraries,
+and what CMake and pkg-config need to find them.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME kztns)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION database)
@@ -48,20 +48,19 @@ it.")
 
 # Documents that Debian wants in every package.
 if(KZOCI_DEBIAN_FILES)
+  configure_file(packaging/debian/changelog changelog.Debian COPYONLY)
+  kzoci_compress(${PROJECT_BINARY_DIR}/changelog.Debian changelog)
   foreach(component IN ITEMS library development command)
     string(TOUPPER ${component} name)
     set(folder ${CMAKE_INSTALL_DOCDIR}/../${CPACK_DEBIAN_${name}_PACKAGE_NAME})
     cmake_path(NORMAL_PATH folder)
-    install(FILES packaging/debian/copyright ${PROJECT_BINARY_DIR}/changelog.Debian.gz
+    install(FILES packaging/debian/copyright ${changelog}
             DESTINATION ${folder} COMPONENT ${component})
     set(package ${CPACK_DEBIAN_${name}_PACKAGE_NAME})
-    configure_file(packaging/debian/lintian-overrides.in lintian/${package} @ONLY)
+    configure_file(packaging/debian/${component}.lintian-overrides.in lintian/${package} @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/lintian/${package}
             DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides COMPONENT ${component})
   endforeach()
-  execute_process(COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/packaging/debian/changelog
-                  OUTPUT_FILE ${PROJECT_BINARY_DIR}/changelog.Debian.gz
-                  COMMAND_ERROR_IS_FATAL ANY)
 endif()
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/strip_archives.cmake)
 include(CPack)

@@ -1,77 +1,8 @@
 // What keeps lookups from entries: what is told of it, and what its fix makes of the file.
-#include <cstdlib>
-
-#include <gtest/gtest.h>
-
-#include "lookup/lookup.h"
-#include "report/check_text.h"
-#include "rules/apply_fixes.h"
-#include "rules/check_file.h"
-#include "support/parsing.h"
-
-namespace {
+#include "support/checked_file.h"
 
 using namespace std::string_literals;
-
-const std::string block =
-    "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))";
-
-std::string entry(const std::string &name) { return name + " = " + block + "\n"; }
-
-// "PLACE RULE: TEXT", a line a finding.
-std::string told(const std::string &content) {
-  const kztns::NamesText text(content);
-  std::string lines;
-  for (const kztns::Finding &finding : kztns::check_file(text, {.file = "names"}).findings)
-    lines += to_string(finding.position) + " " + std::string(row_of(finding.rule).id) + ": " +
-             finding.text + "\n";
-  return lines;
-}
-
-std::size_t count_of(const std::string &lines, const std::string &part) {
-  std::size_t count = 0;
-  for (std::size_t at = lines.find(part); at != std::string::npos; at = lines.find(part, at + 1))
-    ++count;
-  return count;
-}
-
-// The text with the fixes of one check.
-std::string fixed(const std::string &content, bool with_unsafe) {
-  const kztns::NamesText text(content);
-  kztns::EditedText edited(content);
-  edited.apply(kztns::edits_of(kztns::check_once(text, {.file = "names"}).findings, with_unsafe));
-  return edited.text();
-}
-
-std::string safely_fixed(const std::string &content) { return fixed(content, false); }
-std::string unsafely_fixed(const std::string &content) { return fixed(content, true); }
-
-class FileRules : public testing::Test {
- protected:
-  void SetUp() override { setenv("KZCI_TNS_FILE", (folder_.path() + "/names").c_str(), 1); }
-  void TearDown() override { unsetenv("KZCI_TNS_FILE"); }
-
-  // Whether lookups in a file find all of some names.
-  void expect_served(const std::string &content, const std::vector<std::string> &names) {
-    folder_.write("names", content);
-    for (const std::string &name : names) {
-      kztns::Tree tree;
-      boolean find = 0;
-      EXPECT_EQ(KZCITnsBuild(tree.get(), reinterpret_cast<const OraText *>(name.c_str()),
-                             static_cast<ub4>(name.size()), &find),
-                0)
-          << name << " in\n"
-          << content;
-      EXPECT_EQ(find, 1) << name << " in\n" << content;
-      KZCITnsClear(tree.get());
-    }
-  }
-
- private:
-  support::TemporaryFolder folder_;
-};
-
-}  // namespace
+using namespace support;
 
 TEST_F(FileRules, AllStrayLinesAreToldInOneWalk) {
   const std::string text = "-- one\n" + entry("a") + "two\n" + entry("b") + "IFILE = /x\n" +
@@ -179,6 +110,13 @@ TEST_F(FileRules, AListOfNamesBecomesAnEntryAName) {
   expect_served(safely_fixed("x, # first\ny # second\n= " + block + "\n"), {"x", "y"});
 }
 
+TEST_F(FileRules, WhatComesAfterAListIsMendedAfterIt) {
+  const std::string split = entry("a") + entry("b");
+  EXPECT_EQ(safely_fixed("a, b = " + block + "\n; note\n" + entry("c")),
+            split + "; note\n" + entry("c"));
+  EXPECT_EQ(safely_fixed(split + "; note\n" + entry("c")), split + "# ; note\n" + entry("c"));
+}
+
 TEST_F(FileRules, ANameOfAListWithAnEntryOfItsOwnIsNoDuplicate) {
   const std::string text = "x, y = " + block + "\n" + entry("y");
   EXPECT_EQ(
@@ -186,6 +124,15 @@ TEST_F(FileRules, ANameOfAListWithAnEntryOfItsOwnIsNoDuplicate) {
       "1:1 comma-list: a list of names is not an entry: no lookup finds x, y; the entry after "
       "it is lost: y\n");
   EXPECT_EQ(safely_fixed(text), "x = " + block + "\n" + entry("y"));
+}
+
+TEST_F(FileRules, ADuplicateIsToldInTheOrderOfTheFile) {
+  EXPECT_EQ(count_of(told("a = " + block + " " + block + "\na, b = " + block + "\n" + entry("c")),
+                     "duplicate"),
+            0u);
+  EXPECT_EQ(count_of(told("a = " + block + " " + block + "\nb, a = " + block + "\n" + entry("c")),
+                     "2:4 duplicate: duplicate name: the first entry, at 1:1, is used"),
+            1u);
 }
 
 TEST_F(FileRules, AByteOrderMarkIsRemoved) {
@@ -285,71 +232,6 @@ TEST_F(FileRules, StrayTextBecomesAComment) {
   EXPECT_EQ(unsafely_fixed(text),
             "# these are\n" + entry("a") + "# (HOST = h\n#   (PORT = 1))\n" + entry("b"));
   expect_served(unsafely_fixed(text), {"a", "b"});
-}
-
-TEST_F(FileRules, UnmatchedParenthesesAreRemoved) {
-  const std::string text = "a = " + block + ") )\n" + entry("b") + ")\n" + entry("c");
-  EXPECT_EQ(safely_fixed(text), text);
-  EXPECT_EQ(unsafely_fixed(text), "a = " + block + "\n" + entry("b") + "\n" + entry("c"));
-  expect_served(unsafely_fixed(text), {"a", "b", "c"});
-}
-
-TEST_F(FileRules, ParenthesesInCommentsBecomeBrackets) {
-  const std::string text =
-      "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-) (fine) :-(\n"
-      "  # b)\n (CONNECT_DATA = (SID = s)))\n" +
-      entry("b");
-  const std::string after =
-      "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-] (fine) :-[\n"
-      "  # b]\n (CONNECT_DATA = (SID = s)))\n" +
-      entry("b");
-  EXPECT_EQ(safely_fixed(text), after);
-  expect_served(after, {"a", "b"});
-}
-
-TEST_F(FileRules, ParenthesesInCommentsOfSeveralEntriesAreToldInOneWalk) {
-  std::string text;
-  for (const char *const name : {"a", "b", "c"})
-    text += name +
-            " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) # :-(\n"
-            " (CONNECT_DATA = (SID = s)))\n"s;
-  EXPECT_EQ(count_of(told(text), "paren-in-comment"), 3u);
-  expect_served(safely_fixed(text), {"a", "b", "c"});
-}
-
-TEST_F(FileRules, AnEntryThatLeadsAstrayMovesToTheEnd) {
-  const std::string quotes =
-      "a = (DESCRIPTION = (ADDRESS = (HOST = \"h)\")(PORT = 1))"
-      "(CONNECT_DATA = (SID = s)))\n";
-  EXPECT_EQ(safely_fixed("# a\n" + quotes + entry("b")), "# a\n" + quotes + entry("b"));
-  EXPECT_EQ(unsafely_fixed("# a\n" + quotes + entry("b")), entry("b") + "# a\n" + quotes);
-  EXPECT_EQ(told(entry("b") + quotes), "");
-  expect_served(entry("b") + quotes, {"a", "b"});
-  // There is only one end.
-  const std::string both = quotes + entry("b") + quotes;
-  EXPECT_EQ(unsafely_fixed(both), both);
-  const std::string reserved = quotes + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
-  EXPECT_EQ(unsafely_fixed(reserved), reserved);
-}
-
-TEST_F(FileRules, ASecondBlockIsToldAsOneAlsoWithAFault) {
-  const std::string good = "a = " + block + "\n  " + block + "\n";
-  const std::string bad = "a = " + block + "\n  (DESCRIPTION = (SERVER = 1))\n";
-  EXPECT_EQ(count_of(told(good + entry("b")), "2:3 second-block: second block of a: "), 1u);
-  EXPECT_EQ(count_of(told(bad + entry("b")), "2:3 second-block: second block of a: "), 1u);
-  EXPECT_EQ(count_of(told(bad + entry("b")), "stray-text"), 0u);
-  EXPECT_EQ(unsafely_fixed(good + entry("b")), entry("b") + good);
-  EXPECT_EQ(told(entry("b") + good), "");
-  expect_served(entry("b") + good, {"a", "b"});
-  // Where another one is at the end, the first block is what is left.
-  EXPECT_EQ(unsafely_fixed(good + entry("b") + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"),
-            "a = " + block + "\n  # " + block + "\n" + entry("b") +
-                "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n");
-}
-
-TEST_F(FileRules, AnEqualSignIsPutAfterAName) {
-  EXPECT_EQ(unsafely_fixed("a " + block + "\nb" + block + "\n"), entry("a") + entry("b"));
-  EXPECT_EQ(safely_fixed("a " + block + "\n"), "a " + block + "\n");
 }
 
 TEST_F(FileRules, AWordAtTheEndBecomesAComment) {

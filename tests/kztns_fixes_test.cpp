@@ -82,6 +82,10 @@ std::vector<Row> foreign_rows() {
              "(KZLB=ON)" + address + data),
       unsafe("unknown-key", "(connect_timeout=5)" + address + data,
              "(KZLB_CONNECT_TIMEOUT=5)" + address + data),
+      unsafe("unknown-key", "(CONNECT_TIMEOUT=90ms)" + address + data,
+             "(KZLB_CONNECT_TIMEOUT=90)" + address + data),
+      unsafe("unknown-key", "(CONNECT_TIMEOUT=3 sec)" + address + data,
+             "(KZLB_CONNECT_TIMEOUT=3)" + address + data),
       unsafe("unknown-key", "(FAILOVER=ON)" + address + data, address + data),
       unsafe("unknown-key",
              address + "(CONNECT_DATA=(FAILOVER_MODE=(TYPE=SELECT)(METHOD=BASIC))(SID=s))",
@@ -114,6 +118,8 @@ std::vector<Row> key_rows() {
       none("misplaced-key", address + "(CONNECT_DATA=(PORT=2)(SID=s))"),
       {"misplaced-key", Applicability::safe, address + data,
        "(DESCRIPTION = " + address + data + ")"},
+      {"misplaced-key", Applicability::safe, address + " # 1) one\n" + data,
+       "(DESCRIPTION = " + address + " # 1] one\n" + data + ")"},
       {"misplaced-key", Applicability::unsafe, in_description(address) + data,
        in_description(address + data)},
       safe("missing-equal", address + "(CONNECT_DATA(SID=s))", address + "(CONNECT_DATA =(SID=s))"),
@@ -156,7 +162,16 @@ std::vector<Row> value_rows() {
              "(KZLB_READ_TIMEOUT=-5)" + address + data),
       none("bad-number", "(KZLB_READ_TIMEOUT=2.5)" + address + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPS)(HOST=h)(PORT=1))" + data),
+      // What may have been meant as encryption is never made plain.
+      none("bad-protocol", "(ADDRESS=(PROTOCOL=TCSP)(HOST=h)(PORT=1))" + data),
+      none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPSS)(HOST=h)(PORT=1))" + data),
+      none("bad-protocol", "(ADDRESS=(PROTOCOL=\"TCPS \")(HOST=h)(PORT=1))" + data),
+      none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPP)(HOST=h)(PORT=1))" + data),
+      none("bad-protocol",
+           "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCSP)(HOST=h)(PORT=1))" + address + ")" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,
+             "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
+      unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=\"TCP \")(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol",
              "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=IPC)(KEY=k)))(ADDRESS_LIST=" + address + ")" + data,
@@ -235,8 +250,34 @@ TEST(Fixes, SplitAListOfDescriptionsBeforeOtherEntries) {
   const std::string before = "x=(DESCRIPTION_LIST=" + description + description + ")\n" + other;
   EXPECT_EQ(edited(before, kztns::edits_of(report_of(before).findings, true)),
             "x=" + description + "\nx_2 =\n  " + description + "\n" + other);
-  const std::string taken = before + "x_2=" + description + "\n";
-  EXPECT_TRUE(kztns::edits_of(report_of(taken).findings, true).empty());
+  // Numbers that are taken are passed over.
+  const std::string taken = other + "x_2=" + description + "\nx_4=" + description + "\n";
+  EXPECT_EQ(edited("x=(DESCRIPTION_LIST=" + description + description + description + ")\n" + taken,
+                   kztns::edits_of(report_of("x=(DESCRIPTION_LIST=" + description + description +
+                                             description + ")\n" + taken)
+                                       .findings,
+                                   true)),
+            "x=" + description + "\nx_3 =\n  " + description + "\nx_5 =\n  " + description + "\n" +
+                taken);
+}
+
+TEST(Fixes, LeaveAWordThatIsRight) {
+  const kztns::CheckReport report =
+      report_of("x=" + in_description("(LOAD_BALANCE=ON)" + address + data) + "\n");
+  ASSERT_EQ(report.findings.size(), 1u);
+  ASSERT_EQ(report.findings[0].fix.edits.size(), 1u);
+  EXPECT_EQ(report.findings[0].fix.edits[0].text, "KZLB");
+}
+
+TEST(Fixes, CloseAQuoteInItsEntry) {
+  const std::string other = "\ny=" + in_description("(ADDRESS=(HOST=\"i\")(PORT=1))" + data) + "\n";
+  const std::string before = "x=" + in_description("(ADDRESS=(HOST=\"h)(PORT=1))" + data) + other;
+  const kztns::CheckReport report = report_of(before);
+  const kztns::Finding *const found = finding_of(report, "unclosed-quote");
+  ASSERT_NE(found, nullptr);
+  EXPECT_EQ(to_string(found->position), "1:31");
+  EXPECT_EQ(edited(before, found->fix.edits),
+            "x=" + in_description("(ADDRESS=(HOST=\"h\")(PORT=1))" + data) + other);
 }
 
 TEST(Faults, OfASecondDescriptionAreNoStrayText) {
@@ -256,59 +297,19 @@ TEST(Faults, LeaveTheWarningsAboutValues) {
   EXPECT_EQ(finding_of(report, "no-service"), nullptr);
 }
 
+TEST(Faults, OfAValueWithAUnitAreToldOfTheKeyThatIsThere) {
+  const kztns::CheckReport report =
+      report_of("x=" + in_description("(CONNECT_TIMEOUT=90ms)" + address + data) + "\n");
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].text, "unknown key CONNECT_TIMEOUT");
+}
+
 TEST(Faults, SayWhereCheckingEnds) {
   const kztns::CheckReport report =
       report_of("x=" + in_description("(ADDRESS=(HOST=" + std::string(300, 'h') + ")(PORT=z))"));
   const kztns::Finding *const found = finding_of(report, "key-cut");
   ASSERT_NE(found, nullptr);
   EXPECT_NE(found->text.find("; the rest of the entry is not checked"), std::string::npos);
-}
-
-namespace {
-
-std::vector<std::string> rules_of(const std::string &description) {
-  std::vector<std::string> rules;
-  for (const kztns::Finding &finding :
-       report_of("x=" + in_description(description) + "\n").findings)
-    rules.emplace_back(kztns::row_of(finding.rule).id);
-  return rules;
-}
-
-using Rules = std::vector<std::string>;
-
-}  // namespace
-
-TEST(Warnings, OfItemsGivenAgain) {
-  EXPECT_EQ(rules_of(address + "(CONNECT_DATA=(SID=s)(SERVICE_NAME=t))"), Rules{"repeated-key"});
-  EXPECT_EQ(
-      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(RETRYTIMES=1)(RETRY_TIMES=2)))" + address + data),
-      Rules{"repeated-key"});
-  EXPECT_EQ(
-      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(DURATION=1))(APPEND_STRATEGY=(DURATION=2)))" +
-               address + data),
-      Rules{"repeated-key"});
-  // What is too long is dropped, and replaces nothing.
-  EXPECT_EQ(rules_of("(ADDRESS=(HOST=h)(PORT=1)(PORT=1234567))" + data), Rules{"overlong-value"});
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
-            Rules{});
-}
-
-TEST(Warnings, OfAddressesSeenTogether) {
-  const std::string other = "(ADDRESS=(HOST=h)(PORT=2))";
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + address + ")" + data),
-            Rules{"equal-addresses"});
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + ")" + data), Rules{});
-  const std::string weightless = "(ADDRESS=(HOST=i)(PORT=1)(WEIGHT=0))";
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + ")" + data), Rules{"zero-weights"});
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=(KZLB=OFF)" + weightless + ")" + data), Rules{});
-  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + address + ")" + data), Rules{});
-}
-
-TEST(Warnings, OfHostsThatNobodyFilledIn) {
-  for (const std::string host : {"<host>", "${HOST}", "'h'"})
-    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
-        << host;
-  EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
 }
 
 TEST(ForeignKeys, AreDocumented) {

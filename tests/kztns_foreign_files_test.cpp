@@ -7,6 +7,7 @@
 
 #include "rules/apply_fixes.h"
 #include "rules/check_file.h"
+#include "rules/fixability.h"
 #include "support/foreign_lookups.h"
 
 using support::for_foreign_files;
@@ -99,6 +100,19 @@ TEST(ForeignFiles, AFileWithoutFaultsStaysAsItIs) {
     EXPECT_EQ(mended(once, true), once);
     if (findings_of(file.text).empty()) {
       EXPECT_EQ(once, file.text);
+    }
+  });
+}
+
+TEST(ForeignFiles, FixesAreOfTheKindsThatRulesSay) {
+  support::for_foreign_files([](const support::ForeignFile &file) {
+    for (const kztns::Finding &finding : findings_of(file.text)) {
+      if (!finding.fix) continue;
+      const bool safe = finding.fix.applicability == kztns::Applicability::safe;
+      const kztns::FixKinds kinds = kztns::fix_kinds_of(finding.rule);
+      EXPECT_TRUE(kinds == kztns::FixKinds::both ||
+                  kinds == (safe ? kztns::FixKinds::safe : kztns::FixKinds::unsafe))
+          << row_of(finding.rule).id;
     }
   });
 }

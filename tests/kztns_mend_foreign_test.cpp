@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "rules/check_file.h"
+#include "lookup/served_lookups.h"
+#include "report/check_run.h"
+#include "rules/check_selected.h"
 #include "rules/comment_out.h"
 #include "support/foreign_lookups.h"
 
@@ -31,7 +33,7 @@ std::string mended(const std::string &content, const Choice &choice) {
 
 kztns::CheckReport report_of(const std::string &content) {
   const kztns::NamesText text(content);
-  return kztns::check_file(text, {.file = "names.ora"});
+  return kztns::check_selected(text, {.file = "names.ora"}, {});
 }
 
 template <class Check>
@@ -85,5 +87,23 @@ TEST(MendForeignFiles, ReportsWhatIsNotServed) {
     } else if (!errors) {
       EXPECT_EQ(trees_found(file.names, result).size(), file.names.size()) << result;
     }
+  });
+}
+
+TEST(MendForeignFiles, LeavesNothingThatCheckCountsAsFixable) {
+  for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
+    const kztns::CheckReport report = report_of(mended(file.text, choice));
+    const kztns::FixCounts left = totals_of(report).fixes;
+    EXPECT_EQ(left.safe, 0u);
+    if (choice.with_unsafe) {
+      EXPECT_EQ(left.unsafe, 0u);
+    }
+  });
+}
+
+TEST(MendForeignFiles, LookupsFindAllThatIsServed) {
+  for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
+    const kztns::NamesText result(mended(file.text, choice));
+    EXPECT_TRUE(kztns::all_are_found(result.text(), {}, kztns::served_names(result).names()));
   });
 }

@@ -165,14 +165,76 @@ TEST(Mend, LeavesWhatIsServedAndWhatItCannotMend) {
             entry("a") + foreign + entry("b", "\"x y\""));
 }
 
+// A parenthesis in a comment hides the entries after it; what is told first needs --unsafe.
+TEST(Mend, ReachesWhatUnsafeFixesHide) {
+  const std::string rest =
+      "(ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)"
+      "(TYPE_OF_SERVICE = x)))\n" +
+      entry("b");
+  EXPECT_EQ(mend("a = (DESCRIPTION = # c (\n" + rest).text, "a = (DESCRIPTION = # c [\n" + rest);
+}
+
+TEST(Mend, LeavesAnEntryThatStaysRefusedAsItIs) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1))"
+      "(CONNECT_DATA = (SID = s)(SERVER = DEDICATED)))\n" +
+      entry("b");
+  EXPECT_EQ(mend(text).text, text);
+  EXPECT_EQ(mend(text, true).text, text);
+}
+
+// An ignored fault keeps the entry refused, too.
+TEST(Mend, LeavesAnEntryWhoseFaultIsIgnoredAsItIs) {
+  const std::string text =
+      "# kztns: ignore bad-number\n"
+      "a = (DESCRIPTION = (KZLB_READ_TIMEOUT = x)(ADDRESS = (HOST = h)(PORT = 1))"
+      "(CONNECT_DATA = (SID = s)(SERVER = DEDICATED)))\n";
+  EXPECT_EQ(mend(text, true).text, text);
+}
+
+TEST(Mend, LeavesWhatCommentsIgnore) {
+  const std::string ignored =
+      "# kztns: ignore unquoted-value -- a test\n" + entry("a", "x y") +
+      "b = (DESCRIPTION = (ADDRESS = (HOST = u v)(PORT = 1))) # kztns: ignore unquoted-value\n";
+  EXPECT_EQ(mend(ignored).text, ignored);
+  EXPECT_EQ(mend(ignored + entry("c", "x y")).text, ignored + entry("c", "\"x y\""));
+}
+
+TEST(Mend, LeavesWhatIsDisabled) {
+  const NamesText original(entry("a", "x y") + "-- remark\n" + entry("b"));
+  kztns::RuleSet disabled;
+  disabled.set(static_cast<std::size_t>(kztns::Rule::stray_text));
+  Mender mender(original, {"names.ora", false, disabled});
+  mender.apply_fixes();
+  EXPECT_EQ(mender.text().text(), entry("a", "\"x y\"") + "-- remark\n" + entry("b"));
+}
+
+// A fix that would lose a name does not keep the others of its entry from being applied.
+TEST(Mend, DoesWithUnsafeFixesWhatItDoesWithout) {
+  const auto of = [](const std::string &item) {
+    const std::string block =
+        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)" + item + "))";
+    return "a = " + block + " " + block + "\n" + entry("b") + "c = " + block + " " + block + "\n" +
+           entry("d");
+  };
+  EXPECT_EQ(mend(of("(SERVER = x)")).text, of(""));
+  EXPECT_EQ(mend(of("(SERVER = x)"), true).text.find("SERVER"), std::string::npos);
+}
+
+TEST(Mend, RemovesCommasAroundAName) {
+  EXPECT_EQ(mend(entry("a") + "," + entry("b")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry("b,")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry(",b,,")).text, entry("a") + entry("b"));
+  EXPECT_EQ(mend(entry("a") + entry(",b,c")).text, entry("a") + entry("b") + entry("c"));
+}
+
 TEST(TryEdits, RefusesToLoseAName) {
   const std::string text = entry("a") + entry("b");
   const NamesText original(text);
   Mender mender(original, {"names.ora"});
   EXPECT_FALSE(mender.try_edits({{0, 1, "c"}}));
+  EXPECT_FALSE(mender.try_edits({{0, 1, "c"}}, {0}));
   EXPECT_EQ(mender.text().text(), text);
-  EXPECT_TRUE(mender.try_edits({{0, 1, "c"}}, {0}));
-  EXPECT_EQ(mender.text().text(), entry("c") + entry("b"));
 }
 
 TEST(TryEdits, RefusesToChangeATree) {
@@ -181,9 +243,19 @@ TEST(TryEdits, RefusesToChangeATree) {
   Mender mender(original, {"names.ora"});
   const auto host = static_cast<Offset>(text.find("h)"));
   EXPECT_FALSE(mender.try_edits({{host, host + 1, "x"}}));
+  EXPECT_FALSE(mender.try_edits({{host, host + 1, "x"}}, {static_cast<Offset>(text.find("b = "))}));
   EXPECT_FALSE(mender.try_edits({{0, 0, "stray\n"}}));
   EXPECT_TRUE(mender.try_edits({{0, 0, "# comment\n"}}));
   EXPECT_EQ(mender.text().text(), "# comment\n" + text);
+}
+
+TEST(TryEdits, ChangesTheTreesOfWhatIsExempt) {
+  const std::string text = entry("a") + entry("b");
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  const auto host = static_cast<Offset>(text.find("h)"));
+  EXPECT_TRUE(mender.try_edits({{host, host + 1, "x"}}, {0}));
+  EXPECT_EQ(mender.text().text(), entry("a", "x") + entry("b"));
 }
 
 TEST(TryEdits, GivesInsertedLinesTheEndsOfTheFile) {
@@ -223,6 +295,27 @@ TEST(CommentOut, MakesCommentsOfStrayText) {
           "# \"stray\" is read as a name, but no \"=\" follows: the entry after it is lost: b "
           "[stray-text]\n# stray text\n" +
           entry("b"));
+}
+
+TEST(CommentOut, MakesCommentsOfWhatEndsLookupsAfterTheReservedEntry) {
+  const std::string result = comment_out("KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
+                                         "IFILE = x\n" + entry("b"));
+  EXPECT_NE(result.find("\n# IFILE = x\n"), std::string::npos) << result;
+  EXPECT_NE(result.find("\n# b = "), std::string::npos) << result;
+}
+
+TEST(CommentOut, TellsNothingOfTheCheckInTheReason) {
+  const std::string result = comment_out("a = h:1/s (HOST = x)\n" + entry("b"));
+  EXPECT_EQ(result.substr(0, 1), "#");
+  EXPECT_EQ(result.find("not checked"), std::string::npos) << result;
+}
+
+TEST(CommentOut, IsNoFixOfTheFinding) {
+  const NamesText original(entry("a") + "stray text\n" + entry("b"));
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_unserved(mender);
+  ASSERT_EQ(mender.mended().size(), 1u);
+  EXPECT_FALSE(mender.mended()[0].finding.fix);
 }
 
 TEST(CommentOut, LeavesWhatIsServed) {
@@ -272,6 +365,22 @@ TEST(KeepOfDuplicates, LastIsTheLastThatIsBuilt) {
                 "# duplicate name: the entry at 2:1 is kept\n# " + refused);
 }
 
+// Lookups come to the last entry once the first one, which ends them, is a comment.
+TEST(KeepOfDuplicates, LastMayComeIntoReach) {
+  const std::string block =
+      "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))";
+  const std::string stop = "a = " + block + " " + block + "\n";
+  EXPECT_EQ(keep(stop + entry("a", "2"), kztns::Keep::last),
+            "# duplicate name: the entry at 2:1 is kept\n# " + stop + entry("a", "2"));
+}
+
+TEST(KeepOfDuplicates, LastIsReachedWhereTheOtherStaysOutOfReach) {
+  const std::string text = entry("a", "1") + entry("a", "2") + "stray\n" + entry("a", "3");
+  EXPECT_EQ(keep(text, kztns::Keep::last),
+            "# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "1") + entry("a", "2") +
+                "stray\n# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "3"));
+}
+
 TEST(Description, OfEdits) {
   const std::string text = "0123456789";
   EXPECT_EQ(kztns::describe({{2, 2, ")"}}, text), "inserted \")\"");
@@ -279,6 +388,7 @@ TEST(Description, OfEdits) {
   EXPECT_EQ(kztns::describe({{2, 4, " \"x\"\n"}}, text), "replaced \"23\" by '\"x\"'");
   EXPECT_EQ(kztns::describe({{2, 2, "\""}, {5, 5, "\""}}, text), "put '\"' around \"234\"");
   EXPECT_EQ(kztns::describe({{1, 1, ""}, {2, 4, ""}}, text), "rearranged the lines");
+  EXPECT_EQ(kztns::describe({{0, 0, "# "}, {4, 4, "# "}}, text), "commented out");
   EXPECT_EQ(kztns::describe({{1, 2, ""}, {3, 3, "a"}, {4, 5, ""}, {6, 7, ""}}, text),
             "removed \"1\", inserted \"a\" and 2 more");
 }

@@ -9,6 +9,7 @@
 #include "report/check_text.h"
 #include "report/rule_text.h"
 #include "rules/check_file.h"
+#include "rules/fixability.h"
 #include "support/json_schema.h"
 
 namespace {
@@ -106,6 +107,7 @@ TEST(RunTotals, AddUpAllFiles) {
   CheckRun run(report_with("a = x\n", kztns::safe_fix({{4, 5, "(X)"}})));
   run.reports.push_back(report_with("a = x\n", kztns::unsafe_fix({{4, 5, ""}})));
   run.reports.push_back(report_of("a = x\n"));
+  for (CheckReport &report : run.reports) kztns::settle_fixes(report);
   const kztns::RunTotals totals = kztns::totals_of(run);
   EXPECT_EQ(totals.fixes.safe, 1u);
   EXPECT_EQ(totals.fixes.unsafe, 1u);
@@ -236,6 +238,23 @@ TEST(RuleText, EveryRuleIsListedAndExplained) {
     EXPECT_NE(kztns::explanation(rule).find("\n\nWhat to do: "), std::string::npos) << row.id;
     EXPECT_EQ(kztns::explanation(rule).find("```"), std::string::npos) << row.id;
   }
+}
+
+// As far as the documents have an example of it.
+TEST(RuleText, TellsWhichFixesThereAre) {
+  for (std::size_t i = 0; i < kztns::rule_count; ++i) {
+    const auto rule = static_cast<Rule>(i);
+    const std::string_view section = kztns::section_of(rule);
+    const kztns::FixKinds kinds = kztns::fix_kinds_of(rule);
+    const bool safe = kinds == kztns::FixKinds::safe || kinds == kztns::FixKinds::both;
+    const bool unsafe = kinds == kztns::FixKinds::unsafe || kinds == kztns::FixKinds::both;
+    EXPECT_TRUE(safe || section.find("```fixed\n") == section.npos) << row_of(rule).id;
+    EXPECT_TRUE(unsafe || section.find("```fixed-unsafe\n") == section.npos) << row_of(rule).id;
+  }
+  const std::string list = kztns::rule_list();
+  EXPECT_NE(list.find("\nbyte-order-mark      error    safe            A byte"), list.npos);
+  EXPECT_NE(list.find("\nlost-name            error    unsafe          A word"), list.npos);
+  EXPECT_NE(list.find("\nduplicate            warning                  A second"), list.npos);
 }
 
 TEST(RuleText, OfIdentifiers) {

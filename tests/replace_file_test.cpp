@@ -203,6 +203,40 @@ TEST_F(ReplaceFile, ReplacesWhatASymbolicLinkLeadsTo) {
   EXPECT_EQ(names(), (Names{"link", "names.ora", "names.ora~"}));
 }
 
+TEST_F(ReplaceFile, MakesTheFileToWhichALinkLeadsInVain) {
+  fs::create_directory(folder_ / "other");
+  fs::create_symlink("other/second", folder_ / "link");
+  fs::create_symlink("new.ora", folder_ / "other/second");
+  EXPECT_EQ(kztns::replace_file(path("link"), "new", Backup::none), std::nullopt);
+  EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+  EXPECT_TRUE(fs::is_symlink(folder_ / "other/second"));
+  EXPECT_EQ(content("other/new.ora"), "new");
+}
+
+TEST_F(ReplaceFile, LeavesALoopOfLinks) {
+  fs::create_symlink("b", folder_ / "a");
+  fs::create_symlink("a", folder_ / "b");
+  EXPECT_NE(kztns::replace_file(path("a"), "new", Backup::none), std::nullopt);
+  EXPECT_EQ(names(), (Names{"a", "b", "names.ora"}));
+}
+
+// Some file systems have no second names for a file.
+TEST_F(ReplaceFile, CopiesItsBackupWhereItCannotBeLinked) {
+  ASSERT_EQ(chmod(path("names.ora").c_str(), 0604), 0);
+  for (const int error_of_link : {EPERM, EOPNOTSUPP, ENOSYS, EMLINK}) {
+    write("names.ora", "old");
+    write("names.ora~", "older");
+    failing = "link";
+    calls_before = 0;
+    error = error_of_link;
+    EXPECT_EQ(kztns::replace_file(path("names.ora"), "new", Backup::tilde), std::nullopt);
+    EXPECT_EQ(content("names.ora"), "new");
+    EXPECT_EQ(content("names.ora~"), "old");
+    EXPECT_EQ(status("names.ora~").st_mode & 07777, 0604u);
+    EXPECT_EQ(names(), (Names{"names.ora", "names.ora~"}));
+  }
+}
+
 TEST_F(ReplaceFile, MakesAFileThatIsNotThere) {
   EXPECT_EQ(kztns::replace_file(path("other"), "new", Backup::none), std::nullopt);
   EXPECT_EQ(content("other"), "new");
@@ -218,7 +252,7 @@ TEST_F(ReplaceFile, WritesIntoWhatIsNoRegularFile) {
 
 TEST_F(ReplaceFile, NeedsItsFolder) {
   EXPECT_EQ(kztns::replace_file(path("nowhere/names.ora"), "new", Backup::none),
-            "no file can be made beside it: No such file or directory");
+            "its folder is not there: No such file or directory");
 }
 
 TEST_F(ReplaceFile, PassesOverNamesThatAreTaken) {
@@ -253,10 +287,11 @@ TEST_F(ReplaceFile, TellsAFullDevice) {
 // Each call in turn, until one more is not made.
 class FailingReplaceFile : public ReplaceFile, public testing::WithParamInterface<const char *> {};
 
-TEST_P(FailingReplaceFile, LeavesTheFileAsItWas) {
+TEST_P(FailingReplaceFile, LeavesTheFileAndItsBackupAsTheyWere) {
   // Taken over by root only.
   const bool other_owner = chown(path("names.ora").c_str(), 1234, 1235) == 0;
   ASSERT_EQ(chmod(path("names.ora").c_str(), 0640), 0);
+  write("names.ora~", "older");
   for (int calls = 0;; ++calls) {
     SCOPED_TRACE(calls);
     failing = GetParam();
@@ -272,8 +307,9 @@ TEST_P(FailingReplaceFile, LeavesTheFileAsItWas) {
     }
     EXPECT_NE(fault, std::nullopt);
     EXPECT_EQ(content("names.ora"), "old");
+    EXPECT_EQ(content("names.ora~"), "older");
     EXPECT_EQ(status("names.ora").st_mode & 07777, 0640u);
-    EXPECT_EQ(names(), Names{"names.ora"});
+    EXPECT_EQ(names(), (Names{"names.ora", "names.ora~"}));
   }
   EXPECT_EQ(content("names.ora"), "new");
 }

@@ -3,9 +3,7 @@
 
 #include "commands/check.h"
 #include "commands/command_line.h"
-#include "io/input_files.h"
-#include "text/escape.h"
-#include "text/spelling.h"
+#include "io/names_file.h"
 #include "trace/key_words.h"
 
 namespace kztns {
@@ -33,25 +31,13 @@ const std::map<std::string, ColorChoice> color_choices = {{"auto", ColorChoice::
 const std::map<std::string, FailOn> failures = {
     {"error", FailOn::error}, {"warning", FailOn::warning}, {"never", FailOn::never}};
 
-// What is wrong with a word for a rule; empty for nothing.
-std::string rule_fault(const std::string &word) {
-  if (rule_of(word)) return {};
-  const std::string_view near = near_word(word, rule_ids());
-  const std::string fault = "unknown rule " + kztns::quoted(excerpt(word));
-  return fault +
-         (near.empty() ? ": --rules lists them" : "; did you mean " + std::string(near) + "?");
-}
-
-const CLI::Validator is_rule(rule_fault, "");
-
 void add_files(CLI::App *check, Arguments &arguments) {
   check
       ->add_option("FILE", arguments.paths,
                    "Names files; of a folder the *.ora files in it and below; - is standard input")
       ->type_name("")
       ->excludes("--file");
-  check->add_option("--stdin-name", arguments.stdin_name, "What reports call standard input")
-      ->type_name("NAME");
+  add_stdin_name(check, arguments);
 }
 
 void add_rules(CLI::App *check, Arguments &arguments) {
@@ -62,16 +48,11 @@ void add_rules(CLI::App *check, Arguments &arguments) {
       ->add_option("--explain", arguments.explained,
                    "Print what the documents say of a rule, and check nothing")
       ->type_name("RULE")
-      ->check(is_rule)
+      ->check(is_rule())
       ->excludes("FILE")
       ->excludes(rules);
-  check
-      ->add_option("--disable", arguments.disabled,
-                   "Rules whose findings are not reported, separated by commas; repeatable")
-      ->type_name("RULE,...")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->check(is_rule);
+  add_disable(check, "Rules whose findings are not reported, separated by commas; repeatable",
+              arguments);
 }
 
 void add_outcome(CLI::App *check, Arguments &arguments) {
@@ -82,13 +63,6 @@ void add_outcome(CLI::App *check, Arguments &arguments) {
                    "warnings stay warnings")
       ->type_name("SEVERITY")
       ->check(CLI::IsMember(failures));
-}
-
-RuleSet rules_of(const std::vector<std::string> &ids) {
-  RuleSet rules;
-  for (const std::string &id : ids)
-    if (const std::optional<Rule> rule = rule_of(id)) rules.set(static_cast<std::size_t>(*rule));
-  return rules;
 }
 
 }  // namespace
@@ -120,7 +94,7 @@ int run_check(const CLI::App &command, const Arguments &arguments) {
   options.max_size = arguments.max_size;
   options.format = report_formats().at(arguments.format);
   options.color = arguments.no_color ? ColorChoice::never : color_choices.at(arguments.color);
-  options.disabled = rules_of(arguments.disabled);
+  options.disabled = disabled_rules(arguments);
   options.strict = arguments.strict;
   options.fail_on = failures.at(arguments.fail_on);
   return check(options);

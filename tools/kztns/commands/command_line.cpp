@@ -1,6 +1,8 @@
 #include "commands/command_line.h"
 
 #include "io/names_file.h"
+#include "text/escape.h"
+#include "text/spelling.h"
 
 namespace kztns {
 namespace {
@@ -8,6 +10,15 @@ namespace {
 constexpr char common_statuses[] =
     "64 wrong usage, 66 the names file cannot be read, 71 not enough memory,\n74 standard output "
     "cannot be written.";
+
+// What is wrong with a word for a rule; empty for nothing.
+std::string rule_fault(const std::string &word) {
+  if (rule_of(word)) return {};
+  const std::string_view near = near_word(word, rule_ids());
+  const std::string fault = "unknown rule " + kztns::quoted(excerpt(word));
+  return fault + (near.empty() ? ": kztns check --rules lists them"
+                               : "; did you mean " + std::string(near) + "?");
+}
 
 }  // namespace
 
@@ -34,6 +45,31 @@ void add_positional_file(CLI::App *command, Arguments &arguments) {
   command->add_option("FILE", arguments.file, "The same as --file FILE")
       ->type_name("")
       ->excludes("--file");
+}
+
+void add_stdin_name(CLI::App *command, Arguments &arguments) {
+  command->add_option("--stdin-name", arguments.stdin_name, "What reports call standard input")
+      ->type_name("NAME");
+}
+
+const CLI::Validator &is_rule() {
+  static const CLI::Validator validator(rule_fault, "");
+  return validator;
+}
+
+void add_disable(CLI::App *command, const char *purpose, Arguments &arguments) {
+  command->add_option("--disable", arguments.disabled, purpose)
+      ->type_name("RULE,...")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(is_rule());
+}
+
+RuleSet disabled_rules(const Arguments &arguments) {
+  RuleSet rules;
+  for (const std::string &id : arguments.disabled)
+    if (const std::optional<Rule> rule = rule_of(id)) rules.set(static_cast<std::size_t>(*rule));
+  return rules;
 }
 
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {

@@ -10,6 +10,7 @@
 
 #include "io/read_file.h"
 #include "kzoci/version.h"
+#include "rules/rules.h"
 
 namespace kztns {
 
@@ -26,11 +27,11 @@ struct Arguments {
   bool strict = false;
   bool dblink = false;
   bool session = false;
+  std::string stdin_name = "<stdin>";
+  std::vector<std::string> disabled;
   // check
   std::vector<std::string> paths;
-  std::string stdin_name = "<stdin>";
   std::string explained;
-  std::vector<std::string> disabled;
   std::string fail_on = "error";
   bool rules = false;
   // fix
@@ -55,6 +56,16 @@ CLI::App *add_command(CLI::App &app, const char *name, const char *purpose, cons
 
 // For a subcommand that takes no identifier.
 void add_positional_file(CLI::App *command, Arguments &arguments);
+
+// What standard input is called; for a subcommand that reads it where the file is "-".
+void add_stdin_name(CLI::App *command, Arguments &arguments);
+
+// Rules that are left out.
+void add_disable(CLI::App *command, const char *purpose, Arguments &arguments);
+RuleSet disabled_rules(const Arguments &arguments);
+
+// A check of a word for a rule.
+const CLI::Validator &is_rule();
 
 // The names file that the command line names.
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments);

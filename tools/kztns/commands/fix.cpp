@@ -14,9 +14,10 @@
 #include "lookup/served_lookups.h"
 #include "report/check_text.h"
 #include "report/unified_diff.h"
-#include "rules/check_file.h"
+#include "rules/check_selected.h"
 #include "rules/inline_files.h"
 #include "rules/mend_file.h"
+#include "text/utf_16.h"
 
 namespace kztns {
 namespace {
@@ -30,9 +31,10 @@ class Fixer {
       : options_(options),
         path_(std::move(path)),
         original_(std::move(text)),
+        converted_(converted(original_, options)),
         progress_(std::in_place, original_.size()),
-        mender_(original_, {path_, options.with_unsafe, [this](Offset at) { progress_->at(at); }}) {
-  }
+        mender_(converted_ ? *converted_ : original_, {path_, options.with_unsafe, options.disabled,
+                                                       [this](Offset at) { progress_->at(at); }}) {}
 
   int run() {
     mend();
@@ -43,12 +45,19 @@ class Fixer {
     if (written != exit_success) return written;
     tell();
     const bool errors = left_.severities[static_cast<std::size_t>(Severity::error)] > 0;
-    return errors || !include_faults_.empty() ? exit_findings : exit_success;
+    return errors ? exit_findings : exit_success;
   }
 
  private:
   const std::string &result() const { return mender_.text().text(); }
-  bool changed() const { return mender_.edited() != nullptr; }
+  bool changed() const { return mender_.edited() != nullptr || converted_; }
+
+  // A file in UTF-16 is converted before all else: places in it are those that editors show.
+  static std::optional<NamesText> converted(const NamesText &text, const FixOptions &options) {
+    if (!is_utf_16(text.text()) || options.disabled[static_cast<std::size_t>(Rule::utf_16)])
+      return std::nullopt;
+    return std::optional<NamesText>(std::in_place, utf_8_of_utf_16(text.text()));
+  }
 
   bool writes_file() const {
     return options_.target == FixTarget::in_place || options_.target == FixTarget::file;
@@ -60,12 +69,18 @@ class Fixer {
   }
 
   void mend() {
+    if (converted_) tell_conversion();
     if (options_.inline_ifile) put_files_in_place();
     kztns::mend(mender_, options_.commenting);
   }
 
+  void tell_conversion() {
+    for (Finding &finding : check_once(original_, {.file = path_}).findings)
+      if (finding.rule == Rule::utf_16) mender_.add_mended({std::move(finding), "wrote UTF-8"});
+  }
+
   void put_files_in_place() {
-    InlinedFiles files = inline_files(path_, original_, options_.max_size);
+    InlinedFiles files = inline_files(path_, mender_.text(), options_.max_size);
     include_faults_ = std::move(files.faults);
     if (files.edits.empty() || !mender_.try_edits(std::move(files.edits))) return;
     for (MendedFinding &line : files.inlined) mender_.add_mended(std::move(line));
@@ -78,23 +93,23 @@ class Fixer {
     request.progress = [this](Offset at) { progress_->at(at); };
     if (!changed()) {
       left_ = mender_.report();
-      if (!left_.findings.empty()) left_ = check_file(original_, request);
+      if (!left_.findings.empty()) left_ = check_selected(original_, request, options_.disabled);
       return;
     }
     request.visit = [this](const EntryView &view) { served_.take(view); };
     const NamesText text(result());
-    left_ = check_once(text, request);
+    left_ = check_selected_once(text, request, options_.disabled);
     served_.sort();
     request.visit = {};
     if (left_.lookups_end || !writes_file())
-      left_ = check_file(writes_file() ? text : mender_.text(), request);
+      left_ = check_selected(writes_file() ? text : mender_.text(), request, options_.disabled);
   }
 
   // Whether every name is served that was, and the library finds those that are new.
   bool keeps_promises() const {
     if (!changed()) return true;
     const bool lost = !mender_.lost_in(served_).empty();
-    if (!lost && all_are_found(result(), mender_.new_in(served_))) return true;
+    if (!lost && all_are_found(result(), mender_.new_in(served_), served_.names())) return true;
     complain(quoted(visible(path_)), "a name would not be served as before: nothing is written");
     return false;
   }
@@ -104,13 +119,19 @@ class Fixer {
       case FixTarget::output:
         return print(result());
       case FixTarget::diff:
-        return changed() ? print(unified_diff(path_, original_.text(), *mender_.edited()))
-                         : exit_success;
+        return changed() ? print(diff()) : exit_success;
       case FixTarget::in_place:
         return changed() ? replace(path_, Backup::tilde) : exit_success;
       default:
         return replace(options_.output, Backup::none);
     }
+  }
+
+  std::string diff() const {
+    if (!converted_) return unified_diff(path_, original_.text(), *mender_.edited());
+    EditedText whole(original_.text());
+    whole.apply({{0, original_.size(), result()}});
+    return unified_diff(path_, original_.text(), whole);
   }
 
   static int print(const std::string &text) {
@@ -164,7 +185,7 @@ class Fixer {
     std::size_t all = 0;
     for (const std::size_t count : left_.severities) all += count;
     const auto is_unsafe = [](const Finding &finding) {
-      return finding.fix.applicability == Applicability::unsafe;
+      return finding.applied_among == Applicability::unsafe;
     };
     const auto guesses = static_cast<std::size_t>(
         std::count_if(left_.findings.begin(), left_.findings.end(), is_unsafe));
@@ -177,6 +198,7 @@ class Fixer {
   const FixOptions &options_;
   std::string path_;
   NamesText original_;
+  std::optional<NamesText> converted_;  // what is mended of a file in UTF-16
   std::optional<Progress> progress_;
   Mender mender_;
   CheckReport left_;
@@ -187,6 +209,10 @@ class Fixer {
 // Whether the file is there and cannot be replaced: it is a pipe, for example.
 bool cannot_be_replaced(const FixOptions &options) {
   const std::optional<FileChoice> chosen = choose_file(options.file);
+  if (options.file == standard_input) {
+    complain("standard input", "is no file that --in-place could replace");
+    return true;
+  }
   struct stat status = {};
   if (!chosen || stat(chosen->path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return false;
   complain(quoted(visible(chosen->path)), "is not a regular file: --in-place cannot replace it");
@@ -198,7 +224,8 @@ bool cannot_be_replaced(const FixOptions &options) {
 int fix(const FixOptions &options) {
   if (options.target == FixTarget::in_place && cannot_be_replaced(options)) return exit_no_input;
   std::string path;
-  std::optional<std::string> text = read_names_file(options.file, options.max_size, path);
+  std::optional<std::string> text =
+      read_names_file(options.file, options.stdin_name, options.max_size, path);
   if (!text) return exit_no_input;
   return Fixer(options, std::move(path), std::move(*text)).run();
 }

@@ -18,7 +18,9 @@ enum class FixTarget {
 
 struct FixOptions {
   std::optional<std::string> file;  // absent: the one that the environment chooses
+  std::string stdin_name = {};      // of standard input
   std::uint64_t max_size = default_max_size;
+  RuleSet disabled = {};  // rules whose fixes are not applied
   FixTarget target = FixTarget::output;
   std::string output = {};    // of FixTarget::file
   bool with_unsafe = false;   // fixes that guess or give something up, too

@@ -4,7 +4,7 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] = "0 every entry of the result is served, 1 errors are left";
+constexpr char statuses[] = "0 no error is left: check has none for the result, 1 errors are left";
 
 void add_target(CLI::App *fix, Arguments &arguments) {
   CLI::Option *const diff =
@@ -26,8 +26,10 @@ void add_fix(CLI::App &app, Arguments &arguments) {
       add_command(app, "fix", "Mend a names file: print it with the fixes of what check finds",
                   statuses, arguments);
   add_positional_file(fix, arguments);
+  add_stdin_name(fix, arguments);
   fix->add_flag("--unsafe", arguments.with_unsafe,
                 "Apply fixes too that guess what was meant, or give something up");
+  add_disable(fix, "Rules whose fixes are not applied, separated by commas; repeatable", arguments);
   fix->add_flag("--inline-ifile", arguments.inline_ifile,
                 "Put the text of included files in the place of their IFILE lines");
   fix->add_flag("--comment-out", arguments.comment_out,
@@ -42,7 +44,9 @@ void add_fix(CLI::App &app, Arguments &arguments) {
 int run_fix(const CLI::App &command, const Arguments &arguments) {
   FixOptions options;
   options.file = given_file(command, arguments);
+  options.stdin_name = arguments.stdin_name;
   options.max_size = arguments.max_size;
+  options.disabled = disabled_rules(arguments);
   options.with_unsafe = arguments.with_unsafe;
   options.inline_ifile = arguments.inline_ifile;
   options.commenting.unserved = arguments.comment_out;

@@ -152,7 +152,8 @@ std::string list_line(const ListedEntry &entry, ListFormat format, const ListWid
 
 int list(const ListOptions &options) {
   std::string path;
-  std::optional<std::string> content = read_names_file(options.file, options.max_size, path);
+  std::optional<std::string> content =
+      read_names_file(options.file, options.stdin_name, options.max_size, path);
   if (!content) return exit_no_input;
   const NamesText text(std::move(*content));
   std::optional<Progress> progress(std::in_place, text.size());

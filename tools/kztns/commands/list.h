@@ -17,6 +17,7 @@ using VerdictSet = std::bitset<verdict_count>;
 
 struct ListOptions {
   std::optional<std::string> file;  // absent: the one that the environment chooses
+  std::string stdin_name = {};      // of standard input
   std::vector<std::string> names;   // only entries of these; none: all
   std::uint64_t max_size = default_max_size;
   bool json = false;

@@ -40,9 +40,10 @@ VerdictSet verdicts_of(const std::vector<std::string> &words) {
 // Takes the file from the names when it is the first of them.
 void take_file(const CLI::App &list, Arguments &arguments) {
   if (list.count("--file") > 0 || arguments.names.empty()) return;
-  const bool is_file = access(arguments.names[0].c_str(), F_OK) == 0;
+  const std::string &first = arguments.names[0];
+  const bool is_file = first == standard_input || access(first.c_str(), F_OK) == 0;
   if (!is_file && choose_file(std::nullopt)) return;
-  arguments.file = arguments.names[0];
+  arguments.file = first;
   arguments.names.erase(arguments.names.begin());
 }
 
@@ -53,8 +54,10 @@ void add_list(CLI::App &app, Arguments &arguments) {
       add_command(app, "list", "List the entries of a names file", statuses, arguments);
   list->add_option("NAME", arguments.names,
                    "List only the entries of these names. Without --file the first one is the "
-                   "file, if there is such a file, or if the environment chooses none")
+                   "file, if there is such a file, or if the environment chooses none; - is "
+                   "standard input")
       ->type_name("");
+  add_stdin_name(list, arguments);
   list->add_option("--verdict", arguments.verdicts,
                    "List only entries with one of these verdicts, separated by commas: " +
                        one_of(verdict_names()))
@@ -71,6 +74,7 @@ void add_list(CLI::App &app, Arguments &arguments) {
 int run_list(const CLI::App &command, const Arguments &arguments) {
   ListOptions options;
   options.file = given_file(command, arguments);
+  options.stdin_name = arguments.stdin_name;
   options.names = arguments.names;
   options.max_size = arguments.max_size;
   options.json = arguments.format == "json";

@@ -1,16 +1,11 @@
-// The names files that a user lists: files, folders and standard input.
+// The names files of the folders that a user lists.
 #pragma once
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "io/read_file.h"
-
 namespace kztns {
-
-inline constexpr std::string_view standard_input = "-";
 
 bool is_folder(const std::string &path);
 

@@ -29,15 +29,18 @@ std::string file_variables(const std::string &last_joint) {
 std::string no_file_chosen() { return "none of " + file_variables("and") + " is set"; }
 
 std::optional<std::string> read_names_file(const std::optional<std::string> &file,
-                                           std::uint64_t max_size, std::string &path) {
+                                           const std::string &stdin_name, std::uint64_t max_size,
+                                           std::string &path) {
   const std::optional<FileChoice> chosen = choose_file(file);
   if (!chosen) {
     complain("names file", no_file_chosen());
     return std::nullopt;
   }
-  path = chosen->path;
+  const bool is_input = file == standard_input;
+  path = is_input ? stdin_name : chosen->path;
   ReadFault fault;
-  std::optional<std::string> text = read_file(path, max_size, fault);
+  std::optional<std::string> text =
+      is_input ? read_standard_input(max_size, fault) : read_file(path, max_size, fault);
   if (!text) complain(quoted(visible(path)), fault.text);
   return text;
 }

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "io/read_file.h"
 
@@ -24,9 +25,13 @@ std::string file_variables(const std::string &last_joint);
 // Why the environment chooses no file.
 std::string no_file_chosen();
 
-// Reads the file, or the one that the environment chooses; absent with the reason
-// on standard error. path becomes the file's name.
+// What reads as a file's name, and means standard input.
+inline constexpr std::string_view standard_input = "-";
+
+// Reads the file, standard input, or the file that the environment chooses; absent with the
+// reason on standard error. path becomes the file's name, stdin_name for standard input.
 std::optional<std::string> read_names_file(const std::optional<std::string> &file,
-                                           std::uint64_t max_size, std::string &path);
+                                           const std::string &stdin_name, std::uint64_t max_size,
+                                           std::string &path);
 
 }  // namespace kztns

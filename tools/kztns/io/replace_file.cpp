@@ -5,31 +5,42 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <climits>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 
 #include "io/descriptor.h"
+#include "io/read_file.h"
 
 namespace kztns {
 namespace {
 
 std::string because(const char *what) { return std::string(what) + ": " + std::strerror(errno); }
 
-// The file itself, not a symbolic link to it; the path as it is where there is none yet.
-std::string real_path(const std::string &path) {
-  char *const found = realpath(path.c_str(), nullptr);
-  if (found == nullptr) return path;
-  std::string real = found;
-  std::free(found);
-  return real;
-}
-
 std::string folder_of(const std::string &path) {
   const std::size_t slash = path.rfind('/');
   return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
 }
+
+// The file itself, not a symbolic link to it, also where the link leads to no file yet.
+std::string real_path(std::string path) {
+  // As many as the system follows.
+  constexpr int most_links = 40;
+  for (int links = 0; links < most_links; ++links) {
+    std::error_code error;
+    const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+    if (error) return path;
+    path = std::filesystem::path(folder_of(path)) / target;
+  }
+  return path;
+}
+
+// Whether a file system says that it has no second names for a file.
+bool has_no_links(int error) {
+  return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK;
+}
+
+constexpr char no_folder[] = "its folder is not there";
 
 // One file on its way to its new content.
 class Replacement {
@@ -39,6 +50,7 @@ class Replacement {
 
   ~Replacement() {
     if (!beside_.empty()) unlink(beside_.c_str());
+    if (!old_.empty()) unlink(old_.c_str());
   }
   Replacement(const Replacement &) = delete;
   Replacement &operator=(const Replacement &) = delete;
@@ -48,7 +60,7 @@ class Replacement {
     if (!exists_ && errno != ENOENT) return because("cannot be read");
     if (exists_ && !S_ISREG(status_.st_mode)) return write_into(text);
     if (exists_ && !may_be_written()) return because("cannot be written");
-    if (auto fault = write_beside(text)) return fault;
+    if (auto fault = write_beside(text, beside_)) return fault;
     return exists_ && backup_ == Backup::tilde ? swap_with_backup() : swap();
   }
 
@@ -64,24 +76,31 @@ class Replacement {
     return Descriptor(open(path_.c_str(), O_WRONLY | O_CLOEXEC)).number() >= 0;
   }
 
-  // Nobody but the owner may read the new file before it has its mode.
-  int make_beside() {
+  // A name beside the file that is free, after make(name) has made it; empty where none can
+  // be made.
+  template <class Make>
+  std::string free_name(const Make &make) const {
     const std::string stem = folder_ + "/.kztns-" + std::to_string(getpid()) + "-";
-    const mode_t mode = exists_ ? S_IRUSR | S_IWUSR : 0666;
     constexpr int most_tries = 100;
-    int number = -1;
     for (int i = 0; i < most_tries; ++i) {
-      beside_ = stem + std::to_string(i);
-      number = open(beside_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-      if (number >= 0 || errno != EEXIST) break;
+      std::string name = stem + std::to_string(i);
+      if (make(name)) return name;
+      if (errno != EEXIST) break;
     }
-    if (number < 0) beside_.clear();
-    return number;
+    return {};
   }
 
-  std::optional<std::string> write_beside(std::string_view text) {
-    const Descriptor file(make_beside());
-    if (file.number() < 0) return because("no file can be made beside it");
+  // Makes a file beside it with a content, and the mode and owner that it has.
+  std::optional<std::string> write_beside(std::string_view text, std::string &name) {
+    // Nobody but the owner may read the file before it has its mode.
+    const mode_t mode = exists_ ? S_IRUSR | S_IWUSR : 0666;
+    int number = -1;
+    name = free_name([&](const std::string &path) {
+      number = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+      return number >= 0;
+    });
+    const Descriptor file(number);
+    if (name.empty()) return because(errno == ENOENT ? no_folder : "no file can be made beside it");
     if (!file.write_all(text)) return because("cannot be written");
     if (exists_ && !take_over_rights(file)) return because("its owner and mode cannot be kept");
     if (fsync(file.number()) != 0) return because("cannot be written");
@@ -103,16 +122,28 @@ class Replacement {
     return sync_folder() ? std::nullopt : std::optional(because("its folder cannot be written"));
   }
 
-  // The old content stands under both names until the new one takes one of them.
+  // The old content has a name of its own beside the file until the new one has taken the
+  // file's name; only then it takes the backup's, which may be that of an older one.
   std::optional<std::string> swap_with_backup() {
-    const std::string kept = path_ + "~";
-    if (unlink(kept.c_str()) != 0 && errno != ENOENT) return because("its backup cannot be made");
-    if (link(path_.c_str(), kept.c_str()) != 0) return because("its backup cannot be made");
+    if (auto fault = keep_old()) return fault;
     std::optional<std::string> fault = swap();
-    if (!fault) return std::nullopt;
-    // Of two names of one file, rename leaves both.
-    if (rename(kept.c_str(), path_.c_str()) == 0) unlink(kept.c_str());
+    if (!fault && rename(old_.c_str(), (path_ + "~").c_str()) != 0)
+      fault = because("its backup cannot be made");
+    // Of two names of one file, rename leaves both; the destructor removes what is left.
+    if (fault && beside_.empty() && rename(old_.c_str(), path_.c_str()) != 0) old_.clear();
+    if (!fault) old_.clear();
     return fault;
+  }
+
+  // Gives the old content a second name, or a copy where the file system has no such names.
+  std::optional<std::string> keep_old() {
+    old_ = free_name(
+        [this](const std::string &name) { return link(path_.c_str(), name.c_str()) == 0; });
+    if (!old_.empty()) return std::nullopt;
+    if (!has_no_links(errno)) return because("its backup cannot be made");
+    ReadFault fault;
+    const auto content = read_file(path_, largest_max_size, fault);
+    return content ? write_beside(*content, old_) : fault.text;
   }
 
   bool sync_folder() const {
@@ -126,6 +157,7 @@ class Replacement {
   bool exists_ = false;
   struct stat status_ = {};
   std::string beside_;  // the new file, as long as it has a name of its own
+  std::string old_;     // the same of the old one
 };
 
 }  // namespace

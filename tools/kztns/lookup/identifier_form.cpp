@@ -2,16 +2,10 @@
 
 #include <string_view>
 
+#include "text/characters.h"
+
 namespace kztns {
 namespace {
-
-constexpr std::string_view blanks = " \t\r\n";
-
-std::string_view without_blanks_around(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(blanks);
-  if (begin == std::string_view::npos) return {};
-  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
 
 // HOST:PORT/SERVICE, of which port or service may be left out.
 bool is_host_and_service(std::string_view text) {
@@ -38,10 +32,10 @@ IdentifierForm form_of_text(std::string_view text) {
 }  // namespace
 
 IdentifierForm form_of(const std::string &identifier) {
-  const std::string_view text = without_blanks_around(identifier);
+  const std::string_view text = trimmed(identifier);
   const std::size_t at = text.rfind('@');
   if (!text.starts_with("(") && at != std::string_view::npos) {
-    IdentifierForm form = form_of_text(without_blanks_around(text.substr(at + 1)));
+    IdentifierForm form = form_of_text(trimmed(text.substr(at + 1)));
     form.note = "USER/PASSWORD@NAME is looked up as a name; give what comes after the \"@\"" +
                 (form.note.empty() ? "" : "; " + form.note);
     return form;

@@ -9,6 +9,7 @@
 #include "rules/entry_warnings.h"
 #include "rules/parentheses.h"
 #include "rules/stop_causes.h"
+#include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 #include "text/utf_16.h"
@@ -61,7 +62,8 @@ class NameVisitor : public EntryVisitor {
       : subject_{text, "file"}, ranges_(text), name_(name), report_(report) {}
 
   void visit(const EntryView &view) override {
-    if (view.stop != nullptr && view.trace.fault().kind != FaultKind::none)
+    if (view.stop != nullptr && view.trace.fault().kind != FaultKind::none &&
+        !end_if_led_astray(subject_.text.text(), view.entry.body, range_of(view).end))
       reported_stop_ = remark_of(view);
     if (report_.entry || !view.entry.reached) return;
     if (same_name(view.name, name_))
@@ -89,10 +91,12 @@ class NameVisitor : public EntryVisitor {
   }
 
   Remark remark_of(const EntryView &view) {
-    return kztns::remark_of(
-        subject_.text,
-        diagnose_entry(subject_, view.trace, ranges_.range_of(view.entry.body), view.name));
+    const EntryRange range = range_of(view);
+    const Subject subject = {subject_.text, subject_.noun, range.end};
+    return kztns::remark_of(subject_.text, diagnose_entry(subject, view.trace, range, view.name));
   }
+
+  EntryRange range_of(const EntryView &view) { return ranges_.range_of(view.entry.body); }
 
   // What is read as system variables only because of its name is reported so.
   Remark told_by_name(const EntryView &view, const Remark &remark) const {

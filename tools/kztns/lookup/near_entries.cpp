@@ -86,7 +86,7 @@ std::vector<std::string> near_entries(const NamesText &text, const FileScan &sca
   for (const Entry &entry : scan.entries()) {
     const Nearness near = nearness(scan.name(entry), name);
     const bool is_it = near == Nearness::same &&
-                       (with_itself ? entry.verdict == Verdict::shadowed : entry.reached);
+                       (entry.verdict == Verdict::shadowed || (entry.reached && !with_itself));
     if (near == Nearness::far || is_it) continue;
     const auto place =
         std::upper_bound(found.begin(), found.end(), near,

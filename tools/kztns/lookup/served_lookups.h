@@ -8,9 +8,11 @@
 
 namespace kztns {
 
-// Whether lookups, as a program makes them, find some names of a text with their trees. A
-// lookup reads the text up to its entry, so of very many names only the first ones are
-// looked up.
-bool all_are_found(const std::string &text, const std::vector<ServedName> &names);
+// Whether lookups, as a program makes them, find the names that a text serves with their
+// trees, those first that it did not serve before. A lookup reads the text up to its entry:
+// where that is too much for all names, lookups are made of some that are evenly spread over
+// the text.
+bool all_are_found(const std::string &text, const std::vector<ServedName> &new_names,
+                   const std::vector<ServedName> &names);
 
 }  // namespace kztns

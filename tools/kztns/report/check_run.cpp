@@ -7,8 +7,8 @@ RunTotals totals_of(const CheckReport &report) {
   totals.verdicts = report.verdicts;
   totals.severities = report.severities;
   for (const Finding &finding : report.findings) {
-    if (finding.fix.applicability == Applicability::safe) ++totals.fixes.safe;
-    if (finding.fix.applicability == Applicability::unsafe) ++totals.fixes.unsafe;
+    if (finding.applied_among == Applicability::safe) ++totals.fixes.safe;
+    if (finding.applied_among == Applicability::unsafe) ++totals.fixes.unsafe;
   }
   return totals;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "rules/fixability.h"
 #include "rules/rule_sections.h"
 
 namespace kztns {
@@ -82,6 +83,16 @@ std::string plain_section(std::string_view markdown) {
   return text;
 }
 
+// What --rules says of the fixes of a rule.
+std::string_view words_of(FixKinds kinds) {
+  constexpr std::string_view words[] = {"", "safe", "unsafe", "safe or unsafe"};
+  return words[static_cast<std::size_t>(kinds)];
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+  return std::string(text) + std::string(width + 2 - text.size(), ' ');
+}
+
 }  // namespace
 
 std::string rule_list() {
@@ -90,11 +101,10 @@ std::string rule_list() {
   std::string text;
   for (std::size_t i = 0; i < rule_count; ++i) {
     const RuleRow &rule = row_of(static_cast<Rule>(i));
-    const std::string_view severity = name_of(rule.severity);
-    text += std::string(rule.id) + std::string(width + 2 - rule.id.size(), ' ');
-    text += std::string(severity) +
-            std::string(name_of(Severity::warning).size() + 2 - severity.size(), ' ');
-    text += std::string(rule.text) + "\n";
+    text += padded(rule.id, width) +
+            padded(name_of(rule.severity), name_of(Severity::warning).size()) +
+            padded(words_of(fix_kinds_of(static_cast<Rule>(i))), words_of(FixKinds::both).size()) +
+            std::string(rule.text) + "\n";
   }
   return text;
 }

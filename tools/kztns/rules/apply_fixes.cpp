@@ -6,36 +6,45 @@
 namespace kztns {
 namespace {
 
+bool copies(const Fix &fix) {
+  return std::any_of(fix.edits.begin(), fix.edits.end(),
+                     [](const Edit &edit) { return edit.copy_of.has_value(); });
+}
+
 // The parts of a text that edits change, by their beginnings.
 class Changed {
  public:
   // Whether none of the edits changes what is changed already; if so, they do.
-  bool add(const std::vector<Edit> &edits) {
-    for (const Edit &edit : edits)
-      if (!is_free(edit)) return false;
-    for (const Edit &edit : edits) {
-      Offset &end = parts_[edit.begin];
-      end = std::max(end, edit.end);
+  bool add(const Fix &fix) {
+    const bool by_copy = copies(fix);
+    for (const Edit &edit : fix.edits)
+      if (!is_free(edit, by_copy)) return false;
+    for (const Edit &edit : fix.edits) {
+      Part &part = parts_[edit.begin];
+      part.end = std::max(part.end, edit.end);
+      part.by_copy = part.by_copy || by_copy;
     }
     return true;
   }
 
  private:
-  bool is_free(const Edit &edit) const {
+  struct Part {
+    Offset end = 0;
+    bool by_copy = false;  // a fix that copies changes it
+  };
+
+  bool is_free(const Edit &edit, bool by_copy) const {
     const auto after = parts_.upper_bound(edit.begin);
     if (after != parts_.end() && after->first < edit.end) return false;
     if (after == parts_.begin()) return true;
-    const auto &[begin, end] = *std::prev(after);
-    return edit.begin >= end || (edit.begin == edit.end && edit.begin == begin);
+    const auto &[begin, part] = *std::prev(after);
+    // What is put where a copy is put might get into the copy, or before it.
+    if (edit.begin == begin && (by_copy || part.by_copy)) return false;
+    return edit.begin >= part.end || (edit.begin == edit.end && edit.begin == begin);
   }
 
-  std::map<Offset, Offset> parts_;
+  std::map<Offset, Part> parts_;
 };
-
-bool copies(const Fix &fix) {
-  return std::any_of(fix.edits.begin(), fix.edits.end(),
-                     [](const Edit &edit) { return edit.copy_of.has_value(); });
-}
 
 // Appends an edit that is a copy as copies of what the other, sorted edits leave of it, with
 // what they put there.
@@ -71,7 +80,7 @@ std::vector<Edit> edits_of(const std::vector<Finding> &findings, bool with_unsaf
     const Fix &fix = findings[i].fix;
     const bool wanted = fix.applicability == Applicability::safe ||
                         (with_unsafe && fix.applicability == Applicability::unsafe);
-    if (!wanted || !changed.add(fix.edits)) continue;
+    if (!wanted || !changed.add(fix)) continue;
     std::vector<Edit> &all = copies(fix) ? of_copies : edits;
     all.insert(all.end(), fix.edits.begin(), fix.edits.end());
     if (applied != nullptr) (*applied)[i] = true;

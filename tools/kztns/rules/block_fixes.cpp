@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cctype>
 
+#include "text/characters.h"
 #include "text/spelling.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view blanks = " \t\r\n";
 
 // Whether an address, or a list with one, can be served.
 bool can_be_served(const FaultPlace &place, const WrittenItem &item) {
@@ -53,18 +52,31 @@ Edit without_closing(const FaultPlace &place, const WrittenItem &item) {
   return {after_close ? static_cast<Offset>(last + 1) : item.end - 1, item.end, {}};
 }
 
-// "NAME_2 = " and so on before each description but the first; false when a name is taken.
+// "NAME_2", or with the next number that is free, which number becomes.
+std::optional<std::string> free_name(const FaultPlace &place, std::string_view name,
+                                     std::size_t &number) {
+  // Nobody has taken so many.
+  constexpr std::size_t most_numbers = 10'000;
+  while (place.subject().is_free && ++number < most_numbers) {
+    std::string own = std::string(name) + "_" + std::to_string(number);
+    if (place.subject().is_free(own)) return own;
+  }
+  return std::nullopt;
+}
+
+// "NAME_2 = " and so on before each description but the first; false when no name is free.
 bool add_names(const FaultPlace &place, std::string_view name,
                const std::vector<WrittenItem> &descriptions, std::vector<Edit> &edits) {
   if (!is_plain(name)) return false;
+  std::size_t number = 1;
   for (std::size_t i = 1; i < descriptions.size(); ++i) {
-    const std::string own = std::string(name) + "_" + std::to_string(i + 1);
-    if (!place.subject().is_free || !place.subject().is_free(own)) return false;
+    const auto own = free_name(place, name, number);
+    if (!own) return false;
     const Offset open = descriptions[i].open;
     const std::size_t last = place.text().find_last_not_of(blanks, open - 1);
     const bool after_close = place.text()[last] == ')';
     edits.push_back(
-        {after_close ? static_cast<Offset>(last + 1) : open, open, "\n" + own + " =\n  "});
+        {after_close ? static_cast<Offset>(last + 1) : open, open, "\n" + *own + " =\n  "});
   }
   return true;
 }

@@ -10,8 +10,13 @@
 #include "rules/entry_warnings.h"
 #include "rules/file_fixes.h"
 #include "rules/file_rules.h"
+#include "rules/fixability.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
+#include "scan/item_text.h"
+#include "scan/item_words.h"
+#include "scan/skip_mismatches.h"
+#include "scan/written_entries.h"
 #include "text/utf_16.h"
 
 namespace kztns {
@@ -40,7 +45,8 @@ class EntryChecker : public EntryVisitor {
   // The finding about the last entry, when its fault ends the lookups too.
   const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
 
-  // Of entries whose parentheses match too early, what comes after that.
+  // Of entries whose parentheses match too early what comes after that, and entries whose
+  // items stand outside of a description: what ends lookups there is told with the entry.
   const std::vector<EntryRange> &closed_early() const { return closed_early_; }
 
  private:
@@ -53,9 +59,31 @@ class EntryChecker : public EntryVisitor {
   }
 
   // Whether the fault ends the lookups of other names too.
-  static bool ends_lookups_too(const EntryView &view) {
-    return view.stop != nullptr &&
-           (view.stop->kind == StopKind::no_open || view.stop->kind == StopKind::never_balanced);
+  bool ends_lookups_too(const EntryView &view) const {
+    if (view.stop == nullptr) return false;
+    return view.stop->kind == StopKind::no_open ||
+           (view.stop->kind == StopKind::never_balanced &&
+            !end_if_led_astray(text_.text(), view.entry.body, faults_.range().end));
+  }
+
+  // The items of an entry that is refused, when lookups that pass over the first one meet
+  // another one that belongs in its description.
+  std::optional<EntryRange> loose_items(const EntryView &view) const {
+    if (view.service != nullptr) return std::nullopt;
+    const std::string_view text = std::string_view(text_.text()).substr(0, faults_.range().end);
+    const auto first = end_of_item(text, pass_blanks(text, view.entry.body));
+    if (!first || !is_item_of_description(text, pass_blanks(text, *first))) return std::nullopt;
+    const auto end = end_of_items(text, view.entry.body);
+    return end && !end_if_led_astray(text, view.entry.body, *end)
+               ? std::optional<EntryRange>({view.entry.body, *end})
+               : std::nullopt;
+  }
+
+  static bool is_item_of_description(std::string_view text, Offset open) {
+    if (open >= text.size() || text[open] != '(') return false;
+    const Offset key = pass_blanks(text, open + 1);
+    const ItemWord word = item_word(text.substr(key, end_of_word(text, key) - key));
+    return placement_of(word, content_of(Block::description)).fit == Fit::good;
   }
 
   // Whether the fault leaves no name to read after the entry.
@@ -74,7 +102,10 @@ class EntryChecker : public EntryVisitor {
   void report_fault(const EntryView &view) {
     const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
-    if (ends_lookups_too(view) || loses_next_name(view, first)) {
+    const std::optional<EntryRange> loose = loose_items(view);
+    if (loose && closed_early_.size() < Findings::most_of_a_rule) closed_early_.push_back(*loose);
+    const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
+    if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
       reported_stop_ = {first.rule, first.at, first.text};
       consequence_of_first = consequence(view.stop);
     }
@@ -187,7 +218,10 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   report.splits = std::any_of(report.findings.begin(), report.findings.end(),
                               [](const Finding &finding) { return finding.fix.splits; });
   if (request.with_entries) list_entries(text, scan, report);
+  if (!report.findings.empty())
+    for (const Entry &entry : scan.entries()) report.starts.push_back(entry.at);
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 
@@ -198,6 +232,7 @@ CheckReport check_file(const NamesText &text, const CheckRequest &request) {
   else if (report.lookups_end || report.splits)
     FurtherChecks(text, request, report).run();
   sort(report.findings);
+  settle_fixes(report);
   return report;
 }
 

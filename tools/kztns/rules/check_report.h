@@ -33,6 +33,8 @@ struct Finding {
   std::string text;
   std::string remedy;
   Fix fix;
+  // What kztns fix applies the fix among: none where the entry would be refused all the same.
+  Applicability applied_among;
   std::vector<EditPlace> places;  // of the edits; only where the format shows them
   std::string source;             // the line as it is
   std::size_t caret;              // index in it of the place
@@ -57,6 +59,7 @@ struct CheckReport {
   bool lookups_end = false;          // before the end of the file, or go astray in it
   bool splits = false;               // whether a fix makes entries that are not checked yet
   std::vector<ReportEntry> entries;  // only where the format shows them
+  std::vector<Offset> starts;        // of all entries, only where there are findings
 };
 
 inline std::size_t count(const CheckReport &report, Severity severity) {

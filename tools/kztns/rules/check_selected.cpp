@@ -38,16 +38,32 @@ void leave_out_rules(const RuleSet &disabled, CheckReport &report) {
     if (disabled[i]) report.left_out[i] = {};
 }
 
+// check_once or check_file.
+using Check = CheckReport (*)(const NamesText &, const CheckRequest &);
+
 // The report of a file with comments that ignore something.
-CheckReport check_ignoring(const NamesText &text, const CheckRequest &request,
+CheckReport check_ignoring(Check check, const NamesText &text, const CheckRequest &request,
                            const Ignores &ignores) {
   CheckRequest all = request;
   all.with_entries = true;
   all.most_of_a_rule = std::max(request.most_of_a_rule, most_before_ignores);
-  CheckReport report = check_file(text, all);
+  CheckReport report = check(text, all);
   ignores.apply(report);
   leave_out_more_than(request.most_of_a_rule, report);
   if (!request.with_entries) report.entries.clear();
+  return report;
+}
+
+CheckReport check_with(Check check, const NamesText &text, const CheckRequest &request,
+                       const RuleSet &disabled) {
+  const Ignores ignores(text);
+  CheckReport report =
+      ignores.empty() ? check(text, request) : check_ignoring(check, text, request, ignores);
+  Findings findings(text, request.most_of_a_rule, report);
+  ignores.report_unknown(findings);
+  sort(report.findings);
+  if (disabled.any()) leave_out_rules(disabled, report);
+  if (disabled.any() || !ignores.empty()) count_severities(report);
   return report;
 }
 
@@ -55,15 +71,12 @@ CheckReport check_ignoring(const NamesText &text, const CheckRequest &request,
 
 CheckReport check_selected(const NamesText &text, const CheckRequest &request,
                            const RuleSet &disabled) {
-  const Ignores ignores(text);
-  CheckReport report =
-      ignores.empty() ? check_file(text, request) : check_ignoring(text, request, ignores);
-  Findings findings(text, request.most_of_a_rule, report);
-  ignores.report_unknown(findings);
-  sort(report.findings);
-  if (disabled.any()) leave_out_rules(disabled, report);
-  if (disabled.any() || !ignores.empty()) count_severities(report);
-  return report;
+  return check_with(check_file, text, request, disabled);
+}
+
+CheckReport check_selected_once(const NamesText &text, const CheckRequest &request,
+                                const RuleSet &disabled) {
+  return check_with(check_once, text, request, disabled);
 }
 
 }  // namespace kztns

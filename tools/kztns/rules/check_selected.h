@@ -10,4 +10,8 @@ namespace kztns {
 CheckReport check_selected(const NamesText &text, const CheckRequest &request,
                            const RuleSet &disabled);
 
+// The same of check_once.
+CheckReport check_selected_once(const NamesText &text, const CheckRequest &request,
+                                const RuleSet &disabled);
+
 }  // namespace kztns

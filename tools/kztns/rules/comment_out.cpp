@@ -4,8 +4,10 @@
 #include <map>
 #include <optional>
 
+#include "rules/entry_faults.h"
 #include "scan/file_scan.h"
 #include "scan/tokens.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
@@ -20,13 +22,21 @@ Offset line_start(std::string_view text, Offset at) {
   return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
 }
 
-bool is_blank(std::string_view text) { return text.find_first_not_of(" \t\r") == text.npos; }
+bool is_blank(std::string_view text) { return text.find_first_not_of(blanks_of_line) == text.npos; }
 
 // Whether more than a comment follows on the line.
 bool goes_on(std::string_view text, Offset at) {
   const std::string_view rest = text.substr(at, text.find('\n', at) - at);
-  const std::size_t next = rest.find_first_not_of(" \t\r");
+  const std::size_t next = rest.find_first_not_of(blanks_of_line);
   return next != rest.npos && rest[next] != '#';
+}
+
+// What a finding says of the text; what it says of the check is for its reader only.
+std::string reason_of(const Finding &finding) {
+  std::string text = finding.text;
+  const std::size_t unchecked = text.find(rest_is_unchecked);
+  if (unchecked != std::string::npos) text.erase(unchecked, rest_is_unchecked.size());
+  return text + " [" + std::string(row_of(finding.rule).id) + "]";
 }
 
 // What is to become a comment, with the finding that tells why.
@@ -51,7 +61,7 @@ class Unserved {
     };
     for (const Entry &entry : scan_.entries())
       if (is_faulty(entry)) add(entry.at, found);
-    if (const auto stray = stray_text()) add(*stray, found);
+    if (const auto stray = stray_text(scan_.stop())) add(*stray, found);
     std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
       return left.part.begin < right.part.begin;
     });
@@ -65,16 +75,29 @@ class Unserved {
     return found;
   }
 
-  // Up to the next entry, without the comments and blanks before that. Names of a list
-  // are one entry.
+  // What would end the lookups if something else did not.
+  std::vector<Candidate> further() {
+    std::vector<Candidate> found;
+    for (const Stop &stop : scan_.further_stops()) {
+      if (stop.kind == StopKind::no_open)
+        add(stop.name, found);
+      else if (const auto stray = stray_text(stop))
+        add(*stray, found);
+    }
+    return found;
+  }
+
+  // To where the entry is built, or up to the next one, without the comments and blanks
+  // before that. Names of a list are one entry.
   Offset end_of_part(Offset begin) const {
     const auto &entries = scan_.entries();
-    auto next = std::upper_bound(entries.begin(), entries.end(), begin,
-                                 [](Offset at, const Entry &entry) { return at < entry.at; });
+    auto next = scan_.first_after(begin);
     if (next != entries.begin())
       for (const Offset body = std::prev(next)->body; next != entries.end() && next->body == body;)
         ++next;
-    const Offset limit = next == entries.end() ? static_cast<Offset>(text_.size()) : next->at;
+    Offset limit = next == entries.end() ? static_cast<Offset>(text_.size()) : next->at;
+    if (next != entries.begin() && std::prev(next)->at == begin && std::prev(next)->built)
+      limit = std::min(limit, std::prev(next)->end);
     Offset end = begin;
     TokenReader tokens(text_.substr(0, limit), begin);
     for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
@@ -84,8 +107,7 @@ class Unserved {
 
  private:
   // Where text begins that is no entry and ends the lookups; absent within an entry.
-  std::optional<Offset> stray_text() const {
-    const Stop &stop = scan_.stop();
+  std::optional<Offset> stray_text(const Stop &stop) const {
     Offset at = stop.at;
     if (stop.kind == StopKind::no_equal || stop.kind == StopKind::lost_name)
       at = stop.name;
@@ -103,8 +125,7 @@ class Unserved {
     const Offset end = end_of_part(begin);
     if (end == begin) return;
     Finding finding = finding_in(begin, end);
-    std::string reason = finding.text + " [" + std::string(row_of(finding.rule).id) + "]";
-    found.push_back({{begin, end, std::move(reason)}, std::move(finding)});
+    found.push_back({{begin, end, reason_of(finding)}, std::move(finding)});
   }
 
   Finding finding_in(Offset begin, Offset end) const {
@@ -131,7 +152,11 @@ bool try_parts(Mender &mender, const std::vector<Candidate> &found,
   parts.reserve(found.size());
   for (const Candidate &one : found) parts.push_back(one.part);
   if (!mender.try_edits(as_comments(mender.text().text(), parts), exempt)) return false;
-  for (const Candidate &one : found) mender.add_mended({one.finding, "commented out"});
+  for (const Candidate &one : found) {
+    MendedFinding mended = {one.finding, "commented out"};
+    mended.finding.fix = {};  // it is not what was done
+    mender.add_mended(std::move(mended));
+  }
   return true;
 }
 
@@ -153,10 +178,17 @@ std::map<std::string_view, Namesakes> namesakes(const FileScan &scan) {
   return all;
 }
 
-const Entry *kept_of(const Namesakes &entries, Keep keep) {
+// Which of the entries of a name is the last one.
+enum class Last {
+  built,   // that the library builds: it is found when those before it are comments
+  reached  // that lookups come to as the text is
+};
+
+const Entry *kept_of(const Namesakes &entries, Keep keep, Last which) {
   if (keep == Keep::first) return entries.front();
-  const auto last = std::find_if(entries.rbegin(), entries.rend(),
-                                 [](const Entry *entry) { return entry->reached && entry->built; });
+  const auto last = std::find_if(entries.rbegin(), entries.rend(), [&](const Entry *entry) {
+    return entry->built && (entry->reached || which == Last::built);
+  });
   return last == entries.rend() ? entries.front() : *last;
 }
 
@@ -191,12 +223,15 @@ std::vector<Edit> as_comments(std::string_view text, const std::vector<Commented
   return edits;
 }
 
-void comment_out_duplicates(Mender &mender, Keep keep) {
+namespace {
+
+// Whether there was nothing to do, or it was done.
+bool try_to_keep(Mender &mender, Keep keep, Last which) {
   Unserved unserved(mender);
   std::vector<Candidate> found;
   std::vector<Offset> exempt;
   for (const auto &[name, entries] : namesakes(unserved.scan())) {
-    const Entry *const kept = kept_of(entries, keep);
+    const Entry *const kept = kept_of(entries, keep, which);
     for (const Entry *const entry : entries) {
       if (entry == kept) continue;
       Finding finding = duplicate(mender, unserved.scan(), *entry, *kept);
@@ -205,11 +240,16 @@ void comment_out_duplicates(Mender &mender, Keep keep) {
       exempt.push_back(entry->at);
     }
   }
-  if (found.empty()) return;
   std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
     return left.part.begin < right.part.begin;
   });
-  try_parts(mender, found, exempt);
+  return found.empty() || try_parts(mender, found, exempt);
+}
+
+}  // namespace
+
+void comment_out_duplicates(Mender &mender, Keep keep) {
+  if (!try_to_keep(mender, keep, Last::built)) try_to_keep(mender, keep, Last::reached);
 }
 
 void comment_out_unserved(Mender &mender) {
@@ -217,6 +257,7 @@ void comment_out_unserved(Mender &mender) {
     Unserved unserved(mender);
     std::vector<Candidate> found = unserved.faulty();
     if (found.empty()) found = unserved.unreachable();
+    if (found.empty()) found = unserved.further();
     if (found.empty() || !comment_out(mender, found)) return;
   }
 }

@@ -21,12 +21,12 @@ std::vector<Edit> as_comments(std::string_view text, const std::vector<Commented
 
 enum class Keep { first, last };
 
-// Of the entries of a name all but one. The last one is the last that lookups come to and
-// the library builds.
+// Of the entries of a name all but one. The last one is the last that the library builds, if
+// lookups find it once the others are comments; otherwise the last that they come to.
 void comment_out_duplicates(Mender &mender, Keep keep);
 
 // What is not served: first what the library refuses and what ends the lookups, then what
-// lookups still do not reach.
+// lookups still do not reach, then what would end them there.
 void comment_out_unserved(Mender &mender);
 
 // What becomes a comment when a file is mended.

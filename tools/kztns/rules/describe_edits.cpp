@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/characters.h"
 #include "text/escape.h"
 
 namespace kztns {
@@ -9,10 +10,7 @@ namespace {
 
 // A part of a text between quotes that are not in it, without the blanks around it.
 std::string part(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t begin = text.find_first_not_of(blanks);
-  if (begin != std::string_view::npos)
-    text = text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+  if (const std::string_view words = trimmed(text); !words.empty()) text = words;
   const char quote = text.find('"') == std::string_view::npos ? '"' : '\'';
   return quote + excerpt(text) + quote;
 }
@@ -30,6 +28,13 @@ bool is_around(const std::vector<Edit> &edits) {
          edits[0].text == edits[1].text;
 }
 
+// Whether they make comments of lines.
+bool make_comments(const std::vector<Edit> &edits) {
+  return !edits.empty() && std::all_of(edits.begin(), edits.end(), [](const Edit &edit) {
+    return edit.begin == edit.end && edit.text == "# ";
+  });
+}
+
 // Whether one of the edits has no text of its own: it copies a part.
 bool has_copy(const std::vector<Edit> &edits) {
   return std::any_of(edits.begin(), edits.end(),
@@ -40,6 +45,7 @@ bool has_copy(const std::vector<Edit> &edits) {
 
 std::string describe(const std::vector<Edit> &edits, std::string_view text) {
   if (has_copy(edits)) return "rearranged the lines";
+  if (make_comments(edits)) return "commented out";
   if (is_around(edits))
     return "put " + part(edits[0].text) + " around " +
            part(text.substr(edits[0].begin, edits[1].begin - edits[0].begin));

@@ -5,6 +5,7 @@
 #include "kzoci/platform/my_strtoll10.h"
 #include "rules/fixes.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 
 namespace kztns {
@@ -116,8 +117,15 @@ class FaultExplainer {
                         met() + " at " + subject_.text.place(fault_.at));
   }
 
+  // The quote between two places that is not closed. Quotes of the next entry may close it
+  // for the library, but do not.
+  std::optional<Offset> unclosed_quote(Offset from, Offset to) const {
+    const auto quote = open_quote(text(), from, std::min(to, subject_.end));
+    return quote ? quote : open_quote(text(), from, to);
+  }
+
   Diagnosis cut(Span token, const std::string &what) const {
-    const auto quote = open_quote(text(), token.begin, token.end);
+    const auto quote = unclosed_quote(token.begin, token.end);
     if (quote)
       return found_at(
           Rule::unclosed_quote, *quote,
@@ -144,7 +152,7 @@ class FaultExplainer {
   }
 
   Diagnosis key_unended() const {
-    const auto quote = open_quote(text(), fault_.at, static_cast<Offset>(text().size()));
+    const auto quote = unclosed_quote(fault_.at, static_cast<Offset>(text().size()));
     if (quote) return found_at(Rule::unclosed_quote, *quote, "unterminated quote: " + end());
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }
@@ -236,8 +244,8 @@ std::string quoted_token(const Subject &subject, Offset at) {
 }
 
 std::string_view odd_character(std::string_view text) {
-  constexpr std::string_view sequences[] = {"\xC2\xA0",     "\xEF\xBB\xBF", "\xE2\x80\x8B",
-                                            "\xE2\x80\xA8", "\xE2\x80\xAF", "\xE3\x80\x80"};
+  constexpr std::string_view sequences[] = {"\xC2\xA0",     byte_order_mark, zero_width_space,
+                                            "\xE2\x80\xA8", "\xE2\x80\xAF",  "\xE3\x80\x80"};
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < 0x20 || byte == 0x7F) return text.substr(i, 1);

@@ -167,7 +167,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
     const bool goes_on = helps || get_past(found->removal);
     complete = complete && helps;
     if (!helps || built) found->told.fix = {};
-    if (!goes_on && found->rest) found->told.text += "; the rest of the entry is not checked";
+    if (!goes_on && found->rest) found->told.text += rest_is_unchecked;
     add(view.name, severity, std::move(found->told));
     if (!goes_on) return;
     found = std::exchange(next, std::nullopt);
@@ -184,6 +184,7 @@ Subject EntryFaults::subject(const NamesText &text, Offset end) {
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
   if (!findings_.wanted(found.rule, severity)) return;
+  if (found.rule == Rule::ifile) entry = {};  // that is no name
   findings_.add({found.rule, found.at, entry, std::move(found.path), std::move(found.text),
                  std::move(found.remedy), std::move(found.fix)},
                 severity);

@@ -12,6 +12,9 @@
 
 namespace kztns {
 
+// The end of the last finding's text when the entry is not checked to its end.
+inline constexpr std::string_view rest_is_unchecked = "; the rest of the entry is not checked";
+
 class EntryFaults {
  public:
   EntryFaults(const NamesText &text, Findings &findings)

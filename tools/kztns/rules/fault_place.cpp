@@ -52,6 +52,11 @@ Fix FaultPlace::removal(Offset open, Applicability applicability) const {
   return {applicability, {{span->begin, span->end, {}}}};
 }
 
+Fix FaultPlace::with_value(Applicability applicability, std::string_view value) const {
+  const Span &old = item()->value;
+  return {applicability, {{old.begin, old.end, std::string(value)}}};
+}
+
 const Key *key_named(Block block, std::string_view word) {
   for (const Key &key : kzoci::tns::grammar)
     if (key.block == block && equal_but_for_case(word, key.word)) return &key;

@@ -30,6 +30,8 @@ class FaultPlace {
 
   // The last item that was begun; null for none.
   const Item *item() const;
+  // Its value; empty for none.
+  std::string_view value() const { return item() == nullptr ? "" : trace_.value_of(*item()); }
   const Frame &frame() const { return trace_.frames()[static_cast<std::size_t>(fault().frame)]; }
   Block block() const { return frame().block; }
 
@@ -45,6 +47,8 @@ class FaultPlace {
 
   // What removes the item that begins at a place; no fix when nothing would be left.
   Fix removal(Offset open, Applicability applicability = Applicability::unsafe) const;
+  // What writes another value instead of that of the item at hand, of which there is one.
+  Fix with_value(Applicability applicability, std::string_view value) const;
 
  private:
   const Subject &subject_;

@@ -2,31 +2,22 @@
 
 #include <algorithm>
 
-#include "rules/diagnosis.h"
+#include "rules/invisible_fixes.h"
 #include "scan/further_stops.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
 
-bool is_blank(char c) { return std::string_view(" \t\r\n").find(c) != std::string_view::npos; }
-
-// The first entry after a place that no lookup reaches.
-Offset next_entry(const FileScan &scan, Offset at) {
-  const auto after =
-      std::upper_bound(scan.entries().begin(), scan.entries().end(), at,
-                       [](Offset place, const Entry &entry) { return place < entry.at; });
-  return after == scan.entries().end() ? scan.text().size() : after->at;
-}
-
 // "# " before what is between two places of each line.
-std::vector<Edit> comment_out(std::string_view text, Offset begin, Offset end) {
+std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end) {
   std::vector<Edit> edits;
   for (Offset at = begin; at < end;) {
     const auto line_end = static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), end));
     const std::string_view line = text.substr(at, line_end - at);
-    const std::size_t first = line.find_first_not_of(" \t\r");
+    const std::size_t first = line.find_first_not_of(blanks_of_line);
     if (first != std::string_view::npos && line[first] != '#') {
       const Offset place = at + static_cast<Offset>(at == begin ? first : 0);
       edits.push_back({place, place, "# "});
@@ -39,10 +30,12 @@ std::vector<Edit> comment_out(std::string_view text, Offset begin, Offset end) {
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   const auto line_end = static_cast<Offset>(std::min(text.find('\n', at), text.size()));
-  if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_out(text, at, line_end));
-  const Offset limit = next_entry(scan, at);
+  if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
+  const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
-  return unsafe_fix(comment_out(text, at, end == limit ? std::min(line_end, limit) : end));
+  // The entry that begins on the same line would become a comment, too.
+  if (end == limit && limit < line_end) return {};
+  return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
 }
 
 // Those that follow each other on the line.
@@ -67,11 +60,11 @@ Fix fix_of_commas(std::string_view text, Offset at) {
 Fix fix_of_second_block(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
-  const auto end = end_of_items(text.substr(0, next_entry(scan, at)), at);
+  const auto end = end_of_items(text.substr(0, scan.next_entry(at)), at);
   if (!end || before == std::string_view::npos || text[before] != '\n') return {};
-  const std::size_t after = text.find_first_not_of(" \t\r", *end);
+  const std::size_t after = text.find_first_not_of(blanks_of_line, *end);
   if (after != std::string_view::npos && text[after] != '\n' && text[after] != '#') return {};
-  return unsafe_fix(comment_out(text, at, *end));
+  return unsafe_fix(comment_lines(text, at, *end));
 }
 
 // The parentheses of a comment that have no partner in it.
@@ -112,11 +105,6 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
   }
 }
 
-// Whether an invisible character has a width.
-bool is_space(std::string_view odd) {
-  return odd != "\xEF\xBB\xBF" && odd != "\xE2\x80\x8B" && odd[0] != '\0';
-}
-
 }  // namespace
 
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause) {
@@ -140,7 +128,7 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause) 
       return stop.name == cause.at ? fix_of_invisible(text, stop.name, end_of_word(text, stop.name))
                                    : cause.fix;
     case Rule::lost_name:
-      return unsafe_fix(comment_out(text, cause.at, scan.text().size()));
+      return unsafe_fix(comment_lines(text, cause.at, scan.text().size()));
     default:
       return cause.fix;
   }
@@ -154,31 +142,6 @@ Fix fix_of_comments(std::string_view text, Offset body, Offset end) {
   return edits.empty() ? Fix{} : safe_fix(std::move(edits));
 }
 
-Fix fix_of_invisible(std::string_view text, Offset begin, Offset end) {
-  std::vector<Edit> edits;
-  bool safe = true;
-  bool at_begin = true;
-  for (Offset at = begin; at < end;) {
-    const std::string_view rest = text.substr(at, end - at);
-    const std::string_view odd = odd_character(rest);
-    if (odd.empty()) break;
-    const auto place = static_cast<Offset>(odd.data() - text.data());
-    const Offset after = place + static_cast<Offset>(odd.size());
-    at_begin = at_begin && place == at;
-    const bool at_end = after == end || is_blank(text[after]);
-    if (is_blank(odd[0])) {
-      at = after;
-      continue;
-    }
-    const bool blank = is_space(odd) && (at_begin || at_end);
-    safe = safe && (blank || !is_space(odd));
-    edits.push_back({place, after, blank ? " " : ""});
-    at = after;
-  }
-  if (edits.empty()) return {};
-  return safe ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
-}
-
 std::optional<Offset> hiding_carriage_return(std::string_view text) {
   std::size_t lone = text.find('\r');
   while (lone != std::string_view::npos && lone + 1 < text.size() && text[lone + 1] == '\n')
@@ -190,7 +153,7 @@ std::optional<Offset> hiding_carriage_return(std::string_view text) {
     const std::string_view comment = text.substr(begin, end - begin);
     const std::size_t cr = comment.find('\r');
     if (cr != std::string_view::npos &&
-        comment.find_first_not_of(" \t\r", cr) != std::string_view::npos)
+        comment.find_first_not_of(blanks_of_line, cr) != std::string_view::npos)
       found = begin + static_cast<Offset>(cr);
   });
   return found;

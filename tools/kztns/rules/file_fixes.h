@@ -13,9 +13,6 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause);
 // brackets.
 Fix fix_of_comments(std::string_view text, Offset body, Offset end);
 
-// Invisible characters of a word: at its ends they become blanks.
-Fix fix_of_invisible(std::string_view text, Offset begin, Offset end);
-
 // A carriage return after which a comment hides text; absent for none. Line feeds end
 // comments.
 std::optional<Offset> hiding_carriage_return(std::string_view text);

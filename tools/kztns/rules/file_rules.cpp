@@ -1,28 +1,19 @@
 #include "rules/file_rules.h"
 
 #include <algorithm>
-#include <cctype>
 
-#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
 #include "rules/file_fixes.h"
 #include "rules/lost_entries.h"
 #include "rules/moved_entries.h"
+#include "rules/name_rules.h"
+#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
-#include "text/name_index.h"
 #include "text/utf_16.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
-using kzoci::tns::reserved_name;
-
-// Whether the library reads an entry of this name as system variables.
-bool is_reserved(std::string_view name) {
-  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
-}
 
 class FileRules {
  public:
@@ -43,7 +34,7 @@ class FileRules {
     for (const Stop &stop : scan_.further_stops()) report_further_stop(stop);
     report_skip_mismatches(lost);
     for (const Swallowed &swallowed : lost.swallowed()) report_swallowed(swallowed);
-    for (std::size_t i = 0; i < scan_.entries().size(); ++i) report_entry(i);
+    report_names(scan_, lists_, findings_);
   }
 
  private:
@@ -74,6 +65,10 @@ class FileRules {
     const std::string words = lost.after_stop().sentence(scan_);
     if (scan_.stop().kind == StopKind::reserved) return report_after_reserved(lost.after_stop());
     if (reported_) {
+      // Items outside of a description end the lookups only where an entry comes after them.
+      if (scan_.stop().kind == StopKind::no_name && !closes_early(reported_->rule) &&
+          ends_file(lost))
+        return;
       const bool said = scan_.stop().kind == StopKind::never_balanced;
       if (lost.after_stop().count() > 0 || !said)
         findings_.append(reported_->rule, reported_->at, "; " + words);
@@ -85,11 +80,13 @@ class FileRules {
     const Lost names = names_of_list(scan_, cause.at);
     if (names.count() > 0) cause.text += ": no lookup finds " + names.names(scan_);
     const bool goes_on = goes_on_with_loss(cause.rule) && names.count() == 0;
-    if (goes_on || lost.after_stop().count() > 0) cause.text += separator(cause) + words;
+    if (goes_on || lost.after_stop().count() > 0)
+      cause.text += separator(scan_.stop(), cause) + words;
     report_cause(scan_.stop(), std::move(cause));
   }
 
-  static const char *separator(const StopCause &cause) {
+  static const char *separator(const Stop &stop, const StopCause &cause) {
+    if (stop.kind == StopKind::no_open) return "; ";  // as after the finding of an entry
     return cause.text.find(": ") == std::string::npos && !is_parenthesis(cause.rule) ? ": " : "; ";
   }
 
@@ -110,7 +107,7 @@ class FileRules {
     if (names.count() > 0)
       cause.text += ": no lookup finds " + names.names(scan_);
     else if (goes_on_with_loss(cause.rule))
-      cause.text += separator(cause) + Lost().sentence(scan_);
+      cause.text += separator(stop, cause) + Lost().sentence(scan_);
     report_cause(stop, std::move(cause));
   }
 
@@ -124,7 +121,7 @@ class FileRules {
     if (!fix) fix = fix_of_stop(scan_, stop, cause);
     findings_.add({cause.rule,
                    cause.at,
-                   entry == nullptr ? std::string_view() : scan_.name(*entry),
+                   entry == nullptr ? name_without_block(stop, cause.rule) : scan_.name(*entry),
                    {},
                    std::move(cause.text),
                    std::move(cause.remedy),
@@ -134,22 +131,20 @@ class FileRules {
   // The entry that a stop is about, if it is about one.
   const Entry *entry_of(const StopCause &cause) const {
     const bool in_entry = is_parenthesis(cause.rule) || cause.rule == Rule::second_block;
-    return in_entry ? entry_before(cause.at) : nullptr;
+    return in_entry ? scan_.entry_at_or_before(cause.at) : nullptr;
   }
 
-  const Entry *entry_before(Offset at) const {
-    const auto after =
-        std::upper_bound(entries().begin(), entries().end(), at,
-                         [](Offset place, const Entry &entry) { return place < entry.at; });
-    return after == entries().begin() ? nullptr : &*std::prev(after);
+  // The name of what has no block, and is no entry of the scan; empty for other stops.
+  std::string_view name_without_block(const Stop &stop, Rule rule) const {
+    if (stop.kind != StopKind::no_open || rule == Rule::ifile || rule == Rule::stray_text)
+      return {};
+    const std::string_view text = text_.text();
+    return text.substr(stop.name, end_of_word(text, stop.name) - stop.name);
   }
 
   // The end of an entry's first block, by its tokens.
   Offset end_of(const Entry &entry) const {
-    const auto next =
-        std::upper_bound(entries().begin(), entries().end(), entry.body,
-                         [](Offset place, const Entry &other) { return place < other.at; });
-    const Offset limit = next == entries().end() ? text_.size() : next->at;
+    const Offset limit = scan_.next_entry(entry.body);
     const std::string_view text = std::string_view(text_.text()).substr(0, limit);
     return end_of_item(text, pass_blanks(text, entry.body)).value_or(limit);
   }
@@ -171,7 +166,10 @@ class FileRules {
     const SkipMismatch &skip_mismatch = scan_.skip_mismatches()[i];
     for (const Swallowed &swallowed : lost.swallowed())
       if (swallowed.by->body == skip_mismatch.body) return swallowed.entries;
-    const bool at_stop = skip_mismatch.reached && skip_mismatch.body == scan_.last_reached()->body;
+    const Offset stop = scan_.stop().at;
+    const bool at_stop = skip_mismatch.reached &&
+                         (skip_mismatch.body == scan_.last_reached()->body ||
+                          (skip_mismatch.passed_to <= stop && stop < skip_mismatch.built_to));
     return at_stop && scan_.stop().kind != StopKind::reserved ? lost.after_stop() : Lost();
   }
 
@@ -180,7 +178,7 @@ class FileRules {
       const SkipMismatch &skip_mismatch = scan_.skip_mismatches()[i];
       auto cause = cause_of_skip_mismatch(text_, skip_mismatch);
       if (!cause) continue;
-      const Entry &entry = *entry_before(skip_mismatch.body);
+      const Entry &entry = *scan_.entry_at_or_before(skip_mismatch.body);
       const Lost entries = lost_through(lost, i);
       const bool last = entry.body == this->entries().back().body;
       if (last && entries.count() == 0 && cause->rule == Rule::paren_in_quotes) continue;
@@ -239,113 +237,6 @@ class FileRules {
                    move_reserved(scan_)});
   }
 
-  void report_entry(std::size_t i) {
-    const Entry &entry = entries()[i];
-    report_name(entry);
-    const std::string_view name = scan_.name(entry);
-    if (entry.reached && entry.verdict == Verdict::unreachable)
-      add(Rule::unreachable, entry.at, name,
-          "a name like this is read as a descriptor, and never looked up");
-    // No lookup finds the names of a list.
-    if (entry.in_list) return;
-    const std::uint32_t same = first_same(i, name);
-    const std::uint32_t alike = first_alike(i, name);
-    if (same != NameIndex::none) {
-      report_duplicate(entry, entries()[same]);
-    } else if (alike != NameIndex::none && findings_.wanted(Rule::case_differs)) {
-      findings_.add({Rule::case_differs,
-                     entry.at,
-                     name,
-                     {},
-                     "differs only in case from " + excerpt(scan_.name(entries()[alike])) + " at " +
-                         text_.place(entries()[alike].at)});
-    }
-  }
-
-  std::uint32_t first_same(std::size_t i, std::string_view name) {
-    return exact_.find_or_add(
-        name_hash(name), static_cast<std::uint32_t>(i),
-        [&](std::uint32_t other) { return same_name(scan_.name(entries()[other]), name); });
-  }
-
-  std::uint32_t first_alike(std::size_t i, std::string_view name) {
-    folded_ = name;
-    for (char &c : folded_) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const auto folded = [](std::string_view text) {
-      std::string lower(text);
-      for (char &c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-      return lower;
-    };
-    return alike_.find_or_add(name_hash(folded_), static_cast<std::uint32_t>(i),
-                              [&](std::uint32_t other) {
-                                return same_name(folded(scan_.name(entries()[other])), folded_);
-                              });
-  }
-
-  void report_duplicate(const Entry &entry, const Entry &first) {
-    if (!findings_.wanted(Rule::duplicate)) return;
-    findings_.add({Rule::duplicate,
-                   entry.at,
-                   scan_.name(entry),
-                   {},
-                   "duplicate name: the first entry, at " + text_.place(first.at) +
-                       ", is used; other readers of such files use the last one"});
-  }
-
-  void report_name(const Entry &entry) {
-    const std::string_view name = scan_.name(entry);
-    if (entry.reached && entry.verdict != Verdict::shadowed && is_reserved(name) &&
-        name != reserved_name)
-      report_reserved_part(entry, name);
-    if (entry.name_length == longest_token)
-      add(Rule::key_cut, entry.at, name,
-          "a name of " + std::to_string(longest_token) + " characters may be cut");
-    if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
-    const std::string_view odd = odd_character(name);
-    if (odd.empty() || !findings_.wanted(rule_of_odd(entry, odd))) return;
-    findings_.add({rule_of_odd(entry, odd),
-                   entry.at,
-                   name,
-                   {},
-                   "invisible character " + visible(odd) +
-                       " in the name: the entry is found only by a name with it",
-                   {},
-                   entry.quoted
-                       ? Fix{}
-                       : fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length)});
-  }
-
-  static Rule rule_of_odd(const Entry &entry, std::string_view odd) {
-    return entry.at == 0 && odd == byte_order_mark ? Rule::byte_order_mark : Rule::odd_bytes;
-  }
-
-  void report_commas(const Entry &entry, std::string_view name) {
-    if (name.starts_with(',')) {
-      const auto commas = static_cast<Offset>(name.find_first_not_of(',') == std::string_view::npos
-                                                  ? name.size()
-                                                  : name.find_first_not_of(','));
-      add(Rule::stray_comma, entry.at, name, "the comma is read as part of the name",
-          entry.quoted ? Fix{} : safe_fix({{entry.at, entry.at + commas, {}}}));
-    } else if (findings_.wanted(Rule::comma_list)) {
-      findings_.add({Rule::comma_list,
-                     entry.at,
-                     name,
-                     {},
-                     "a list of names is read as one name: no lookup finds its parts",
-                     {},
-                     entry.quoted ? Fix{} : lists_.split(entry.at)});
-    }
-  }
-
-  void report_reserved_part(const Entry &entry, std::string_view name) {
-    const bool stops = scan_.stop().kind == StopKind::reserved && ends_lookups(name);
-    std::string text = "a prefix of " + std::string(reserved_name);
-    text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
-    if (stops) text += "; the entries after it are lost";
-    if (findings_.wanted(Rule::reserved_part))
-      findings_.add({Rule::reserved_part, entry.at, name, {}, std::move(text)});
-  }
-
   const NamesText &text_;
   const FileScan &scan_;
   const std::optional<StopCause> &reported_;
@@ -353,9 +244,6 @@ class FileRules {
   Findings &findings_;
   NameLists lists_;
   bool moved_ = false;
-  NameIndex exact_;
-  NameIndex alike_;
-  std::string folded_;
 };
 
 }  // namespace

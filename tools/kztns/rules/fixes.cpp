@@ -2,6 +2,7 @@
 
 #include "rules/block_fixes.h"
 #include "rules/fault_place.h"
+#include "rules/invisible_fixes.h"
 #include "rules/key_fixes.h"
 #include "rules/value_fixes.h"
 

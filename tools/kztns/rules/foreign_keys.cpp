@@ -18,7 +18,7 @@ std::string action_of(const ForeignKey &key) {
     case ForeignTreatment::drop_address:
       return "remove the address if there is another: ";
     case ForeignTreatment::unwrap:
-      return "remove this block, but not those in it: ";
+      return "remove " + std::string(key.word) + " and keep the descriptions in it: ";
     case ForeignTreatment::drop_off:
       return "remove the item if it is off: ";
     case ForeignTreatment::refuse:
@@ -38,9 +38,9 @@ const ForeignKey *foreign_key(std::string_view word) {
   return nullptr;
 }
 
-std::string remedy_of(const ForeignKey &key) {
-  return action_of(key) + std::string(key.here) +
-         (key.shared ? ", but other readers of the file use it" : "");
+std::string remedy_of(const ForeignKey &key, std::string_view why) {
+  return action_of(key) + std::string(why) +
+         (key.shared ? " (other readers of this file need it)" : "");
 }
 
 std::string fix_of(const ForeignKey &key) {

@@ -35,7 +35,8 @@ std::span<const ForeignKey> foreign_keys();
 const ForeignKey *foreign_key(std::string_view word);
 
 // "remove the item: it is tuning only"
-std::string remedy_of(const ForeignKey &key);
+std::string remedy_of(const ForeignKey &key, std::string_view why);
+inline std::string remedy_of(const ForeignKey &key) { return remedy_of(key, key.here); }
 
 // What a fix does with it, as the documents tell: "removed (safe)"
 std::string fix_of(const ForeignKey &key);

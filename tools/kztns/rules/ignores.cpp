@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view mark = "kztns:";
 constexpr std::string_view verb = "ignore";
-constexpr std::string_view blanks = " \t";
+constexpr std::string_view blanks_in_line = " \t";
 
 // Words that are no rules; a file with more of them is none that anybody wrote.
 constexpr std::size_t most_unknown = 10'000;
@@ -24,10 +24,10 @@ struct Comment {
   bool alone;              // on a line of its own
 };
 
-bool is_blank(char c) { return blanks.find(c) != std::string_view::npos; }
+bool is_blank_in_line(char c) { return blanks_in_line.find(c) != std::string_view::npos; }
 
 std::size_t pass_blanks_back(std::string_view text, std::size_t at) {
-  while (at > 0 && is_blank(text[at - 1])) --at;
+  while (at > 0 && is_blank_in_line(text[at - 1])) --at;
   return at;
 }
 
@@ -44,11 +44,11 @@ bool at_begin_of_line(std::string_view text, std::size_t at) {
 std::optional<Comment> comment_at(std::string_view text, std::size_t at) {
   const std::size_t sign = pass_blanks_back(text, at);
   if (sign == 0 || text[sign - 1] != '#' || !can_begin(text, sign - 1)) return std::nullopt;
-  const std::size_t word = text.find_first_not_of(blanks, at + mark.size());
+  const std::size_t word = text.find_first_not_of(blanks_in_line, at + mark.size());
   if (word == std::string_view::npos || !text.substr(word).starts_with(verb)) return std::nullopt;
   const std::size_t list = word + verb.size();
   std::string_view rest = text.substr(0, text.find_first_of("\r\n", list));
-  if (list < rest.size() && !is_blank(rest[list])) return std::nullopt;
+  if (list < rest.size() && !is_blank_in_line(rest[list])) return std::nullopt;
   const Offset end = static_cast<Offset>(rest.size());
   rest = rest.substr(0, rest.find(" --", list));
   return Comment{static_cast<Offset>(at), static_cast<Offset>(list), end, rest.substr(list),
@@ -73,7 +73,7 @@ std::size_t line_after_comments(std::string_view text, std::size_t at, std::size
     at = text.find('\n', at);
     if (at == std::string_view::npos) return text.size();
     const std::size_t line = at + 1;
-    const std::size_t begin = text.find_first_not_of(blanks, line);
+    const std::size_t begin = text.find_first_not_of(blanks_in_line, line);
     if (begin == std::string_view::npos || text[begin] != '#') return line;
     if (known_at >= line && known_at < text.find('\n', line)) return known;
     at = line;

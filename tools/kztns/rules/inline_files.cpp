@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "io/read_file.h"
+#include "text/characters.h"
 #include "text/escape.h"
 #include "text/spelling.h"
 
@@ -16,8 +17,8 @@ namespace {
 // What other readers of such files allow.
 constexpr std::size_t most_depth = 16;
 
-constexpr std::string_view blanks = " \t\r";
-constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+// A few files that include the next one several times make millions.
+constexpr std::size_t most_files = 1000;
 
 // An IFILE line, without its end, and the file that it names.
 struct IncludeLine {
@@ -26,21 +27,14 @@ struct IncludeLine {
   std::string file;
 };
 
-std::string_view without_blanks(std::string_view text) {
-  const std::size_t begin = text.find_first_not_of(blanks);
-  if (begin == text.npos) return {};
-  return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
-
 // The file of a line; empty for another line.
 std::string_view included_file(std::string_view line) {
   const std::size_t equal = line.find('=');
-  if (equal == line.npos || !equal_but_for_case(without_blanks(line.substr(0, equal)), "IFILE"))
-    return {};
-  std::string_view value = without_blanks(line.substr(equal + 1));
+  if (equal == line.npos || !equal_but_for_case(trimmed(line.substr(0, equal)), "IFILE")) return {};
+  std::string_view value = trimmed(line.substr(equal + 1));
   const bool quoted = !value.empty() && (value[0] == '"' || value[0] == '\'');
   if (quoted) return value.substr(1, value.find(value[0], 1) - 1);
-  value = without_blanks(value.substr(0, value.find('#')));
+  value = trimmed(value.substr(0, value.find('#')));
   return value.starts_with('(') ? std::string_view() : value;
 }
 
@@ -80,11 +74,13 @@ class Inliner {
   std::vector<Edit> edits_of(const std::string &path, const NamesText &text) {
     std::vector<Edit> edits;
     open_.push_back(id_of(path));
-    for (const IncludeLine &line : include_lines(text.text()))
+    for (const IncludeLine &line : include_lines(text.text())) {
+      if (files_ > most_files) break;
       if (std::optional<std::string> inlined = text_of(path, text, line)) {
         if (open_.size() == 1) tell(text, line);
         edits.push_back({line.begin, line.end, std::move(*inlined)});
       }
+    }
     open_.pop_back();
     return edits;
   }
@@ -100,10 +96,12 @@ class Inliner {
       return std::nullopt;
     };
     if (open_.size() > most_depth)
-      return refuse("is the " + std::to_string(most_depth + 1) + "th file within each other");
+      return refuse("is nested more than " + std::to_string(most_depth) + " deep");
     const std::optional<FileId> id = id_of(included);
     if (id && std::find(open_.begin(), open_.end(), id) != open_.end())
       return refuse("includes itself");
+    if (++files_ > most_files)
+      return refuse("is one too many: at most " + std::to_string(most_files) + " files are put in");
     ReadFault fault;
     const std::optional<std::string> content = read_file(included, room_, fault);
     if (!content) return refuse(fault.text);
@@ -136,6 +134,7 @@ class Inliner {
   }
 
   std::uint64_t room_;
+  std::size_t files_ = 0;  // that were read
   InlinedFiles &result_;
   std::vector<std::optional<FileId>> open_;  // the files around the one at hand
 };

@@ -1,7 +1,10 @@
 #include "rules/key_fixes.h"
 
 #include "rules/block_fixes.h"
+#include "rules/file_fixes.h"
 #include "rules/foreign_keys.h"
+#include "rules/value_fixes.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
@@ -23,6 +26,9 @@ Fix renamed(const FaultPlace &place, std::string_view key, Applicability applica
   return {applicability, {{item.key.begin, item.key.end, std::string(key)}}};
 }
 
+// Whether a fix writes another key, and does not remove the item.
+bool renames(const Fix &fix) { return fix && !fix.edits[0].text.empty(); }
+
 // The value of the item at fault; absent where it is no single word.
 std::optional<Span> value_at(const FaultPlace &place) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
@@ -39,9 +45,31 @@ Fix renamed_switch(const FaultPlace &place, std::string_view key) {
   if (word.empty()) return place.removal(place.item()->open);
   Fix fix = renamed(place, key, Applicability::unsafe);
   const Span value = *value_at(place);
-  if (fix && !fix.edits[0].text.empty())
+  if (renames(fix) && place.slice(value) != word)
     fix.edits.push_back({value.begin, value.end, std::string(word)});
   return fix;
+}
+
+// The number that a value with a unit begins with; none for another value.
+Fix number_at(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item) return {};
+  const std::string_view value = trimmed(place.slice({item->value, item->end - 1}));
+  const auto begin = static_cast<Offset>(value.data() - place.text().data());
+  return fix_of_number(value, {begin, begin + static_cast<Offset>(value.size())});
+}
+
+// A key of a number that other readers take with a unit, too.
+Fix renamed_number(const FaultPlace &place, std::string_view key) {
+  Fix fix = renamed(place, key, Applicability::unsafe);
+  const Fix number = number_at(place);
+  if (renames(fix) && number) fix.edits.push_back(number.edits[0]);
+  return fix;
+}
+
+bool is_number(const FaultPlace &place, std::string_view key) {
+  const Key *const row = key_named(place.block(), key);
+  return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
 Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey &key) {
@@ -54,7 +82,8 @@ Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey
     case ForeignTreatment::rename:
       return renamed(place, key.target, Applicability::safe);
     case ForeignTreatment::rename_unsafe:
-      return renamed(place, key.target, Applicability::unsafe);
+      return is_number(place, key.target) ? renamed_number(place, key.target)
+                                          : renamed(place, key.target, Applicability::unsafe);
     case ForeignTreatment::rename_switch:
       return renamed_switch(place, key.target);
     case ForeignTreatment::drop_off:
@@ -101,7 +130,7 @@ std::optional<WrittenItem> taker(const FaultPlace &place, KZCILBKeyType type) {
 
 Fix moved_into(const FaultPlace &place, const WrittenItem &item, const WrittenItem &target) {
   if (place.is_set(place.children(target), place.key_of(item))) return {};
-  if (place.text().find_first_not_of(" \t\r\n", target.end) == item.open)
+  if (place.text().find_first_not_of(blanks, target.end) == item.open)
     return unsafe_fix({{target.end - 1, target.end, {}}, {item.end, item.end, ")"}});
   Fix fix = place.removal(item.open);
   if (!fix) return {};
@@ -127,8 +156,13 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
     description = other;
   }
   if (description) return moved_into(place, item, *description);
-  return safe_fix({{items.front().open, items.front().open, "(DESCRIPTION = "},
-                   {items.back().end, items.back().end, ")"}});
+  std::vector<Edit> edits = {{items.front().open, items.front().open, "(DESCRIPTION = "}};
+  // Comments that are in the block now must not lead lookups astray.
+  for (std::size_t i = 1; i < items.size(); ++i)
+    for (Edit &edit : fix_of_comments(place.text(), items[i - 1].end, items[i].open).edits)
+      edits.push_back(std::move(edit));
+  edits.push_back({items.back().end, items.back().end, ")"});
+  return safe_fix(std::move(edits));
 }
 
 }  // namespace
@@ -141,6 +175,8 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
     const bool set_already = !foreign->target.empty() &&
                              key_named(place.block(), foreign->target) &&
                              place.is_set(place.items_of(place.frame()), foreign->target);
+    if (diagnosis.fix.edits.size() > 1 && is_number(place, foreign->target))
+      diagnosis.remedy = remedy_of(*foreign, "it takes a number without a unit, so check it");
     if (set_already)
       diagnosis.remedy = "remove the item: " + std::string(foreign->target) + " is set here, too";
     return;

@@ -1,7 +1,6 @@
 #include "rules/list_warnings.h"
 
 #include <algorithm>
-#include <tuple>
 
 #include "text/spelling.h"
 
@@ -26,6 +25,14 @@ bool is_zero(std::string_view number) {
 bool is_off(std::string_view word) {
   return word.size() > 1 &&
          equal_but_for_case(word, std::string_view("OFF").substr(0, word.size()));
+}
+
+// By host and port. Names of hosts do not depend on case.
+bool is_before(const AddressText &left, const AddressText &right) {
+  if (equal_but_for_case(left.host, right.host)) return left.port < right.port;
+  return std::lexicographical_compare(left.host.begin(), left.host.end(), right.host.begin(),
+                                      right.host.end(),
+                                      [](char a, char b) { return lower_case(a) < lower_case(b); });
 }
 
 // Most entries have one address without a weight.
@@ -94,16 +101,11 @@ class ListWarnings {
   }
 
   void check_equal(std::size_t first, std::size_t end) {
-    const auto key = [](const AddressText &address) {
-      return std::tie(address.host, address.port);
-    };
     const auto from = addresses_.begin() + static_cast<std::ptrdiff_t>(first);
     const auto to = addresses_.begin() + static_cast<std::ptrdiff_t>(end);
-    std::stable_sort(from, to, [&](const AddressText &left, const AddressText &right) {
-      return key(left) < key(right);
-    });
+    std::stable_sort(from, to, is_before);
     for (auto next = from; next != to; ++next) {
-      if (next == from || next->host.empty() || key(*next) != key(*std::prev(next))) continue;
+      if (next == from || next->host.empty() || is_before(*std::prev(next), *next)) continue;
       add(Rule::equal_addresses, next->at, next->list,
           "this address equals that at " + findings_.place(std::prev(next)->at));
     }

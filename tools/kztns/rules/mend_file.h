@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ namespace kztns {
 struct MendRequest {
   std::string file;          // as the findings call it
   bool with_unsafe = false;  // whether to apply fixes that guess or give something up
+  RuleSet disabled = {};     // rules whose fixes are not applied
   std::function<void(Offset)> progress = [](Offset) {};
 };
 
@@ -32,12 +34,13 @@ class Mender {
   Mender(const Mender &) = delete;
   Mender &operator=(const Mender &) = delete;
 
-  // Applies fixes, walk after walk. An entry that is no better with its fixes is left
-  // without them, as is one with which a name would be lost.
+  // Applies fixes until none helps. An entry that would be refused with them all the same
+  // is left without those of its own faults. No fix is applied with which a name would be
+  // lost, or that a comment of the file says to ignore.
   void apply_fixes();
 
-  // Applies sorted edits unless a name other than those of the entries in exempt would be
-  // lost; returns whether they were applied.
+  // Applies sorted edits unless a name would be lost; returns whether they were applied. The
+  // names of the entries in exempt may change their trees.
   bool try_edits(std::vector<Edit> edits, const std::vector<Offset> &exempt = {});
 
   void add_mended(MendedFinding mended) { mended_.push_back(std::move(mended)); }
@@ -46,7 +49,7 @@ class Mender {
   const NamesText &text() const { return text_ ? *text_ : original_; }
   // The same with what became of the original; null as long as nothing is changed.
   const EditedText *edited() const { return edited_ ? &*edited_ : nullptr; }
-  // The findings of one walk through it.
+  // What check finds in it.
   const CheckReport &report();
 
   const std::vector<MendedFinding> &mended() const { return mended_; }
@@ -67,8 +70,24 @@ class Mender {
   struct Trial;
   class Walk;
 
+  // What apply_fixes begins with.
+  struct State {
+    std::optional<EditedText> edited;
+    std::size_t mended;
+    std::size_t changed;
+    std::size_t steps;
+    bool deep;
+  };
+
+  State state() const;
+  void go_back_to(const State &before);
+  void apply_while_any_helps();
+  std::set<Offset> changed_in_vain();
+  // The findings in a text; served, when it is there, gets the names in it.
+  CheckReport check(const NamesText &text, ServedNames *served) const;
   Trial try_out(std::vector<Edit> edits);
   void accept(Trial trial);
+  Offset origin(Offset at) const;
   const ServedNames &served();
   void allow_to_lose(const ServedName &name) { changed_.push_back(name.name); }
   std::vector<Edit> with_line_ends(std::vector<Edit> edits) const;
@@ -82,7 +101,11 @@ class Mender {
   std::optional<ServedNames> served_before_;  // in the original
   std::vector<std::uint64_t> changed_;        // names that may lose their trees
   std::vector<MendedFinding> mended_;
+  // Entries in which own faults were mended, by where they begin in the original.
+  std::set<Offset> mended_entries_;
+  std::set<Offset> left_alone_;  // those that stay as they are
   bool crlf_;
+  bool deep_ = false;  // whether checks come past what ends the lookups
   bool stopped_ = false;
   std::uint64_t walked_ = 0;
   std::size_t steps_ = 0;

@@ -5,6 +5,7 @@
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
@@ -21,7 +22,7 @@ Offset line_end(std::string_view text, Offset at) {
 
 // After the line, when nothing but blanks and a comment are left of it.
 std::optional<Offset> end_with_line(std::string_view text, Offset at) {
-  const std::size_t rest = text.find_first_not_of(" \t\r", at);
+  const std::size_t rest = text.find_first_not_of(blanks_of_line, at);
   if (rest == std::string_view::npos) return static_cast<Offset>(text.size());
   if (text[rest] != '#' && text[rest] != '\n') return std::nullopt;
   return line_end(text, at);
@@ -47,7 +48,7 @@ std::optional<Span> lines_of(std::string_view text, Offset at, Offset end) {
 Offset after_blank_lines(std::string_view text, Offset at) {
   for (Offset end = at; end < text.size(); at = end) {
     end = line_end(text, at);
-    if (text.substr(at, end - at).find_first_not_of(" \t\r\n") != std::string_view::npos) break;
+    if (text.substr(at, end - at).find_first_not_of(blanks) != std::string_view::npos) break;
   }
   return at;
 }
@@ -72,20 +73,10 @@ std::vector<Edit> move_lines(std::string_view text, Span lines, Offset to) {
   return edits;
 }
 
-// The first entry after a place; none: the end of the entries.
-std::vector<Entry>::const_iterator first_after(const FileScan &scan, Offset at) {
-  return std::upper_bound(scan.entries().begin(), scan.entries().end(), at,
-                          [](Offset place, const Entry &entry) { return place < entry.at; });
-}
-
-Offset place_of(const FileScan &scan, std::vector<Entry>::const_iterator entry) {
-  return entry == scan.entries().end() ? scan.text().size() : entry->at;
-}
-
 // The end of the only block of an entry, if lookups of other names come to it, too.
 std::optional<Offset> end_if_passed(const FileScan &scan, const Entry &entry) {
   const std::string_view text =
-      std::string_view(scan.text().text()).substr(0, place_of(scan, first_after(scan, entry.body)));
+      std::string_view(scan.text().text()).substr(0, scan.next_entry(entry.body));
   const Offset open = pass_blanks(text, entry.body);
   if (open == text.size() || text[open] != '(') return std::nullopt;
   const auto end = end_of_item(text, open);
@@ -106,8 +97,8 @@ bool any_ends_lookups(const FileScan &scan) {
 Fix move_reserved(const FileScan &scan) {
   const std::string_view text = scan.text().text();
   const Entry &reserved = *scan.last_reached();
-  auto entry = first_after(scan, reserved.at);
-  const auto end = end_of_items(text.substr(0, place_of(scan, entry)), reserved.body);
+  auto entry = scan.first_after(reserved.at);
+  const auto end = end_of_items(text.substr(0, scan.next_entry(reserved.at)), reserved.body);
   const auto lines = end ? lines_of(text, reserved.at, *end) : std::nullopt;
   if (!lines) return {};
   const std::vector<Stop> &stops = scan.further_stops();
@@ -128,7 +119,7 @@ Fix move_to_end(const FileScan &scan, const Entry &entry) {
   const std::string_view text = scan.text().text();
   const Entry &last = scan.entries().back();
   if (last.at <= entry.at || any_ends_lookups(scan) || !end_if_passed(scan, last)) return {};
-  const auto limit = place_of(scan, first_after(scan, entry.body));
+  const auto limit = scan.next_entry(entry.body);
   const auto end = end_of_items(text.substr(0, limit), entry.body);
   const auto lines = end ? lines_of(text, entry.at, *end) : std::nullopt;
   if (!lines) return {};
@@ -187,7 +178,7 @@ Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_list(text, at);
   if (!list) return {};
-  const Offset limit = place_of(scan_, first_after(scan_, list->equal));
+  const Offset limit = scan_.next_entry(list->equal);
   const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
   const auto after = end ? end_with_line(text, *end) : std::nullopt;
   std::vector<Span> names = list->names;

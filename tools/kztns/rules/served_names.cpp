@@ -13,6 +13,14 @@ bool is_before(const ServedName &left, const ServedName &right) {
   return std::tie(left.name, left.tree) < std::tie(right.name, right.tree);
 }
 
+// Whether a name is one of some sorted ones.
+bool holds(const std::vector<ServedName> &names, std::uint64_t name) {
+  const auto found = std::lower_bound(
+      names.begin(), names.end(), name,
+      [](const ServedName &one, std::uint64_t wanted) { return one.name < wanted; });
+  return found != names.end() && found->name == name;
+}
+
 class Collector : public EntryVisitor {
  public:
   explicit Collector(ServedNames &names) : names_(names) {}
@@ -28,14 +36,26 @@ class Collector : public EntryVisitor {
 
 void ServedNames::take(const EntryView &view) {
   entries_.push_back(view.entry.at);
+  if (view.service == nullptr) refused_.push_back(view.entry.at);
+  if (view.service == nullptr) return;
   const bool served = view.entry.verdict == Verdict::ok || view.entry.verdict == Verdict::reserved;
-  if (served && view.service != nullptr)
-    names_.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at});
+  std::vector<ServedName> &names = served ? names_ : unserved_;
+  names.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at});
 }
 
 void ServedNames::sort() {
   std::sort(names_.begin(), names_.end(), is_before);
+  std::sort(unserved_.begin(), unserved_.end(), is_before);
   std::sort(entries_.begin(), entries_.end());
+}
+
+bool ServedNames::has(std::uint64_t name) const { return holds(names_, name); }
+
+std::vector<ServedName> ServedNames::gone_in(const ServedNames &others) const {
+  std::vector<ServedName> gone;
+  for (const ServedName &one : unserved_)
+    if (!holds(others.names_, one.name) && !holds(others.unserved_, one.name)) gone.push_back(one);
+  return gone;
 }
 
 std::vector<ServedName> ServedNames::not_in(const ServedNames &others) const {

@@ -24,9 +24,20 @@ class ServedNames {
   void sort();
 
   const std::vector<ServedName> &names() const { return names_; }
+  // The places of the entries that the library does not build.
+  const std::vector<Offset> &refused() const { return refused_; }
+
+  // Those that are built and not served, of which there is no entry any more in others.
+  std::vector<ServedName> gone_in(const ServedNames &others) const;
+
+  // Whether a name is served, given as a digest.
+  bool has(std::uint64_t name) const;
 
   // Those that are not served, or not with the same tree, by others.
   std::vector<ServedName> not_in(const ServedNames &others) const;
+
+  // Where the entry that is so counted begins.
+  Offset start_of(std::size_t entry) const { return entries_[entry - 1]; }
 
   // The last of all entries, served or not, that begins at a place or before it, counted
   // from 1; 0 where there is none.
@@ -34,7 +45,9 @@ class ServedNames {
 
  private:
   std::vector<ServedName> names_;
+  std::vector<ServedName> unserved_;  // that are built
   std::vector<Offset> entries_;
+  std::vector<Offset> refused_;
 };
 
 ServedNames served_names(const NamesText &text);

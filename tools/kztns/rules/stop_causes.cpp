@@ -2,17 +2,19 @@
 
 #include <algorithm>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
+#include "scan/item_words.h"
+#include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 
 StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
   const char *const where = hidden.in_comment ? "comment" : "quotes";
@@ -34,6 +36,7 @@ class StopExplainer {
       : subject_{scan.text(), "file"}, scan_(scan), stop_(stop) {}
 
   StopCause explain() const {
+    if (auto cause = led_astray()) return *std::move(cause);
     if (stop_.kind == StopKind::no_name) {
       if (auto fault = parenthesis_fault()) return *std::move(fault);
       if (is_after_block()) return after_block();
@@ -77,12 +80,12 @@ class StopExplainer {
  private:
   std::string_view text() const { return subject_.text.text(); }
 
-  // The entry before the stop, where there is one.
-  const Entry *before() const {
-    const auto after =
-        std::upper_bound(scan_.entries().begin(), scan_.entries().end(), stop_.at,
-                         [](Offset place, const Entry &entry) { return place < entry.at; });
-    return after == scan_.entries().begin() ? nullptr : &*std::prev(after);
+  // The parenthesis through which lookups look for a name within an entry.
+  std::optional<StopCause> led_astray() const {
+    for (const SkipMismatch &mismatch : scan_.skip_mismatches())
+      if (mismatch.reached && mismatch.passed_to <= stop_.at && stop_.at < mismatch.built_to)
+        return cause_of_skip_mismatch(subject_.text, mismatch);
+    return std::nullopt;
   }
 
   // What makes the entry before end too early.
@@ -120,6 +123,14 @@ class StopExplainer {
            equal_but_for_case(word.substr(0, 7), "ADDRESS");
   }
 
+  // Whether a setting is after the reserved name and the "(" of the stop.
+  bool begins_settings(std::string_view name) const {
+    const Offset key = pass_blanks(text(), stop_.at + 1);
+    const std::string_view word = text().substr(key, end_of_word(text(), key) - key);
+    return trimmed(name) == kzoci::tns::reserved_name &&
+           placement_of(item_word(word), content_of(Block::system_variables)).fit == Fit::good;
+  }
+
   StopCause no_name() const {
     if (stop_.met == TNS_RIGHT_PARENTHESES) return {Rule::extra_close, stop_.at, "unmatched \")\""};
     return {Rule::stray_text, stop_.at,
@@ -127,7 +138,7 @@ class StopExplainer {
   }
 
   StopCause after_block() const {
-    const Entry &entry = *before();
+    const Entry &entry = *scan_.entry_at_or_before(stop_.at);
     if (!begins_block(stop_.at) && !(entry.built && entry.end > stop_.at)) return no_name();
     return {Rule::second_block, stop_.at, "second block of " + excerpt(scan_.name(entry))};
   }
@@ -142,7 +153,7 @@ class StopExplainer {
     if (comma) return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
     if (is_invisible(stop_.name)) return invisible();
     const std::string word = quoted_token(subject_, stop_.name);
-    if (stop_.met == TNS_LEFT_PARENTHESES && begins_block(stop_.at))
+    if (stop_.met == TNS_LEFT_PARENTHESES && (begins_block(stop_.at) || begins_settings(name)))
       return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word};
     return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows"};
   }
@@ -198,8 +209,11 @@ class StopExplainer {
       return {Rule::reserved_part, entry.at, name + " ends every lookup"};
     if (stop_.kind == StopKind::no_open)
       return {Rule::no_block, stop_.at, "expected \"(\" after \"=\""};
-    if (const auto hidden = find_hidden(text(), entry.body, subject_.text.size(), '(');
-        entry.built && hidden && hidden->at < entry.end)
+    const auto end = entry.built
+                         ? entry.end
+                         : end_if_led_astray(text(), entry.body, scan_.next_entry(entry.body))
+                               .value_or(entry.body);
+    if (const auto hidden = find_hidden(text(), entry.body, end, '('))
       return found_parenthesis(*hidden, read_on(subject_.text, subject_.text.size()));
     return {Rule::unclosed_block, pass_blanks(text(), entry.body),
             "the parentheses of " + name + " never balance"};

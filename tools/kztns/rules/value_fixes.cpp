@@ -1,93 +1,16 @@
 #include "rules/value_fixes.h"
 
 #include <algorithm>
-#include <cctype>
 
-#include "rules/block_fixes.h"
+#include "rules/address_fixes.h"
 #include "rules/foreign_keys.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view blanks = " \t\r\n";
-constexpr std::size_t longest_token = 256;
-
-bool is_one_of(std::string_view word, std::initializer_list<std::string_view> words) {
-  return std::any_of(words.begin(), words.end(),
-                     [&](std::string_view other) { return equal_but_for_case(word, other); });
-}
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-std::string_view trimmed(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t");
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(" \t") + 1 - first);
-}
-
-std::string_view value_of(const FaultPlace &place) {
-  return place.item() == nullptr ? "" : place.trace().value_of(*place.item());
-}
-
-Fix with_value(const FaultPlace &place, Applicability applicability, std::string_view value) {
-  const Span &old = place.item()->value;
-  return {applicability, {{old.begin, old.end, std::string(value)}}};
-}
-
-// What stands for an invisible character that is meant as a blank, or as nothing.
-std::optional<std::string_view> visible_instead(std::string_view odd) {
-  if (is_one_of(odd, {"\xEF\xBB\xBF", "\xE2\x80\x8B"})) return "";
-  const bool control = odd.size() == 1 && odd[0] != '\xA0';
-  if (control && odd != "\f" && odd != "\v") return std::nullopt;
-  return " ";
-}
-
-// Puts blanks for invisible characters in a word, those in quotes excepted.
-bool make_visible(std::string_view word, Offset at, std::vector<Edit> &edits) {
-  for (std::size_t from = 0; from < word.size();) {
-    const std::string_view odd = odd_character(word.substr(from));
-    if (odd.empty()) return true;
-    const std::size_t place = static_cast<std::size_t>(odd.data() - word.data());
-    from = place + odd.size();
-    if (std::count(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(place), '"') % 2 != 0)
-      continue;
-    const auto instead = visible_instead(odd);
-    if (!instead) return false;
-    const Offset begin = at + static_cast<Offset>(place);
-    edits.push_back({begin, begin + static_cast<Offset>(odd.size()), std::string(*instead)});
-  }
-  return true;
-}
-
-Fix all_visible(const FaultPlace &place) {
-  const std::vector<Item> &items = place.trace().items();
-  const Offset from = items.empty() ? place.fault().at : items.front().open;
-  std::vector<Edit> edits;
-  TokenReader tokens(place.text(), from);
-  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
-    if (token.kind == TokenKind::word &&
-        !make_visible(place.slice(token.span), token.span.begin, edits))
-      return {};
-  return edits.empty() ? Fix() : safe_fix(std::move(edits));
-}
-
-// A number with blanks around it (safe), or with a unit after it.
-Fix number(std::string_view text, Span span) {
-  const std::string_view value = trimmed(text);
-  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
-  const auto end =
-      std::find_if_not(value.begin() + static_cast<std::ptrdiff_t>(sign), value.end(), is_digit);
-  const std::string digits(value.begin(), end);
-  if (digits.size() == sign) return {};
-  const std::string_view unit = trimmed(value.substr(digits.size()));
-  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
-  if (is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
-    return unsafe_fix({{span.begin, span.end, digits}});
-  return {};
-}
 
 bool is_key(std::string_view word) {
   return foreign_key(word) != nullptr ||
@@ -120,7 +43,7 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if (value.find_first_of("(\"") != std::string_view::npos || value.size() >= longest_token)
     return {};
   const Offset end = begin + static_cast<Offset>(value.size());
-  if (key->value.kind == ValueKind::integer) return number(value, {begin, end});
+  if (key->value.kind == ValueKind::integer) return fix_of_number(value, {begin, end});
   if (key->value.kind != ValueKind::text || holds_item(value)) return {};
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
@@ -142,65 +65,14 @@ Fix without_quotes(const FaultPlace &place, Offset quote) {
   return safe_fix({{quote, quote + 1, {}}, {end, end + 1, {}}});
 }
 
-// HOST:PORT, the port a number; false for anything else.
-bool split_address(std::string_view text, std::string_view &host, std::string_view &port) {
-  const std::size_t colon = text.rfind(':');
-  if (colon == std::string_view::npos || colon == 0) return false;
-  host = text.substr(0, colon);
-  port = text.substr(colon + 1);
-  return !port.empty() && std::all_of(port.begin(), port.end(), is_digit) &&
-         host.find_first_of(":/@\"'<>,") == std::string_view::npos;
-}
-
-std::string written_address(std::string_view host, std::string_view port) {
-  return "(HOST = " + std::string(host) + ")(PORT = " + std::string(port) + ")";
-}
-
-// A descriptor for "host:port/service".
-Fix descriptor(const FaultPlace &place, Offset at) {
-  std::string_view word = place.text().substr(at);
-  word = word.substr(0, word.find_first_of(blanks));
-  const auto end = at + static_cast<Offset>(word.size());
-  if (pass_blanks(place.text(), end) != place.text().size()) return {};
-  if (word.starts_with("//")) word.remove_prefix(2);
-  const std::size_t slash = word.find('/');
-  std::string_view host;
-  std::string_view port;
-  if (slash == std::string_view::npos || !split_address(word.substr(0, slash), host, port))
-    return {};
-  const std::string_view service = word.substr(slash + 1);
-  if (service.empty() || service.find_first_of("/:()=\"") != std::string_view::npos) return {};
-  return unsafe_fix({{at, end,
-                      "(DESCRIPTION = (ADDRESS = " + written_address(host, port) +
-                          ")(CONNECT_DATA = (SERVICE_NAME = " + std::string(service) + ")))"}});
-}
-
 Fix switched_word(const FaultPlace &place) {
   const std::vector<std::string_view> words = choices(*place.trace().row_of(*place.item()));
-  const std::string_view value = trimmed(value_of(place));
+  const std::string_view value = trimmed(place.value());
   const std::string_view word = switch_word(value);
   if (std::find(words.begin(), words.end(), word) != words.end())
-    return with_value(place, Applicability::safe, word);
+    return place.with_value(Applicability::safe, word);
   const std::string_view near = near_word(value, words);
-  return near.empty() ? Fix() : with_value(place, Applicability::unsafe, near);
-}
-
-void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
-  const std::string_view protocol = value_of(place);
-  if (is_one_of(protocol, {"TCPS", "WSS", "HTTPS"})) {
-    diagnosis.remedy = "give an address that is served by TCP, if it may do without the encryption";
-    return;
-  }
-  const bool misspelt = is_one_of(protocol, {"TCPIP", "TCP/IP", "TCP4", "TCP6"}) ||
-                        !near_word(protocol, {"TCP"}).empty();
-  if (misspelt) {
-    diagnosis.remedy = "did you mean TCP?";
-    diagnosis.fix = with_value(place, Applicability::unsafe, "TCP");
-    return;
-  }
-  diagnosis.fix = without_address(place);
-  diagnosis.remedy = diagnosis.fix ? "remove the address: another one is left"
-                                   : "give an address that is served by TCP";
+  return near.empty() ? Fix() : place.with_value(Applicability::unsafe, near);
 }
 
 // Only "=" can stand between a key and what follows.
@@ -237,42 +109,26 @@ Fix without_inner_parentheses(const FaultPlace &place) {
   return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
 }
 
-// "(ADDRESS = host:port)"
-Fix address_block(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  const std::optional<Span> word = item ? word_of(place.text(), *item) : std::nullopt;
-  std::string_view host;
-  std::string_view port;
-  if (!word || !place.has_key(*item, "ADDRESS") || !split_address(place.slice(*word), host, port))
-    return {};
-  return unsafe_fix({{word->begin, word->end, written_address(host, port)}});
-}
-
 }  // namespace
 
-bool mend_invisible(const FaultPlace &place, Diagnosis &diagnosis) {
-  if (diagnosis.rule == Rule::unclosed_quote || diagnosis.rule == Rule::unclosed_block)
-    return false;
-  TokenReader tokens(place.text(),
-                     std::min<Offset>(place.fault().at, static_cast<Offset>(place.text().size())));
-  const Token token = tokens.next();
-  if (token.kind != TokenKind::word || token.span.begin != place.fault().at) return false;
-  const std::string_view odd = odd_character(place.slice(token.span));
-  Fix fix = odd.empty() ? Fix() : all_visible(place);
-  if (!fix) return false;
-  diagnosis.at = static_cast<Offset>(odd.data() - place.text().data());
-  if (diagnosis.rule != Rule::odd_bytes)
-    diagnosis.text = "the invisible character " + visible(odd) + " is no blank here";
-  diagnosis.rule = Rule::odd_bytes;
-  diagnosis.remedy = visible_instead(odd) == " " ? "write a blank instead" : "";
-  diagnosis.fix = std::move(fix);
-  return true;
+Fix fix_of_number(std::string_view text, Span span) {
+  const std::string_view value = trimmed(text);
+  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
+  const auto end =
+      std::find_if_not(value.begin() + static_cast<std::ptrdiff_t>(sign), value.end(), is_digit);
+  const std::string digits(value.begin(), end);
+  if (digits.size() == sign) return {};
+  const std::string_view unit = trimmed(value.substr(digits.size()));
+  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
+  if (is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
+    return unsafe_fix({{span.begin, span.end, digits}});
+  return {};
 }
 
 void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
   switch (diagnosis.rule) {
     case Rule::no_block:
-      diagnosis.fix = descriptor(place, diagnosis.at);
+      diagnosis.fix = written_descriptor(place, diagnosis.at);
       return;
     case Rule::quoted_entry:
       diagnosis.fix = without_quotes(place, diagnosis.at);
@@ -298,7 +154,7 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
       diagnosis.fix = switched_word(place);
       return;
     case Rule::bad_number:
-      diagnosis.fix = number(value_of(place), place.item()->value);
+      diagnosis.fix = fix_of_number(place.value(), place.item()->value);
       return;
     case Rule::bad_protocol:
       return mend_protocol(place, diagnosis);
@@ -313,7 +169,7 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
       diagnosis.fix = without_inner_parentheses(place);
       return;
     case Rule::value_for_block:
-      diagnosis.fix = address_block(place);
+      diagnosis.fix = written_address_block(place);
       return;
     default:
       return;

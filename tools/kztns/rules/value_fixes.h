@@ -5,9 +5,9 @@
 
 namespace kztns {
 
-// Whether the fault is an invisible character in a token; if so, it is told as that.
-bool mend_invisible(const FaultPlace &place, Diagnosis &diagnosis);
-
 void mend_value(const FaultPlace &place, Diagnosis &diagnosis);
+
+// A number with blanks around it (safe), or with a unit after it; no fix for a plain one.
+Fix fix_of_number(std::string_view text, Span span);
 
 }  // namespace kztns

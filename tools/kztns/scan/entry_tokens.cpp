@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+#include "text/characters.h"
+
 namespace kztns {
 namespace {
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 
 class Tokenizer {

@@ -7,6 +7,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
+#include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
 
@@ -316,6 +317,8 @@ FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) {
   NameIndex names;
   Walk(*this, builder, names).run();
   UnreachedEntries(*this, builder, names).run();
+  const auto refused = mismatches_of_refused(*this, most_skip_mismatches - skip_mismatches_.size());
+  skip_mismatches_.insert(skip_mismatches_.end(), refused.begin(), refused.end());
   further_stops_ = find_further_stops(*this);
 }
 

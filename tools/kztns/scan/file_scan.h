@@ -2,6 +2,8 @@
 // walking the file as a lookup does and building each entry with the library.
 #pragma once
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -48,10 +50,10 @@ struct Stop {
   KZCITnsTokenType met = TNS_ERROR_TYPE;
 };
 
-// An entry that is passed over to another end than the one it is built to.
+// An entry that is passed over to another end than the one it has.
 struct SkipMismatch {
   Offset body;
-  Offset built_to;   // after the ")" of its first block
+  Offset built_to;   // after the ")" of its first block; of a refused entry, by its tokens
   Offset passed_to;  // the text's size when the skip finds no end
   // Whether lookups come to the entry; if not, passed_to is only known to be before or
   // after built_to.
@@ -91,6 +93,21 @@ class FileScan {
   // The entry that was reached last; null for none.
   const Entry *last_reached() const { return last_reached_ ? &*last_reached_ : nullptr; }
   const NamesText &text() const { return text_; }
+
+  // The first entry whose name begins after a place, and where; the end for none.
+  std::vector<Entry>::const_iterator first_after(Offset at) const {
+    return std::upper_bound(entries_.begin(), entries_.end(), at,
+                            [](Offset place, const Entry &entry) { return place < entry.at; });
+  }
+  Offset next_entry(Offset at) const {
+    const auto next = first_after(at);
+    return next == entries_.end() ? text_.size() : next->at;
+  }
+  // The last entry whose name begins at a place or before it; null for none.
+  const Entry *entry_at_or_before(Offset at) const {
+    const auto next = first_after(at);
+    return next == entries_.begin() ? nullptr : &*std::prev(next);
+  }
 
   std::string_view name(const Entry &entry) const {
     const std::string &from = entry.quoted ? names_ : text_.text();

@@ -58,10 +58,7 @@ class FurtherStops {
 
   // The first entry after a place that lookups do not reach; the end for none.
   Offset next_entry(Offset at) const {
-    const auto after =
-        std::upper_bound(scan_.entries().begin(), scan_.entries().end(), at,
-                         [](Offset place, const Entry &entry) { return place < entry.at; });
-    const auto found = std::find_if(after, scan_.entries().end(),
+    const auto found = std::find_if(scan_.first_after(at), scan_.entries().end(),
                                     [](const Entry &entry) { return !entry.reached; });
     return found == scan_.entries().end() ? size() : found->at;
   }
@@ -98,9 +95,11 @@ class FurtherStops {
   Offset after(const Entry &entry) const {
     const Offset limit = next_entry(entry.body);
     const std::string_view before = text_.substr(0, limit);
-    const auto end = ends_lookups(scan_.name(entry))
-                         ? end_of_items(before, entry.body)
-                         : end_of_item(before, pass_blanks(before, entry.body));
+    const Offset open = pass_blanks(before, entry.body);
+    if (type_at(before, open) != TNS_LEFT_PARENTHESES)
+      return std::min(end_of_line(text_, open), limit);
+    const auto end = ends_lookups(scan_.name(entry)) ? end_of_items(before, entry.body)
+                                                     : end_of_item(before, open);
     return end.value_or(limit);
   }
 
@@ -157,7 +156,7 @@ class FurtherStops {
     if (type_at(text_, value) == TNS_LEFT_PARENTHESES)
       return end_of_item(text_.substr(0, to), value).value_or(to);
     add(StopKind::no_open, value, name);
-    return end_of_line(text_, value);
+    return std::min(end_of_line(text_, value), to);
   }
 
   const FileScan &scan_;

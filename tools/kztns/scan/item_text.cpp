@@ -2,17 +2,16 @@
 
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view blanks = " \t\r\n";
 
 // Together with its line where nothing else is on it.
 Span with_its_line(std::string_view text, Span item) {
   Offset begin = item.begin;
   while (begin > 0 && (text[begin - 1] == ' ' || text[begin - 1] == '\t')) --begin;
-  const std::size_t after = text.find_first_not_of(" \t\r", item.end);
+  const std::size_t after = text.find_first_not_of(blanks_of_line, item.end);
   const bool alone =
       begin > 0 && text[begin - 1] == '\n' && after < text.size() && text[after] == '\n';
   return alone ? Span{begin, static_cast<Offset>(after + 1)} : item;

@@ -4,11 +4,11 @@
 #include <vector>
 
 #include "scan/item_words.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
 

@@ -9,9 +9,6 @@ namespace {
 // Longer words are near no key word.
 constexpr std::size_t longest = 24;
 
-// Of ASCII letters.
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
 using Row = std::array<std::size_t, longest + 1>;
 
 // One row of the table of distances of the words' beginnings.
@@ -20,10 +17,10 @@ Row next_row(std::string_view left, std::string_view right, std::size_t i, const
   Row row = {};
   row[0] = i + 1;
   for (std::size_t j = 0; j < right.size(); ++j) {
-    const std::size_t other = lower(left[i]) == lower(right[j]) ? 0 : 1;
+    const std::size_t other = lower_case(left[i]) == lower_case(right[j]) ? 0 : 1;
     row[j + 1] = std::min({before[j + 1] + 1, row[j] + 1, before[j] + other});
-    const bool swapped = i > 0 && j > 0 && lower(left[i]) == lower(right[j - 1]) &&
-                         lower(left[i - 1]) == lower(right[j]);
+    const bool swapped = i > 0 && j > 0 && lower_case(left[i]) == lower_case(right[j - 1]) &&
+                         lower_case(left[i - 1]) == lower_case(right[j]);
     if (swapped) row[j + 1] = std::min(row[j + 1], two_before[j - 1] + 1);
   }
   return row;
@@ -52,7 +49,12 @@ std::size_t edit_distance(std::string_view left, std::string_view right, std::si
 bool equal_but_for_case(std::string_view left, std::string_view right) {
   return left.size() == right.size() &&
          std::equal(left.begin(), left.end(), right.begin(),
-                    [](char a, char b) { return lower(a) == lower(b); });
+                    [](char a, char b) { return lower_case(a) == lower_case(b); });
+}
+
+bool is_one_of(std::string_view word, std::initializer_list<std::string_view> words) {
+  return std::any_of(words.begin(), words.end(),
+                     [&](std::string_view other) { return equal_but_for_case(word, other); });
 }
 
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words) {

@@ -1,6 +1,7 @@
 // What somebody may have meant.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,15 @@ namespace kztns {
 // is more than the limit.
 std::size_t edit_distance(std::string_view left, std::string_view right, std::size_t limit);
 
+// Of ASCII letters.
+inline char lower_case(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
 bool equal_but_for_case(std::string_view left, std::string_view right);
+
+// Whether a word is one of some, whatever their case.
+bool is_one_of(std::string_view word, std::initializer_list<std::string_view> words);
 
 // The one of some words that is near; empty when none is.
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words);

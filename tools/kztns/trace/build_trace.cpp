@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "text/characters.h"
+
 namespace kztns {
 namespace {
-
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 KZCITnsTokenType token_argument(std::va_list &arguments) {
   return static_cast<KZCITnsTokenType>(va_arg(arguments, int));

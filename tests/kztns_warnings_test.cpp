@@ -1,0 +1,56 @@
+// What is accepted, but hardly meant.
+#include <gtest/gtest.h>
+
+#include "rules/check_file.h"
+
+namespace {
+
+const std::string address = "(ADDRESS=(HOST=h)(PORT=1))";
+const std::string data = "(CONNECT_DATA=(SID=s))";
+
+std::vector<std::string> rules_of(const std::string &description) {
+  const kztns::NamesText text("x=(DESCRIPTION=" + description + ")\n");
+  std::vector<std::string> rules;
+  for (const kztns::Finding &finding : kztns::check_once(text, {.file = "names.ora"}).findings)
+    rules.emplace_back(kztns::row_of(finding.rule).id);
+  return rules;
+}
+
+using Rules = std::vector<std::string>;
+
+}  // namespace
+
+TEST(Warnings, OfItemsGivenAgain) {
+  EXPECT_EQ(rules_of(address + "(CONNECT_DATA=(SID=s)(SERVICE_NAME=t))"), Rules{"repeated-key"});
+  EXPECT_EQ(
+      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(RETRYTIMES=1)(RETRY_TIMES=2)))" + address + data),
+      Rules{"repeated-key"});
+  EXPECT_EQ(
+      rules_of("(KZLB_BLACKLIST=(APPEND_STRATEGY=(DURATION=1))(APPEND_STRATEGY=(DURATION=2)))" +
+               address + data),
+      Rules{"repeated-key"});
+  // What is too long is dropped, and replaces nothing.
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=h)(PORT=1)(PORT=1234567))" + data), Rules{"overlong-value"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
+            Rules{});
+}
+
+TEST(Warnings, OfAddressesSeenTogether) {
+  const std::string other = "(ADDRESS=(HOST=h)(PORT=2))";
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + address + ")" + data),
+            Rules{"equal-addresses"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + other + ")" + data), Rules{});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + "(ADDRESS=(HOST=H)(PORT=1)))" + data),
+            Rules{"equal-addresses"});
+  const std::string weightless = "(ADDRESS=(HOST=i)(PORT=1)(WEIGHT=0))";
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + ")" + data), Rules{"zero-weights"});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=(KZLB=OFF)" + weightless + ")" + data), Rules{});
+  EXPECT_EQ(rules_of("(ADDRESS_LIST=" + weightless + address + ")" + data), Rules{});
+}
+
+TEST(Warnings, OfHostsThatNobodyFilledIn) {
+  for (const std::string host : {"<host>", "${HOST}", "'h'"})
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
+        << host;
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
+}

@@ -1,0 +1,26 @@
+// Characters that many parts know.
+#pragma once
+
+#include <string_view>
+
+namespace kztns {
+
+// What separates tokens, and what does so on a line of its own.
+inline constexpr std::string_view blanks = " \t\r\n";
+inline constexpr std::string_view blanks_of_line = " \t\r";
+
+inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
+
+// Written out: it is asked of every character.
+inline bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+// Without the blanks around it.
+inline std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+}  // namespace kztns
