@@ -14,13 +14,13 @@ stop() {
 
 trap 'stop "$(basename "$0") stopped at line $LINENO: $BASH_COMMAND"' ERR
 
+can_be_root() { [ "$(id -u)" -eq 0 ] || command -v sudo >/dev/null; }
+
 as_root() {
   if [ "$(id -u)" -eq 0 ]; then
     "$@"
-  elif command -v sudo >/dev/null; then
-    sudo "$@"
   else
-    stop "installing packages needs root rights or sudo"
+    sudo "$@"
   fi
 }
 
@@ -37,8 +37,9 @@ need_packages() {
     is_installed "$package" || missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
+  can_be_root || stop "missing: ${missing[*]}; installing packages needs root rights or sudo"
   say "Installing ${missing[*]}"
-  as_root apt-get update -qq || stop "cannot read the lists of packages (apt-get update)"
+  as_root apt-get update -qq || stop "cannot read the lists of packages (apt-get update); missing: ${missing[*]}"
   as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
     stop "cannot install ${missing[*]}"

@@ -31,6 +31,16 @@ stops_with "cannot read the lists of packages"
 fake apt-get <<<'[ "$1" = update ] || { echo "E: Unable to locate package" >&2; exit 100; }'
 stops_with "cannot install g++ cmake"
 
+# Without the right to install, nothing is tried.
+mkdir "$scratch/few"
+for tool in bash dirname basename; do ln -s "$(command -v $tool)" "$scratch/few/"; done
+cp "$scratch/bin/dpkg-query" "$scratch/few/"
+printf '#!/bin/sh\necho 1000\n' >"$scratch/few/id"
+chmod +x "$scratch/few/id"
+PATH=$scratch/few bash "$project/scripts/test" >"$scratch/out" 2>"$scratch/err" && { echo "the script goes on"; exit 1; }
+grep -q '^error: missing: g++ cmake .*; installing packages needs root rights or sudo$' "$scratch/err" ||
+  { echo "what is missing is not told:"; cat "$scratch/err"; exit 1; }
+
 # What fails without a message of its own, inside a function.
 mkdir "$scratch/scripts" && cp "$project/scripts/lib.sh" "$scratch/scripts/"
 cat >"$scratch/scripts/stumble" <<'END'
