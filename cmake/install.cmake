@@ -19,6 +19,18 @@ install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platfor
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci/platform COMPONENT development)
 if(KZOCI_BUILD_TOOLS)
   install(TARGETS kztns RUNTIME COMPONENT command)
+  set(completions tools/kztns/completions)
+  # Debian's zsh has a place for packages; elsewhere, and in /usr/local, it is site-functions.
+  set(zsh_dir zsh/site-functions)
+  if(KZOCI_DEBIAN_FILES)
+    set(zsh_dir zsh/vendor-completions)
+  endif()
+  install(FILES ${completions}/kztns.bash RENAME kztns COMPONENT command
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${completions}/_kztns COMPONENT command
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/${zsh_dir})
+  install(FILES ${completions}/kztns.fish COMPONENT command
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 # kzoci_compress FILE RESULT: RESULT becomes the path of the compressed file.
 function(kzoci_compress file result)
