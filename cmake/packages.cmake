@@ -35,8 +35,8 @@ set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "connect identifiers of a database client (development files)
 A connect identifier is a net service name, which is looked up in a names
-file, or a literal descriptor. This package has the headers, the static libraries,
-and what CMake and pkg-config need to find them.")
+file, or a literal descriptor. This package has the headers, the static
+libraries, and what CMake and pkg-config need to find them.")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME kztns)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION database)
