@@ -18,6 +18,10 @@ install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platfor
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci/platform COMPONENT development)
 if(KZOCI_BUILD_TOOLS)
   install(TARGETS kztns RUNTIME COMPONENT command)
+  install(TARGETS kzoci_explain EXPORT kzociTargets
+          LIBRARY COMPONENT library NAMELINK_COMPONENT development)
+  install(FILES kzoci/explain.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci
+          COMPONENT development)
 endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
@@ -35,9 +39,15 @@ set(package_flags)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   set(package_flags " -D_TIME_BITS=64 -D_FILE_OFFSET_BITS=64")
 endif()
-configure_file(cmake/kzoci.pc.in kzoci.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kzoci.pc DESTINATION ${pkgconfig_dir}
-        COMPONENT development)
+set(packages kzoci)
+if(TARGET kzoci_explain)
+  list(APPEND packages kzoci_explain)
+endif()
+foreach(package IN LISTS packages)
+  configure_file(cmake/${package}.pc.in ${package}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${pkgconfig_dir}
+          COMPONENT development)
+endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
   # Removes what the last installation of this build folder put where it is.

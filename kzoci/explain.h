@@ -55,22 +55,23 @@ typedef struct kzoci_near_name {
   const char *text; /* there is an entry "Sales" at 3:1, which differs only in case */
 } kzoci_near_name;
 
-/* What is known of a lookup. Fields may be added at the end in later versions. */
+/* What is known of a lookup. Lines and columns are from 1, columns in bytes. Fields may be
+ * added at the end in later versions. */
 typedef struct kzoci_explanation {
   kzoci_explain_outcome outcome;
-  int is_literal;         /* 1 for a literal descriptor, which no file is read for, else 0 */
-  const char *message;    /* all of it in one line, as kzoci_explain_line gives it */
-  const char *identifier; /* without its password */
-  const char *file;       /* the names file; null for a literal, and for KZOCI_EXPLAIN_NO_FILE */
-  const char *variable;   /* that chose the file; null for none, and for a path that is given */
-  unsigned int line;      /* what text is about, in the file or in the literal; of a name that is */
-  unsigned int column;    /* found, its entry. Both from 1, the column in bytes; 0 for none */
-  unsigned int entry_line; /* the entry of the name; 0 where the lookup comes to none */
-  unsigned int entry_column;
-  const char *rule;   /* of kztns check, "unknown-key"; empty for none */
-  const char *text;   /* what is wrong; empty where it is found */
-  const char *remedy; /* what to do; empty for none */
-  const char *note;   /* that the identifier is no plain name; empty where it is one */
+  int is_literal;            /* 1 for a literal descriptor, which no file is read for, else 0 */
+  const char *message;       /* all of it in one line, as kzoci_explain_line gives it */
+  const char *identifier;    /* without its password */
+  const char *file;          /* the names file; null for a literal, and where none is named */
+  const char *variable;      /* that chose the file; null for none, and for a path given */
+  unsigned int line;         /* what text is about, in the file or in the literal; the entry */
+  unsigned int column;       /* where it is found; 0 for no place */
+  unsigned int entry_line;   /* the entry of the name; 0 where the lookup comes to none, and */
+  unsigned int entry_column; /* for a literal */
+  const char *rule;          /* of kztns check, "unknown-key"; empty for none */
+  const char *text;          /* what is wrong; empty where it is found */
+  const char *remedy;        /* what to do; empty for none */
+  const char *note;          /* that the identifier is no plain name; empty where it is one */
   const kzoci_near_name *near_names; /* those that come closest first; null for none */
   size_t near_names_count;
 } kzoci_explanation;

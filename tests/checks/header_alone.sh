@@ -8,7 +8,7 @@ case $standard in
   c++*) language=c++ ;;
   *) language=c ;;
 esac
-headers=(kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h
+headers=(kzoci/explain.h kzoci/oci_tnsname.h kzoci/oci_tnsname_parser.h
   kzoci/platform/{default_logger,log,memory,my_strtoll10,types}.h)
 flags=(-Wall -Wextra -Wpedantic -Werror)
 # The header for C++ also under the flags of programs that do without exceptions.
