@@ -18,21 +18,31 @@ long live = 0;
 
 }  // namespace
 
-// The library's allocations come to the program, as those of any library.
+extern "C" {
+void *__real_malloc(std::size_t size);
+void __real_free(void *block);
+
+void *__wrap_malloc(std::size_t size) {
+  if (failing > 0 && --failing == 0) return nullptr;
+  ++live;
+  return __real_malloc(size);
+}
+
+void __wrap_free(void *block) {
+  if (block != nullptr) --live;
+  __real_free(block);
+}
+}
+
+// The library's C++ allocations come to the program, as those of any library.
 void *operator new(std::size_t size) {
-  if (failing > 0 && --failing == 0) throw std::bad_alloc();
   void *const block = std::malloc(size);
   if (block == nullptr) throw std::bad_alloc();
-  ++live;
   return block;
 }
 
-void operator delete(void *block) noexcept {
-  if (block != nullptr) --live;
-  std::free(block);
-}
-
-void operator delete(void *block, std::size_t) noexcept { operator delete(block); }
+void operator delete(void *block) noexcept { std::free(block); }
+void operator delete(void *block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
