@@ -40,10 +40,13 @@ Outcome outcome_of(const kzoci::Result &result) {
 }  // namespace
 
 Outcome look_up_in_text(const std::string &identifier, const std::string &text) {
+  char buffer[4096];
   std::string_view rest = text;
   const std::unique_ptr<std::FILE, Closed> file(
       fopencookie(&rest, "r", {read_piece, nullptr, nullptr, nullptr}));
   if (file == nullptr) throw std::bad_alloc();
+  // A stream that gets no memory of its own would end the text at its beginning.
+  std::setvbuf(file.get(), buffer, _IOFBF, sizeof buffer);
   const AllocationScope scope;
   kzoci::Tns tns;
   const kzoci::Result result = tns.look_up_in(file.get(), identifier);
