@@ -31,6 +31,10 @@ if(KZOCI_BUILD_TOOLS)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/${zsh_dir})
   install(FILES ${completions}/kztns.fish COMPONENT command
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  install(TARGETS kzoci_explain EXPORT kzociTargets
+          LIBRARY COMPONENT explanation NAMELINK_COMPONENT development)
+  install(FILES kzoci/explain.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci
+          COMPONENT development)
 endif()
 # kzoci_compress FILE RESULT: RESULT becomes the path of the compressed file.
 function(kzoci_compress file result)
@@ -68,9 +72,15 @@ set(package_flags)
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
   set(package_flags " -D_TIME_BITS=64 -D_FILE_OFFSET_BITS=64")
 endif()
-configure_file(cmake/kzoci.pc.in kzoci.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kzoci.pc DESTINATION ${pkgconfig_dir}
-        COMPONENT development)
+set(packages kzoci)
+if(TARGET kzoci_explain)
+  list(APPEND packages kzoci_explain)
+endif()
+foreach(package IN LISTS packages)
+  configure_file(cmake/${package}.pc.in ${package}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${pkgconfig_dir}
+          COMPONENT development)
+endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
   # Removes what the last installation of this build folder put where it is.

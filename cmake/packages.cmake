@@ -3,7 +3,7 @@ set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "the kzoci authors <kzoci@localhost.localdomain>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")  # each package has its own
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_COMPONENTS_ALL library development command)
+set(CPACK_COMPONENTS_ALL library explanation development command)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
@@ -21,16 +21,33 @@ A connect identifier is a net service name, which is looked up in a names
 file, or a literal descriptor. The library turns it into records from which a
 connection layer picks servers, balances load, times out, retries and
 blacklists.")
-# Whoever links the library depends on it; the loader's cache is brought up to date.
-file(WRITE ${PROJECT_BINARY_DIR}/shlibs
-     "libkzoci ${PROJECT_VERSION_MAJOR} ${library_package} (>= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})\n")
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-    ${PROJECT_BINARY_DIR}/shlibs ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
 
+set(explanation_package libkzoci-explain${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_EXPLANATION_PACKAGE_NAME ${explanation_package})
+set(CPACK_DEBIAN_EXPLANATION_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_EXPLANATION_DESCRIPTION
+"why connect identifiers of a database client lead nowhere
+A connect identifier is a net service name, which is looked up in a names
+file, or a literal descriptor. The library tells a program why a lookup fails:
+with line, column and what to do.")
+
+# Whoever links a library depends on its package; the loader's cache is brought up to date.
+foreach(component IN ITEMS library explanation)
+  string(TOUPPER ${component} name)
+  set(package ${${component}_package})
+  string(REGEX REPLACE "[0-9]+$" "" soname ${package})
+  string(REPLACE - _ soname ${soname})
+  file(WRITE ${PROJECT_BINARY_DIR}/${component}/shlibs
+       "${soname} ${PROJECT_VERSION_MAJOR} ${package} (>= ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})\n")
+  set(CPACK_DEBIAN_${name}_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/${component}/shlibs
+      ${PROJECT_SOURCE_DIR}/packaging/debian/triggers)
+endforeach()
+
+set(packaged ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libkzoci-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "${library_package} (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
+    "${library_package} (= ${packaged}), ${explanation_package} (= ${packaged})")
 set(CPACK_DEBIAN_DEVELOPMENT_DEBUGINFO_PACKAGE OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "connect identifiers of a database client (development files)
@@ -50,7 +67,7 @@ it.")
 if(KZOCI_DEBIAN_FILES)
   configure_file(packaging/debian/changelog changelog.Debian COPYONLY)
   kzoci_compress(${PROJECT_BINARY_DIR}/changelog.Debian changelog)
-  foreach(component IN ITEMS library development command)
+  foreach(component IN ITEMS library explanation development command)
     string(TOUPPER ${component} name)
     set(folder ${CMAKE_INSTALL_DOCDIR}/../${CPACK_DEBIAN_${name}_PACKAGE_NAME})
     cmake_path(NORMAL_PATH folder)

@@ -69,7 +69,8 @@ TEST(Password, IsHidden) {
 
 TEST(LookupReport, OfCredentialsLooksUpTheNameInThem) {
   const kztns::LookupReport report = kztns::report_of_name("u/p@sales", sales + sales);
-  EXPECT_EQ(report.near, std::vector<std::string>{"there is an entry \"sales\" at 1:1"});
+  ASSERT_EQ(report.near.size(), 1u);
+  EXPECT_EQ(report.near[0].clause, "there is an entry \"sales\" at 1:1");
   EXPECT_NE(report.note, "");
 }
 

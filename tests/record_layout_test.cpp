@@ -4,6 +4,7 @@
 
 #include <cstddef>
 
+#include "kzoci/explain.h"
 #include "kzoci/oci_tnsname.h"
 
 namespace {
@@ -122,6 +123,30 @@ const Place places[] = {
     FIELD(KZCISLowSQL, buffer_pos, 16, 12),
     FIELD(KZCISLowSQL, flush_second, 24, 20),
     SIZE(KZCISLowSQL, 32, 24),
+
+    FIELD(kzoci_near_name, name, 0, 0),
+    FIELD(kzoci_near_name, line, 8, 4),
+    FIELD(kzoci_near_name, column, 12, 8),
+    FIELD(kzoci_near_name, text, 16, 12),
+    SIZE(kzoci_near_name, 24, 16),
+
+    FIELD(kzoci_explanation, outcome, 0, 0),
+    FIELD(kzoci_explanation, is_literal, 4, 4),
+    FIELD(kzoci_explanation, message, 8, 8),
+    FIELD(kzoci_explanation, identifier, 16, 12),
+    FIELD(kzoci_explanation, file, 24, 16),
+    FIELD(kzoci_explanation, variable, 32, 20),
+    FIELD(kzoci_explanation, line, 40, 24),
+    FIELD(kzoci_explanation, column, 44, 28),
+    FIELD(kzoci_explanation, entry_line, 48, 32),
+    FIELD(kzoci_explanation, entry_column, 52, 36),
+    FIELD(kzoci_explanation, rule, 56, 40),
+    FIELD(kzoci_explanation, text, 64, 44),
+    FIELD(kzoci_explanation, remedy, 72, 48),
+    FIELD(kzoci_explanation, note, 80, 52),
+    FIELD(kzoci_explanation, near_names, 88, 56),
+    FIELD(kzoci_explanation, near_names_count, 96, 60),
+    SIZE(kzoci_explanation, 104, 64),
 };
 
 TEST(RecordLayout, EveryFieldStandsAtItsPlace) {

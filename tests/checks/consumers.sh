@@ -41,6 +41,7 @@ run cmake -DMANIFEST=install_manifest.txt -P "$project/cmake/uninstall.cmake"
 
 example c >main.c
 example cpp >main.cpp
+awk '$0 == "```" {exit} on {print} $0 == "```c" {on = 1}' "$project/docs/explain.md" >explain.c
 cp "$project"/tests/checks/embedding/*.c .
 libraries=$(dirname "$(find "$scratch/moved" -name 'libkzoci.so.1')")
 export PKG_CONFIG_PATH=$libraries/pkgconfig
@@ -55,6 +56,10 @@ add_executable(main ../main.c)
 target_link_libraries(main PRIVATE kzoci::kzoci)
 add_executable(own_platform ../main.c ../own_log.c ../own_memory.c ../own_number.c)
 target_link_libraries(own_platform PRIVATE kzoci::kzoci)
+add_executable(explain ../explain.c)
+target_link_libraries(explain PRIVATE kzoci::kzoci kzoci::explain)
+add_executable(own_explain ../explain.c ../own_log.c ../own_memory.c ../own_number.c)
+target_link_libraries(own_explain PRIVATE kzoci::explain kzoci::kzoci)
 END
 cat >cxx/CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.25)
@@ -79,11 +84,25 @@ finds build_cxx/static_main
 # What the program brings comes before what is in the shared library.
 finds build_c/own_platform
 grep -q 'own log' records || fail "the program's own log is not called"
+LD_DEBUG=bindings build_c/own_platform >shown 2>bindings
 for function in kzoci_log_inner kzci_malloc kzci_free my_strtoll10; do
-  LD_DEBUG=bindings build_c/own_platform 2>&1 >/dev/null |
-    grep -qE "libkzoci\.so\.1 .*to build_c/own_platform .*symbol .$function'" ||
+  grep -qE "libkzoci\.so\.1 .*to build_c/own_platform .*symbol .$function'" bindings ||
     fail "the shared library does not call the program's $function"
 done
+
+# The reasons of a lookup that finds nothing come from a copy of the module that calls nothing
+# of the program's.
+explains() {
+  "$1" sale >shown 2>records
+  grep -q '^cannot connect: sale: not found in .*"sales"' shown
+}
+explains build_c/explain || fail "the reasons are not told"
+explains build_c/own_explain || fail "the reasons are not told to a program with its own platform"
+LD_BIND_NOW=1 LD_DEBUG=bindings build_c/own_explain sale >shown 2>bindings
+grep -q "libkzoci_explain\.so\.1 .*symbol .malloc'" bindings || fail "no bindings are shown"
+if grep -E "libkzoci_explain\.so\.1 .*to .*symbol .(kzoci|kzci|KZCI|my_strtoll10)" bindings; then
+  fail "the copy of the module is bound to other functions"
+fi
 
 if ! find "$scratch/moved" -name oci_tnsname.h | grep -q .; then fail "no headers"; fi
 read -ra shared <<<"$(pkg-config --cflags --libs kzoci)"
@@ -94,6 +113,9 @@ run "$cc" -std=c99 main.c "${shared[@]}" -o c_shared
 run "$cxx" -std=c++17 main.cpp "${shared[@]}" -o cxx_shared
 run "$cc" -std=c99 -static main.c "${static[@]}" -o c_static
 run "$cxx" -std=c++17 -static main.cpp "${static[@]}" -o cxx_static
+read -ra explain <<<"$(pkg-config --cflags --libs kzoci_explain kzoci)"
+run "$cc" -std=c99 explain.c "${explain[@]}" -o c_explain
+LD_LIBRARY_PATH=$libraries explains ./c_explain || fail "the reasons are not told"
 for program in c_shared cxx_shared; do
   LD_LIBRARY_PATH=$libraries finds "./$program"
   needs_library "$program" || fail "the shared library is not taken"

@@ -8,7 +8,7 @@ case $standard in
   c++*) language=c++ ;;
   *) language=c ;;
 esac
-headers=(kzoci/{oci_tnsname,oci_tnsname_parser,version}.h
+headers=(kzoci/{explain,oci_tnsname,oci_tnsname_parser,version}.h
   kzoci/platform/{api,default_logger,log,memory,my_strtoll10,types}.h)
 flags=(-Wall -Wextra -Wpedantic -Werror)
 # The header for C++ also under the flags of programs that do without exceptions.

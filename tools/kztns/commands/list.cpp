@@ -169,7 +169,7 @@ int list(const ListOptions &options) {
   const std::vector<std::string> missing = names_not_there(scan, options.names);
   for (const std::string &name : missing) {
     std::string what = "not found in " + kztns::quoted(visible(path));
-    for (const std::string &clause : near_entries(text, scan, name)) what += "; " + clause;
+    for (const NearEntry &near : near_entries(text, scan, name)) what += "; " + near.clause;
     complain(name.empty() ? "\"\"" : excerpt(without_password(name)), what);
   }
   if (written != exit_success) return written;

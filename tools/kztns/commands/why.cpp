@@ -61,7 +61,7 @@ void print_end(const Lookup &lookup, const LookupReport &report) {
   else if (!lookup.is_literal)
     print("ended", "at the end of the file");
   if (!report.note.empty()) print("note", report.note);
-  for (const std::string &clause : report.near) print("near", clause);
+  for (const NearEntry &near : report.near) print("near", near.clause);
 }
 
 void print_shadowed(const LookupReport &report) {

@@ -18,7 +18,8 @@ ReadFault fault_of(int error) {
 }
 
 ReadFault too_large(std::uint64_t max_size) {
-  return {false, "is larger than " + std::to_string(max_size) + " bytes; --max-size allows more"};
+  return {false, "is larger than " + std::to_string(max_size) + " bytes; --max-size allows more",
+          true};
 }
 
 // Reads as an empty file, and is given as one.

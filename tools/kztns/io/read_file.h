@@ -22,6 +22,7 @@ constexpr std::uint64_t largest_max_size = std::numeric_limits<int>::max();
 struct ReadFault {
   bool missing = false;   // there is no such file
   std::string text = {};  // "is a directory", as a clause about the file
+  bool too_large = false;
 };
 
 // Takes a piece of a file; whether it wants more.

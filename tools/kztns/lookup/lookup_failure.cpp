@@ -13,7 +13,8 @@ std::string why_not_found(const Lookup &lookup, const LookupReport &report) {
   const std::string note = report.note.empty() ? "" : "; " + report.note;
   if (!lookup.file_name) return "not found: " + no_file_chosen() + note;
   const std::string file = quoted(visible(*lookup.file_name));
-  if (lookup.content == nullptr) return "not found: " + file + " " + lookup.file_fault.text + note;
+  if (!lookup.file_fault.text.empty())
+    return "not found: " + file + " " + lookup.file_fault.text + note;
   return "not found in " + file + note + near_clauses(report);
 }
 
@@ -36,7 +37,7 @@ LookupReport make_lookup_report(const std::string &identifier, const Lookup &loo
 
 std::string near_clauses(const LookupReport &report) {
   std::string clauses;
-  for (const std::string &clause : report.near) clauses += "; " + clause;
+  for (const NearEntry &near : report.near) clauses += "; " + near.clause;
   return clauses;
 }
 

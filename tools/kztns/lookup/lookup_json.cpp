@@ -23,6 +23,8 @@ Json json_of(const Remark &remark) {
   return object;
 }
 
+Json json_of(const NearEntry &near) { return near.clause; }
+
 template <class Part>
 Json list_of(const std::vector<Part> &parts) {
   Json list = Json::array();
@@ -82,7 +84,7 @@ std::string lookup_json(const ExplainedLookup &explained) {
       {"warnings", list_of(report.warnings)},
       {"shadowed", list_of(report.shadowed)},
       {"note", report.note},
-      {"near", report.near},
+      {"near", list_of(report.near)},
   };
   return visible_json(object.dump(2)) + "\n";
 }

@@ -4,7 +4,6 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lookup/identifier_form.h"
-#include "lookup/near_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/entry_warnings.h"
 #include "rules/parentheses.h"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lookup/lookup.h"
+#include "lookup/near_entries.h"
 #include "text/names_text.h"
 
 namespace kztns {
@@ -30,8 +31,8 @@ struct LookupReport {
   std::vector<Remark> warnings;   // about an entry that is built
   // Further entries of the name, which no lookup finds.
   std::vector<Position> shadowed;
-  std::string note;               // that the identifier is no plain name; empty when it is
-  std::vector<std::string> near;  // clauses about entries with names like this one
+  std::string note;             // that the identifier is no plain name; empty when it is
+  std::vector<NearEntry> near;  // entries with names like this one
 };
 
 // Of a name in a file's text.

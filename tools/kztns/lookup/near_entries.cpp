@@ -76,8 +76,8 @@ std::string why_hidden(const FileScan &scan, const Entry &entry) {
 
 }  // namespace
 
-std::vector<std::string> near_entries(const NamesText &text, const FileScan &scan,
-                                      std::string_view name, bool with_itself) {
+std::vector<NearEntry> near_entries(const NamesText &text, const FileScan &scan,
+                                    std::string_view name, bool with_itself) {
   struct Found {
     Nearness nearness;
     const Entry *entry;
@@ -94,15 +94,17 @@ std::vector<std::string> near_entries(const NamesText &text, const FileScan &sca
     found.insert(place, {near, &entry});
     if (found.size() > most) found.pop_back();
   }
-  std::vector<std::string> clauses;
+  std::vector<NearEntry> entries;
   for (const Found &near : found) {
     // A misspelling is worth telling only where nothing is closer.
     if (near.nearness == Nearness::misspelt && found[0].nearness != Nearness::misspelt) break;
-    clauses.push_back("there is an entry " + quoted(excerpt(scan.name(*near.entry))) + " at " +
-                      text.place(near.entry->at) + how(near.nearness) +
-                      why_hidden(scan, *near.entry));
+    const std::string_view entry = scan.name(*near.entry);
+    entries.push_back({std::string(entry), text.position(near.entry->at),
+                       "there is an entry " + quoted(excerpt(entry)) + " at " +
+                           text.place(near.entry->at) + how(near.nearness) +
+                           why_hidden(scan, *near.entry)});
   }
-  return clauses;
+  return entries;
 }
 
 }  // namespace kztns

@@ -7,21 +7,21 @@
 namespace kztns {
 namespace {
 
-LogListener *current_listener = nullptr;
-
-// The ends of the list of blocks: the newest is all_allocations.older.
-AllocationLink all_allocations = {&all_allocations, &all_allocations};
+// The module tells its platform no context: each thread has its own.
+thread_local LogListener *current_listener = nullptr;
+thread_local AllocationLink *newest_allocation = nullptr;
+thread_local std::uint64_t refused_allocations = 0;
 
 void link_newest(AllocationLink &link) {
-  link.newer = &all_allocations;
-  link.older = all_allocations.older;
-  link.older->newer = &link;
-  all_allocations.older = &link;
+  link.newer = nullptr;
+  link.older = newest_allocation;
+  if (link.older != nullptr) link.older->newer = &link;
+  newest_allocation = &link;
 }
 
 void unlink(const AllocationLink &link) {
-  link.newer->older = link.older;
-  link.older->newer = link.newer;
+  (link.newer != nullptr ? link.newer->older : newest_allocation) = link.older;
+  if (link.older != nullptr) link.older->newer = link.newer;
 }
 
 }  // namespace
@@ -32,18 +32,20 @@ Listening::Listening(LogListener &listener) : before_(current_listener) {
 
 Listening::~Listening() { current_listener = before_; }
 
-AllocationScope::AllocationScope() { link_newest(mark_); }
+AllocationScope::AllocationScope() : refused_before_(refused_allocations) { link_newest(mark_); }
 
 AllocationScope::~AllocationScope() {
-  AllocationLink *link = all_allocations.older;
+  AllocationLink *link = newest_allocation;
   while (link != &mark_) {
     AllocationLink *const older = link->older;
     std::free(link);
     link = older;
   }
-  all_allocations.older = mark_.older;
-  all_allocations.older->newer = &all_allocations;
+  newest_allocation = mark_.older;
+  if (newest_allocation != nullptr) newest_allocation->newer = nullptr;
 }
+
+bool AllocationScope::ran_out() const { return refused_allocations != refused_before_; }
 
 }  // namespace kztns
 
@@ -59,7 +61,10 @@ extern "C" void kzoci_log_inner(enum log_level level, const char *, int, const c
 
 extern "C" void *kzci_malloc(size_t size, const char *) {
   auto *const link = static_cast<AllocationLink *>(std::malloc(sizeof(AllocationLink) + size));
-  if (link == nullptr) return nullptr;
+  if (link == nullptr) {
+    ++kztns::refused_allocations;
+    return nullptr;
+  }
   kztns::link_newest(*link);
   return link + 1;
 }

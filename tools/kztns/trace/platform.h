@@ -1,9 +1,10 @@
 // The log and the memory that the module gets from this command: records go to
 // whoever listens at the moment, and blocks that a failed build leaves
-// allocated can be released. For one thread.
+// allocated can be released. What begins in a thread ends in it.
 #pragma once
 
 #include <cstdarg>
+#include <cstdint>
 
 #include "kzoci/platform/log.h"
 
@@ -18,7 +19,7 @@ class LogListener {
   ~LogListener() = default;
 };
 
-// Directs the log to a listener for the time of its life, then back to the one
+// Directs the log of its thread to a listener for the time of its life, then back to the one
 // before. Without a listener records go nowhere.
 class Listening {
  public:
@@ -31,13 +32,14 @@ class Listening {
   LogListener *before_;
 };
 
-// A block of memory's place in the list of all blocks; comes before it.
+// A block of memory's place in the list of its thread's blocks; comes before it. Null at
+// the ends.
 struct alignas(16) AllocationLink {
   AllocationLink *newer;
   AllocationLink *older;
 };
 
-// Releases at its end every block that was allocated during its life and is
+// Releases at its end every block that was allocated in its thread during its life and is
 // still there. Scopes end in the reverse order of their beginning.
 class AllocationScope {
  public:
@@ -46,8 +48,12 @@ class AllocationScope {
   AllocationScope(const AllocationScope &) = delete;
   AllocationScope &operator=(const AllocationScope &) = delete;
 
+  // Whether a block was not to be had since the beginning.
+  bool ran_out() const;
+
  private:
   AllocationLink mark_;
+  std::uint64_t refused_before_;
 };
 
 }  // namespace kztns
