@@ -85,6 +85,9 @@ $HOME = (X = 1)
 * = (X = 1)
 db:1 = (X = 1)
 db:2 = (X = 1)
+now! = (X = 1)
+cost$HOME = (X = 1)
+"run`touch made`" = (X = 1)
 --file = (X = 1)
 a\x41 = (X = 1)
 END
@@ -105,6 +108,9 @@ $HOME
 *
 db:1
 db:2
+now!
+cost$HOME
+run`touch made`
 END
 }
 for line in 'show --file odd.ora' 'why --file=odd.ora' 'list --file odd\ names.ora' \
@@ -117,8 +123,14 @@ KZCI_TNS_FILE=odd.ora is 'kztns list plain ' < <(names)
 is 'kztns show --file odd.ora tw' <<<'two words'
 is 'kztns show --file odd.ora "tw' <<<'two words'
 is "kztns show --file odd.ora 'it" <<<"it's"
+is 'kztns show --file odd.ora "cost' <<<'cost$HOME'
+is 'kztns show --file odd.ora "run' <<<'run`touch made`'
+# Bash reads no "!" back from double quotes.
+[ "$shell" != bash ] || is 'kztns show --file odd.ora "now' </dev/null
 is 'kztns show --file odd.ora db:' < <(words db:1 db:2)
 is 'kztns show --file odd.ora -- pl' < <(words plain)
+is 'kztns show --file odd.ora -- --f' </dev/null
+here=$PWD is 'kztns show --file $here/other.ora ' < <(words other)
 HOME=$PWD is 'kztns show --file ~/other.ora ' < <(words other)
 KZCI_TNS_FILE=odd.ora is 'kztns show plain p' </dev/null
 is 'kztns show --file $(touch${IFS}made) ' </dev/null
@@ -133,9 +145,11 @@ is 'kztns check odd.ora ot' < <(words odd.ora other.ora | grep ot)
 is 'kztns fix --output ot' < <(words other.ora)
 is 'kztns show --file=ot' < <(words other.ora)
 is 'kztns list ot' < <(words other.ora)
+is 'kztns show plain > od' < <(printf '%s\n' odd.ora 'odd names.ora')
 
 # Nothing is said where there is nothing to offer, and without the command.
 is 'kztns nothing ' </dev/null
+is 'kztns nothing --' </dev/null
 rm "$scratch/bin/kztns"
 is 'kztns show --' </dev/null
 exit $failed
