@@ -69,6 +69,7 @@ is 'kztns fix --keep ' < <(words first last)
 is 'kztns list --verdict re' < <(words refused reserved)
 is 'kztns list --verdict=ok,s' < <(words shadowed)
 is 'kztns check --disable no-p' < <(words no-port)
+is 'kztns check --disable no-port --dis' < <(words --disable)
 is 'kztns check --disable unknown-key,no-h' < <(words no-host)
 is 'kztns show --max-size ' </dev/null
 
@@ -88,6 +89,7 @@ db:2 = (X = 1)
 now! = (X = 1)
 cost$HOME = (X = 1)
 "run`touch made`" = (X = 1)
+"~/x" = (X = 1)
 --file = (X = 1)
 a\x41 = (X = 1)
 END
@@ -112,6 +114,8 @@ now!
 cost$HOME
 run`touch made`
 END
+  # Fish does not quote a "~".
+  [ "$shell" = fish ] || echo '~/x'
 }
 for line in 'show --file odd.ora' 'why --file=odd.ora' 'list --file odd\ names.ora' \
   'show --log info --file "odd names.ora"' 'list odd.ora'; do
