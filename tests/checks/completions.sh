@@ -6,6 +6,10 @@
 set -uo pipefail
 shell=$1 kztns=$2
 command -v "$shell" >/dev/null || { echo "skipped: $shell is not installed"; exit 77; }
+if [ "$shell" = zsh ]; then
+  zsh -fc 'zmodload zsh/zpty && zpty shell true' 2>/dev/null ||
+    { echo "skipped: no pseudo-terminal here"; exit 77; }
+fi
 checks=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 completions=$checks/../../tools/kztns/completions
 export completions
@@ -18,11 +22,10 @@ unset KZCI_TNS_FILE TNS_ADMIN ORACLE_HOME
 cd "$scratch/work" || exit 1
 failed=0
 
-# offered LINE: what the shell offers at the end of the line, and what it inserts for that, after a tab.
+# offered LINE: what the shell offers at the end of the line, and what it complains of.
 offered() {
   timeout 60 "$checks/completions/$shell.sh" "$1" 2>"$scratch/errors"
   local status=$?
-  [ $status -ne 77 ] || { echo "skipped: no pseudo-terminal here" >&2; exit 77; }
   [ $status -eq 0 ] || echo "failed with status $status"
   cat "$scratch/errors"
 }
@@ -69,6 +72,7 @@ is 'kztns fix --keep ' < <(words first last)
 is 'kztns list --verdict re' < <(words refused reserved)
 is 'kztns list --verdict=ok,s' < <(words shadowed)
 is 'kztns check --disable no-p' < <(words no-port)
+is 'kztns check --disable no-port --dis' < <(words --disable)
 is 'kztns check --disable unknown-key,no-h' < <(words no-host)
 is 'kztns show --max-size ' </dev/null
 
@@ -85,6 +89,10 @@ $HOME = (X = 1)
 * = (X = 1)
 db:1 = (X = 1)
 db:2 = (X = 1)
+now! = (X = 1)
+cost$HOME = (X = 1)
+"run`touch made`" = (X = 1)
+"~/x" = (X = 1)
 --file = (X = 1)
 a\x41 = (X = 1)
 END
@@ -105,7 +113,12 @@ $HOME
 *
 db:1
 db:2
+now!
+cost$HOME
+run`touch made`
 END
+  # Fish does not quote a "~".
+  [ "$shell" = fish ] || echo '~/x'
 }
 for line in 'show --file odd.ora' 'why --file=odd.ora' 'list --file odd\ names.ora' \
   'show --log info --file "odd names.ora"' 'list odd.ora'; do
@@ -117,8 +130,14 @@ KZCI_TNS_FILE=odd.ora is 'kztns list plain ' < <(names)
 is 'kztns show --file odd.ora tw' <<<'two words'
 is 'kztns show --file odd.ora "tw' <<<'two words'
 is "kztns show --file odd.ora 'it" <<<"it's"
+is 'kztns show --file odd.ora "cost' <<<'cost$HOME'
+is 'kztns show --file odd.ora "run' <<<'run`touch made`'
+# Bash reads no "!" back from double quotes.
+[ "$shell" != bash ] || is 'kztns show --file odd.ora "now' </dev/null
 is 'kztns show --file odd.ora db:' < <(words db:1 db:2)
 is 'kztns show --file odd.ora -- pl' < <(words plain)
+is 'kztns show --file odd.ora -- --f' </dev/null
+here=$PWD is 'kztns show --file $here/other.ora ' < <(words other)
 HOME=$PWD is 'kztns show --file ~/other.ora ' < <(words other)
 KZCI_TNS_FILE=odd.ora is 'kztns show plain p' </dev/null
 is 'kztns show --file $(touch${IFS}made) ' </dev/null
@@ -133,9 +152,11 @@ is 'kztns check odd.ora ot' < <(words odd.ora other.ora | grep ot)
 is 'kztns fix --output ot' < <(words other.ora)
 is 'kztns show --file=ot' < <(words other.ora)
 is 'kztns list ot' < <(words other.ora)
+is 'kztns show plain > od' < <(printf '%s\n' odd.ora 'odd names.ora')
 
 # Nothing is said where there is nothing to offer, and without the command.
 is 'kztns nothing ' </dev/null
+is 'kztns nothing --' </dev/null
 rm "$scratch/bin/kztns"
 is 'kztns show --' </dev/null
 exit $failed

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Prints what zsh offers at the end of a line, as it would read it back. It needs a
-# pseudo-terminal; status 77 where there is none.
+# pseudo-terminal.
 #   zsh.sh LINE
 cat >"$scratch/zshrc" <<'END'
 fpath=($completions $fpath)
@@ -35,7 +35,7 @@ END
 rm -f "$scratch"/{done,ready}
 zsh -f -c '
   zmodload zsh/zpty
-  zpty -b shell "TERM=dumb zsh -f -i" || exit 77
+  zpty -b shell "TERM=dumb zsh -f -i" || exit 1
   await() { until [[ -e $1 ]]; do zpty -r -t shell output || sleep 0.02; done }
   zpty -w shell ". \$scratch/zshrc"
   await $scratch/ready
