@@ -62,7 +62,7 @@ const std::string good =
 
 constexpr char unknown_server[] = "DESCRIPTION/CONNECT_DATA: unknown key SERVER";
 constexpr char server_remedy[] =
-    "remove the item: nothing here depends on it, but other readers of the file use it";
+    "remove the item: nothing here depends on it (other readers of this file need it)";
 
 struct Freed {
   void operator()(kzoci_explanation *explanation) const { kzoci_explanation_free(explanation); }
@@ -305,14 +305,14 @@ TEST_F(Explain, AGivenPathLeavesTheEnvironmentAlone) {
 
 TEST_F(Explain, HidesAPassword) {
   names_file("sales = " + good);
-  const Explanation it = explained("scott/tiger@sales");
+  const Explanation it = explained("user/secret@sales");
   EXPECT_EQ(it->outcome, KZOCI_EXPLAIN_NOT_FOUND);
-  EXPECT_STREQ(it->identifier, "scott/***@sales");
+  EXPECT_STREQ(it->identifier, "user/***@sales");
   EXPECT_STREQ(it->note,
                "USER/PASSWORD@NAME is looked up as a name; give what comes after the \"@\"");
-  EXPECT_TRUE(std::string_view(it->message).starts_with("scott/***@sales: not found in "));
+  EXPECT_TRUE(std::string_view(it->message).starts_with("user/***@sales: not found in "));
   for (const char *const text : {it->message, it->identifier, it->text, it->remedy, it->note})
-    EXPECT_EQ(std::string_view(text).find("tiger"), std::string_view::npos) << text;
+    EXPECT_EQ(std::string_view(text).find("secret"), std::string_view::npos) << text;
   ASSERT_EQ(it->near_names_count, 1u);
   EXPECT_STREQ(it->near_names[0].name, "sales");
 }

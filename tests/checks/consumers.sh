@@ -107,7 +107,8 @@ fi
 if ! find "$scratch/moved" -name oci_tnsname.h | grep -q .; then fail "no headers"; fi
 read -ra shared <<<"$(pkg-config --cflags --libs kzoci)"
 read -ra static <<<"$(pkg-config --static --cflags --libs kzoci)"
-[ "$(pkg-config --modversion kzoci)" = "$(sed -nE 's/^project\(kzoci VERSION ([0-9.]+).*/\1/p' "$project/CMakeLists.txt")" ] ||
+version=$(sed -nE 's/^#define KZOCI_VERSION_[A-Z]+ ([0-9]+)$/\1/p' "$project/kzoci/version.h" | paste -sd .)
+[ "$(pkg-config --modversion kzoci)" = "$version" ] ||
   fail "pkg-config tells another version"
 run "$cc" -std=c99 main.c "${shared[@]}" -o c_shared
 run "$cxx" -std=c++17 main.cpp "${shared[@]}" -o cxx_shared

@@ -24,7 +24,7 @@ block text 1 >tnsnames.ora
 "$cc" "${flags[@]}" record.c "$explain" -o record
 LD_LIBRARY_PATH=$(dirname "$library"):$(dirname "$explain")
 export LD_LIBRARY_PATH KZCI_TNS_FILE=tnsnames.ora
-for name in sales orders scott/tiger@Sales; do ./connect $name || true; done >shown 2>log
+for name in sales orders user/secret@Sales; do ./connect $name || true; done >shown 2>log
 diff -u <(block text 2) shown
 unset KZCI_TNS_FILE
 for name in sales orders; do ./record $name; done >shown
