@@ -44,17 +44,20 @@ std::string remedy_of(const ForeignKey &key, std::string_view why) {
 }
 
 std::string fix_of(const ForeignKey &key) {
+  std::string target = "`";
+  target += key.target;
+  target += '`';
   switch (key.treatment) {
     case ForeignTreatment::drop:
       return "removed (safe)";
     case ForeignTreatment::lose:
       return "removed (unsafe)";
     case ForeignTreatment::rename:
-      return "`" + std::string(key.target) + "` (safe)";
+      return target + " (safe)";
     case ForeignTreatment::rename_unsafe:
-      return "`" + std::string(key.target) + "` (unsafe)";
+      return target + " (unsafe)";
     case ForeignTreatment::rename_switch:
-      return "`" + std::string(key.target) + "`, `ON` or `OFF` (unsafe)";
+      return target + ", `ON` or `OFF` (unsafe)";
     case ForeignTreatment::drop_address:
       return "its address removed (unsafe)";
     case ForeignTreatment::unwrap:
