@@ -316,10 +316,16 @@ FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) {
   Builder builder(text, visitor);
   NameIndex names;
   Walk(*this, builder, names).run();
-  UnreachedEntries(*this, builder, names).run();
+  if (!comes_past_all()) UnreachedEntries(*this, builder, names).run();
   const auto refused = mismatches_of_refused(*this, most_skip_mismatches - skip_mismatches_.size());
   skip_mismatches_.insert(skip_mismatches_.end(), refused.begin(), refused.end());
   further_stops_ = find_further_stops(*this);
+}
+
+bool FileScan::comes_past_all() const {
+  return stop_.kind == StopKind::end && skip_mismatches_.empty() &&
+         std::all_of(entries_.begin(), entries_.end(),
+                     [](const Entry &entry) { return entry.built; });
 }
 
 std::string_view name_of(Verdict verdict) {

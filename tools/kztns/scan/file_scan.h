@@ -118,6 +118,9 @@ class FileScan {
   friend class Walk;
   friend class UnreachedEntries;
 
+  // Whether each entry begins where the one before ends, so that no other is in the text.
+  bool comes_past_all() const;
+
   const NamesText &text_;
   std::vector<Entry> entries_;
   std::optional<Entry> last_reached_;
