@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Projects in C99 and in C++ use an installed tree that was moved: by find_package, by
-# pkg-config with the shared and with the static library, with the platform's functions of
-# their own. Uninstalling leaves nothing.
+# pkg-config with the shared and with the static library, the static ones in whatever order,
+# with the platform's functions of their own. Uninstalling leaves nothing.
 #   consumers.sh PROJECT_DIR BUILD_DIR C_COMPILER CXX_COMPILER
 set -uo pipefail
 project=$1 build=$2 cc=$3 cxx=$4
@@ -56,6 +56,16 @@ add_executable(main ../main.c)
 target_link_libraries(main PRIVATE kzoci::kzoci)
 add_executable(own_platform ../main.c ../own_log.c ../own_memory.c ../own_number.c)
 target_link_libraries(own_platform PRIVATE kzoci::kzoci)
+add_executable(module_first ../main.c)
+target_link_libraries(module_first PRIVATE kzoci::tnsname kzoci::platform)
+add_executable(platform_first ../main.c)
+target_link_libraries(platform_first PRIVATE kzoci::platform kzoci::tnsname)
+add_executable(platform_alone ../main.c)
+target_link_libraries(platform_alone PRIVATE kzoci::platform)
+add_executable(static_own_log ../main.c ../own_log.c)
+target_link_libraries(static_own_log PRIVATE kzoci::platform kzoci::tnsname)
+add_executable(static_own_platform ../main.c ../own_log.c ../own_memory.c ../own_number.c)
+target_link_libraries(static_own_platform PRIVATE kzoci::tnsname)
 add_executable(explain ../explain.c)
 target_link_libraries(explain PRIVATE kzoci::kzoci kzoci::explain)
 add_executable(own_explain ../explain.c ../own_log.c ../own_memory.c ../own_number.c)
@@ -81,9 +91,19 @@ done
 finds build_cxx/static_main
 ! needs_library build_cxx/static_main || fail "the static libraries are not taken"
 
-# What the program brings comes before what is in the shared library.
-finds build_c/own_platform
-grep -q 'own log' records || fail "the program's own log is not called"
+# A C compiler links the static libraries: they need nothing of the C++ library.
+for program in module_first platform_first platform_alone static_own_log static_own_platform; do
+  finds "build_c/$program"
+  ! readelf -d "build_c/$program" | grep -qE 'NEEDED.*lib(stdc\+\+|kzoci)' ||
+    fail "$program needs another library"
+  [[ $program == *own* ]] || [ ! -s records ] || fail "the default log writes: $(head -n 1 records)"
+done
+
+# What the program brings comes before what is in the libraries, the shared one, too.
+for program in static_own_log static_own_platform own_platform; do
+  finds "build_c/$program"
+  grep -q 'own log' records || fail "the own log of $program is not called"
+done
 LD_DEBUG=bindings build_c/own_platform >shown 2>bindings
 for function in kzoci_log_inner kzci_malloc kzci_free my_strtoll10; do
   grep -qE "libkzoci\.so\.1 .*to build_c/own_platform .*symbol .$function'" bindings ||
