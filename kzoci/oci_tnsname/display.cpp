@@ -1,8 +1,10 @@
 // Printing the records of the tree, and choosing where to.
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
+#include <string_view>
+#include <utility>
 
 #include "children.h"
 #include "grammar.h"
@@ -17,33 +19,48 @@ void print_count(FILE *file, const char *label, ub4 count) {
   std::fprintf(file, "%s:%u\n", label, count);
 }
 
-// One line: the key's label after the indentation, then the value that the record holds.
-void print_value(FILE *file, const char *indentation, const Key &key, const void *record) {
-  const Field &field = key.value.field;
-  if (key.value.kind == ValueKind::text) {
-    const std::span<const char> text = text_of(record, field);
-    std::fprintf(file, "%s%s:%.*s\n", indentation, key.label, static_cast<int>(text.size()),
-                 text.data());
-    return;
-  }
-  std::fprintf(file, "%s%s:%" KZ_LD "\n", indentation, key.label,
-               long_number(number_of(record, field)));
+// What prints the line of a row: the indentation, its label, the conversion of its value.
+template <std::size_t depth, std::size_t row>
+constexpr auto format_of_line() {
+  constexpr std::string_view label = grammar[row].label;
+  constexpr std::string_view value =
+      grammar[row].value.kind == ValueKind::text ? ":%.*s\n" : ":%" KZ_LD "\n";
+  std::array<char, depth + label.size() + value.size() + 1> format = {};
+  char *end = std::fill_n(format.data(), depth, '-');
+  end = std::copy(label.begin(), label.end(), end);
+  std::copy(value.begin(), value.end(), end);
+  return format;
 }
 
-// The lines of a record, one for each labelled key of its blocks that is shown.
-template <class IsShown>
-void print_values(FILE *file, const char *indentation, std::initializer_list<Block> blocks,
-                  const void *record, IsShown is_shown) {
-  for (const Key &key : grammar) {
-    if (key.label == nullptr || !is_shown(key)) continue;
-    if (std::find(blocks.begin(), blocks.end(), key.block) != blocks.end())
-      print_value(file, indentation, key, record);
+// The line of a row, if it is one of the blocks' and has a label.
+template <std::size_t depth, std::size_t row, Block... blocks, class IsShown>
+void print_value(FILE *file, const void *record, IsShown is_shown) {
+  constexpr const Key &key = grammar[row];
+  if constexpr (key.label != nullptr && ((key.block == blocks) || ...)) {
+    if (!is_shown(key)) return;
+    static constexpr auto format = format_of_line<depth, row>();
+    if constexpr (key.value.kind == ValueKind::text) {
+      const std::span<const char> text = text_of(record, key.value.field);
+      std::fprintf(file, format.data(), static_cast<int>(text.size()), text.data());
+    } else {
+      std::fprintf(file, format.data(), long_number(number_of(record, key.value.field)));
+    }
   }
 }
 
-void print_values(FILE *file, const char *indentation, std::initializer_list<Block> blocks,
-                  const void *record) {
-  print_values(file, indentation, blocks, record, [](const Key &) { return true; });
+// The lines of a record, one for each labelled key of its blocks that is shown. Which these
+// are the compiler knows: a dump takes as long as one written by hand.
+template <std::size_t depth, Block... blocks, class IsShown>
+void print_values(FILE *file, const void *record, IsShown is_shown) {
+  [&]<std::size_t... rows>(std::index_sequence<rows...>) {
+    (print_value<depth, rows, blocks...>(file, record, is_shown), ...);
+  }
+  (std::make_index_sequence<rows_of_grammar>{});
+}
+
+template <std::size_t depth, Block... blocks>
+void print_values(FILE *file, const void *record) {
+  print_values<depth, blocks...>(file, record, [](const Key &) { return true; });
 }
 
 // The mode and the switch are shown only with extra information, as they are handed
@@ -133,9 +150,9 @@ sword KZCIDescriptionDisplay(KZCIDescription *des, FILE *display_file) {
     return failure;
   }
   std::fprintf(display_file, "----Discription:\n");
-  print_values(display_file, "------", {Block::description}, des);
-  print_values(display_file, "------", {Block::append_strategy, Block::remove_strategy},
-               &des->black_list_conf);
+  print_values<6, Block::description>(display_file, des);
+  print_values<6, Block::append_strategy, Block::remove_strategy>(display_file,
+                                                                  &des->black_list_conf);
   print_count(display_file, "------address_list_count", des->address_list_count);
   const sword status =
       display_children(des->address_list, des->address_list_count, display_file,
@@ -156,7 +173,7 @@ sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file) 
   }
   std::fprintf(display_file, "------AddressList:\n");
   print_count(display_file, "--------address_count", address_list->address_count);
-  print_values(display_file, "--------", {Block::address_list}, address_list);
+  print_values<8, Block::address_list>(display_file, address_list);
   // The message names the Clear; log readers rely on it.
   return display_children(address_list->address, address_list->address_count, display_file,
                           KZCIAddressDisplay, message::address_clear_failed);
@@ -165,21 +182,21 @@ sword KZCIAddressListDisplay(KZCIAddressList *address_list, FILE *display_file) 
 sword KZCIAddressDisplay(KZCIAddress *address, FILE *display_file) {
   if (address == nullptr || display_file == nullptr) return invalid_handle;
   std::fprintf(display_file, "--------Address:\n");
-  print_values(display_file, "----------", {Block::address}, address);
+  print_values<10, Block::address>(display_file, address);
   return success;
 }
 
 sword KZCIConnectDataDisplay(KZCIConnectData *con_data, FILE *display_file) {
   if (con_data == nullptr || display_file == nullptr) return invalid_handle;
   std::fprintf(display_file, "--------ConnectData:\n");
-  print_values(display_file, "----------", {Block::connect_data}, con_data,
-               [&](const Key &key) { return is_shown(*con_data, key); });
+  print_values<10, Block::connect_data>(display_file, con_data,
+                                        [&](const Key &key) { return is_shown(*con_data, key); });
   return success;
 }
 
 sword KZCISystemVariablesDisplay(KZCISystemVariables *sys_vars, FILE *display_file) {
   if (sys_vars == nullptr || display_file == nullptr) return invalid_handle;
   std::fprintf(display_file, "--------SYSTEMVARIABLE:\n");
-  print_values(display_file, "----------", {Block::system_variables}, sys_vars);
+  print_values<10, Block::system_variables>(display_file, sys_vars);
   return success;
 }
