@@ -6,7 +6,7 @@
 # runs long enough for its own code to be optimised.
 if(NOT KZOCI_SANITIZE MATCHES "fuzzer")
   foreach(build_type IN ITEMS DEBUG RELEASE RELWITHDEBINFO MINSIZEREL)
-    set(CMAKE_CXX_FLAGS_${build_type} -g)
+    set(CMAKE_CXX_FLAGS_${build_type} -g1)
   endforeach()
   if(NOT KZOCI_SANITIZE MATCHES "thread")
     set(KZOCI_PLAIN_CODE ON)
