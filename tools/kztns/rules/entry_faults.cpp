@@ -163,12 +163,13 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   };
   bool complete = true;
   for (int faults = 1; found && faults <= most_faults; ++faults) {
-    const bool helps = get_past(found->fix);
-    const bool goes_on = helps || get_past(found->removal);
+    Found &fault = *found;
+    const bool helps = get_past(fault.fix);
+    const bool goes_on = helps || get_past(fault.removal);
     complete = complete && helps;
-    if (!helps || built) found->told.fix = {};
-    if (!goes_on && found->rest) found->told.text += rest_is_unchecked;
-    add(view.name, severity, std::move(found->told));
+    if (!helps || built) fault.told.fix = {};
+    if (!goes_on && fault.rest) fault.told.text += rest_is_unchecked;
+    add(view.name, severity, std::move(fault.told));
     if (!goes_on) return;
     found = std::exchange(next, std::nullopt);
   }
