@@ -37,9 +37,9 @@ Mender::Walk::~Walk() {
   for (std::size_t i = 0; i < count; ++i) report_.findings[i].fix.applicability = applicability_[i];
 }
 
-std::optional<Offset> Mender::Walk::start_of_entry(std::size_t i) const {
-  if (entries_[i] == 0) return std::nullopt;
-  return mender_.origin(mender_.served().start_of(entries_[i]));
+std::optional<Offset> Mender::Walk::start_of_entry(std::size_t finding) const {
+  if (entries_[finding] == 0) return std::nullopt;
+  return mender_.origin(mender_.served().start_of(entries_[finding]));
 }
 
 bool Mender::Walk::is_wanted(std::size_t i) const {

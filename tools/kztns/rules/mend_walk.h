@@ -59,9 +59,9 @@ class Mender::Walk {
     std::map<std::pair<Rule, Offset>, std::uint64_t> left;
   };
 
-  // Where the entry that a finding is in begins in the original; absent for none.
+  // Findings by their numbers. Where the entry of one begins in the original; absent for none.
   std::optional<Offset> start_of_entry(std::size_t finding) const;
-  bool is_wanted(std::size_t finding) const;
+  bool is_wanted(std::size_t i) const;
   void make_units();
   Trial try_out(const Units &units);
   // The units of which the fixes are taken back.
@@ -76,7 +76,7 @@ class Mender::Walk {
   Gain gain_of(const Trial &trial) const;
   bool helps(const Unit &unit, const Gain &gain) const;
   // Whether a fix mends its finding, or lookups come further in spite of it.
-  bool gets_further(std::size_t finding, const Gain &gain) const;
+  bool gets_further(std::size_t i, const Gain &gain) const;
   void take(Trial trial);
 
   Mender &mender_;
