@@ -40,22 +40,18 @@ class FileRules {
  private:
   const std::vector<Entry> &entries() const { return scan_.entries(); }
 
-  void add(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {},
-           std::string remedy = {}) {
-    if (findings_.wanted(rule))
-      findings_.add({rule, at, entry, {}, std::move(text), std::move(remedy), std::move(fix)});
-  }
-
   void report_utf_16() {
     std::string converted = utf_8_of_utf_16(text_.text());
-    add(Rule::utf_16, 0, {}, "the file is in UTF-16, in which no name can be read",
-        safe_fix({{0, text_.size(), std::move(converted)}}));
+    findings_.add_if_wanted(Rule::utf_16, 0, {},
+                            "the file is in UTF-16, in which no name can be read",
+                            safe_fix({{0, text_.size(), std::move(converted)}}));
   }
 
   void report_line_ends() {
     const auto at = hiding_carriage_return(text_.text());
     if (at)
-      add(Rule::cr_line_ends, *at, {},
+      findings_.add_if_wanted(
+          Rule::cr_line_ends, *at, {},
           "a carriage return alone does not end this comment: what follows is part of it",
           fix_of_line_ends(text_.text()));
   }
@@ -206,9 +202,10 @@ class FileRules {
   void report_swallowed(const Swallowed &swallowed) {
     if (is_told(swallowed)) return;
     const Entry &first = *swallowed.entries.first();
-    add(Rule::unreachable, first.at, scan_.name(first),
-        "lookups skip it as part of " + excerpt(scan_.name(*swallowed.by)) + " at " +
-            text_.place(swallowed.by->at) + others(swallowed.entries, ", and"));
+    findings_.add_if_wanted(Rule::unreachable, first.at, scan_.name(first),
+                            "lookups skip it as part of " + excerpt(scan_.name(*swallowed.by)) +
+                                " at " + text_.place(swallowed.by->at) +
+                                others(swallowed.entries, ", and"));
   }
 
   // "; so do the 2 entries after it: b, c"; empty for one entry.

@@ -19,6 +19,11 @@ void Findings::add(NewFinding found) {
   add(std::move(found), severity);
 }
 
+void Findings::add_if_wanted(Rule rule, Offset at, std::string_view entry, std::string text,
+                             Fix fix, std::string remedy) {
+  if (wanted(rule)) add({rule, at, entry, {}, std::move(text), std::move(remedy), std::move(fix)});
+}
+
 void Findings::add(NewFinding found, Severity severity) {
   Finding finding = {};
   finding.rule = found.rule;

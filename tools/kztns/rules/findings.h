@@ -50,6 +50,10 @@ class Findings {
   void add(NewFinding found);
   void add(NewFinding found, Severity severity);
 
+  // Counts a finding, and adds it when it is wanted.
+  void add_if_wanted(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {},
+                     std::string remedy = {});
+
   // Appends words to the text of a finding that was added, when it is there.
   void append(Rule rule, Offset at, std::string_view words);
 

@@ -30,19 +30,13 @@ class NameRules {
  private:
   const std::vector<Entry> &entries() const { return scan_.entries(); }
 
-  void add(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {},
-           std::string remedy = {}) {
-    if (findings_.wanted(rule))
-      findings_.add({rule, at, entry, {}, std::move(text), std::move(remedy), std::move(fix)});
-  }
-
   void report_entry(std::size_t i) {
     const Entry &entry = entries()[i];
     report_name(entry);
     const std::string_view name = scan_.name(entry);
     if (entry.reached && entry.verdict == Verdict::unreachable)
-      add(Rule::unreachable, entry.at, name,
-          "a name like this is read as a descriptor, and never looked up");
+      findings_.add_if_wanted(Rule::unreachable, entry.at, name,
+                              "a name like this is read as a descriptor, and never looked up");
     // No lookup finds the names of a list.
     if (entry.in_list) return;
     const std::uint32_t same = first_same(i, name);
@@ -97,7 +91,8 @@ class NameRules {
         name != reserved_name)
       report_reserved_part(entry, name);
     if (entry.name_length == longest_token)
-      add(Rule::key_cut, entry.at, name,
+      findings_.add_if_wanted(
+          Rule::key_cut, entry.at, name,
           "a name of " + std::to_string(longest_token) + " characters may be cut");
     if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
     const std::string_view odd = odd_character(name);
@@ -134,8 +129,9 @@ class NameRules {
 
   void report_commas(const Entry &entry, std::string_view name) {
     if (std::vector<Edit> commas = commas_around(entry, name); !commas.empty()) {
-      add(Rule::stray_comma, entry.at, name, "the comma is read as part of the name",
-          entry.quoted ? Fix{} : safe_fix(std::move(commas)));
+      findings_.add_if_wanted(Rule::stray_comma, entry.at, name,
+                              "the comma is read as part of the name",
+                              entry.quoted ? Fix{} : safe_fix(std::move(commas)));
     } else if (findings_.wanted(Rule::comma_list)) {
       findings_.add({Rule::comma_list,
                      entry.at,
