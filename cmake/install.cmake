@@ -12,7 +12,7 @@ install(TARGETS kzoci_tnsname kzoci_platform kzoci EXPORT kzociTargets
         LIBRARY COMPONENT library NAMELINK_COMPONENT development
         ARCHIVE COMPONENT development)
 install(FILES kzoci/oci_tnsname.h kzoci/oci_tnsname.hpp kzoci/oci_tnsname_parser.h
-              kzoci/version.h
+              kzoci/oci_tnsname_records.hpp kzoci/version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci COMPONENT development)
 install(FILES kzoci/platform/api.h kzoci/platform/default_logger.h kzoci/platform/log.h
               kzoci/platform/memory.h kzoci/platform/my_strtoll10.h kzoci/platform/types.h

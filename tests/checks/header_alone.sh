@@ -11,9 +11,9 @@ esac
 headers=(kzoci/{explain,oci_tnsname,oci_tnsname_parser,version}.h
   kzoci/platform/{api,default_logger,log,memory,my_strtoll10,types}.h)
 flags=(-Wall -Wextra -Wpedantic -Werror)
-# The header for C++ also under the flags of programs that do without exceptions.
+# The headers for C++ also under the flags of programs that do without exceptions.
 if [ $language = c++ ]; then
-  headers+=(kzoci/oci_tnsname.hpp)
+  headers+=(kzoci/{oci_tnsname,oci_tnsname_records}.hpp)
   flags+=(-Wconversion -Wshadow -fno-exceptions -fno-rtti)
 fi
 for header in "${headers[@]}"; do

@@ -53,7 +53,7 @@ exists() {
 
 # The files and folders that a text names, one a line.
 named_files() {
-  grep -oE '[A-Za-z0-9_./*-]+(\.(c|h|cpp|def|md|dot|svg|json|dict|txt|cmake|sh)|/)' "$@" | sort -u
+  grep -oE '[A-Za-z0-9_./*-]+(\.(c|h|cpp|hpp|def|md|dot|svg|json|dict|txt|cmake|sh)|/)' "$@" | sort -u
 }
 
 in_quotes() { grep -o '`[^`]*`' "$1" | tr -d '`'; }
