@@ -32,12 +32,26 @@ inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
   return true;
 }
 
+// Consumes blanks of the buffer as far as no comment is among them.
+inline void pass_plain_blanks(KZCITnsParseParams &params) {
+  if (params.is_comment == 1) return;
+  ub4 at = params.buffer_pos;
+  while (at < params.buffer_len && is_any_of(params.tns_buffer[at], blank)) ++at;
+  params.buffer_pos = at;
+}
+
 // KZCITnsParse, with its failure logged.
 sword parse_token(KZCITnsParseParams *params, KZCITnsTokenType type);
 
 // Consumes a token of this type; a failure is logged and its status returned.
 inline sword expect(KZCITnsParseParams *params, KZCITnsTokenType type) {
   return take_sign(params, type) ? success : parse_token(params, type);
+}
+
+// The same where blanks usually precede the token.
+inline sword expect_after_blanks(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  pass_plain_blanks(*params);
+  return expect(params, type);
 }
 
 }  // namespace kzoci::tns
