@@ -118,13 +118,14 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
 }  // namespace
 
 boolean IsDescriptionTns(char *description, ub4 description_len) {
-  // Zero bytes after a shorter text keep it from matching.
-  char collected[20] = {};
-  std::size_t count = 0;
+  ub4 matched = 0;
   const sb4 length = static_cast<sb4>(description_len);
-  for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
-    if (!is_any_of(description[i], blank)) collected[count++] = description[i];
-  return kzoci::is_same_text(collected, descriptor_prefix, descriptor_prefix_length);
+  for (sb4 i = 0; i < length; ++i) {
+    if (is_any_of(description[i], blank)) continue;
+    if (kzoci::capital(description[i]) != descriptor_prefix[matched]) return 0;
+    if (++matched == descriptor_prefix_length) return 1;
+  }
+  return 0;
 }
 
 sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {
