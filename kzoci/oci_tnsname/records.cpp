@@ -1,30 +1,12 @@
 // Defaults and release of the records of the tree.
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
 
 #include "children.h"
 #include "grammar.h"
+#include "set_to_zero.h"
 
 using namespace kzoci::tns;
-
-namespace {
-
-// By the library's memset: where compilers know a size, or its bound, they put a string
-// instruction in its place, which takes longer to begin than most records take. The library
-// takes that instruction, too, for thousands of bytes, hence the pieces.
-[[gnu::noinline]] void set_to_zero(void *record, std::size_t size) {
-  constexpr std::size_t largest_piece = 1024;
-  for (char *at = static_cast<char *>(record); size > 0;) {
-    std::size_t piece = std::min(size, largest_piece);
-    asm("" : "+r"(piece));  // hides the bound from the compiler
-    std::memset(at, 0, piece);
-    at += piece;
-    size -= piece;
-  }
-}
-
-}  // namespace
 
 sword KZCITnsInit(KZCITns *tns) {
   if (tns == nullptr) {

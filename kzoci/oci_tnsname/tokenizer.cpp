@@ -10,17 +10,17 @@
 #include "tokenizer.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "character_class.h"
 #include "key_run.h"
 #include "log.h"
+#include "set_to_zero.h"
 
 namespace kzoci::tns {
 
 void begin_parse(KZCITnsParseParams *params, int mode) {
   constexpr std::size_t tail = offsetof(KZCITnsParseParams, tns_key);
-  std::memset(reinterpret_cast<char *>(params) + tail, 0, sizeof *params - tail);
+  set_to_zero(reinterpret_cast<char *>(params) + tail, sizeof *params - tail);
   params->mode = mode;
 }
 
@@ -204,7 +204,8 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
 }
 
 // The token that comes next, most of which are short keys that are at hand.
-inline sword next_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
+[[gnu::always_inline]] inline sword next_token(KZCITnsParseParams *params,
+                                               KZCITnsTokenType expect_type) {
   if (expect_type == TNS_KEY && params->is_comment != 1) {
     const ub4 length = short_key_length(*params);
     if (length > 0) {

@@ -21,11 +21,17 @@ inline sword need_character(KZCITnsParseParams *params, const Message<> &refill_
   return params->buffer_pos < params->buffer_len ? success : refill(params, refill_failed);
 }
 
+// The character of a token that is no key.
+constexpr char sign_character(KZCITnsTokenType sign) {
+  if (sign == TNS_EQUAL_SIGN) return '=';
+  return sign == TNS_LEFT_PARENTHESES ? '(' : ')';
+}
+
 // Consumes the parenthesis or equal sign of this type if it is the next character.
 // Most tokens are one of these, so this short way is inline.
 inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
   if (sign == TNS_KEY || params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
-      token_type(params->tns_buffer[params->buffer_pos]) != sign)
+      params->tns_buffer[params->buffer_pos] != sign_character(sign))
     return false;
   params->tns_token_type = sign;
   ++params->buffer_pos;
