@@ -204,8 +204,7 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
 }
 
 // The token that comes next, most of which are short keys that are at hand.
-[[gnu::always_inline]] inline sword next_token(KZCITnsParseParams *params,
-                                               KZCITnsTokenType expect_type) {
+inline sword next_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
   if (expect_type == TNS_KEY && params->is_comment != 1) {
     const ub4 length = short_key_length(*params);
     if (length > 0) {
@@ -225,6 +224,8 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
   return next_token(parse_params, expect_type);
 }
 
-sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
+// Every key that the builders read comes through here, so nothing but the longer ways is
+// called.
+[[gnu::flatten]] sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
   return reported(next_token(params, type), message::token_failed);
 }
