@@ -5,6 +5,7 @@
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <memory>
@@ -38,7 +39,8 @@ pid_t start(std::vector<std::string> words) {
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  for (const int output : {STDOUT_FILENO, STDERR_FILENO})
+    posix_spawn_file_actions_addopen(&actions, output, "/dev/null", O_WRONLY, 0);
   pid_t process = 0;
   const int error =
       posix_spawn(&process, words.front().c_str(), &actions, nullptr, arguments.data(), environ);
