@@ -96,7 +96,7 @@ void add_literal_rows() {
                [] {
                  return Costs{parse_cost(compact_literal), floor_cost(compact_literal)};
                },
-           .target = {2.6, 1.8}});
+           .target = {2.2, 1.8}});
   add_row({.name = "literal of 231 bytes / floor", .unit = "literal", .setup = [] {
              return Costs{parse_cost(spaced_literal), floor_cost(spaced_literal)};
            }});

@@ -11,7 +11,7 @@ Target last_target(long entries) {
     case 100:
       return {2.4, 1.8};
     case 10000:
-      return {2.9, 2.2};
+      return {3.0, 2.4};
     default:
       return {2.6, 2.0};
   }
@@ -56,7 +56,7 @@ void add_lookup_rows() {
                  return Costs{lookup_cost(large_file, service_name(0)),
                               lookup_cost(names_file(10), service_name(0))};
                },
-           .target = {1.2, 1.1}});
+           .target = {1.15, 1.05}});
 }
 
 }  // namespace bench

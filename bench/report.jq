@@ -1,6 +1,9 @@
 # Makes one document of rows out of Google Benchmark's, one for each program.
 #
-#   jq --slurp -f bench/report.jq kzoci_bench.json kzoci_bench_logger.json
+#   jq --slurp --argjson others PERCENT -f bench/report.jq kzoci_bench*.json
+#
+# PERCENT of a processor is what other processes took meanwhile. a and b of a row are
+# nanoseconds, or bytes where that is the unit.
 
 def rounded($digits): pow(10; $digits) as $unit | . * $unit | round / $unit;
 def bound: if . == null then null else rounded(3) end;
@@ -18,8 +21,8 @@ def row:
   | {
       row: (.run_name | sub("/iterations:[0-9]+/repeats:[0-9]+$"; "")),
       ratio: (.ratio | rounded(4)),
-      a_ns: (.a_ns | rounded(3)),
-      b_ns: (.b_ns | rounded(3)),
+      a: (.a | rounded(3)),
+      b: (.b | rounded(3)),
       unit: $unit,
       higher_is_better: (.higher_is_better != null),
       must: (.must | bound),
@@ -31,8 +34,8 @@ def row:
 # The most that a goes up from one size to a larger one, apart from what b goes up.
 def growth:
   [. as $rows | range(length) as $small | range($small + 1; length) as $large
-   | ($rows[$large].a_ns / $rows[$small].a_ns)
-     / ([1, $rows[$large].b_ns / $rows[$small].b_ns] | max)]
+   | ($rows[$large].a / $rows[$small].a)
+     / ([1, $rows[$large].b / $rows[$small].b] | max)]
   | max;
 
 # One more row for each group that has a bound.
@@ -40,7 +43,7 @@ def growth_row:
   {
     row: ("growth over the " + .[0].growth.group),
     ratio: (sort_by(.growth.size) | growth | rounded(4)),
-    a_ns: null, b_ns: null, unit: null, higher_is_better: false,
+    a: null, b: null, unit: null, higher_is_better: false,
     must: .[0].growth.must, goal: null, growth: null
   };
 
@@ -52,6 +55,7 @@ medians as $medians
     machine: (.[0].context | {processor, cpus: .num_cpus, mhz: .mhz_per_cpu, caches, compiler}),
     mode: .[0].context.mode,
     date: .[0].context.date,
+    others_percent: $others,
     repetitions: $medians[0].repetitions,
     rows: ($rows + ($rows | map(select(.growth.must != null)) | group_by(.growth.group)
                     | map(growth_row))

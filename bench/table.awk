@@ -1,5 +1,5 @@
 # Prints rows as an aligned table. A line of input is a row: name, ratio, a and b
-# in nanoseconds, unit, must, goal, whether these are lower bounds, and whether
+# in nanoseconds (bytes where that is the unit), unit, must, goal, whether these are lower bounds, and whether
 # each is kept ("true", "false"); separated by tabs, empty where a row has none.
 BEGIN {
   FS = "\t"
@@ -14,6 +14,9 @@ function time(ns) {
   return sprintf("%.2f ms", ns / 1000000)
 }
 
+function size(bytes) { return sprintf("%.1f MB", bytes / 1e6) }
+function cost(value) { return value != "" && $5 == "bytes" ? size(value) : time(value) }
+
 function bound(value) { return value == "" ? "" : sprintf("%s%.2f", ($8 == "true" ? ">" : ""), value) }
 
 function kept() {
@@ -22,4 +25,4 @@ function kept() {
   return $10 == "false" ? "must" : "yes"
 }
 
-{ printf layout, $1, sprintf("%.2f", $2), time($3), time($4), $5, bound($6), bound($7), kept() }
+{ printf layout, $1, sprintf("%.2f", $2), cost($3), cost($4), $5, bound($6), bound($7), kept() }

@@ -1,6 +1,7 @@
-// The fast searches for a closing parenthesis against the plain one, over random
-// slices. A program of its own, built by every compiler and at every optimisation
-// that users build with: what it checks has been miscompiled before.
+// The fast searches for a closing parenthesis against the plain one, over every
+// arrangement of a few parentheses and over random slices. A program of its own, built by every
+// compiler and at every optimisation that users build with: what it checks has been miscompiled
+// before.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -60,18 +61,35 @@ void compare(const char *name, Search search, const Case &one, unsigned seed) {
   std::exit(1);
 }
 
+void compare_all(const Case &one, unsigned seed) {
+  compare("words", kzoci::tns::close_by_words, one, seed);
+#if defined(__SSE2__)
+  compare("vectors", kzoci::tns::close_by_vectors, one, seed);
+#endif
+  compare("chosen", kzoci::tns::find_close, one, seed);
+}
+
+// Every arrangement of "(", ")" and other characters in eight places of a longer text,
+// which lie within one vector of a block or in two.
+void compare_arrangements() {
+  constexpr std::size_t places = 8;
+  for (const std::size_t first : {0u, 4u, 12u, 28u, 40u, 44u})
+    for (unsigned arrangement = 0; arrangement < 6561; ++arrangement) {
+      Case one = {std::string(60, 'x'), 1};
+      for (unsigned i = 0, rest = arrangement; i < places; ++i, rest /= 3)
+        one.text[first + i] = "x()"[rest % 3];
+      for (one.depth = 1; one.depth <= 5; ++one.depth) compare_all(one, arrangement);
+    }
+}
+
 }  // namespace
 
 int main() {
+  compare_arrangements();
   for (unsigned seed = 0; seed < 50; ++seed) {
     std::mt19937_64 random(seed);
     for (int i = 0; i < 2000; ++i) {
-      const Case one = make_case(random);
-      compare("words", kzoci::tns::close_by_words, one, seed);
-#if defined(__SSE2__)
-      compare("vectors", kzoci::tns::close_by_vectors, one, seed);
-#endif
-      compare("chosen", kzoci::tns::find_close, one, seed);
+      compare_all(make_case(random), seed);
     }
   }
   return 0;

@@ -680,6 +680,22 @@ TEST_F(ScanTest, ANameMayHoldAZeroByte) {
   EXPECT_EQ(tns_.tns_service_count, 1u);
 }
 
+// Names are compared as texts that a zero byte ends.
+TEST_F(ScanTest, WhatStandsAfterAZeroByteOfANameIsNotCompared) {
+  names_file(entry(bytes("my\0db"sv), "h"));
+  EXPECT_EQ(build(tns_, bytes("my\0xx"sv)), found);
+  EXPECT_EQ(build(tns_, bytes("mx\0db"sv)), absent);
+}
+
+TEST_F(ScanTest, NamesOfOneLengthMayDifferAnywhere) {
+  for (const char *name : {"Xydb", "mXdb", "myXb", "mydX"}) {
+    SCOPED_TRACE(name);
+    begin();
+    EXPECT_EQ(look_up(entry("mydb", "h"), name), absent);
+    end({});
+  }
+}
+
 TEST_F(ScanTest, AnEmptyNameMatchesOnlyAnEmptyName) {
   const ScanRow rows[] = {
       {"an empty pair of quotes", "\"\" = (LOG_COUNT = 4)", "", found,

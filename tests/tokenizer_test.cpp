@@ -755,6 +755,18 @@ TEST_F(Tokenizer, GoesOnInsideAComment) {
   EXPECT_EQ(support::log_records(), Lines{"DEBUG get key size:4, key:name"});
 }
 
+// In a comment a line feed is its end before it is a blank.
+TEST_F(Tokenizer, LineFeedAtHandEndsTheComment) {
+  constexpr std::string_view at_hand = "\n= no comment";
+  DescriptorState state("");
+  at_hand.copy(state.params.tns_buffer, at_hand.size());
+  state.params.buffer_len = static_cast<ub4>(at_hand.size());
+  state.params.is_comment = 1;
+  EXPECT_EQ(KZCITnsParse(&state.params, TNS_EQUAL_SIGN), 0);
+  EXPECT_EQ(state.params.buffer_pos, 2u);
+  EXPECT_EQ(state.params.is_comment, 0);
+}
+
 // ----------------------------------------------------------------------
 // The expected token
 // ----------------------------------------------------------------------

@@ -22,7 +22,10 @@ namespace {
 Options the_options;
 
 double measurement_seconds() { return options().quick ? 0.006 : 0.03; }
-int repetitions() { return options().quick ? 9 : 15; }
+int repetitions_of(const Row &row) {
+  if (row.repetitions != 0) return row.repetitions;
+  return options().quick ? 9 : 15;
+}
 
 // The clock is the thread's processor time: what other programs take of the
 // machine is not counted, and nothing that is measured here waits.
@@ -66,11 +69,11 @@ void measure(benchmark::State &state, RunningRow &running) {
     a = running.costs->a();
     b = running.costs->b();
   }
-  if (++running.done == repetitions()) running.costs.reset();
+  if (++running.done == repetitions_of(row)) running.costs.reset();
   const bool higher = row.better == Better::higher;
   state.counters["ratio"] = higher ? b / a : a / b;
-  state.counters["a_ns"] = a;
-  state.counters["b_ns"] = b;
+  state.counters["a"] = a;
+  state.counters["b"] = b;
   // What a row does not have is left out.
   const auto note = [&](const char *name, double value) {
     if (value != 0) state.counters[name] = value;
@@ -151,11 +154,12 @@ Cost cost_of(Work work, double units) {
 
 void add_row(Row row) {
   const std::string name = row.name;
+  const int repetitions = repetitions_of(row);
   auto running = std::make_shared<RunningRow>(RunningRow{std::move(row)});
   benchmark::RegisterBenchmark(name.c_str(),
                                [running](benchmark::State &state) { measure(state, *running); })
       ->Iterations(1)
-      ->Repetitions(repetitions())
+      ->Repetitions(repetitions)
       ->ReportAggregatesOnly();
 }
 

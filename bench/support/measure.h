@@ -32,7 +32,7 @@ Work repeat(Once once) {
   };
 }
 
-// Nanoseconds of something; every call measures anew.
+// Nanoseconds of something, or bytes; every call measures anew.
 using Cost = std::function<double()>;
 
 // What one unit of the work costs, doing it once being so many units. The first
@@ -62,11 +62,12 @@ struct Growth {
 
 struct Row {
   std::string name;              // reads as the ratio: "last of 100 / R"
-  std::string unit;              // what a_ns and b_ns are of: "lookup", "entry"
+  std::string unit;              // what a and b are of: "lookup", "entry"; "bytes": are bytes
   std::function<Costs()> setup;  // prepares the two; called before the first measurement
   Target target = {};
   Better better = Better::lower;  // higher: the ratio is that of throughputs, b over a
   Growth growth = {};
+  int repetitions = 0;  // 0: as many as usual
 };
 
 void add_row(Row row);

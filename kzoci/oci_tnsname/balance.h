@@ -51,30 +51,66 @@ inline const char *close_by_words(const char *at, const char *end, sb8 &depth) {
 }
 
 #if defined(__SSE2__)
-// Thirty-two characters at a time. Each "(" becomes the byte 0x40 and each ")" the
-// byte 0x41, so that one sum of all bytes holds 64 times their number plus the
-// number of ")". As above, the end can only be here when there are at least depth
-// ")"; then the words look for it.
+// Where the parentheses of a block are, a bit for each of its characters.
+struct Places {
+  std::uint64_t opened;
+  std::uint64_t closed;
+};
+
+inline std::uint64_t without_first(std::uint64_t places) { return places & (places - 1); }
+
+// The end among these places, which have at least depth ")"; null when it is after them.
+// Usually it is the depth-th ")". A "(" in front of that takes one ")" more; it is found
+// below the lowest bit of closed, all that is set in closed - 1 but other ")".
+inline const char *close_by_places(const char *at, Places places, sb8 depth) {
+  for (; depth > 1; --depth) places.closed = without_first(places.closed);
+  while (places.closed != 0) {
+    if ((places.opened & (places.closed - 1)) == 0) return at + std::countr_zero(places.closed) + 1;
+    places.opened = without_first(places.opened);
+    places.closed = without_first(places.closed);
+  }
+  return nullptr;
+}
+
+// Sixteen characters.
+struct Sixteen {
+  __m128i characters;
+
+  explicit Sixteen(const char *at)
+      : characters(_mm_loadu_si128(reinterpret_cast<const __m128i *>(at))) {}
+
+  std::uint64_t places_of(char c) const {
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(characters, _mm_set1_epi8(c))));
+  }
+
+  // The byte 0x40 for each "(", 0x41 for each ")", 0 for all others.
+  __m128i weights() const {
+    const __m128i but_lowest_bit = _mm_set1_epi8(static_cast<char>(0xFE));
+    const __m128i found =
+        _mm_cmpeq_epi8(_mm_and_si128(characters, but_lowest_bit), _mm_set1_epi8('('));
+    return _mm_and_si128(found, _mm_add_epi8(characters, _mm_set1_epi8(0x40 - '(')));
+  }
+};
+
+// Forty-eight characters at a time. The sum of their weights, of which a byte holds three,
+// is 64 times the number of parentheses plus the number of ")". As above, the end can only
+// be here when there are at least depth ")"; only then it is looked for.
 inline const char *close_by_vectors(const char *at, const char *end, sb8 &depth) {
-  constexpr int width = 32;
-  const __m128i both = _mm_set1_epi8('(');
-  const __m128i but_lowest_bit = _mm_set1_epi8(static_cast<char>(0xFE));
-  const __m128i weight = _mm_set1_epi8(0x40 - '(');
-  const auto weigh = [&](const char *sixteen) {
-    const __m128i characters = _mm_loadu_si128(reinterpret_cast<const __m128i *>(sixteen));
-    const __m128i found = _mm_cmpeq_epi8(_mm_and_si128(characters, but_lowest_bit), both);
-    return _mm_and_si128(found, _mm_add_epi8(characters, weight));
-  };
-  for (; end - at >= width; at += width) {
-    const __m128i weights = _mm_add_epi8(weigh(at), weigh(at + 16));
+  constexpr int width = 48;
+  for (auto left = end - at; left >= width; left -= width, at += width) {
+    const Sixteen parts[] = {Sixteen(at), Sixteen(at + 16), Sixteen(at + 32)};
+    const __m128i weights =
+        _mm_add_epi8(_mm_add_epi8(parts[0].weights(), parts[1].weights()), parts[2].weights());
     const __m128i sums = _mm_sad_epu8(weights, _mm_setzero_si128());
     const auto sum = static_cast<unsigned>(
         _mm_cvtsi128_si32(_mm_add_epi32(sums, _mm_unpackhi_epi64(sums, sums))));
     const sb8 closed = sum % 64;
     if (depth <= closed) {
-      const char *const closing = close_by_words(at, at + width, depth);
+      const auto places_of = [&](char c) {
+        return parts[0].places_of(c) | parts[1].places_of(c) << 16 | parts[2].places_of(c) << 32;
+      };
+      const char *const closing = close_by_places(at, {places_of('('), places_of(')')}, depth);
       if (closing != nullptr) return closing;
-      continue;
     }
     depth += static_cast<sb8>(sum / 64) - 2 * closed;
   }

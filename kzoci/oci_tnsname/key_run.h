@@ -51,14 +51,18 @@ struct VectorBlock {
   }
 
   static void move(char *to, const char *from, ub4 count) {
-    const __m128i places = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
-    const __m128i taken = _mm_cmplt_epi8(places, _mm_set1_epi8(static_cast<char>(count)));
+    const __m128i taken = load(ones_and_zeros + width - count);
     const __m128i moved =
         _mm_or_si128(_mm_and_si128(taken, load(from)), _mm_andnot_si128(taken, load(to)));
     _mm_storeu_si128(reinterpret_cast<__m128i *>(to), moved);
   }
 
  private:
+  // All bits set in the first half: what is loaded from a place in it selects as many
+  // characters as are left of that half.
+  static constexpr char ones_and_zeros[2 * width + 1] =
+      "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF";
+
   static __m128i load(const char *from) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i *>(from));
   }

@@ -5,6 +5,7 @@
 //
 // The scan ends at the first entry of the name, at the reserved entry, or at
 // the end of the file.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -42,17 +43,22 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   return success;
 }
 
-// The name sought, as it is compared and logged.
+// The name sought, as it is compared and logged. Unless it holds a zero byte, at which the
+// comparison ends, a name with another last character is another one.
 struct SoughtName {
   const char *text;
   ub4 length;
+  bool last_tells = length > 0 && std::find(text, text + length, '\0') == text + length;
 
   int text_precision() const { return precision(length); }
 };
 
+// Names of one length that differ usually do so at their ends.
 bool is_sought(const SoughtName &sought, const KZCITnsParseParams &params) {
-  return params.tns_key_len == sought.length &&
-         std::strncmp(sought.text, params.tns_key, sought.length) == 0;
+  const ub4 length = sought.length;
+  if (params.tns_key_len != length) return false;
+  if (sought.last_tells && params.tns_key[length - 1] != sought.text[length - 1]) return false;
+  return std::strncmp(sought.text, params.tns_key, length) == 0;
 }
 
 sword build_entry(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &sought,
@@ -76,8 +82,8 @@ sword skip_entry(KZCITnsParseParams *params, const SoughtName &sought) {
 sword scan_entries(KZCITns *tns, KZCITnsParseParams *params, const SoughtName &sought,
                    boolean *find) {
   while (params->is_eof != 1 && *find != 1) {
-    sword status = expect(params, TNS_KEY);
-    if (status == success) status = expect(params, TNS_EQUAL_SIGN);
+    sword status = expect_after_blanks(params, TNS_KEY);
+    if (status == success) status = expect_after_blanks(params, TNS_EQUAL_SIGN);
     if (status == success)
       status = is_sought(sought, *params) ? build_entry(tns, params, sought, find)
                                           : skip_entry(params, sought);
@@ -112,13 +118,14 @@ sword look_up(KZCITns *tns, const SoughtName &sought, boolean *find) {
 }  // namespace
 
 boolean IsDescriptionTns(char *description, ub4 description_len) {
-  // Zero bytes after a shorter text keep it from matching.
-  char collected[20] = {};
-  std::size_t count = 0;
+  ub4 matched = 0;
   const sb4 length = static_cast<sb4>(description_len);
-  for (sb4 i = 0; i < length && count < descriptor_prefix_length; ++i)
-    if (!is_any_of(description[i], blank)) collected[count++] = description[i];
-  return kzoci::is_same_text(collected, descriptor_prefix, descriptor_prefix_length);
+  for (sb4 i = 0; i < length; ++i) {
+    if (is_any_of(description[i], blank)) continue;
+    if (kzoci::capital(description[i]) != descriptor_prefix[matched]) return 0;
+    if (++matched == descriptor_prefix_length) return 1;
+  }
+  return 0;
 }
 
 sword KZCITnsBuild(KZCITns *tns, const OraText *dbname, ub4 dbname_len, boolean *find) {

@@ -16,7 +16,15 @@ namespace {
 // that a longer name never counts; letter case matters here.
 bool ends_scan(const KZCITnsParseParams &params) {
   const std::size_t length = std::min<std::size_t>(params.tns_key_len, sizeof reserved_name);
+  if (length > 0 && params.tns_key[0] != reserved_name[0]) return false;  // most names
   return std::memcmp(params.tns_key, reserved_name, length) == 0;
+}
+
+// Consumes the "(" that the entry begins with.
+sword begin_body(KZCITnsParseParams *params) {
+  pass_plain_blanks(*params);
+  if (take_sign(params, TNS_LEFT_PARENTHESES)) return success;
+  return reported(KZCITnsParse(params, TNS_LEFT_PARENTHESES), message::token_failed);
 }
 
 // Consumes characters until the depth is 0 (true) or the buffer's end (false).
@@ -38,7 +46,7 @@ sword KZCITnsServiceSkip(KZCITnsParseParams *parse_params) {
     parse_params->is_eof = 1;
     return success;
   }
-  sword status = reported(KZCITnsParse(parse_params, TNS_LEFT_PARENTHESES), message::token_failed);
+  sword status = begin_body(parse_params);
   if (status != success) return status;
   sb8 depth = 1;
   do {

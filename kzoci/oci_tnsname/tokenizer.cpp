@@ -10,17 +10,17 @@
 #include "tokenizer.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "character_class.h"
 #include "key_run.h"
 #include "log.h"
+#include "set_to_zero.h"
 
 namespace kzoci::tns {
 
 void begin_parse(KZCITnsParseParams *params, int mode) {
   constexpr std::size_t tail = offsetof(KZCITnsParseParams, tns_key);
-  std::memset(reinterpret_cast<char *>(params) + tail, 0, sizeof *params - tail);
+  set_to_zero(reinterpret_cast<char *>(params) + tail, sizeof *params - tail);
   params->mode = mode;
 }
 
@@ -194,6 +194,7 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
   return success;
 }
 
+// The long way to a token: over comments and refills.
 [[gnu::noinline]] sword take_token_after_blanks(KZCITnsParseParams *params,
                                                 KZCITnsTokenType expect_type) {
   const sword status = KZCITnsParseBlank(params);
@@ -202,21 +203,29 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
   return status;
 }
 
+// The token that comes next, most of which are short keys that are at hand.
+inline sword next_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
+  if (expect_type == TNS_KEY && params->is_comment != 1) {
+    const ub4 length = short_key_length(*params);
+    if (length > 0) {
+      params->tns_token_type = TNS_KEY;
+      return take_short_key(*params, length);
+    }
+  }
+  pass_plain_blanks(*params);
+  return is_at_token(*params) ? take_token(params, expect_type)
+                              : take_token_after_blanks(params, expect_type);
+}
+
 }  // namespace
 
 sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_type) {
   if (parse_params == nullptr) return invalid_handle;
-  if (expect_type == TNS_KEY && parse_params->is_comment != 1) {
-    const ub4 length = short_key_length(*parse_params);
-    if (length > 0) {
-      parse_params->tns_token_type = TNS_KEY;
-      return take_short_key(*parse_params, length);
-    }
-  }
-  return is_at_token(*parse_params) ? take_token(parse_params, expect_type)
-                                    : take_token_after_blanks(parse_params, expect_type);
+  return next_token(parse_params, expect_type);
 }
 
-sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
-  return reported(KZCITnsParse(params, type), message::token_failed);
+// Every key that the builders read comes through here, so nothing but the longer ways is
+// called.
+[[gnu::flatten]] sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  return reported(next_token(params, type), message::token_failed);
 }

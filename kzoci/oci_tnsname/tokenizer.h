@@ -21,15 +21,29 @@ inline sword need_character(KZCITnsParseParams *params, const Message<> &refill_
   return params->buffer_pos < params->buffer_len ? success : refill(params, refill_failed);
 }
 
+// The character of a token that is no key.
+constexpr char sign_character(KZCITnsTokenType sign) {
+  if (sign == TNS_EQUAL_SIGN) return '=';
+  return sign == TNS_LEFT_PARENTHESES ? '(' : ')';
+}
+
 // Consumes the parenthesis or equal sign of this type if it is the next character.
 // Most tokens are one of these, so this short way is inline.
 inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
   if (sign == TNS_KEY || params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
-      token_type(params->tns_buffer[params->buffer_pos]) != sign)
+      params->tns_buffer[params->buffer_pos] != sign_character(sign))
     return false;
   params->tns_token_type = sign;
   ++params->buffer_pos;
   return true;
+}
+
+// Consumes blanks of the buffer as far as no comment is among them.
+inline void pass_plain_blanks(KZCITnsParseParams &params) {
+  if (params.is_comment == 1) return;
+  ub4 at = params.buffer_pos;
+  while (at < params.buffer_len && is_any_of(params.tns_buffer[at], blank)) ++at;
+  params.buffer_pos = at;
 }
 
 // KZCITnsParse, with its failure logged.
@@ -38,6 +52,12 @@ sword parse_token(KZCITnsParseParams *params, KZCITnsTokenType type);
 // Consumes a token of this type; a failure is logged and its status returned.
 inline sword expect(KZCITnsParseParams *params, KZCITnsTokenType type) {
   return take_sign(params, type) ? success : parse_token(params, type);
+}
+
+// The same where blanks usually precede the token.
+inline sword expect_after_blanks(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  pass_plain_blanks(*params);
+  return expect(params, type);
 }
 
 }  // namespace kzoci::tns

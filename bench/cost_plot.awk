@@ -1,15 +1,22 @@
-# Draws the cost of looking up the last entry over the number of entries, both on
-# logarithmic axes, as SVG. A line of input is a point: curve, entries, seconds;
-# separated by tabs, the points of a curve in their order.
+# Draws times over the number of entries of a file, both on logarithmic axes, as SVG.
+#
+#   awk -v title=TITLE -v axis=TEXT -v curves="NAME..." -f bench/cost_plot.awk
+#
+# axis is the text beside the times, curves those that are drawn, in their order. A line of
+# input is a point: curve, entries, seconds; separated by tabs, the points of a curve in
+# their order.
 BEGIN {
   FS = "\t"
   width = 760; height = 500
   left = 86; right = 46; top = 58; bottom = 64
   colour["ours"] = "#1261a0"; label["ours"] = "a name, looked up by this library"
   colour["libpq"] = "#c2571a"; label["libpq"] = "a service, looked up by libpq in its own file"
+  colour["check"] = "#1261a0"; label["check"] = "kztns check"
+  colour["list"] = "#2e7d4f"; label["list"] = "kztns list"
+  colour["fix"] = "#c2571a"; label["fix"] = "kztns fix"
   colour["R"] = "#6b6b6b"; label["R"] = "R: the names file read and nothing more"
   dashes["R"] = " stroke-dasharray=\"6 4\""
-  split("libpq ours R", order, " ")
+  split(curves, order, " ")
 }
 
 function log10(x) { return log(x) / log(10) }
@@ -57,7 +64,7 @@ function draw_axes(    power, factor, at) {
   }
   printf "<rect x=\"%d\" y=\"%d\" width=\"%d\" height=\"%d\" fill=\"none\" stroke=\"#8c8c8c\"/>\n", left, top, width - left - right, height - top - bottom
   text((left + width - right) / 2, height - 18, "text-anchor=\"middle\"", "entries in the file")
-  printf "<text transform=\"translate(20 %.1f) rotate(-90)\" text-anchor=\"middle\">time of a lookup</text>\n", (top + height - bottom) / 2
+  printf "<text transform=\"translate(20 %.1f) rotate(-90)\" text-anchor=\"middle\">%s</text>\n", (top + height - bottom) / 2, axis
 }
 
 function draw_curve(curve,    i) {
@@ -101,7 +108,7 @@ END {
   y_low = floor(log10(y_min) + 1e-9); y_high = ceiling(log10(y_max) - 1e-9)
   printf "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 %d %d\" width=\"%d\" height=\"%d\" font-family=\"Helvetica, Arial, sans-serif\" font-size=\"13\" fill=\"#333333\">\n", width, height, width, height
   printf "<rect width=\"%d\" height=\"%d\" fill=\"#fdfdfb\"/>\n", width, height
-  text(left, 32, "font-size=\"17\" font-weight=\"bold\"", "Looking up the last entry of a file")
+  text(left, 32, "font-size=\"17\" font-weight=\"bold\"", title)
   draw_axes()
   for (i = 1; i in order; i++) if (points[order[i]]) draw_curve(order[i])
   draw_legend()
