@@ -1,4 +1,4 @@
-# How tests are compiled; included by the folders that hold them.
+# How tests are compiled and run; included by the folders that hold them.
 #
 # Alike in every build, so that builds share the compiler cache: what is tested is
 # optimised and instrumented, a test is not, since optimising it takes longer than
@@ -17,3 +17,9 @@ endif()
 function(kzoci_busy_test_code target)
   target_compile_options(${target} PRIVATE -O2)
 endfunction()
+
+# Seconds that a test may take. An emulator needs many times what the processor itself does.
+set(kzoci_test_timeout 300)
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+  set(kzoci_test_timeout 6000)
+endif()

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -346,7 +347,7 @@ TEST_F(RecordDefaults, ServiceNameLeavesWhatIsAfterItAlone) {
 // The fixed part ends after the name's first bytes; a shorter name is followed by zeros
 // there.
 TEST_F(RecordDefaults, TheWholeFixedPartOfAServiceIsSet) {
-  for (const std::size_t length : {0, 1, 2, 3, 4, 5}) {
+  for (const std::size_t length : std::initializer_list<std::size_t>{0, 1, 2, 3, 4, 5}) {
     SCOPED_TRACE(length);
     const std::string name = std::string("abcde").substr(0, length);
     auto *service = allocate<KZCITnsService>("service", length);

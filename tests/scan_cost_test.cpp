@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -108,7 +109,7 @@ class ScanCost : public testing::Test {
 
 TEST_F(ScanCost, AllocationsAreTheRecordsWhereverTheEntryStands) {
   write_entries(500);
-  for (const std::size_t number : {0u, 1u, 250u, 499u}) {
+  for (const std::size_t number : std::initializer_list<std::size_t>{0, 1, 250, 499}) {
     const Counts one = look_up(name_of(number));
     EXPECT_EQ(one.allocations, records_of_an_entry) << number;
     EXPECT_EQ(one.releases, records_of_an_entry) << number;
@@ -136,7 +137,7 @@ TEST_F(ScanCost, ALiteralAllocatesItsRecords) {
 TEST_F(ScanCost, ReadsAreTheSlicesUpToWhereTheLookupStops) {
   write_entries(500);
   const std::size_t width = entry(0).size();
-  for (const std::size_t number : {0u, 1u, 5u, 6u, 7u, 250u, 498u}) {
+  for (const std::size_t number : std::initializer_list<std::size_t>{0, 1, 5, 6, 7, 250, 498}) {
     const std::size_t stop = (number + 1) * width + 1;
     EXPECT_EQ(look_up(name_of(number)).reads, (stop + slice - 1) / slice) << number;
   }
@@ -154,7 +155,7 @@ TEST_F(ScanCost, TheEndOfTheFileIsOneReadMore) {
 TEST_F(ScanCost, TwoLogCallsForAnEntryPassedAndOneForARefill) {
   write_entries(500);
   const Counts first = look_up(name_of(0));
-  for (const std::size_t number : {1u, 7u, 250u, 498u}) {
+  for (const std::size_t number : std::initializer_list<std::size_t>{1, 7, 250, 498}) {
     const Counts one = look_up(name_of(number));
     EXPECT_EQ(one.logs - first.logs, 2 * number + (one.reads - first.reads)) << number;
   }

@@ -20,7 +20,8 @@ bool has_buffer(const KZCISLowSQL *slowsql) {
 
 // A zeroed buffer; null without memory, also for a size that memory cannot have.
 char *new_buffer(sb8 size) {
-  if (static_cast<std::uint64_t>(size) > SIZE_MAX) return nullptr;
+  if constexpr (SIZE_MAX < UINT64_MAX)
+    if (static_cast<std::uint64_t>(size) > SIZE_MAX) return nullptr;
   const auto characters = static_cast<std::size_t>(size);
   void *const buffer = kzci_malloc(characters, "KZCISlowSQLBufferInit");
   if (buffer != nullptr) std::memset(buffer, 0, characters);

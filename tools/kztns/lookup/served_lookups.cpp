@@ -43,7 +43,8 @@ std::vector<ServedName> some_of(std::vector<ServedName> names, std::uint64_t mos
   std::sort(names.begin(), names.end(),
             [](const ServedName &left, const ServedName &right) { return left.at < right.at; });
   std::vector<ServedName> some;
-  for (std::size_t i = 0; i < names.size(); i += step) some.push_back(names[i]);
+  for (std::uint64_t i = 0; i < names.size(); i += step)
+    some.push_back(names[static_cast<std::size_t>(i)]);
   return some;
 }
 
