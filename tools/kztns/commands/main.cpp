@@ -142,6 +142,7 @@ int run_lookup(const CLI::App &command, const Arguments &arguments) {
 int run(const CLI::App &command, const Arguments &arguments) {
   if (command.get_name() == "check") return kztns::run_check(command, arguments);
   if (command.get_name() == "fix") return kztns::run_fix(command, arguments);
+  if (command.get_name() == "format") return kztns::run_format(command, arguments);
   if (command.get_name() == "list") return kztns::run_list(command, arguments);
   return run_lookup(command, arguments);
 }
@@ -222,6 +223,7 @@ int main(int argc, char **argv) {
   add_why(app, arguments);
   kztns::add_check(app, arguments);
   kztns::add_fix(app, arguments);
+  kztns::add_format(app, arguments);
   kztns::add_list(app, arguments);
   try {
     app.parse(argc, argv);
