@@ -331,15 +331,16 @@ TEST(Lsp, Formats) {
 
 TEST(Lsp, CountsPositionsAsNegotiated) {
   // "ä" is one unit of UTF-16 and two bytes.
-  const std::string text = "a = (DESCRIPTION = (CONNECT_DATA = (SID = \xC3\xA4)(X = 1)))\n";
-  for (const auto &[encoding, character] : {std::pair("utf-16", 45u), std::pair("utf-8", 46u)}) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n"
+      "  (CONNECT_DATA = (SID = \xC3\xA4)(X = 1)))\n";
+  for (const auto &[encoding, character] : {std::pair("utf-16", 28u), std::pair("utf-8", 29u)}) {
     LspClient client;
     client.initialize(encoding);
     client.open(text);
-    const Json &diagnostics = client.diagnostics();
-    ASSERT_FALSE(diagnostics.empty());
-    EXPECT_EQ(diagnostics[0]["code"], "unknown-key");
-    EXPECT_EQ(diagnostics[0]["range"]["start"]["character"], character);
+    ASSERT_EQ(client.diagnostics().size(), 1u);
+    expect_has(client.diagnostics()[0],
+               {{"code", "unknown-key"}, {"range", range(1, character, character + 1)}});
   }
 }
 

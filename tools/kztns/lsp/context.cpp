@@ -24,11 +24,13 @@ class Reader {
  public:
   Reader(std::string_view text, Content entry) : text_(text), contents_{entry} {}
 
-  // Whether there is more to come: an entry ends before a word that follows its items.
-  bool take(const Piece &piece) {
-    if (piece.kind == PieceKind::comment) return true;
-    if (piece.kind == PieceKind::word && last_ == PieceKind::close && contents_.size() == 1)
-      return false;
+  // An entry ends before a word that follows its items.
+  bool ends_before(const Piece &piece) const {
+    return piece.kind == PieceKind::word && last_ == PieceKind::close && contents_.size() == 1;
+  }
+
+  void take(const Piece &piece) {
+    if (piece.kind == PieceKind::comment) return;
     if (piece.kind == PieceKind::open) {
       if (!key_.empty()) contents_.push_back(placement().content);
       key_ = {};
@@ -39,7 +41,6 @@ class Reader {
     }
     if (piece.kind == PieceKind::word && last_ == PieceKind::open) key_ = slice(piece.span);
     if (piece.kind != PieceKind::word) last_ = piece.kind;
-    return true;
   }
 
   // What a word is that comes next, or the one that came last.
@@ -77,10 +78,10 @@ Place place_in_entry(std::string_view text, const WrittenEntry &entry, Offset at
   Reader reader(text, content_of(is_reserved(name) ? Block::system_variables : Block::entry));
   const std::string_view read = whole_word ? text : text.substr(0, at);
   for (const Piece &piece : pieces_of(read, entry.body, at)) {
-    const bool at_end = piece.span.end >= at;
-    if (piece.kind == PieceKind::comment && at_end) return {};
-    if (piece.kind == PieceKind::word && at_end) return reader.place(piece.span);
-    if (!reader.take(piece)) return {};
+    if (reader.ends_before(piece)) return {};
+    if (piece.kind == PieceKind::comment && text.find('\n', piece.span.end) >= at) return {};
+    if (piece.kind == PieceKind::word && piece.span.end >= at) return reader.place(piece.span);
+    reader.take(piece);
   }
   return reader.place({at, at});
 }
