@@ -14,6 +14,7 @@
 #include "lsp/framing.h"
 #include "lsp/serve.h"
 #include "support/lsp_client.h"
+#include "trace/key_words.h"
 
 using kztns::lsp::Json;
 using support::LspClient;
@@ -99,6 +100,24 @@ TEST(Lsp, ExchangesAsRecorded) {
     ++count;
   }
   EXPECT_GE(count, 3);
+}
+
+// What editors highlight without the server knows every key, and every word.
+TEST(Lsp, TheGrammarForHighlightingKnowsEveryKey) {
+  std::ifstream file(KZOCI_SOURCE_DIR "/editors/textmate/tnsnames.tmLanguage.json");
+  const Json repository = Json::parse(file)["repository"];
+  const auto has = [](const std::string &pattern, const std::string &word) {
+    for (const char before : {'(', '|'})
+      for (const char after : {')', '|'})
+        if (pattern.find(before + word + after) != std::string::npos) return true;
+    return false;
+  };
+  for (const kztns::Key &key : kzoci::tns::grammar) {
+    const bool is_block = key.value.kind == kztns::ValueKind::block;
+    EXPECT_TRUE(has(repository[is_block ? "block-key" : "key"]["match"], key.word)) << key.word;
+    for (const std::string_view word : kztns::choices(key))
+      EXPECT_TRUE(has(repository["value"]["patterns"][1]["match"], std::string(word))) << word;
+  }
 }
 
 TEST(Lsp, TellsOfTheFirstEntryOfAName) {

@@ -9,18 +9,18 @@ namespace kztns::lsp {
 Json diagnostics_of(const Analysis &analysis, const std::string &uri, const Document &document,
                     const ClientFeatures &client, const std::string &documents);
 
-Json code_actions(Question &question);
+Json code_actions(const Question &question);
 // The edit of an action that was chosen; of another document than before it has none.
-Json resolved_action(Question &question);
+Json resolved_action(const Question &question);
 
-Json completion(Question &question);
-Json hover(Question &question);
-Json document_symbols(Question &question);
-Json folding_ranges(Question &question);
-Json definition(Question &question);
-Json prepare_rename(Question &question);
-Json rename(Question &question);
-Json format_document(Question &question);
-Json format_range(Question &question);
+Json completion(const Question &question);
+Json hover(const Question &question);
+Json document_symbols(const Question &question);
+Json folding_ranges(const Question &question);
+Json definition(const Question &question);
+Json prepare_rename(const Question &question);
+Json rename(const Question &question);
+Json format_document(const Question &question);
+Json format_range(const Question &question);
 
 }  // namespace kztns::lsp

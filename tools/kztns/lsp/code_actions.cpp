@@ -101,7 +101,7 @@ Json action_of_all(const Question &question) {
 
 }  // namespace
 
-Json code_actions(Question &question) {
+Json code_actions(const Question &question) {
   const std::optional<LineRange> range = range_in(member(question.params, "range"));
   if (!range) return question.refuse(invalid_params, "expected a range");
   Json actions = Json::array();
@@ -116,7 +116,7 @@ Json code_actions(Question &question) {
   return actions;
 }
 
-Json resolved_action(Question &question) {
+Json resolved_action(const Question &question) {
   Json action = question.params;
   if (integer_in(member(action, "data", "version")) == question.document.version())
     action["edit"] = edit_of_all(question);

@@ -59,7 +59,7 @@ Json words(const Place &place, const LineRange &range) {
 
 }  // namespace
 
-Json completion(Question &question) {
+Json completion(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return question.refuse(invalid_params, "expected a position");
   const std::string &text = question.document.text();

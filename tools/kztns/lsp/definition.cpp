@@ -17,7 +17,7 @@ std::string_view line_at(std::string_view text, Offset at) {
 
 }  // namespace
 
-Json definition(Question &question) {
+Json definition(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return question.refuse(invalid_params, "expected a position");
   const Offset at = question.document.offset(*position);

@@ -26,9 +26,9 @@ Json formatted(const Question &question, const std::optional<Span> &range) {
 
 }  // namespace
 
-Json format_document(Question &question) { return formatted(question, std::nullopt); }
+Json format_document(const Question &question) { return formatted(question, std::nullopt); }
 
-Json format_range(Question &question) {
+Json format_range(const Question &question) {
   const std::optional<LineRange> range = range_in(member(question.params, "range"));
   if (!range) return question.refuse(invalid_params, "expected a range");
   return formatted(question, question.document.span(*range));

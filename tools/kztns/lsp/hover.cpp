@@ -130,7 +130,7 @@ std::string text_of_item(const Question &question, const Place &place) {
 
 }  // namespace
 
-Json hover(Question &question) {
+Json hover(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return question.refuse(invalid_params, "expected a position");
   const Offset at = question.document.offset(*position);

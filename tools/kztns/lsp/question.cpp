@@ -25,8 +25,8 @@ std::string with_line_ends(std::string text, bool crlf) {
 
 }  // namespace
 
-Json Question::refuse(ErrorCode code, std::string message) {
-  failure = {code, std::move(message)};
+Json Question::refuse(ErrorCode code, std::string message) const {
+  failure = Failure{code, std::move(message)};
   return nullptr;
 }
 

@@ -42,9 +42,9 @@ struct Question {
   const ClientFeatures &client;
   std::string documents;  // URI of the rules' texts; empty for none
   std::function<std::shared_ptr<const Analysis>()> analyse;  // of the document's text
-  Failure failure = {invalid_params, {}};                    // where an answer sets a message
+  std::optional<Failure> &failure;                           // for an answer that is none
 
-  Json refuse(ErrorCode code, std::string message);
+  Json refuse(ErrorCode code, std::string message) const;
 };
 
 // A place in a request's parameters; absent for one that is none.

@@ -34,7 +34,7 @@ constexpr char no_name[] = "there is no name of an entry here";
 
 }  // namespace
 
-Json prepare_rename(Question &question) {
+Json prepare_rename(const Question &question) {
   const std::shared_ptr<const Analysis> analysis = question.analyse();
   const AnalysedEntry *const entry = entry_of(question, *analysis);
   if (entry == nullptr) return nullptr;
@@ -42,7 +42,7 @@ Json prepare_rename(Question &question) {
           {"placeholder", visible(entry->name)}};
 }
 
-Json rename(Question &question) {
+Json rename(const Question &question) {
   const std::optional<std::string> name = text_in(member(question.params, "newName"));
   if (!name) return question.refuse(invalid_params, "expected a new name");
   const std::shared_ptr<const Analysis> analysis = question.analyse();

@@ -10,7 +10,7 @@
 namespace kztns::lsp {
 namespace {
 
-using Answer = Json (*)(Question &);
+using Answer = Json (*)(const Question &);
 
 struct Method {
   const char *name;
@@ -132,13 +132,13 @@ void Server::answer(const std::string &method, const Json &id, const Json &param
           .value_or("");
   const auto found = open_.find(uri);
   if (found == open_.end()) return refuse(id, {invalid_params, "no such document is open"});
-  Question question{params,  uri,        found->second.document,
-                    client_, documents_, [&] { return analyse(uri, found->second); }};
-  Json result = known->answer(question);
-  if (question.failure.message.empty())
-    reply(id, std::move(result));
+  std::optional<Failure> failure;
+  Json result = known->answer({params, uri, found->second.document, client_, documents_,
+                               [&] { return analyse(uri, found->second); }, failure});
+  if (failure)
+    refuse(id, *failure);
   else
-    refuse(id, question.failure);
+    reply(id, std::move(result));
 }
 
 void Server::open(const Json &params) {

@@ -39,7 +39,7 @@ void add_folds(const Document &document, const Outline &outline, Json &folds) {
 
 }  // namespace
 
-Json document_symbols(Question &question) {
+Json document_symbols(const Question &question) {
   Json symbols = Json::array();
   for (const Outline &entry : outline_of(question.document.text())) {
     if (question.client.nested_symbols) {
@@ -54,7 +54,7 @@ Json document_symbols(Question &question) {
   return symbols;
 }
 
-Json folding_ranges(Question &question) {
+Json folding_ranges(const Question &question) {
   Json folds = Json::array();
   for (const Outline &entry : outline_of(question.document.text()))
     add_folds(question.document, entry, folds);
