@@ -13,6 +13,8 @@
 #include "io/exit_status.h"
 #include "lsp/framing.h"
 #include "lsp/serve.h"
+#include "rules/mend_file.h"
+#include "support/foreign_files.h"
 #include "support/lsp_client.h"
 #include "trace/key_words.h"
 
@@ -185,6 +187,39 @@ TEST(Lsp, FixesAll) {
   EXPECT_FALSE(client.request("codeAction/resolve", actions[0])["result"].contains("edit"));
 }
 
+// The edits of "fix all" make what kztns fix makes.
+TEST(Lsp, FixesAllAsTheCommandDoes) {
+  std::size_t fixed = 0;
+  const auto expect_same = [&](const std::string &text) {
+    LspClient client;
+    client.request(
+        "initialize",
+        {{"capabilities",
+          {{"textDocument", {{"codeAction", {{"codeActionLiteralSupport", Json::object()}}}}}}}});
+    client.open(text);
+    Json params = client.about(0, 0);
+    params["range"] = range(0, 0, 0);
+    params["context"] = {{"only", {"source.fixAll"}}};
+    const Json actions = client.request("textDocument/codeAction", params)["result"];
+    if (actions.empty()) return;
+    ++fixed;
+    const kztns::NamesText original(text);
+    kztns::Mender mender(original, {"names"});
+    mender.apply_fixes();
+    EXPECT_EQ(applied(text, actions[0]["edit"]["changes"][LspClient::uri]), mender.text().text());
+  };
+  // What is moved comes after what it was before.
+  expect_same("KZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n" + good_entry + "# end\n");
+  constexpr std::size_t files = 60;
+  for (std::size_t seed = 1; seed <= files && !HasFailure(); ++seed) {
+    support::Random random(seed);
+    const support::ForeignFile file = support::random_foreign_file(random);
+    SCOPED_TRACE(file.text);
+    expect_same(file.text);
+  }
+  EXPECT_GT(fixed, files / 10);
+}
+
 TEST(Lsp, NamesTheDiagnosticsThatAFixMends) {
   LspClient client;
   with(client,
@@ -241,6 +276,7 @@ TEST(Lsp, TellsOfEntriesKeysAndWords) {
        "sales = (DESCRIPTION = (KZLB_READ_TIMEOUT = 7)(ADDRESS_LIST = (KZLB_STRATEGY = ro)\n"
        "(ADDRESS = (HOST = h)(PORT = 1)))(CONNECT_DATA = (SERVICE_NAME = s)))\n"
        "other = (DESCRIPTION = (SERVER = x))\n"
+       "odd = (DESCRIPTION = (ADDRESS = (HOST = a`b)(PORT = 1)))\n"
        "KZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n");
   const auto text = [&](unsigned line, unsigned character) {
     const Json result =
@@ -260,7 +296,9 @@ TEST(Lsp, TellsOfEntriesKeysAndWords) {
   const std::string refused = text(2, 0);
   has(refused, "refused");
   has(refused, "[unknown-key]");
-  const std::string reserved = text(3, 3);
+  // What markdown would read is shown as other characters.
+  has(text(3, 0), "- `a'b:1`");
+  const std::string reserved = text(4, 3);
   has(reserved, "reserved: the system variables");
   has(reserved, "- `LOG_COUNT` = `2`\n");
   has(text(0, 30), "read time-out");

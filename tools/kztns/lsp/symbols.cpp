@@ -21,9 +21,7 @@ std::string name_in(const Document &document, Span name) {
 Json symbol_of(const Document &document, const Outline &outline, int kind) {
   Json inner = Json::array();
   for (const Outline &block : outline.inner) inner.push_back(symbol_of(document, block, of_block));
-  // An empty name is none for the protocol.
-  const std::string name = name_in(document, outline.name);
-  return {{"name", name.empty() ? "\"\"" : name},
+  return {{"name", name_in(document, outline.name)},
           {"kind", kind},
           {"range", json_of(document.range(outline.whole))},
           {"selectionRange", json_of(document.range(outline.name))},
