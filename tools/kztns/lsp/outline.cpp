@@ -25,6 +25,12 @@ class Reader {
     }
   }
 
+  // The entry, with what is not closed.
+  Outline finish() {
+    while (open_.size() > 1) close_last();
+    return std::move(open_.front().outline);
+  }
+
  private:
   struct Open {
     Outline outline;
@@ -41,13 +47,12 @@ class Reader {
   }
 
   void end_item() {
-    if (depth_-- >= most_depth) return;
-    Open ended = std::move(open_.back());
-    open_.pop_back();
-    put(std::move(ended));
+    if (depth_-- < most_depth) close_last();
   }
 
-  void put(Open ended) {
+  void close_last() {
+    Open ended = std::move(open_.back());
+    open_.pop_back();
     if (ended.shown) open_.back().outline.inner.push_back(std::move(ended.outline));
   }
 
@@ -55,18 +60,6 @@ class Reader {
     for (Open &open : open_) open.outline.whole.end = end;
   }
 
- public:
-  // The entry, with what is not closed.
-  Outline finish() {
-    while (open_.size() > 1) {
-      Open ended = std::move(open_.back());
-      open_.pop_back();
-      put(std::move(ended));
-    }
-    return std::move(open_.front().outline);
-  }
-
- private:
   std::string_view text_;
   std::vector<Open> open_;
   std::size_t depth_ = 0;
