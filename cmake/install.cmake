@@ -31,6 +31,9 @@ if(KZOCI_BUILD_TOOLS)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/${zsh_dir})
   install(FILES ${completions}/kztns.fish COMPONENT command
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  # The language server's findings link to it.
+  install(FILES docs/diagnostics.md COMPONENT command
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzoci)
   install(TARGETS kzoci_explain EXPORT kzociTargets
           LIBRARY COMPONENT explanation NAMELINK_COMPONENT development)
   install(FILES kzoci/explain.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci

@@ -52,7 +52,7 @@ words() { tr ' ' '\n' <<<"$*"; }
 
 # What the helps have.
 subcommands=$(section Subcommands)
-[ "$(wc -w <<<"$subcommands")" -eq 6 ] || { echo "the help has no subcommands"; exit 1; }
+[ "$(wc -w <<<"$subcommands")" -eq 8 ] || { echo "the help has no subcommands"; exit 1; }
 is 'kztns ' <<<"$subcommands"
 is 'kztns --' < <(section Options | grep -o -- '--.*')
 for subcommand in $subcommands; do

@@ -71,7 +71,7 @@ options_of_help() { "$kztns" "$@" --help | grep -oE '^ +-[^ ]+' | grep -oE -- '-
 options_of_page() { { grep '^\.It Fl' || true; } | grep -oE 'Fl Fl [a-z-]+' | sed 's/Fl Fl /--/'; }
 
 common=$(section kztns.1 '.Ss Options of' '.Ss show' | options_of_page)
-subcommands=(show why check fix list settings)
+subcommands=(show why check fix format lsp list settings)
 same "subcommands" "$(printf '%s\n' "${subcommands[@]}")" \
   "$("$kztns" --help | sed -n '/^Subcommands:/,$ s/^  \([a-z]*\) .*/\1/p')"
 of_helps=$(options_of_help)

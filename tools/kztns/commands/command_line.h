@@ -42,6 +42,12 @@ struct Arguments {
   bool with_unsafe = false;
   bool inline_ifile = false;
   bool comment_out = false;
+  // format
+  std::size_t indent = 2;
+  bool check = false;
+  bool one_address_a_line = false;
+  // lsp
+  bool stdio = false;
   // list
   std::vector<std::string> names;
   std::vector<std::string> verdicts;
@@ -75,6 +81,12 @@ int run_check(const CLI::App &command, const Arguments &arguments);
 
 void add_fix(CLI::App &app, Arguments &arguments);
 int run_fix(const CLI::App &command, const Arguments &arguments);
+
+void add_format(CLI::App &app, Arguments &arguments);
+int run_format(const CLI::App &command, const Arguments &arguments);
+
+void add_lsp(CLI::App &app, Arguments &arguments);
+int run_lsp();
 
 void add_list(CLI::App &app, Arguments &arguments);
 int run_list(const CLI::App &command, const Arguments &arguments);

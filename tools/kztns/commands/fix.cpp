@@ -1,11 +1,9 @@
 #include "commands/fix.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 
+#include "commands/written_file.h"
 #include "io/exit_status.h"
 #include "io/names_file.h"
 #include "io/output.h"
@@ -117,13 +115,13 @@ class Fixer {
   int write() const {
     switch (options_.target) {
       case FixTarget::output:
-        return print(result());
+        return print_text(result());
       case FixTarget::diff:
-        return changed() ? print(diff()) : exit_success;
+        return changed() ? print_text(diff()) : exit_success;
       case FixTarget::in_place:
-        return changed() ? replace(path_, Backup::tilde) : exit_success;
+        return changed() ? replace() : exit_success;
       default:
-        return replace(options_.output, Backup::none);
+        return write_output();
     }
   }
 
@@ -134,28 +132,20 @@ class Fixer {
     return unified_diff(path_, original_.text(), whole);
   }
 
-  static int print(const std::string &text) {
-    if (isatty(STDOUT_FILENO) != 0)
-      std::fputs(visible_lines(text).c_str(), stdout);
-    else
-      std::fwrite(text.data(), 1, text.size(), stdout);
-    return finish_output();
+  int replace() const {
+    const std::optional<std::string> fault =
+        replace_read_file(path_, original_.text(), result(), options_.max_size);
+    return fault ? cannot_write(path_, *fault) : exit_success;
   }
 
-  int replace(const std::string &path, Backup backup) const {
-    std::optional<std::string> fault;
-    if (backup == Backup::tilde) fault = changed_meanwhile();
-    if (!fault) fault = replace_file(path, result(), backup);
-    if (!fault) return exit_success;
-    complain(quoted(visible(path)), *fault);
+  int write_output() const {
+    const std::optional<std::string> fault = replace_file(options_.output, result(), Backup::none);
+    return fault ? cannot_write(options_.output, *fault) : exit_success;
+  }
+
+  static int cannot_write(const std::string &path, const std::string &fault) {
+    complain(quoted(visible(path)), fault);
     return exit_output;
-  }
-
-  std::optional<std::string> changed_meanwhile() const {
-    ReadFault fault;
-    const std::optional<std::string> now = read_file(path_, options_.max_size, fault);
-    if (now && *now == original_.text()) return std::nullopt;
-    return now ? "has changed since it was read" : fault.text;
   }
 
   void tell() const {
@@ -206,23 +196,11 @@ class Fixer {
   std::vector<std::string> include_faults_;
 };
 
-// Whether the file is there and cannot be replaced: it is a pipe, for example.
-bool cannot_be_replaced(const FixOptions &options) {
-  const std::optional<FileChoice> chosen = choose_file(options.file);
-  if (options.file == standard_input) {
-    complain("standard input", "is no file that --in-place could replace");
-    return true;
-  }
-  struct stat status = {};
-  if (!chosen || stat(chosen->path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) return false;
-  complain(quoted(visible(chosen->path)), "is not a regular file: --in-place cannot replace it");
-  return true;
-}
-
 }  // namespace
 
 int fix(const FixOptions &options) {
-  if (options.target == FixTarget::in_place && cannot_be_replaced(options)) return exit_no_input;
+  if (options.target == FixTarget::in_place && cannot_be_replaced(options.file))
+    return exit_no_input;
   std::string path;
   std::optional<std::string> text =
       read_names_file(options.file, options.stdin_name, options.max_size, path);

@@ -142,6 +142,8 @@ int run_lookup(const CLI::App &command, const Arguments &arguments) {
 int run(const CLI::App &command, const Arguments &arguments) {
   if (command.get_name() == "check") return kztns::run_check(command, arguments);
   if (command.get_name() == "fix") return kztns::run_fix(command, arguments);
+  if (command.get_name() == "format") return kztns::run_format(command, arguments);
+  if (command.get_name() == "lsp") return kztns::run_lsp();
   if (command.get_name() == "list") return kztns::run_list(command, arguments);
   return run_lookup(command, arguments);
 }
@@ -156,6 +158,7 @@ std::string subject_of(const CLI::App &app, Arguments &arguments) {
   const std::vector<const CLI::App *> commands = app.get_subcommands({});
   const auto used = std::find_if(commands.begin(), commands.end(),
                                  [](const CLI::App *command) { return command->parsed(); });
+  if (used != commands.end() && (*used)->get_name() == "lsp") return "document";
   const auto file =
       used == commands.end() ? std::nullopt : kztns::choose_file(given_file(**used, arguments));
   return file ? kztns::quoted(kztns::visible(file->path)) : "names file";
@@ -222,7 +225,9 @@ int main(int argc, char **argv) {
   add_why(app, arguments);
   kztns::add_check(app, arguments);
   kztns::add_fix(app, arguments);
+  kztns::add_format(app, arguments);
   kztns::add_list(app, arguments);
+  kztns::add_lsp(app, arguments);
   try {
     app.parse(argc, argv);
     return run(*app.get_subcommands().front(), arguments);

@@ -1,36 +1,19 @@
 #include "report/check_formats.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cstdio>
 
 #include <nlohmann/json.hpp>
 
 #include "kzoci/version.h"
 #include "report/fingerprints.h"
 #include "report/rule_text.h"
+#include "text/uri.h"
 #include "text/utf8.h"
 
 namespace kztns {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// A path as a URI: what is no plain character, as "%..".
-std::string uri_of(const std::string &path) {
-  std::string uri;
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (std::isalnum(byte) != 0 || std::string_view("-._~/").find(c) != std::string_view::npos) {
-      uri += c;
-      continue;
-    }
-    char escaped[4];
-    std::snprintf(escaped, sizeof escaped, "%%%02X", byte);
-    uri += escaped;
-  }
-  return uri.starts_with("/") ? "file://" + uri : uri;
-}
 
 Json artifact(const std::string &uri) { return {{"uri", uri}}; }
 

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,9 +36,10 @@ struct Finding {
   Fix fix;
   // What kztns fix applies the fix among: none where the entry would be refused all the same.
   Applicability applied_among;
-  std::vector<EditPlace> places;  // of the edits; only where the format shows them
-  std::string source;             // the line as it is
-  std::size_t caret;              // index in it of the place
+  std::vector<EditPlace> places;       // of the edits; only where the format shows them
+  std::string source;                  // the line as it is
+  std::size_t caret;                   // index in it of the place
+  std::optional<Offset> related = {};  // a place that the text speaks of
 };
 
 struct ReportEntry {

@@ -231,7 +231,8 @@ class FileRules {
                        ", where every lookup ends" +
                        others(lost, lost.count() == 2 ? "; so does" : "; so do"),
                    one ? "" : "move them before that entry",
-                   move_reserved(scan_)});
+                   move_reserved(scan_),
+                   last.at});
   }
 
   const NamesText &text_;

@@ -38,6 +38,7 @@ void Findings::add(NewFinding found, Severity severity) {
   finding.fix = std::move(found.fix);
   if (copy_ != nullptr) finding.fix.to_origin(*copy_);
   finding.source = text_.line_around(finding.at, finding.caret);
+  if (found.related) finding.related = text_.origin(in_text(*found.related));
   report_.findings.push_back(std::move(finding));
 }
 

@@ -14,6 +14,7 @@ struct NewFinding {
   std::string text;
   std::string remedy = {};
   Fix fix = {};
+  std::optional<Offset> related = {};  // a place that the text speaks of
 };
 
 class Findings {

@@ -8,7 +8,6 @@
 namespace kztns {
 namespace {
 
-constexpr std::string_view mark = "kztns:";
 constexpr std::string_view verb = "ignore";
 constexpr std::string_view blanks_in_line = " \t";
 
@@ -44,7 +43,7 @@ bool at_begin_of_line(std::string_view text, std::size_t at) {
 std::optional<Comment> comment_at(std::string_view text, std::size_t at) {
   const std::size_t sign = pass_blanks_back(text, at);
   if (sign == 0 || text[sign - 1] != '#' || !can_begin(text, sign - 1)) return std::nullopt;
-  const std::size_t word = text.find_first_not_of(blanks_in_line, at + mark.size());
+  const std::size_t word = text.find_first_not_of(blanks_in_line, at + ignore_mark.size());
   if (word == std::string_view::npos || !text.substr(word).starts_with(verb)) return std::nullopt;
   const std::size_t list = word + verb.size();
   std::string_view rest = text.substr(0, text.find_first_of("\r\n", list));
@@ -57,10 +56,11 @@ std::optional<Comment> comment_at(std::string_view text, std::size_t at) {
 
 std::vector<Comment> comments_of(std::string_view text) {
   std::vector<Comment> comments;
-  for (std::size_t at = text.find(mark); at != std::string_view::npos; at = text.find(mark, at)) {
+  for (std::size_t at = text.find(ignore_mark); at != std::string_view::npos;
+       at = text.find(ignore_mark, at)) {
     const std::optional<Comment> comment = comment_at(text, at);
     if (comment) comments.push_back(*comment);
-    at = comment ? comment->end : at + mark.size();
+    at = comment ? comment->end : at + ignore_mark.size();
   }
   return comments;
 }

@@ -13,6 +13,9 @@
 
 namespace kztns {
 
+// What such a comment begins with.
+inline constexpr std::string_view ignore_mark = "kztns:";
+
 class Ignores {
  public:
   explicit Ignores(const NamesText &text);

@@ -27,17 +27,6 @@ struct IncludeLine {
   std::string file;
 };
 
-// The file of a line; empty for another line.
-std::string_view included_file(std::string_view line) {
-  const std::size_t equal = line.find('=');
-  if (equal == line.npos || !equal_but_for_case(trimmed(line.substr(0, equal)), "IFILE")) return {};
-  std::string_view value = trimmed(line.substr(equal + 1));
-  const bool quoted = !value.empty() && (value[0] == '"' || value[0] == '\'');
-  if (quoted) return value.substr(1, value.find(value[0], 1) - 1);
-  value = trimmed(value.substr(0, value.find('#')));
-  return value.starts_with('(') ? std::string_view() : value;
-}
-
 std::vector<IncludeLine> include_lines(std::string_view text) {
   std::vector<IncludeLine> lines;
   for (std::size_t begin = 0; begin < text.size();) {
@@ -51,11 +40,6 @@ std::vector<IncludeLine> include_lines(std::string_view text) {
     begin = end + 1;
   }
   return lines;
-}
-
-std::string from_folder_of(const std::string &path, const std::string &file) {
-  if (file[0] == '/') return file;
-  return path.substr(0, path.rfind('/') + 1) + file;
 }
 
 using FileId = std::pair<dev_t, ino_t>;
@@ -140,6 +124,21 @@ class Inliner {
 };
 
 }  // namespace
+
+std::string_view included_file(std::string_view line) {
+  const std::size_t equal = line.find('=');
+  if (equal == line.npos || !equal_but_for_case(trimmed(line.substr(0, equal)), "IFILE")) return {};
+  std::string_view value = trimmed(line.substr(equal + 1));
+  const bool quoted = !value.empty() && (value[0] == '"' || value[0] == '\'');
+  if (quoted) return value.substr(1, value.find(value[0], 1) - 1);
+  value = trimmed(value.substr(0, value.find('#')));
+  return value.starts_with('(') ? std::string_view() : value;
+}
+
+std::string from_folder_of(const std::string &path, const std::string &file) {
+  if (file[0] == '/') return file;
+  return path.substr(0, path.rfind('/') + 1) + file;
+}
 
 InlinedFiles inline_files(const std::string &path, const NamesText &text, std::uint64_t max_size) {
   InlinedFiles result;

@@ -3,11 +3,18 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "rules/mend_file.h"
 
 namespace kztns {
+
+// The file that an IFILE line names; empty for another line.
+std::string_view included_file(std::string_view line);
+
+// A file that a line of another one names, by its own path.
+std::string from_folder_of(const std::string &path, const std::string &file);
 
 struct InlinedFiles {
   std::vector<Edit> edits;             // of the text

@@ -107,12 +107,15 @@ class ListWarnings {
     for (auto next = from; next != to; ++next) {
       if (next == from || next->host.empty() || is_before(*std::prev(next), *next)) continue;
       add(Rule::equal_addresses, next->at, next->list,
-          "this address equals that at " + findings_.place(std::prev(next)->at));
+          "this address equals that at " + findings_.place(std::prev(next)->at),
+          std::prev(next)->at);
     }
   }
 
-  void add(Rule rule, Offset at, int frame, const std::string &text) {
-    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text});
+  void add(Rule rule, Offset at, int frame, const std::string &text,
+           std::optional<Offset> related = std::nullopt) {
+    if (!findings_.wanted(rule)) return;
+    findings_.add({rule, at, name_, trace_.path(frame), text, {}, {}, related});
   }
 
   const Trace &trace_;

@@ -49,7 +49,10 @@ class NameRules {
                      name,
                      {},
                      "differs only in case from " + excerpt(scan_.name(entries()[alike])) + " at " +
-                         text_.place(entries()[alike].at)});
+                         text_.place(entries()[alike].at),
+                     {},
+                     {},
+                     entries()[alike].at});
     }
   }
 
@@ -82,7 +85,10 @@ class NameRules {
                    scan_.name(entry),
                    {},
                    "duplicate name: the first entry, at " + text_.place(first.at) +
-                       ", is used; other readers of such files use the last one"});
+                       ", is used; other readers of such files use the last one",
+                   {},
+                   {},
+                   first.at});
   }
 
   void report_name(const Entry &entry) {

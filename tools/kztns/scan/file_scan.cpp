@@ -342,6 +342,15 @@ void build_entry(const std::string &text, Offset body, std::string_view name, Tr
   KZCITnsServiceBuild(&tns, &params);
 }
 
+void with_service(const std::string &text, Offset body, std::string_view name,
+                  const std::function<void(KZCITnsService &)> &then) {
+  const AllocationScope scope;
+  KZCITns tns = {};
+  KZCITnsParseParams params = at_body(text, body, name);
+  KZCITnsServiceBuild(&tns, &params);
+  if (tns.tns_service != nullptr) then(*tns.tns_service);
+}
+
 // A descriptor is built as an entry is, under some name.
 void build_literal(const NamesText &text, Trace &trace) { build_entry(text.text(), 0, "-", trace); }
 

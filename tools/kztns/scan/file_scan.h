@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -135,6 +136,11 @@ void build_literal(const NamesText &text, Trace &trace);
 
 // Traces the build of an entry of that name whose value begins at a place.
 void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace);
+
+// Builds such an entry, and calls then with it when the library builds it. It is gone after
+// the call.
+void with_service(const std::string &text, Offset body, std::string_view name,
+                  const std::function<void(KZCITnsService &)> &then);
 
 // A parse state at a place of the text, as a lookup's would be: pieces
 // of 1024 bytes from the beginning.

@@ -1,0 +1,126 @@
+#include <algorithm>
+
+#include <nlohmann/json.hpp>
+
+#include "lsp/capabilities.h"
+#include "rules/mend_file.h"
+
+namespace kztns::lsp {
+namespace {
+
+constexpr char quick_fix[] = "quickfix";
+constexpr char fix_all[] = "source.fixAll.kztns";
+
+// Whether a client that asks for some kinds of actions only wants this one: "source" stands
+// for "source.fixAll", too.
+bool is_wanted(const Json &params, std::string_view kind) {
+  const Json &only = member(params, "context", "only");
+  if (!only.is_array()) return true;
+  return std::any_of(only.begin(), only.end(), [&](const Json &value) {
+    const std::string asked = text_in(value).value_or("-");
+    return asked.empty() || kind == asked || kind.starts_with(asked + ".");
+  });
+}
+
+std::string title_of(const Finding &finding) {
+  const bool guesses = finding.fix.applicability == Applicability::unsafe;
+  return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
+         std::string(row_of(finding.rule).id) + "]";
+}
+
+// The diagnostics of the client that are this finding.
+Json fixed_diagnostics(const Question &question, const Finding &finding) {
+  Json list = Json::array();
+  for (const Json &diagnostic : member(question.params, "context", "diagnostics")) {
+    const std::optional<LineRange> range = range_in(member(diagnostic, "range"));
+    if (range && question.document.offset(range->begin) == finding.at &&
+        text_in(member(diagnostic, "code")) == std::string(row_of(finding.rule).id))
+      list.push_back(diagnostic);
+  }
+  return list;
+}
+
+Json fix_of(const Question &question, const Finding &finding) {
+  return {{"title", title_of(finding)},
+          {"kind", quick_fix},
+          {"diagnostics", fixed_diagnostics(question, finding)},
+          {"isPreferred", finding.fix.applicability == Applicability::safe},
+          {"edit", workspace_edit(question.uri, json_of(finding.fix.edits, question.document))}};
+}
+
+// On which line of the document the place is, from a range's first to its last.
+bool is_on_lines_of(const Document &document, LineRange range, Offset at) {
+  const std::uint32_t line = document.position(at).line;
+  return range.begin.line <= line && line <= range.end.line;
+}
+
+bool has_safe_fix(const Analysis &analysis) {
+  return std::any_of(
+      analysis.report.findings.begin(), analysis.report.findings.end(),
+      [](const Finding &finding) { return finding.fix.applicability == Applicability::safe; });
+}
+
+// What kztns fix makes of the text: what was kept of it, and what is there instead.
+std::vector<Edit> edits_of_mending(const std::string &content) {
+  const NamesText text(content);
+  Mender mender(text, {"names"});
+  mender.apply_fixes();
+  std::vector<Edit> edits;
+  if (mender.edited() == nullptr) return edits;
+  const std::string &result = mender.edited()->text();
+  Offset from = 0;
+  Offset in_result = 0;
+  const auto add = [&](Offset to, Offset to_in_result) {
+    if (to > from || to_in_result > in_result)
+      edits.push_back({from, to, result.substr(in_result, to_in_result - in_result)});
+  };
+  for (const EditedText::Kept &kept : mender.edited()->kept()) {
+    // What was moved is not where it was.
+    if (kept.origin < from) continue;
+    add(kept.origin, kept.at);
+    from = kept.origin + kept.length;
+    in_result = kept.at + kept.length;
+  }
+  add(static_cast<Offset>(content.size()), static_cast<Offset>(result.size()));
+  return edits;
+}
+
+Json edit_of_all(const Question &question) {
+  return workspace_edit(question.uri,
+                        json_of(edits_of_mending(question.document.text()), question.document));
+}
+
+Json action_of_all(const Question &question) {
+  Json action = {{"title", "Fix all that kztns fix mends safely"}, {"kind", fix_all}};
+  if (question.client.resolves_edits)
+    action["data"] = {{"uri", question.uri}, {"version", question.document.version()}};
+  else
+    action["edit"] = edit_of_all(question);
+  return action;
+}
+
+}  // namespace
+
+Json code_actions(const Question &question) {
+  const std::optional<LineRange> range = range_in(member(question.params, "range"));
+  if (!range) return question.refuse(invalid_params, "expected a range");
+  Json actions = Json::array();
+  if (!question.client.code_action_objects) return actions;
+  const std::shared_ptr<const Analysis> analysis = question.analyse();
+  if (is_wanted(question.params, quick_fix))
+    for (const Finding &finding : analysis->report.findings)
+      if (finding.fix && is_on_lines_of(question.document, *range, finding.at))
+        actions.push_back(fix_of(question, finding));
+  if (is_wanted(question.params, fix_all) && has_safe_fix(*analysis))
+    actions.push_back(action_of_all(question));
+  return actions;
+}
+
+Json resolved_action(const Question &question) {
+  Json action = question.params;
+  if (integer_in(member(action, "data", "version")) == question.document.version())
+    action["edit"] = edit_of_all(question);
+  return action;
+}
+
+}  // namespace kztns::lsp
