@@ -52,8 +52,9 @@ bool MessageReader::read_header() {
 }
 
 std::string framed(std::string_view body) {
-  return std::string(length_header) + ": " + std::to_string(body.size()) +
-         std::string(end_of_header) + std::string(body);
+  std::string message(length_header);
+  message.append(": ").append(std::to_string(body.size())).append(end_of_header).append(body);
+  return message;
 }
 
 }  // namespace kztns::lsp
