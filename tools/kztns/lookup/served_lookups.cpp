@@ -30,10 +30,6 @@ bool is_found(const std::string &name, const ServedName &wanted) {
   return status == 0 && find != 0 && tree_digest(*tree.service()) == wanted.tree;
 }
 
-}  // namespace
-
-namespace {
-
 // Names that are evenly spread over the text: all of them if they are read in so many bytes.
 std::vector<ServedName> some_of(std::vector<ServedName> names, std::uint64_t most_read) {
   std::uint64_t all = 0;
