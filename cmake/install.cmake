@@ -86,9 +86,9 @@ foreach(package IN LISTS packages)
 endforeach()
 
 if(PROJECT_IS_TOP_LEVEL)
-  # Removes what the last installation of this build folder put where it is.
+  # Removes what was installed last, of all components and of each.
   add_custom_target(uninstall
-    COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+    COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_BINARY_DIR}
             -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake
     VERBATIM)
   include(cmake/packages.cmake)

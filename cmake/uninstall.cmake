@@ -1,22 +1,45 @@
-# Removes the files that a manifest lists, and the folders that are empty without them.
-#   cmake -DMANIFEST=FILE -P uninstall.cmake
-if(NOT EXISTS "${MANIFEST}")
-  message(FATAL_ERROR "nothing is installed: there is no ${MANIFEST}")
-endif()
-file(STRINGS "${MANIFEST}" files)
-foreach(file IN LISTS files)
-  set(path "$ENV{DESTDIR}${file}")
+# Removes what an installation put in its place: the files that the manifests of a build
+# folder list, of all components or of single ones, and folders of our own that are empty
+# without them. Other folders, links to folders and files of others stay.
+#   cmake -DFOLDER=BUILD_FOLDER -P uninstall.cmake
+cmake_minimum_required(VERSION 3.25)
+
+# Names of folders that nothing but this project is installed in.
+set(own_folder "/(include/kzoci/platform|include/kzoci|cmake/kzoci|doc/kzoci)$")
+
+# Paths may have any character in them: they are never patterns, nor elements of lists.
+function(remove_file path)
   file(REMOVE "${path}")
+  if(EXISTS "${path}" OR IS_SYMLINK "${path}")
+    message(FATAL_ERROR "cannot remove ${path}")
+  endif()
   message(STATUS "Removed ${path}")
   cmake_path(GET path PARENT_PATH folder)
-  while(IS_DIRECTORY "${folder}")
-    file(GLOB rest LIST_DIRECTORIES true "${folder}/*" "${folder}/.*")
-    list(FILTER rest EXCLUDE REGEX "/\\.\\.?$")
-    if(rest)
-      break()
-    endif()
-    file(REMOVE_RECURSE "${folder}")
+  while("${folder}" MATCHES "${own_folder}")
+    # Unlike CMake's own commands it fails on a folder that is not empty, and on a link.
+    execute_process(COMMAND rmdir -- "${folder}" OUTPUT_QUIET ERROR_QUIET)
     cmake_path(GET folder PARENT_PATH folder)
   endwhile()
+endfunction()
+
+function(remove_listed manifest)
+  file(READ "${manifest}" rest)
+  while("${rest}" MATCHES "^([^\n]*)\n?(.*)$" AND NOT "${rest}" STREQUAL "")
+    set(file "${CMAKE_MATCH_1}")
+    set(rest "${CMAKE_MATCH_2}")
+    remove_file("$ENV{DESTDIR}${file}")
+  endwhile()
+  file(REMOVE "${manifest}")
+endfunction()
+
+set(found FALSE)
+foreach(component IN ITEMS "" _library _explanation _development _command)
+  set(manifest "${FOLDER}/install_manifest${component}.txt")
+  if(EXISTS "${manifest}")
+    set(found TRUE)
+    remove_listed("${manifest}")
+  endif()
 endforeach()
-file(REMOVE "${MANIFEST}")
+if(NOT found)
+  message(FATAL_ERROR "nothing is installed: there is no install_manifest.txt in ${FOLDER}")
+endif()

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Projects in C99 and in C++ use an installed tree that was moved: by find_package, by
 # pkg-config with the shared and with the static library, the static ones in whatever order,
-# with the platform's functions of their own. Uninstalling leaves nothing.
+# with the platform's functions of their own. Uninstalling removes what was installed, and
+# nothing of others.
 #   consumers.sh PROJECT_DIR BUILD_DIR C_COMPILER CXX_COMPILER
 set -uo pipefail
 project=$1 build=$2 cc=$3 cxx=$4
@@ -32,12 +33,35 @@ finds() {
 
 needs_library() { readelf -d "$1" | grep -q 'NEEDED.*libkzoci\.so\.1'; }
 
+uninstall() { run cmake -DFOLDER=. -P "$project/cmake/uninstall.cmake"; }
+
+# left: what is in the prefix, but for folders that others use as well.
+left() { (cd "$1" && find . \( -not -type d -o -name '*kzoci*' -o -name 'empty*' \) | sort); }
+
 mkdir "$scratch/user" && cd "$scratch/user" || exit 1
+mkdir "$scratch/first"
 run cmake --install "$build" --prefix "$scratch/first"
 cp "$build/install_manifest.txt" .
 run cmake -E copy_directory "$scratch/first" "$scratch/moved"
-run cmake -DMANIFEST=install_manifest.txt -P "$project/cmake/uninstall.cmake"
-[ ! -e "$scratch/first" ] || fail "left after uninstalling: $(find "$scratch/first")"
+uninstall
+[ -z "$(left "$scratch/first")" ] || fail "left after uninstalling: $(left "$scratch/first")"
+
+# The prefix looks like a pattern, and one bracket has no other; a link leads to it, and to a
+# folder in it; some of what is in it belongs to others.
+prefix=$scratch/'app[1] [*'
+mkdir -p "$prefix"/{include/kzoci,share/empty,headers} "$prefix/lib/cmake/kzoci/empty"
+ln -s "$prefix" "$scratch/linked"
+ln -s ../../headers "$prefix/include/kzoci/platform"
+echo >"$prefix/include/kzoci/foreign.h"
+before=$(left "$prefix")
+run cmake --install "$build" --prefix "$scratch/linked"
+cp "$build/install_manifest.txt" .
+run cmake --install "$build" --prefix "$prefix" --component development
+mv "$build/install_manifest_development.txt" .
+uninstall
+diff <(echo "$before") <(left "$prefix") || fail "uninstalling removes too little or too much"
+[ -L "$scratch/linked" ] || fail "uninstalling removes a link"
+[ -z "$(find . -name 'install_manifest*')" ] || fail "the manifests are left"
 
 example c >main.c
 example cpp >main.cpp
