@@ -46,13 +46,17 @@ declarations() {
 declarations >"$scratch/declarations"
 of_headers=$(sed -nE 's/^(KZOCI_[A-Z]+ )?(sword|boolean|static inline).* \*?([A-Za-z]+)\(.*/\3/p' \
   "$project"/kzoci/oci_tnsname.h "$project"/kzoci/oci_tnsname_parser.h)
+of_headers+=$'\n'$(sed -nE 's/^KZOCI_API .*[ *]([a-z_]+)\(.*/\1/p' \
+  "$project"/kzoci/platform/default_logger.h "$project"/kzoci/explain.h)
 same "functions of the headers" "$of_headers" \
   "$(sed -E 's/\(.*//; s/.*[ *]//' "$scratch/declarations")"
 # Those that walk the tree are described together, by the ends of their names.
 same "functions of the headers, described" "$(grep -vE '(Next|OfEntry)$' <<<"$of_headers")" \
   "$(section kzoci_tnsname.3 '.Sh DESCRIPTION' '.Ss Ownership' |
-    sed -nE 's/^\.Fn (K[A-Za-z]+|IsDescriptionTns).*/\1/p')"
-{ echo '#include <kzoci/oci_tnsname.h>' && cat "$scratch/declarations"; } |
+    sed -nE 's/^\.Fn (K[A-Za-z]+|IsDescriptionTns|kzoci_(log|expl)[a-z_]*).*/\1/p' |
+    grep -vx kzoci_log_inner)"
+{ printf '#include <kzoci/%s.h>\n' oci_tnsname platform/default_logger explain &&
+  cat "$scratch/declarations"; } |
   "$cc" "${flags[@]}" -fsyntax-only -x c - || fail "the synopsis is not that of the headers"
 
 section kzoci_tnsname.3 '.Sh EXAMPLES' '.Sh SEE' |
