@@ -2,6 +2,17 @@
 # Each component is a Debian package, too.
 include(CMakePackageConfigHelpers)
 
+# Debian packages name the licence in a file of their own, see packages.cmake.
+if(NOT KZOCI_DEBIAN_FILES)
+  set(components library development)
+  if(KZOCI_BUILD_TOOLS)
+    list(APPEND components explanation command)
+  endif()
+  foreach(component IN LISTS components)
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzoci COMPONENT ${component})
+  endforeach()
+endif()
+
 # The static library that "pkg-config --static" and "gcc -static" take.
 if(BUILD_SHARED_LIBS)
   kzoci_whole_library(kzoci_static STATIC)
@@ -31,9 +42,17 @@ if(KZOCI_BUILD_TOOLS)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/${zsh_dir})
   install(FILES ${completions}/kztns.fish COMPONENT command
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
-  # The language server's findings link to it.
-  install(FILES docs/diagnostics.md COMPONENT command
-          DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kzoci)
+  # The language server's findings link to it. In Debian a package has a folder of its own
+  # name, and a link for the command, which looks in the other one.
+  set(command_doc_dir ${CMAKE_INSTALL_DATADIR}/doc/kzoci)
+  if(KZOCI_DEBIAN_FILES)
+    set(command_doc_dir ${CMAKE_INSTALL_DATADIR}/doc/kztns)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/doc)
+    file(CREATE_LINK kztns ${PROJECT_BINARY_DIR}/doc/kzoci SYMBOLIC)
+    install(FILES ${PROJECT_BINARY_DIR}/doc/kzoci DESTINATION ${CMAKE_INSTALL_DATADIR}/doc
+            COMPONENT command)
+  endif()
+  install(FILES docs/diagnostics.md DESTINATION ${command_doc_dir} COMPONENT command)
   install(TARGETS kzoci_explain EXPORT kzociTargets
           LIBRARY COMPONENT explanation NAMELINK_COMPONENT development)
   install(FILES kzoci/explain.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kzoci
@@ -63,9 +82,11 @@ endforeach()
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/kzoci)
 install(EXPORT kzociTargets NAMESPACE kzoci:: FILE kzociTargets.cmake
         DESTINATION ${package_dir} COMPONENT development)
+configure_package_config_file(cmake/kzociConfig.cmake.in ${PROJECT_BINARY_DIR}/kzociConfig.cmake
+                              INSTALL_DESTINATION ${package_dir} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
                                  COMPATIBILITY SameMajorVersion)
-install(FILES cmake/kzociConfig.cmake ${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
+install(FILES ${PROJECT_BINARY_DIR}/kzociConfig.cmake ${PROJECT_BINARY_DIR}/kzociConfigVersion.cmake
         DESTINATION ${package_dir} COMPONENT development)
 
 # The package finds the tree that it is in from its own place.

@@ -44,6 +44,7 @@ run cmake --install "$build" --prefix "$scratch/first"
 cp "$build/install_manifest.txt" .
 run cmake -E copy_directory "$scratch/first" "$scratch/moved"
 uninstall
+cmp "$project/LICENSE" "$scratch/moved/share/doc/kzoci/LICENSE" || fail "the licence is not installed"
 [ -z "$(left "$scratch/first")" ] || fail "left after uninstalling: $(left "$scratch/first")"
 
 # The prefix looks like a pattern, and one bracket has no other; a link leads to it, and to a
@@ -75,7 +76,11 @@ cat >c/CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.25)
 project(user LANGUAGES C)
 set(CMAKE_C_STANDARD 99)
-find_package(kzoci 1.0 REQUIRED)
+find_package(kzoci 1.0 QUIET COMPONENTS nothing)
+if(kzoci_FOUND)
+  message(FATAL_ERROR "a component is found that is not there")
+endif()
+find_package(kzoci 1.0 REQUIRED COMPONENTS kzoci explain)
 add_executable(main ../main.c)
 target_link_libraries(main PRIVATE kzoci::kzoci)
 add_executable(own_platform ../main.c ../own_log.c ../own_memory.c ../own_number.c)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The version is written in kzoci/version.h alone: the header's macros, the build and the
-# command have the same.
+# The version is written in kzoci/version.h: the header's macros, the build, the command, the
+# packages, the extension for editors and the list of changes have the same.
 #   version.sh PROJECT KZTNS BUILT_VERSION C_COMPILER [FLAG...]
 set -euo pipefail
 project=$1 kztns=$2 built=$3 cc=$4
@@ -26,4 +26,8 @@ is "the build" "$built"
 is "kztns --version" "$("$kztns" --version | sed 's/^kztns //')"
 is "kztns check --format sarif" "$("$kztns" check --format sarif /dev/null |
   sed -n '/"driver"/,$ s/^ *"version": "\(.*\)",$/\1/p')"
+is "packaging/debian/changelog" "$(sed -nE '1 s/^kzoci \((.*)-[0-9]+\) .*/\1/p' "$project/packaging/debian/changelog")"
+is "editors/vscode/package.json" "$(sed -nE 's/^  "version": "(.*)",$/\1/p' "$project/editors/vscode/package.json")"
+is "docs/editors.md" "$(sed -nE 's/.*kztns-([0-9.]+)\.vsix.*/\1/p' "$project/docs/editors.md" | sort -u)"
+is "CHANGELOG.md" "$(sed -nE 's/^## \[([0-9].*)\]$/\1/p' "$project/CHANGELOG.md" | head -n 1)"
 exit $failed
