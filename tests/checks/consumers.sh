@@ -33,7 +33,11 @@ finds() {
 
 needs_library() { readelf -d "$1" | grep -q 'NEEDED.*libkzoci\.so\.1'; }
 
-uninstall() { run cmake -DFOLDER=. -P "$project/cmake/uninstall.cmake"; }
+# The manifests are kept where nothing of theirs is there.
+uninstall() {
+  DESTDIR=$scratch/elsewhere run cmake -DFOLDER=. -P "$project/cmake/uninstall.cmake"
+  run cmake -DFOLDER=. -P "$project/cmake/uninstall.cmake"
+}
 
 # left: what is in the prefix, but for folders that others use as well.
 left() { (cd "$1" && find . \( -not -type d -o -name '*kzoci*' -o -name 'empty*' \) | sort); }
