@@ -19,8 +19,14 @@
  * - Threads: any number at once. A call without a path reads the environment: no thread may
  *   change it meanwhile. Nothing is kept between calls; errno is left as it was.
  * - Texts end in a zero byte and are UTF-8 without control characters, line feeds included:
- *   such bytes of identifiers, paths and files are written as \xHH. In an identifier
- *   USER/PASSWORD@NAME the password is written as ***.
+ *   such bytes of identifiers, paths and files are written as \xHH.
+ * - Passwords: *** is written for what comes before the last "@" of an identifier, from its
+ *   first "/" or ":" on; without "@", for all after the first "/", unless HOST:PORT, "//HOST"
+ *   or PROTOCOL://HOST tells that a service follows. HOST/SERVICE looks the same as
+ *   USER/PASSWORD, and its service is hidden; USER:1234/PASSWORD looks the same as
+ *   HOST:PORT/SERVICE and is shown. Texts about literal descriptors and about entries quote
+ *   their values: what is secret there may be shown. Identifiers that begin with "(" are
+ *   shown as they are.
  * - Cost: the whole file is read, up to 64 MiB, and every entry is built: these functions
  *   are for the path of an error, not for every lookup. A pipe is not read, since it can be
  *   read only once.
@@ -71,7 +77,8 @@ typedef struct kzoci_explanation {
   const char *rule;          /* of kztns check, "unknown-key"; empty for none */
   const char *text;          /* what is wrong; empty where it is found */
   const char *remedy;        /* what to do; empty for none */
-  const char *note;          /* that the identifier is no plain name; empty where it is one */
+  const char *note;          /* that the identifier is no plain name, or that the path of the */
+                             /* environment is cut to 256 characters; empty for neither */
   const kzoci_near_name *near_names; /* those that come closest first; null for none */
   size_t near_names_count;
 } kzoci_explanation;

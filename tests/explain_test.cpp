@@ -170,6 +170,30 @@ TEST_F(Explain, NotFoundAfterTheReservedEntry) {
                "every lookup ends");
 }
 
+TEST_F(Explain, TellsOfTheReservedEntryOnlyWhereAnEntryIsLost) {
+  names_file("sales = " + good + "KZCISYSTEMVARIABLES = (LOG_COUNT = 1)\n");
+  const Explanation it = explained("salse");
+  EXPECT_EQ(it->outcome, KZOCI_EXPLAIN_NOT_FOUND);
+  EXPECT_EQ(place_of(*it), "0:0");
+  EXPECT_STREQ(it->text, "the file has no entry of that name");
+  EXPECT_EQ(std::string_view(it->message).find("KZCISYSTEMVARIABLES"), std::string_view::npos);
+}
+
+// The lookup's status is 0: the file ends before the block does.
+TEST_F(Explain, TheLineTellsTheRuleThatEndedALookupOfStatusZero) {
+  const std::string path =
+      names_file("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\ngood = " + good);
+  const Explanation it = explained("good");
+  EXPECT_EQ(it->outcome, KZOCI_EXPLAIN_NOT_FOUND);
+  EXPECT_STREQ(it->rule, "unclosed-block");
+  EXPECT_STRNE(it->text, "");
+  EXPECT_STRNE(it->remedy, "");
+  EXPECT_EQ(it->message, "good: not found in \"" + path + "\"; " + path + ":" + place_of(*it) + ": " +
+                             it->text + "; " + it->remedy +
+                             " [unclosed-block]; there is an entry \"good\" at 2:1, which no "
+                             "lookup reaches; the file is chosen by TNS_ADMIN");
+}
+
 TEST_F(Explain, Refused) {
   const std::string path =
       names_file("a = " + good + "sales =\n  (DESCRIPTION = (CONNECT_DATA = (SERVER = x)))\n");
@@ -234,6 +258,49 @@ TEST_F(Explain, UnreadableFile) {
   EXPECT_EQ(it->variable, nullptr);
   EXPECT_STREQ(it->text, "is a directory");
   EXPECT_EQ(it->message, "sales: \"" + folder_.path() + "\" is a directory");
+}
+
+TEST_F(Explain, TellsThatAPathIsCut) {
+  const std::string fits = "/" + std::string(255, 'n');
+  environment_.set("KZCI_TNS_FILE", fits);
+  EXPECT_STREQ(explained("sales")->note, "");
+  environment_.set("KZCI_TNS_FILE", fits + "x");
+  const std::string note = "the path in KZCI_TNS_FILE is cut to 256 characters";
+  const Explanation it = explained("sales");
+  EXPECT_EQ(it->file, fits);
+  EXPECT_EQ(it->note, note);
+  EXPECT_NE(std::string_view(it->message).find("; " + note + ";"), std::string_view::npos)
+      << it->message;
+  // Of an identifier with a note of its own, after that.
+  EXPECT_TRUE(std::string_view(explained("u/p@sales")->note).ends_with("\"@\"; " + note));
+  EXPECT_STREQ(explained("sales", (fits + "x").c_str())->note, "");
+  EXPECT_STREQ(explained(good)->note, "");
+}
+
+TEST_F(Explain, TellsThatAPathIsCutInItsSuffix) {
+  environment_.set("TNS_ADMIN", "/" + std::string(242, 'n'));
+  EXPECT_STREQ(explained("sales")->note, "");
+  environment_.set("TNS_ADMIN", "/" + std::string(243, 'n'));
+  const Explanation it = explained("sales");
+  EXPECT_STREQ(it->note,
+               "the path in TNS_ADMIN, with \"/tnsnames.ora\" after it, is cut to 256 characters");
+}
+
+// A cut path may lead to another file, or to what is no file.
+TEST_F(Explain, TellsThatAPathIsCutWhateverItLeadsTo) {
+  const std::string note = "; the path in KZCI_TNS_FILE is cut to 256 characters; the file is chosen";
+  std::string folder = folder_.path() + "/";
+  folder += std::string(128, '/');
+  const std::string short_name(256 - folder.size(), 'n');
+  const std::string path = folder_.write(short_name, "sales = " + good);
+  environment_.set("KZCI_TNS_FILE", folder + short_name + ".ora");
+  EXPECT_EQ(explained("sales")->outcome, KZOCI_EXPLAIN_FOUND);
+  EXPECT_NE(std::string_view(explained("sales")->message).find(note), std::string_view::npos);
+  EXPECT_NE(std::string_view(explained("other")->message).find(note), std::string_view::npos);
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(explained("sales")->outcome, KZOCI_EXPLAIN_UNREADABLE_FILE);
+  EXPECT_NE(std::string_view(explained("sales")->message).find(note), std::string_view::npos);
 }
 
 TEST_F(Explain, APipeIsNotWaitedFor) {
@@ -315,6 +382,33 @@ TEST_F(Explain, HidesAPassword) {
     EXPECT_EQ(std::string_view(text).find("secret"), std::string_view::npos) << text;
   ASSERT_EQ(it->near_names_count, 1u);
   EXPECT_STREQ(it->near_names[0].name, "sales");
+}
+
+TEST_F(Explain, HidesPasswordsInOtherForms) {
+  const std::string file = folder_.write("names", "sales = " + good);
+  const char *const rows[][2] = {
+      {"user:secret@h", "user:***@h"},
+      {"user:secret/secret@h", "user:***@h"},
+      {"user/secret@secret@h", "user/***@h"},
+      {"user/secret", "user/***"},
+      {"user/secret as sysdba", "user/***"},
+      {" user/secret", " user/***"},
+      {"user:x/secret", "user:x/***"},
+      {"u1:/secret", "u1:/***"},
+      {"user//secret", "user/***"},
+  };
+  for (const auto &row : rows) {
+    const Explanation it = explained(row[0], file.c_str());
+    EXPECT_STREQ(it->identifier, row[1]);
+    EXPECT_EQ(std::string_view(it->message).find("secret"), std::string_view::npos) << it->message;
+  }
+}
+
+TEST_F(Explain, ShowsWhatIsNoPassword) {
+  const std::string file = folder_.write("names", "sales = " + good);
+  for (const char *const identifier : {"h:1521/s", "[::1]:1521/s", "//h/s", "//h:1521/s",
+                                       "tcps://h:1521/s", "user@sales", "user@sales/x", "h:1521"})
+    EXPECT_STREQ(explained(identifier, file.c_str())->identifier, identifier);
 }
 
 TEST_F(Explain, WritesWhatIsUnseenAsEscapes) {

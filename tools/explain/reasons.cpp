@@ -8,6 +8,7 @@
 #include "io/read_file.h"
 #include "lookup/identifier_form.h"
 #include "lookup/lookup_failure.h"
+#include "lookup/named_file.h"
 #include "text/escape.h"
 #include "text_lookup.h"
 #include "trace/platform.h"
@@ -48,6 +49,7 @@ Lookup look_up(const std::string &identifier, const std::optional<std::string> &
   } else if (const std::optional<FileChoice> choice = choose_file(path)) {
     lookup.file_name = choice->path;
     if (!path) lookup.variable = choice->variable;
+    if (!path) lookup.file_note = note_of_cut_path(*choice);
     text = text_of(choice->path, lookup.file_fault);
   }
   if (text)
@@ -67,6 +69,7 @@ LookupReport report_of(const std::string &identifier, const Lookup &lookup,
     report = report_of_name(identifier, *text);
   else
     report.note = form_of(identifier).note;
+  add_file_note(lookup, report.note);
   // An entry that is refused for want of memory alone would be told as malformed.
   if (scope.ran_out()) throw std::bad_alloc();
   return report;
@@ -106,6 +109,8 @@ std::string what_became_of(const Lookup &lookup, const LookupReport &report) {
 std::string message_of(const std::string &identifier, const Lookup &lookup,
                        const LookupReport &report) {
   std::string message = label_of(identifier, lookup) + ": " + what_became_of(lookup, report);
+  // Others are told with all notes.
+  if (lookup.outcome != Outcome::not_found) add_file_note(lookup, message);
   if (!lookup.variable.empty()) message += "; the file is chosen by " + lookup.variable;
   return message;
 }

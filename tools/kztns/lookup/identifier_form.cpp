@@ -29,6 +29,24 @@ IdentifierForm form_of_text(std::string_view text) {
   return {"", std::string(text)};
 }
 
+// HOST:PORT, "//HOST" and PROTOCOL://HOST come before a service, not before a password.
+bool is_address(std::string_view before_slash, std::string_view after_slash) {
+  if (before_slash.empty()) return true;
+  if (before_slash.back() == ':') return after_slash.starts_with('/');
+  const std::size_t digits = before_slash.find_last_not_of("0123456789");
+  return digits != std::string_view::npos && digits + 1 < before_slash.size() &&
+         before_slash[digits] == ':';
+}
+
+// HOST/SERVICE looks the same as USER/PASSWORD, and is taken for it.
+std::string without_password_after_slash(const std::string &identifier) {
+  const std::size_t slash = identifier.find('/');
+  if (slash == std::string::npos) return identifier;
+  const std::string_view text = identifier;
+  if (is_address(trimmed(text.substr(0, slash)), text.substr(slash + 1))) return identifier;
+  return identifier.substr(0, slash + 1) + "***";
+}
+
 }  // namespace
 
 IdentifierForm form_of(const std::string &identifier) {
@@ -48,10 +66,12 @@ IdentifierForm form_of(const std::string &identifier) {
 }
 
 std::string without_password(const std::string &identifier) {
+  if (identifier.starts_with("(")) return identifier;
   const std::size_t at = identifier.rfind('@');
-  const std::size_t slash = identifier.find('/');
-  if (at == std::string::npos || slash >= at || identifier.starts_with("(")) return identifier;
-  return identifier.substr(0, slash + 1) + "***" + identifier.substr(at);
+  if (at == std::string::npos) return without_password_after_slash(identifier);
+  const std::size_t mark = identifier.find_first_of("/:");
+  if (mark >= at) return identifier;
+  return identifier.substr(0, mark + 1) + "***" + identifier.substr(at);
 }
 
 }  // namespace kztns

@@ -12,7 +12,8 @@ struct IdentifierForm {
 
 IdentifierForm form_of(const std::string &identifier);
 
-// USER/PASSWORD@NAME as USER/***@NAME, anything else as it is.
+// USER/PASSWORD@NAME and USER:PASSWORD@NAME with *** for the password; USER/PASSWORD, and
+// HOST/SERVICE, which looks the same, with *** after the "/"; anything else as it is.
 std::string without_password(const std::string &identifier);
 
 }  // namespace kztns

@@ -60,6 +60,7 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
   }
   lookup.variable = choice->variable;
   lookup.file_name = choice->path;
+  if (!options.file) lookup.file_note = note_of_cut_path(*choice);
   take_content(choice->path, options.max_size, lookup);
   if (lookup.content != nullptr) {
     const std::string &path = lookup.content->path();

@@ -9,30 +9,42 @@
 namespace kztns {
 namespace {
 
+std::string placed_words(const Lookup &lookup, const Remark &fault) {
+  const std::string file = lookup.file_name ? visible(*lookup.file_name) + ":" : "";
+  return file + to_string(fault.position) + ": " + words_of(fault);
+}
+
 std::string why_not_found(const Lookup &lookup, const LookupReport &report) {
   const std::string note = report.note.empty() ? "" : "; " + report.note;
   if (!lookup.file_name) return "not found: " + no_file_chosen() + note;
   const std::string file = quoted(visible(*lookup.file_name));
   if (!lookup.file_fault.text.empty())
     return "not found: " + file + " " + lookup.file_fault.text + note;
-  return "not found in " + file + note + near_clauses(report);
+  const std::string fault = report.fault ? "; " + placed_words(lookup, *report.fault) : "";
+  return "not found in " + file + fault + note + near_clauses(report);
 }
 
 std::string what_is_malformed(const Lookup &lookup, const LookupReport &report) {
-  std::string where;
-  if (lookup.file_name) where = visible(*lookup.file_name) + ":";
-  if (!report.fault) return "malformed: " + visible(lookup.fault);
-  return "malformed: " + where + to_string(report.fault->position) + ": " + words_of(*report.fault);
+  return "malformed: " +
+         (report.fault ? placed_words(lookup, *report.fault) : visible(lookup.fault));
 }
 
 }  // namespace
 
 LookupReport make_lookup_report(const std::string &identifier, const Lookup &lookup) {
   if (lookup.is_literal) return report_of_literal(identifier);
-  if (lookup.content != nullptr) return report_of_name(identifier, lookup.content->text());
   LookupReport report;
-  report.note = form_of(identifier).note;
+  if (lookup.content != nullptr)
+    report = report_of_name(identifier, lookup.content->text());
+  else
+    report.note = form_of(identifier).note;
+  add_file_note(lookup, report.note);
   return report;
+}
+
+void add_file_note(const Lookup &lookup, std::string &text) {
+  if (!text.empty() && !lookup.file_note.empty()) text += "; ";
+  text += lookup.file_note;
 }
 
 std::string near_clauses(const LookupReport &report) {
@@ -67,7 +79,9 @@ std::string describe_failure(const Lookup &lookup, const LookupReport &report) {
 
 int explain_failure(const std::string &identifier, const Lookup &lookup) {
   if (lookup.outcome == Outcome::unreadable) {
-    complain(quoted(visible(*lookup.file_name)), lookup.file_fault.text);
+    std::string fault = lookup.file_fault.text;
+    add_file_note(lookup, fault);
+    complain(quoted(visible(*lookup.file_name)), fault);
     return exit_no_input;
   }
   const LookupReport report = make_lookup_report(identifier, lookup);

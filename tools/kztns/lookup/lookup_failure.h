@@ -12,6 +12,9 @@ namespace kztns {
 // The report of a lookup that was made; empty of a name whose file is not there.
 LookupReport make_lookup_report(const std::string &identifier, const Lookup &lookup);
 
+// Appends the note about the file's path, if there is one, with "; " after other text.
+void add_file_note(const Lookup &lookup, std::string &text);
+
 // The clauses about near entries, each with "; " before it.
 std::string near_clauses(const LookupReport &report);
 

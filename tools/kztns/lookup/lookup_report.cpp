@@ -119,6 +119,10 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
   switch (scan.stop().kind) {
     case StopKind::end:
       return std::nullopt;
+    case StopKind::reserved:
+      // Where nothing is lost, it ends a lookup no earlier than the file does.
+      if (scan.next_entry(scan.last_reached()->at) == text.size()) return std::nullopt;
+      break;
     case StopKind::no_open:
     case StopKind::never_balanced:
       if (visitor.reported_stop()) return visitor.reported_stop();

@@ -31,7 +31,7 @@ struct LookupReport {
   std::vector<Remark> warnings;   // about an entry that is built
   // Further entries of the name, which no lookup finds.
   std::vector<Position> shadowed;
-  std::string note;             // that the identifier is no plain name; empty when it is
+  std::string note;  // that the identifier is no plain name, or a path cut; empty for neither
   std::vector<NearEntry> near;  // entries with names like this one
 };
 

@@ -5,9 +5,24 @@
 #include <optional>
 #include <string>
 
+#include "io/names_file.h"
 #include "kzoci/oci_tnsname/names_file.h"
 
 namespace kztns {
+
+// That the library cuts the path that the environment gives; empty where it does not.
+inline std::string note_of_cut_path(const FileChoice &choice) {
+  for (const auto &source : kzoci::tns::names_file_sources) {
+    const std::string suffix = source.suffix;
+    if (choice.variable != source.variable ||
+        choice.value.size() + suffix.size() <= kzoci::tns::max_file_name)
+      continue;
+    return "the path in " + choice.variable +
+           (suffix.empty() ? "" : ", with \"" + suffix + "\" after it,") + " is cut to " +
+           std::to_string(kzoci::tns::max_file_name) + " characters";
+  }
+  return "";
+}
 
 // Sets the variable that names the file for the time of its life.
 class NamedFile {
