@@ -179,7 +179,7 @@ struct [[nodiscard]] Result {
   Outcome outcome = Outcome::failed;
   sword status = 0;                  /* of the C function; not 0 where outcome is failed */
   KZCITnsService *service = nullptr; /* the service that was built, else null; its Tns owns it */
-  int file_error = 0;                /* errno of a file that look_up_in could not open, else 0 */
+  int file_error = 0;                /* errno of a file that look_up_in cannot open or read, else 0 */
 
   explicit operator bool() const noexcept { return outcome == Outcome::found; }
 };
@@ -219,6 +219,14 @@ inline sword look_up_in_stream(KZCITns &tns, std::FILE *file, const Identifier &
   params.tns_file = file;
   const sword status = scan_entries(tns, params, name, find);
   return status == no_data ? 0 : status;
+}
+
+/* Why a stream cannot be read. The errno of its reading may be gone: the log has been
+ * written since. So it is read once more. */
+inline int read_error(std::FILE *file) noexcept {
+  errno = 0;
+  const bool failed = std::fgetc(file) == EOF;
+  return failed && errno != 0 ? errno : EIO;
 }
 
 }  // namespace detail
@@ -269,7 +277,8 @@ class Tns {
    *             call, and not at all for a literal descriptor
    * identifier  a service name or a literal descriptor
    *
-   * A file that cannot be opened is Outcome::not_found, with the reason in file_error.
+   * A file that cannot be opened is Outcome::not_found, with the reason in file_error; so
+   * is one that can be opened and not read, as a directory (EISDIR).
    * A null argument is Outcome::failed with status -2. The call takes about 20 KB of
    * stack. After anything but Outcome::found the container is as it was.
    */
@@ -281,7 +290,9 @@ class Tns {
     /* As in KZCITnsBuild: the stream needs no memory of its own, and few system calls. */
     char stream_buffer[detail::stream_buffer_size];
     std::setvbuf(file, stream_buffer, _IOFBF, sizeof stream_buffer);
-    const Result result = look_up_in(file, identifier);
+    Result result = look_up_in(file, identifier);
+    if (result.outcome == Outcome::not_found && std::ferror(file) != 0)
+      result.file_error = detail::read_error(file);
     std::fclose(file);
     return result;
   }

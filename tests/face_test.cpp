@@ -676,7 +676,13 @@ TEST_F(Face, FileThatCannotBeOpenedIsNotFoundWithTheReason) {
   EXPECT_EQ(told(tns_.look_up_in((path_ + ".none").c_str(), "pair")), missing);
   const Told no_folder = {Outcome::not_found, 0, false, ENOTDIR};
   EXPECT_EQ(told(tns_.look_up_in((path_ + "/x").c_str(), "pair")), no_folder);
-  EXPECT_EQ(told(tns_.look_up_in(folder_.path().c_str(), "pair")), is_not_found);
+}
+
+TEST_F(Face, DirectoryIsNotFoundWithTheReason) {
+  const Told directory = {Outcome::not_found, 0, false, EISDIR};
+  EXPECT_EQ(told(tns_.look_up_in(folder_.path().c_str(), "pair")), directory);
+  errno = EACCES;
+  EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), "none")), is_not_found);
 }
 
 TEST_F(Face, PathIsNotCut) {
