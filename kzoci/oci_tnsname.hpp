@@ -179,7 +179,7 @@ struct [[nodiscard]] Result {
   Outcome outcome = Outcome::failed;
   sword status = 0;                  /* of the C function; not 0 where outcome is failed */
   KZCITnsService *service = nullptr; /* the service that was built, else null; its Tns owns it */
-  int file_error = 0;                /* errno of a file that look_up_in cannot open or read, else 0 */
+  int file_error = 0; /* errno of a file that look_up_in cannot open or read, else 0 */
 
   explicit operator bool() const noexcept { return outcome == Outcome::found; }
 };

@@ -188,8 +188,8 @@ TEST_F(Explain, TheLineTellsTheRuleThatEndedALookupOfStatusZero) {
   EXPECT_STREQ(it->rule, "unclosed-block");
   EXPECT_STRNE(it->text, "");
   EXPECT_STRNE(it->remedy, "");
-  EXPECT_EQ(it->message, "good: not found in \"" + path + "\"; " + path + ":" + place_of(*it) + ": " +
-                             it->text + "; " + it->remedy +
+  EXPECT_EQ(it->message, "good: not found in \"" + path + "\"; " + path + ":" + place_of(*it) +
+                             ": " + it->text + "; " + it->remedy +
                              " [unclosed-block]; there is an entry \"good\" at 2:1, which no "
                              "lookup reaches; the file is chosen by TNS_ADMIN");
 }
@@ -288,7 +288,8 @@ TEST_F(Explain, TellsThatAPathIsCutInItsSuffix) {
 
 // A cut path may lead to another file, or to what is no file.
 TEST_F(Explain, TellsThatAPathIsCutWhateverItLeadsTo) {
-  const std::string note = "; the path in KZCI_TNS_FILE is cut to 256 characters; the file is chosen";
+  const std::string note =
+      "; the path in KZCI_TNS_FILE is cut to 256 characters; the file is chosen";
   std::string folder = folder_.path() + "/";
   folder += std::string(128, '/');
   const std::string short_name(256 - folder.size(), 'n');
@@ -387,14 +388,10 @@ TEST_F(Explain, HidesAPassword) {
 TEST_F(Explain, HidesPasswordsInOtherForms) {
   const std::string file = folder_.write("names", "sales = " + good);
   const char *const rows[][2] = {
-      {"user:secret@h", "user:***@h"},
-      {"user:secret/secret@h", "user:***@h"},
-      {"user/secret@secret@h", "user/***@h"},
-      {"user/secret", "user/***"},
-      {"user/secret as sysdba", "user/***"},
-      {" user/secret", " user/***"},
-      {"user:x/secret", "user:x/***"},
-      {"u1:/secret", "u1:/***"},
+      {"user:secret@h", "user:***@h"},        {"user:secret/secret@h", "user:***@h"},
+      {"user/secret@secret@h", "user/***@h"}, {"user/secret", "user/***"},
+      {"user/secret as admin", "user/***"},  {" user/secret", " user/***"},
+      {"user:x/secret", "user:x/***"},        {"u1:/secret", "u1:/***"},
       {"user//secret", "user/***"},
   };
   for (const auto &row : rows) {

@@ -47,8 +47,8 @@ struct Lookup {
   // What the file held when it was read, once: a pipe can be read no second time.
   std::shared_ptr<const MemoryFile> content = {};
   std::string file_note = {};  // that its path is cut; empty where it is not
-  ReadFault file_fault = {};  // why there is no content of a file that is named
-  std::string fault = {};     // of malformed input, the log's words for it
+  ReadFault file_fault = {};   // why there is no content of a file that is named
+  std::string fault = {};      // of malformed input, the log's words for it
 };
 
 // Builds the identifier's service into the tree.
