@@ -390,7 +390,7 @@ TEST_F(Explain, HidesPasswordsInOtherForms) {
   const char *const rows[][2] = {
       {"user:secret@h", "user:***@h"},        {"user:secret/secret@h", "user:***@h"},
       {"user/secret@secret@h", "user/***@h"}, {"user/secret", "user/***"},
-      {"user/secret as admin", "user/***"},  {" user/secret", " user/***"},
+      {"user/secret as admin", "user/***"},   {" user/secret", " user/***"},
       {"user:x/secret", "user:x/***"},        {"u1:/secret", "u1:/***"},
       {"user//secret", "user/***"},
   };
