@@ -228,15 +228,8 @@ typedef struct kzci_tns {
  * ====================================================================== */
 
 /* The record of the given type that holds the entry as its `le`. */
-#ifdef __cplusplus
-/* Of an entry that is const, too, as the cast of C. */
-#define KZCI_RECORD_OF_ENTRY(record_type, entry)   \
-  (static_cast<record_type *>(static_cast<void *>( \
-      const_cast<char *>(reinterpret_cast<const char *>(entry)) - offsetof(record_type, le))))
-#else
 #define KZCI_RECORD_OF_ENTRY(record_type, entry) \
   ((record_type *)(void *)((char *)(entry)-offsetof(record_type, le)))
-#endif
 
 /* The service that holds an entry. */
 static inline KZCITnsService *KZCITnsServiceOfEntry(list_entry_t *entry) {
