@@ -1,5 +1,4 @@
 // Defaults and release of the records of the tree.
-#include <cstddef>
 #include <cstring>
 
 #include "children.h"
@@ -23,10 +22,7 @@ sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char 
     KZ_LOG(message::null_service);
     return failure;
   }
-  // Between the two parts are the system variables, which their own Init sets to zero.
-  constexpr std::size_t after = offsetof(KZCITnsService, net_service_name_len);
-  set_to_zero(tns_service, offsetof(KZCITnsService, sys_vars));
-  set_to_zero(reinterpret_cast<char *>(tns_service) + after, sizeof *tns_service - after);
+  set_to_zero(tns_service, sizeof *tns_service);
   le_init(&tns_service->le, 0);
   tns_service->net_service_name_len = name_size;
   if (name_size > 0) std::strncpy(tns_service->net_service_name, name, name_size);
