@@ -119,31 +119,30 @@ class Layout {
     const bool after_item = is(before, PieceKind::close) || is(before, PieceKind::comment);
     if (is(piece, PieceKind::comment)) {
       if (piece.line_feeds == 0) return " ";
-      return (after_item ? line_feeds_before(piece) : "\n") + indented(depth + 1);
+      return indented(after_item ? line_feeds_before(piece) : "\n", depth + 1);
     }
     if (is(piece, PieceKind::close))
       return is(before, PieceKind::comment) || (is(before, PieceKind::close) && in_broken())
-                 ? "\n" + indented(depth)
+                 ? indented("\n", depth)
                  : "";
     if (is(before, PieceKind::comment) && !is(piece, PieceKind::open))
-      return "\n" + indented(depth + 1);
+      return indented("\n", depth + 1);
     return is(piece, PieceKind::open) ? gap_of_item(before, piece) : gap_in_item(before, piece);
   }
 
   std::string gap_of_item(const Piece &before, const Piece &open) const {
     const bool first = is(before, PieceKind::equal);
     if (!in_broken()) return first ? " " : "";
-    return (first ? "\n" : line_feeds_before(open)) + indented(around_.size() + 1);
+    return indented(first ? "\n" : line_feeds_before(open), around_.size() + 1);
   }
 
   static std::string gap_in_item(const Piece &before, const Piece &piece) {
     return is(before, PieceKind::equal) || is(piece, PieceKind::equal) ? " " : "";
   }
 
-  std::string indented(std::size_t depth) const {
-    std::string blanks;
-    for (; depth > 0; --depth) blanks += options_.indent;
-    return blanks;
+  std::string indented(std::string line_feeds, std::size_t depth) const {
+    for (; depth > 0; --depth) line_feeds += options_.indent;
+    return line_feeds;
   }
 
   std::string_view slice(const Piece &piece) const {

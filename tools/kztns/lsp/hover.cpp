@@ -79,8 +79,13 @@ std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
   std::string text;
   for (const Finding &finding : analysis.report.findings)
     if (finding.entry == entry.name && analysis.entry_at_or_before(finding.at) == &entry)
-      text += "\n" + std::string(name_of(finding.severity)) + ": " + finding.text + " [" +
-              std::string(row_of(finding.rule).id) + "]\n";
+      text.append("\n")
+          .append(name_of(finding.severity))
+          .append(": ")
+          .append(finding.text)
+          .append(" [")
+          .append(row_of(finding.rule).id)
+          .append("]\n");
   return text;
 }
 
@@ -124,7 +129,8 @@ std::string text_of_item(const Question &question, const Place &place) {
   std::string text = text_of_key(*key);
   if (is_key) return text;
   const std::string_view whole = read_as(*key, word);
-  if (!whole.empty()) text += "\n" + code(word) + " is read as " + code(whole) + ".\n";
+  if (!whole.empty())
+    text.append("\n").append(code(word)).append(" is read as ").append(code(whole)).append(".\n");
   return text;
 }
 

@@ -7,7 +7,7 @@
 namespace kztns::lsp {
 namespace {
 
-std::string in_code(std::string_view word) { return "`" + std::string(word) + "`"; }
+std::string in_code(std::string_view word) { return std::string("`").append(word).append("`"); }
 
 // The block of a row, as the table calls it.
 std::string name_of(Block block) {
