@@ -58,7 +58,8 @@ function(kzoci_library name)
   set_target_properties(kzoci_${name} PROPERTIES
                         POSITION_INDEPENDENT_CODE ON  # libkzoci.so is made of it, too
                         CXX_VISIBILITY_PRESET hidden
-                        VISIBILITY_INLINES_HIDDEN ON)
+                        VISIBILITY_INLINES_HIDDEN ON
+                        UNITY_BUILD OFF)  # a function that a program brings leaves out its file
   target_compile_features(kzoci_${name} PRIVATE cxx_std_20)
   # Calls within a file are our own functions, also in position-independent code. The
   # checks of the C++ library report through that library.

@@ -60,7 +60,8 @@ configure() {
     cached=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   fi
   say "Configuring the $preset preset"
-  cmake --preset "$preset" "${cached[@]}" "$@" >/dev/null
+  # What is built from nothing takes half the time where files are compiled together.
+  cmake --preset "$preset" -DCMAKE_UNITY_BUILD=ON "${cached[@]}" "$@" >/dev/null
 }
 
 # build PRESET [TARGET...]: everything when no target is named.

@@ -97,11 +97,6 @@ bool fails(const CheckRun &run, FailOn fail_on) {
   return fail_on != FailOn::never && (errors || (fail_on == FailOn::warning && warnings));
 }
 
-int print(const std::string &text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  return finish_output();
-}
-
 }  // namespace
 
 bool wants_color(ColorChoice choice) {
@@ -110,15 +105,15 @@ bool wants_color(ColorChoice choice) {
   return (no_color == nullptr || *no_color == '\0') && isatty(STDOUT_FILENO) != 0;
 }
 
-int list_rules() { return print(rule_list()); }
+int list_rules() { return print_output(rule_list()); }
 
-int explain_rule(Rule rule) { return print(explanation(rule)); }
+int explain_rule(Rule rule) { return print_output(explanation(rule)); }
 
 int check(const CheckOptions &options) {
   const CheckRun run = Checker(options).run();
   const bool color = wants_color(options.color);
   const TextStyle style = {color, color || isatty(STDOUT_FILENO) != 0};
-  const int written = print(options.format->render(run, style));
+  const int written = print_output(options.format->render(run, style));
   if (written != exit_success) return written;
   if (!run.unread.empty()) return exit_no_input;
   return fails(run, options.fail_on) ? exit_findings : exit_success;

@@ -9,7 +9,7 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] = "0 no errors, 1 errors, or what --fail-on says";
+constexpr char check_statuses[] = "0 no errors, 1 errors, or what --fail-on says";
 
 std::map<std::string, const CheckFormat *> report_formats() {
   std::map<std::string, const CheckFormat *> formats;
@@ -69,7 +69,7 @@ void add_outcome(CLI::App *check, Arguments &arguments) {
 
 void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
-      add_command(app, "check", "Check names files for errors", statuses, arguments);
+      add_command(app, "check", "Check names files for errors", check_statuses, arguments);
   add_files(check, arguments);
   check->add_option("--format", arguments.format, report_format_names())
       ->type_name("FORMAT")

@@ -4,9 +4,10 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] = "0 no error is left: check has none for the result, 1 errors are left";
+constexpr char fix_statuses[] =
+    "0 no error is left: check has none for the result, 1 errors are left";
 
-void add_target(CLI::App *fix, Arguments &arguments) {
+void add_fix_target(CLI::App *fix, Arguments &arguments) {
   CLI::Option *const diff =
       fix->add_flag("--diff", arguments.diff, "Print a unified diff instead of the whole file");
   CLI::Option *const in_place =
@@ -24,7 +25,7 @@ void add_target(CLI::App *fix, Arguments &arguments) {
 void add_fix(CLI::App &app, Arguments &arguments) {
   CLI::App *const fix =
       add_command(app, "fix", "Mend a names file: print it with the fixes of what check finds",
-                  statuses, arguments);
+                  fix_statuses, arguments);
   add_positional_file(fix, arguments);
   add_stdin_name(fix, arguments);
   fix->add_flag("--unsafe", arguments.with_unsafe,
@@ -38,7 +39,7 @@ void add_fix(CLI::App &app, Arguments &arguments) {
                   "first or last: of the entries of a name, make comments of the others")
       ->type_name("WHICH")
       ->check(CLI::IsMember({"first", "last"}));
-  add_target(fix, arguments);
+  add_fix_target(fix, arguments);
 }
 
 int run_fix(const CLI::App &command, const Arguments &arguments) {

@@ -4,12 +4,12 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] = "0 done, or laid out already, 1 --check: not laid out so";
+constexpr char format_statuses[] = "0 done, or laid out already, 1 --check: not laid out so";
 
 // More than that is no indentation any more.
 constexpr std::size_t most_indent = 16;
 
-void add_target(CLI::App *format, Arguments &arguments) {
+void add_format_target(CLI::App *format, Arguments &arguments) {
   CLI::Option *const check =
       format->add_flag("--check", arguments.check,
                        "Write nothing; the exit status tells whether anything would change");
@@ -28,7 +28,7 @@ void add_target(CLI::App *format, Arguments &arguments) {
 void add_format(CLI::App &app, Arguments &arguments) {
   CLI::App *const format =
       add_command(app, "format", "Lay out a names file: blanks and line ends alone change",
-                  statuses, arguments);
+                  format_statuses, arguments);
   add_positional_file(format, arguments);
   add_stdin_name(format, arguments);
   format->add_option("--indent", arguments.indent, "Blanks of one level, 1 to 16 (2)")
@@ -36,7 +36,7 @@ void add_format(CLI::App &app, Arguments &arguments) {
       ->check(CLI::Range(std::size_t{1}, most_indent).description(""));
   format->add_flag("--one-address-a-line", arguments.one_address_a_line,
                    "Keep each ADDRESS on one line, however long it gets");
-  add_target(format, arguments);
+  add_format_target(format, arguments);
 }
 
 int run_format(const CLI::App &command, const Arguments &arguments) {

@@ -11,7 +11,7 @@
 namespace kztns {
 namespace {
 
-constexpr char statuses[] = "0 listed, 1 a NAME is not there";
+constexpr char list_statuses[] = "0 listed, 1 a NAME is not there";
 
 std::vector<std::string_view> verdict_names() {
   std::vector<std::string_view> names;
@@ -51,7 +51,7 @@ void take_file(const CLI::App &list, Arguments &arguments) {
 
 void add_list(CLI::App &app, Arguments &arguments) {
   CLI::App *const list =
-      add_command(app, "list", "List the entries of a names file", statuses, arguments);
+      add_command(app, "list", "List the entries of a names file", list_statuses, arguments);
   list->add_option("NAME", arguments.names,
                    "List only the entries of these names. Without --file the first one is the "
                    "file, if there is such a file, or if the environment chooses none; - is "

@@ -27,11 +27,6 @@ bool can_be_displayed(Tree &tree) {
   return nowhere != nullptr && KZCITnsServiceDisplay(tree.service(), nowhere.get()) == 0;
 }
 
-int print(const std::string &text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  return finish_output();
-}
-
 int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tree) {
   if (!can_be_displayed(tree)) {
     complain(label, "built, but cannot be shown: a description has no address list");
@@ -42,7 +37,7 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
   [[maybe_unused]] const LogWatch watch(shown);
   if (isatty(STDOUT_FILENO) != 0) {
     const std::optional<std::string> text = visible_tree(tree);
-    if (text) return print(*text);
+    if (text) return print_output(*text);
     complain(label, "cannot be shown: no file descriptor or no memory left");
     return exit_no_memory;
   }
@@ -115,9 +110,9 @@ int show(const std::string &identifier, ShowWhat what, const LookupOptions &opti
     case ShowWhat::tree:
       return show_tree(label, options.shown, tree);
     case ShowWhat::json:
-      return print(tree_json(*tree.get()));
+      return print_output(tree_json(*tree.get()));
     case ShowWhat::dot:
-      return print(tree_dot(*tree.get()));
+      return print_output(tree_dot(*tree.get()));
     case ShowWhat::svg:
       return print_svg(tree_dot(*tree.get()));
     case ShowWhat::dblink:

@@ -25,11 +25,7 @@ bool cannot_be_replaced(const std::optional<std::string> &file) {
 }
 
 int print_text(const std::string &text) {
-  if (isatty(STDOUT_FILENO) != 0)
-    std::fputs(visible_lines(text).c_str(), stdout);
-  else
-    std::fwrite(text.data(), 1, text.size(), stdout);
-  return finish_output();
+  return print_output(isatty(STDOUT_FILENO) != 0 ? visible_lines(text) : text);
 }
 
 std::optional<std::string> replace_read_file(const std::string &path, const std::string &read,

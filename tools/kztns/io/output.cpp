@@ -22,6 +22,11 @@ int finish_output() {
   return exit_output;
 }
 
+int print_output(const std::string &text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  return finish_output();
+}
+
 std::string for_output(std::string_view value) {
   return isatty(STDOUT_FILENO) != 0 ? visible(value) : std::string(value);
 }

@@ -12,6 +12,9 @@ void complain(const std::string &about, const std::string &what);
 // Makes sure that standard output took everything; returns an ExitStatus.
 int finish_output();
 
+// Writes all of a text to standard output, as it is; returns an ExitStatus.
+int print_output(const std::string &text);
+
 // A value from a file as standard output takes it: as it is for a program, escaped
 // for a terminal.
 std::string for_output(std::string_view value);

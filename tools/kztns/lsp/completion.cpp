@@ -11,7 +11,7 @@ namespace {
 constexpr int property = 10;
 constexpr int enum_member = 20;
 
-std::string text_of(const KeyDocument &document) {
+std::string documentation_of(const KeyDocument &document) {
   std::string text = document.meaning + "\n\nValue: " + document.value;
   if (!document.by_default.empty()) text += "; default: " + document.by_default;
   return text;
@@ -22,7 +22,7 @@ Json item(std::string label, int kind, std::string text, const KeyDocument &docu
   return {{"label", std::move(label)},
           {"kind", kind},
           {"detail", document.meaning},
-          {"documentation", markdown(text_of(document))},
+          {"documentation", markdown(documentation_of(document))},
           {"textEdit", {{"range", json_of(range)}, {"newText", std::move(text)}}}};
 }
 

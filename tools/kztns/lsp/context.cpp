@@ -20,9 +20,9 @@ std::optional<WrittenEntry> entry_before(std::string_view text, Offset at) {
 }
 
 // Goes through an entry's value up to a place.
-class Reader {
+class ContextReader {
  public:
-  Reader(std::string_view text, Content entry) : text_(text), contents_{entry} {}
+  ContextReader(std::string_view text, Content entry) : text_(text), contents_{entry} {}
 
   // An entry ends before a word that follows its items.
   bool ends_before(const Piece &piece) const {
@@ -75,7 +75,8 @@ bool is_reserved(std::string_view name) {
 Place place_in_entry(std::string_view text, const WrittenEntry &entry, Offset at, bool whole_word) {
   const std::string name =
       unquoted(text.substr(entry.name_begin, entry.name_end - entry.name_begin));
-  Reader reader(text, content_of(is_reserved(name) ? Block::system_variables : Block::entry));
+  ContextReader reader(text,
+                       content_of(is_reserved(name) ? Block::system_variables : Block::entry));
   const std::string_view read = whole_word ? text : text.substr(0, at);
   for (const Piece &piece : pieces_of(read, entry.body, at)) {
     if (reader.ends_before(piece)) return {};

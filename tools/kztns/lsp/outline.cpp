@@ -12,9 +12,9 @@ namespace kztns::lsp {
 namespace {
 
 // Reads one entry's value.
-class Reader {
+class OutlineReader {
  public:
-  Reader(std::string_view text, Outline &entry) : text_(text), open_{{entry, true}} {}
+  OutlineReader(std::string_view text, Outline &entry) : text_(text), open_{{entry, true}} {}
 
   void read(const std::vector<Piece> &pieces) {
     for (std::size_t i = 0; i < pieces.size(); ++i) {
@@ -77,7 +77,7 @@ std::vector<Outline> outline_of(std::string_view text) {
     const auto limit =
         static_cast<Offset>(i + 1 < entries.size() ? entries[i + 1].name_begin : text.size());
     Outline outline{{entry.name_begin, entry.body}, {entry.name_begin, entry.name_end}, {}};
-    Reader reader(text, outline);
+    OutlineReader reader(text, outline);
     // Of several names, the last one has the value.
     if (limit > entry.body) reader.read(pieces_of(text.substr(0, limit), entry.body, limit));
     outlines.push_back(reader.finish());

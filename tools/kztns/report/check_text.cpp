@@ -7,7 +7,7 @@ namespace kztns {
 namespace {
 
 constexpr char bold[] = "\x1b[1m";
-constexpr char plain[] = "\x1b[0m";
+constexpr char reset[] = "\x1b[0m";
 constexpr char green[] = "\x1b[32m";
 
 const char *color_of(Severity severity) {
@@ -19,7 +19,7 @@ const char *color_of(Severity severity) {
     case Severity::note:
       return "\x1b[1;36m";
   }
-  return plain;
+  return reset;
 }
 
 // Pieces of text, in colour where that is wanted.
@@ -31,7 +31,7 @@ class Painter {
   void add(const char *color, std::string_view text) {
     if (color_) text_ += color;
     text_ += text;
-    if (color_) text_ += plain;
+    if (color_) text_ += reset;
   }
   std::string take() { return std::move(text_); }
 

@@ -22,7 +22,9 @@ Offset line_start(std::string_view text, Offset at) {
   return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
 }
 
-bool is_blank(std::string_view text) { return text.find_first_not_of(blanks_of_line) == text.npos; }
+bool is_blank_text(std::string_view text) {
+  return text.find_first_not_of(blanks_of_line) == text.npos;
+}
 
 // Whether more than a comment follows on the line.
 bool goes_on(std::string_view text, Offset at) {
@@ -210,7 +212,7 @@ std::vector<Edit> as_comments(std::string_view text, const std::vector<Commented
   std::vector<Edit> edits;
   for (const CommentedPart &part : parts) {
     const Offset line = line_start(text, part.begin);
-    const bool alone = is_blank(text.substr(line, part.begin - line));
+    const bool alone = is_blank_text(text.substr(line, part.begin - line));
     const Offset begin = alone ? line : part.begin;
     edits.push_back({begin, begin, (alone ? "# " : "\n# ") + part.reason + "\n# "});
     for (Offset at = begin; at < part.end; ++at) {

@@ -29,7 +29,7 @@ std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end)
 
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
-  const auto line_end = static_cast<Offset>(std::min(text.find('\n', at), text.size()));
+  const Offset line_end = end_of_line(text, at);
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);

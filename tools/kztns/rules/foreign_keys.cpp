@@ -5,7 +5,7 @@
 namespace kztns {
 namespace {
 
-constexpr ForeignKey rows[] = {
+constexpr ForeignKey foreign_rows[] = {
 #define FOREIGN_KEY(word, treatment, ...) {word, __VA_ARGS__, ForeignTreatment::treatment},
 #include "rules/foreign_keys.def"
 };
@@ -30,10 +30,10 @@ std::string action_of(const ForeignKey &key) {
 
 }  // namespace
 
-std::span<const ForeignKey> foreign_keys() { return rows; }
+std::span<const ForeignKey> foreign_keys() { return foreign_rows; }
 
 const ForeignKey *foreign_key(std::string_view word) {
-  for (const ForeignKey &key : rows)
+  for (const ForeignKey &key : foreign_rows)
     if (equal_but_for_case(word, key.word)) return &key;
   return nullptr;
 }

@@ -28,7 +28,7 @@ bool is_off(std::string_view word) {
 }
 
 // By host and port. Names of hosts do not depend on case.
-bool is_before(const AddressText &left, const AddressText &right) {
+bool sorts_before(const AddressText &left, const AddressText &right) {
   if (equal_but_for_case(left.host, right.host)) return left.port < right.port;
   return std::lexicographical_compare(left.host.begin(), left.host.end(), right.host.begin(),
                                       right.host.end(),
@@ -103,9 +103,9 @@ class ListWarnings {
   void check_equal(std::size_t first, std::size_t end) {
     const auto from = addresses_.begin() + static_cast<std::ptrdiff_t>(first);
     const auto to = addresses_.begin() + static_cast<std::ptrdiff_t>(end);
-    std::stable_sort(from, to, is_before);
+    std::stable_sort(from, to, sorts_before);
     for (auto next = from; next != to; ++next) {
-      if (next == from || next->host.empty() || is_before(*std::prev(next), *next)) continue;
+      if (next == from || next->host.empty() || sorts_before(*std::prev(next), *next)) continue;
       add(Rule::equal_addresses, next->at, next->list,
           "this address equals that at " + findings_.place(std::prev(next)->at),
           std::prev(next)->at);

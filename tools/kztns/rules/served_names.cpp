@@ -9,7 +9,7 @@
 namespace kztns {
 namespace {
 
-bool is_before(const ServedName &left, const ServedName &right) {
+bool comes_before(const ServedName &left, const ServedName &right) {
   return std::tie(left.name, left.tree) < std::tie(right.name, right.tree);
 }
 
@@ -44,8 +44,8 @@ void ServedNames::take(const EntryView &view) {
 }
 
 void ServedNames::sort() {
-  std::sort(names_.begin(), names_.end(), is_before);
-  std::sort(unserved_.begin(), unserved_.end(), is_before);
+  std::sort(names_.begin(), names_.end(), comes_before);
+  std::sort(unserved_.begin(), unserved_.end(), comes_before);
   std::sort(entries_.begin(), entries_.end());
 }
 
@@ -61,7 +61,7 @@ std::vector<ServedName> ServedNames::gone_in(const ServedNames &others) const {
 std::vector<ServedName> ServedNames::not_in(const ServedNames &others) const {
   std::vector<ServedName> missing;
   std::set_difference(names_.begin(), names_.end(), others.names_.begin(), others.names_.end(),
-                      std::back_inserter(missing), is_before);
+                      std::back_inserter(missing), comes_before);
   return missing;
 }
 

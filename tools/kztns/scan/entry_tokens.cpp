@@ -7,8 +7,6 @@
 namespace kztns {
 namespace {
 
-bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
-
 class Tokenizer {
  public:
   Tokenizer(std::string_view text, Offset body, Offset end)

@@ -11,10 +11,6 @@ namespace {
 // Whoever mends so many checks again.
 constexpr std::size_t most_stops = 100'000;
 
-Offset end_of_line(std::string_view text, Offset from) {
-  return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
-}
-
 KZCITnsTokenType type_at(std::string_view text, Offset at) {
   if (at >= text.size()) return TNS_ERROR_TYPE;
   switch (text[at]) {

@@ -9,12 +9,7 @@
 namespace kztns {
 namespace {
 
-bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
-
-Offset end_of_line(std::string_view text, Offset from) {
-  return static_cast<Offset>(std::min(text.find('\n', from), text.size()));
-}
 
 class Scanner {
  public:

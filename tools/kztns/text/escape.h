@@ -17,8 +17,10 @@ std::string visible(std::string_view text);
 // The same, cut to some forty characters.
 std::string excerpt(std::string_view text);
 
-// A text between double quotes.
+// A text between double quotes. Of a std::string, too, which the standard library's function
+// of this name would take otherwise.
 std::string quoted(std::string_view text);
+inline std::string quoted(const std::string &text) { return quoted(std::string_view(text)); }
 
 // A text as a JSON string takes it: only bytes that are not UTF-8 are escaped.
 std::string valid_utf8(std::string_view text);
