@@ -41,8 +41,8 @@ std::vector<Row> address_rows() {
       in_description("(ADDRESS_LIST=" + local + quoted_tcp + ")" + data,
                      "(ADDRESS_LIST=" + quoted_tcp + ")" + data),
       in_description(lists + data, "(ADDRESS_LIST=(KZLB=ON)" + address + ")" + data),
-      unchanged("(DESCRIPTION=(ADDRESS_LIST=" + local + "(ADDRESS=(PROTOCOL=(x=y))(HOST=h)))" + data +
-                ")"),
+      unchanged("(DESCRIPTION=(ADDRESS_LIST=" + local + "(ADDRESS=(PROTOCOL=(x=y))(HOST=h)))" +
+                data + ")"),
       // Of a key that means a local address there is none to give up outside of one.
       unchanged("(DESCRIPTION=(KEY=k)" + address + data + ")"),
       // An address that is written as a text.
@@ -52,8 +52,9 @@ std::vector<Row> address_rows() {
       unchanged("(DESCRIPTION=(ADDRESS=h:http)" + data + ")"),
       unchanged("(DESCRIPTION=(ADDRESS=u@h:1)" + data + ")"),
       unchanged("(DESCRIPTION=(CONNECT_DATA=h:1)" + address + ")"),
-      {"h:1/s", "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = "
-                "s)))"},
+      {"h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = "
+       "s)))"},
       unchanged("h:1"),
       unchanged("h:1/"),
       unchanged("h:1/s:dedicated"),
@@ -72,6 +73,21 @@ std::vector<Row> list_rows() {
   };
 }
 
+std::vector<Row> key_rows() {
+  return {
+      in_description("(CONNECT_TIMEOUT=soon)" + address + data,
+                     "(KZLB_CONNECT_TIMEOUT=soon)" + address + data),
+      in_description(address + "(CONNECT_DATA=(DATABASE=d))",
+                     address + "(CONNECT_DATA=(SERVICE_NAME=d))"),
+      in_description("(LOAD_BALANCE=(x=y))" + address + data, address + data),
+      // Of two blocks that could take the item none is the right one.
+      unchanged("(DESCRIPTION=(SID=s)(CONNECT_DATA=(KZ_MODE=1))(CONNECT_DATA=(KZ_MODE=2))" +
+                address + ")"),
+      // Another item may begin in a value.
+      unchanged("(DESCRIPTION=(ADDRESS=(HOST=h SDU=1))" + data + ")"),
+  };
+}
+
 class BlockFixes : public testing::TestWithParam<Row> {};
 
 }  // namespace
@@ -82,6 +98,7 @@ TEST_P(BlockFixes, Leave) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAddresses, BlockFixes, testing::ValuesIn(address_rows()));
+INSTANTIATE_TEST_SUITE_P(OfKeys, BlockFixes, testing::ValuesIn(key_rows()));
 INSTANTIATE_TEST_SUITE_P(OfLists, BlockFixes, testing::ValuesIn(list_rows()));
 
 TEST(BlockFixes, NumberTheDescriptionsOfAList) {
@@ -101,9 +118,9 @@ TEST(BlockFixes, NumberTheDescriptionsOfAList) {
 
 TEST(BlockFixes, NumberADescriptionAfterAComment) {
   const std::string rest = "\ny=" + description + "\n";
-  EXPECT_EQ(unsafely_fixed("x=(DESCRIPTION_LIST=" + description + " # c\n" + description + ")" +
-                           rest),
-            "x=" + description + " # c\n\nx_2 =\n  " + description + rest);
+  EXPECT_EQ(
+      unsafely_fixed("x=(DESCRIPTION_LIST=" + description + " # c\n" + description + ")" + rest),
+      "x=" + description + " # c\n\nx_2 =\n  " + description + rest);
 }
 
 TEST(BlockFixes, MergeTheSecondConnectDataFirst) {

@@ -105,16 +105,16 @@ TEST(CommentingOut, TakesStrayTextAfterTheReservedEntryToo) {
 
 // The names of a list have one value, which becomes a comment with them.
 TEST(CommentingOut, TakesAListOfNamesAsOne) {
-  const std::string list = "a,b,c = (DESCRIPTION =\n  (NOBODY_KNOWS = x))\n";
+  const std::string list = "a, b, c = (DESCRIPTION =\n  (NOBODY_KNOWS = x))\n";
   const std::string result = commented(entry("d") + list + entry("e"));
   EXPECT_TRUE(result.starts_with(entry("d") + "# ")) << result;
-  EXPECT_NE(result.find("\n# a,b,c = (DESCRIPTION =\n#   (NOBODY_KNOWS = x))\n" + entry("e")),
+  EXPECT_NE(result.find("\n# a, b, c = (DESCRIPTION =\n#   (NOBODY_KNOWS = x))\n" + entry("e")),
             std::string::npos)
       << result;
 }
 
 TEST(KeepingOneOfAName, LeavesListsOfNames) {
-  const std::string text = "a,b" + entry("") + "c,d" + entry("");
+  const std::string text = "a, b" + entry("") + "c, d" + entry("");
   const NamesText original(text);
   Mender mender(original, {"names.ora"});
   kztns::comment_out_duplicates(mender, kztns::Keep::first);
