@@ -80,6 +80,32 @@ TEST(MendingParentheses, LeavesWhatWouldLoseAnotherEntry) {
             text + entry("d", "\"x y\"") + entry("e", "\"u v\""));
 }
 
+// The parentheses are mended in an entry that is refused all the same, since they keep lookups
+// from the entries after it.
+TEST(MendingParentheses, MendsThemInAnEntryOfManyOtherFaults) {
+  std::string faults = "\n  (CONNECT_DATA = (SID = s))";
+  for (int i = 0; i < 60; ++i) faults += "\n  (SOURCE_ROUTE = YES)";
+  faults += ")\n" + entry("b");
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)";
+  EXPECT_EQ(mended(begin + faults), begin + ")" + faults);
+}
+
+TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
+  EXPECT_EQ(
+      commented(entry("a") +
+                "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 70000))(NOBODY_KNOWS = x)) # c\n"),
+      entry("a") +
+          "# unknown key NOBODY_KNOWS [unknown-key]\n"
+          "# b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 70000))(NOBODY_KNOWS = x)) # c\n");
+}
+
+TEST(CommentingOut, TakesARefusedNamesakeOfAServedEntry) {
+  const std::string served = entry("a") + entry("a", "i");
+  const std::string result = commented(served + "a = (DESCRIPTION = (NOBODY_KNOWS = x))\n");
+  EXPECT_TRUE(result.starts_with(served + "# ")) << result;
+  EXPECT_TRUE(result.ends_with("\n# a = (DESCRIPTION = (NOBODY_KNOWS = x))\n")) << result;
+}
+
 TEST(CommentingOut, LeavesWhatWouldLoseAnotherEntry) {
   const std::string text = unclosed + closed_twice + entry("c");
   EXPECT_EQ(commented(text), text);
