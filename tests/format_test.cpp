@@ -246,6 +246,22 @@ TEST(Format, KeepsAllWhereARefusedEntryWouldBeAccepted) {
   EXPECT_EQ(formatted.kept[0].reason, KeptBecause::would_differ);
 }
 
+// The entries before it are taken back one by one, but not without end.
+TEST(Format, KeepsAllOfAFileThatItWouldHaveToTryTooOften) {
+  std::string begin;
+  for (char name = 'a'; name < 'k'; ++name)
+    begin += std::string(1, name) + "=(DESCRIPTION=(KZLB=ON))\n";
+  begin += "x=(DESCRIPTION=(CONNECT_DATA=(SID=";
+  const std::string text = "#" + std::string(1024 - 256 - begin.size() - 2, '.') + "\n" + begin +
+                           std::string(256, 'v') + ")))\n";
+  ASSERT_FALSE(served_in(text)[10].built);
+  const Formatted formatted = edits_of(text);
+  EXPECT_TRUE(formatted.edits.empty());
+  ASSERT_EQ(formatted.kept.size(), 11u);
+  for (const kztns::KeptEntry &kept : formatted.kept)
+    EXPECT_EQ(kept.reason, KeptBecause::would_differ);
+}
+
 TEST(Format, LaysOutTheEntriesOfARange) {
   const std::string one = "a=(DESCRIPTION=(KZLB=ON))";
   const std::string text = "\n\n" + one + "\n\n\n" + one + "\n\n\n" + one + "\n";

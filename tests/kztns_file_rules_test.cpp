@@ -1,4 +1,7 @@
 // What keeps lookups from entries: what is told of it, and what its fix makes of the file.
+#include <algorithm>
+
+#include "rules/file_fixes.h"
 #include "support/checked_file.h"
 
 using namespace std::string_literals;
@@ -262,4 +265,64 @@ TEST_F(FileRules, ManyParenthesesAreOneFindingAndOneEdit) {
   const kztns::CheckReport report = kztns::check_file(names, {.file = "names"});
   ASSERT_EQ(report.findings.size(), 1u);
   EXPECT_EQ(report.findings[0].fix.edits.size(), 1u);
+}
+
+// From so many on, one edit takes less memory.
+TEST_F(FileRules, ManyLineEndsAreOneEdit) {
+  constexpr std::size_t most = 100'000;
+  const std::string ends(most, '\r');
+  EXPECT_EQ(kztns::fix_of_line_ends("x" + ends + "\r\n").edits.size(), most);
+  const kztns::Fix fix = kztns::fix_of_line_ends("x" + ends + "\ry\r\n");
+  ASSERT_EQ(fix.edits.size(), 1u);
+  EXPECT_EQ(fix.edits[0].text, "x" + std::string(most + 1, '\n') + "y\r\n");
+}
+
+// What is no whole list of names with a value has no fix.
+TEST_F(FileRules, AListThatIsNotWholeStaysAsItIs) {
+  for (const std::string &list : {"x, y"s, "x, y " + block, "x, y,"s, "x, y = (DESCRIPTION = (SID"s,
+                                  "x, y = " + block + " z"}) {
+    const std::string text = entry("a") + list + "\n";
+    EXPECT_EQ(safely_fixed(text), text);
+  }
+}
+
+// Lookups that find other entries of the names would find those of the list before them.
+TEST_F(FileRules, AListWhoseNamesComeLaterStaysAsItIs) {
+  const std::string list = "x, y = " + block + "\n";
+  const std::string text = list + entry("x") + entry("y");
+  EXPECT_EQ(safely_fixed(text), text);
+  EXPECT_EQ(safely_fixed(list + entry("x")), entry("y") + entry("x"));
+}
+
+TEST_F(FileRules, CommasInQuotesStay) {
+  for (const std::string name : {"\"x,y\"", "\",x\"", "\"x,\""}) {
+    EXPECT_NE(told(entry(name)), "") << name;
+    EXPECT_EQ(unsafely_fixed(entry(name)), entry(name));
+  }
+}
+
+TEST_F(FileRules, OfEachRuleAThousandAreShown) {
+  const std::vector<std::pair<kztns::Rule, std::string>> lines = {
+      {kztns::Rule::comma_list, entry("x%,y%")},
+      {kztns::Rule::case_differs, entry("x%") + entry("X%")},
+      {kztns::Rule::odd_bytes, entry("x%\xC2\xA0y")},
+      {kztns::Rule::odd_bytes, "x% = (DESCRIPTION = (ADDRESS = (HOST = h\xC2\xA0i)))\n"},
+      {kztns::Rule::abbreviated_word, "x% = (DESCRIPTION = (KZLB = OF))\n"},
+      {kztns::Rule::no_port, "x% = (DESCRIPTION = (ADDRESS = (HOST = h)))\n"}};
+  for (const auto &[rule, line] : lines) {
+    SCOPED_TRACE(line);
+    std::string text;
+    for (int i = 0; i < 1003; ++i) {
+      std::string numbered = line;
+      for (std::size_t at; (at = numbered.find('%')) != std::string::npos;)
+        numbered.replace(at, 1, std::to_string(i));
+      text += numbered;
+    }
+    const kztns::CheckReport report = kztns::check_once(kztns::NamesText(text), {.file = "names"});
+    EXPECT_EQ(kztns::left_out(report, rule), 3u);
+    EXPECT_EQ(std::count_if(
+                  report.findings.begin(), report.findings.end(),
+                  [rule = rule](const kztns::Finding &finding) { return finding.rule == rule; }),
+              1000);
+  }
 }

@@ -1,16 +1,21 @@
 // Which names file the command reads, and what it makes of what stands there.
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "io/names_file.h"
+#include "io/progress.h"
 #include "io/read_file.h"
 #include "support/parsing.h"
 #include "trace/platform.h"
@@ -142,4 +147,61 @@ TEST(ReadFile, OfAPipeThatIsWaitedFor) {
   kztns::ReadFault fault;
   EXPECT_EQ(kztns::read_file(path, 4, fault), "text");
   writer.join();
+}
+
+namespace {
+
+// What is written to standard error while a terminal is there.
+std::string on_a_terminal(const std::function<void()> &run) {
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return "none";
+  const int end = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+  const int before = dup(STDERR_FILENO);
+  dup2(end, STDERR_FILENO);
+  run();
+  dup2(before, STDERR_FILENO);
+  fcntl(terminal, F_SETFL, O_NONBLOCK);
+  std::string text;
+  char bytes[64];
+  for (ssize_t count; (count = read(terminal, bytes, sizeof bytes)) > 0;)
+    text.append(bytes, static_cast<std::size_t>(count));
+  for (const int descriptor : {terminal, end, before}) close(descriptor);
+  return text;
+}
+
+}  // namespace
+
+TEST(Progress, IsShownAfterASecondAndTakenAway) {
+  const std::string shown = on_a_terminal([] {
+    kztns::Progress progress(200);
+    progress.at(10);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1010));
+    progress.at(50);
+    progress.at(60);  // too early to be shown, too
+  });
+  if (shown == "none") GTEST_SKIP() << "no pseudo-terminal here";
+  EXPECT_EQ(shown, "\rchecking:  25 %\r\x1b[K");
+}
+
+TEST(Progress, ThatEndsSoonIsNotShown) {
+  const std::string shown = on_a_terminal([] { kztns::Progress(200).at(50); });
+  if (shown == "none") GTEST_SKIP() << "no pseudo-terminal here";
+  EXPECT_EQ(shown, "");
+}
+
+TEST(ReadFile, BelowWhatIsNoFolderIsMissing) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.write("names", "") + "/names";
+  kztns::ReadFault fault;
+  EXPECT_FALSE(kztns::read_file(path, 1, fault).has_value());
+  EXPECT_TRUE(fault.missing);
+  EXPECT_EQ(fault.text, "cannot be read: Not a directory");
+}
+
+TEST(ReadFile, EndsWhereTheReaderHasEnough) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.write("names", std::string(200'000, 'x'));
+  int pieces = 0;
+  EXPECT_FALSE(kztns::read_pieces(path, 1 << 20, [&](std::string_view) { return ++pieces < 2; }));
+  EXPECT_EQ(pieces, 2);
 }

@@ -156,3 +156,20 @@ TEST(DisabledRules, AreNeitherReportedNorCounted) {
   EXPECT_EQ(kztns::left_out(report, Rule::unknown_key), 0u);
   EXPECT_EQ(count(report, kztns::Severity::error), 0u);
 }
+
+TEST(Ignores, ReadCommentsAtBothEndsOfAFile) {
+  EXPECT_EQ(found_in("kztns: ignore stray-text\n"), "1:1 stray-text\n");
+  EXPECT_EQ(found_in("# kztns:"), "");
+  EXPECT_EQ(found_in("# kztns: ignore no-port"), "");
+}
+
+TEST(Ignores, LeaveWhatIsAboutNoEntry) {
+  const std::string comment = "# kztns: ignore no-port\n";
+  EXPECT_EQ(found_in("stray\n" + entry("a", "") + comment), "1:1 stray-text\n");
+  EXPECT_EQ(found_in(comment + entry("a", "") + "b = x\nc = y\n"), "4:5 no-block\n5:5 no-block\n");
+}
+
+TEST(Ignores, TellNoUnknownRulesWhereThatIsDisabled) {
+  EXPECT_EQ(found_in("# kztns: ignore nonsense\n"), "1:17 unknown-rule\n");
+  EXPECT_EQ(found(report_of("# kztns: ignore nonsense\n", only(Rule::unknown_rule))), "");
+}

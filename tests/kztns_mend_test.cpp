@@ -407,6 +407,7 @@ std::string diff(const std::string &text, const std::vector<Edit> &edits,
 TEST(UnifiedDiff, IsEmptyOfNoChange) {
   EXPECT_EQ(diff("a\nb\n", {}), "");
   EXPECT_EQ(diff("", {}), "");
+  EXPECT_EQ(diff("a\nb\n", {{2, 2, ""}}), "");
 }
 
 TEST(UnifiedDiff, HasThreeLinesOfContext) {

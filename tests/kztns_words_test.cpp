@@ -215,3 +215,32 @@ TEST(Progress, IsNotToldOfShortWork) {
   }
   EXPECT_EQ(terminal.printed(), "");
 }
+
+TEST(Utf16, BecomesUtf8) {
+  const auto little = [](std::u16string_view units) {
+    std::string text = "\xFF\xFE";
+    for (const char16_t unit : units) {
+      text += static_cast<char>(unit & 0xFF);
+      text += static_cast<char>(unit >> 8);
+    }
+    return text;
+  };
+  EXPECT_EQ(kztns::utf_8_of_utf_16(little(u"a\u00E4\u20AC\U0001F418")),
+            "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x90\x98");
+  // Halves of a character alone, at the end, too.
+  const std::string none = "\xEF\xBF\xBD";
+  const char16_t low_first[] = {0xDC00, u'a', 0};
+  const char16_t high_alone[] = {0xD800, u'b', 0xD800, 0};
+  EXPECT_EQ(kztns::utf_8_of_utf_16(little(low_first)), none + "a");
+  EXPECT_EQ(kztns::utf_8_of_utf_16(little(high_alone)), none + "b" + none);
+  // Half a unit at the end is what another program appended.
+  EXPECT_EQ(kztns::utf_8_of_utf_16(little(u"a") + "\n"), "a\n");
+  EXPECT_EQ(kztns::utf_8_of_utf_16(little(u"a") + std::string(1, '\0')), "a");
+}
+
+TEST(Utf16, IsToldByItsZeros) {
+  EXPECT_TRUE(kztns::is_utf_16("a\0b\0"sv));
+  EXPECT_TRUE(kztns::is_utf_16("\0a\0b"sv));
+  EXPECT_FALSE(kztns::is_utf_16("\0\0\0\0"sv));
+  EXPECT_FALSE(kztns::is_utf_16("\0aab"sv));
+}

@@ -437,6 +437,54 @@ TEST(Lsp, AnswersOverlappingRequestsInTheirOrder) {
   EXPECT_EQ(names, (std::vector<std::string>{"sales", "orders", "orders"}));
 }
 
+// Of several texts the one that changed last is what its author looks at.
+TEST(Lsp, ChecksTheTextThatChangedLastFirst) {
+  LspClient client;
+  client.initialize();
+  for (const char *const uri : {"file:///z", "file:///a", "file:///m"})
+    client.server().take({{"method", "textDocument/didOpen"},
+                          {"params", {{"textDocument", {{"uri", uri}, {"text", "# c\n"}}}}}});
+  std::vector<std::string> order;
+  for (const Json &message : client.deliver()) order.push_back(message["params"]["uri"]);
+  EXPECT_EQ(order, (std::vector<std::string>{"file:///m", "file:///a", "file:///z"}));
+}
+
+// What a request has found out already is not told again.
+TEST(Lsp, TellsFindingsOnceWhereARequestWasFaster) {
+  LspClient client;
+  client.initialize();
+  client.server().take(
+      {{"method", "textDocument/didOpen"},
+       {"params", {{"textDocument", {{"uri", LspClient::uri}, {"text", good_entry}}}}}});
+  const auto job = client.server().next_job();
+  ASSERT_TRUE(job);
+  client.server().take(
+      {{"id", 7}, {"method", "textDocument/hover"}, {"params", client.about(0, 0)}});
+  client.server().finish(job->uri, kztns::lsp::run(*job));
+  const std::vector<Json> sent = client.deliver();
+  ASSERT_EQ(sent.size(), 2u);
+  EXPECT_EQ(sent[0]["method"], "textDocument/publishDiagnostics");
+  EXPECT_EQ(sent[1]["id"], 7);
+}
+
+// Of a long text the findings that a lookup meets come first, then those after them.
+TEST(Lsp, TellsOfALongTextInTwoSteps) {
+  const std::string comment = "#" + std::string(kztns::lsp::long_text, 'c') + "\n";
+  LspClient client;
+  client.initialize();
+  client.server().take({{"method", "textDocument/didOpen"},
+                        {"params",
+                         {{"textDocument",
+                           {{"uri", LspClient::uri},
+                            {"text", comment + "stray\n" + good_entry + "a = (X = 1)\n"}}}}}});
+  std::vector<std::size_t> counts;
+  for (const Json &message : client.deliver())
+    counts.push_back(message["params"]["diagnostics"].size());
+  ASSERT_EQ(counts.size(), 2u);
+  EXPECT_LE(counts[0], counts[1]);
+  EXPECT_FALSE(client.server().next_job());
+}
+
 // A check that ends after the text has changed is of no use any more.
 TEST(Lsp, DropsTheFindingsOfAnOlderText) {
   LspClient client;

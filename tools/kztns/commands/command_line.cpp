@@ -16,8 +16,8 @@ std::string rule_fault(const std::string &word) {
   if (rule_of(word)) return {};
   const std::string_view near = near_word(word, rule_ids());
   const std::string fault = "unknown rule " + kztns::quoted(excerpt(word));
-  return fault + (near.empty() ? ": kztns check --rules lists them"
-                               : "; did you mean " + std::string(near) + "?");
+  if (near.empty()) return fault + ": kztns check --rules lists them";
+  return fault + "; did you mean " + std::string(near) + "?";
 }
 
 }  // namespace
@@ -74,9 +74,10 @@ RuleSet disabled_rules(const Arguments &arguments) {
 
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments) {
   const CLI::Option *const positional = command.get_option_no_throw("FILE");
-  const bool given = command.count("--file") > 0 || (positional != nullptr && *positional) ||
-                     !arguments.file.empty();
-  return given ? std::optional(arguments.file) : std::nullopt;
+  const bool as_option = command.count("--file") > 0;
+  const bool as_argument = positional != nullptr && positional->count() > 0;
+  if (as_option || as_argument || !arguments.file.empty()) return arguments.file;
+  return std::nullopt;
 }
 
 }  // namespace kztns

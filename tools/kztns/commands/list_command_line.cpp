@@ -39,10 +39,12 @@ VerdictSet verdicts_of(const std::vector<std::string> &words) {
 
 // Takes the file from the names when it is the first of them.
 void take_file(const CLI::App &list, Arguments &arguments) {
-  if (list.count("--file") > 0 || arguments.names.empty()) return;
+  const bool is_given = list.count("--file") > 0;
+  if (is_given || arguments.names.empty()) return;
   const std::string &first = arguments.names[0];
   const bool is_file = first == standard_input || access(first.c_str(), F_OK) == 0;
-  if (!is_file && choose_file(std::nullopt)) return;
+  const bool is_chosen = choose_file(std::nullopt).has_value();
+  if (!is_file && is_chosen) return;
   arguments.file = first;
   arguments.names.erase(arguments.names.begin());
 }

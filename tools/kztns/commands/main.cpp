@@ -153,15 +153,14 @@ std::string subject_of(const CLI::App &app, Arguments &arguments) {
   std::string &identifier = arguments.identifier;
   if (IsDescriptionTns(identifier.data(), static_cast<ub4>(identifier.size())))
     return "literal descriptor";
-  if (arguments.paths.size() == 1) return kztns::quoted(kztns::visible(arguments.paths[0]));
   if (arguments.paths.size() > 1) return "names files";
-  const std::vector<const CLI::App *> commands = app.get_subcommands({});
-  const auto used = std::find_if(commands.begin(), commands.end(),
-                                 [](const CLI::App *command) { return command->parsed(); });
-  if (used != commands.end() && (*used)->get_name() == "lsp") return "document";
-  const auto file =
-      used == commands.end() ? std::nullopt : kztns::choose_file(given_file(**used, arguments));
-  return file ? kztns::quoted(kztns::visible(file->path)) : "names file";
+  if (app.got_subcommand("lsp")) return "document";
+  std::optional<std::string> given;
+  if (!arguments.file.empty()) given = arguments.file;
+  if (!arguments.paths.empty()) given = arguments.paths[0];
+  const std::optional<kztns::FileChoice> file = kztns::choose_file(given);
+  if (!file) return "names file";
+  return kztns::quoted(kztns::visible(file->path));
 }
 
 // The first argument that is no option; null for none.

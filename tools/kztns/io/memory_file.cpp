@@ -10,10 +10,10 @@ namespace kztns {
 
 MemoryFile::MemoryFile()
     : descriptor_(memfd_create("kztns", MFD_CLOEXEC)),
-      error_(0),
+      error_(descriptor_ < 0 ? errno : 0),
       path_("/proc/self/fd/" + std::to_string(descriptor_)) {
   // The path leads nowhere where /proc is not mounted.
-  if (access(path_.c_str(), R_OK) != 0) error_ = errno;
+  if (error_ == 0 && access(path_.c_str(), R_OK) != 0) error_ = errno;
 }
 
 MemoryFile::~MemoryFile() {

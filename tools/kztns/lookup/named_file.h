@@ -17,9 +17,9 @@ inline std::string note_of_cut_path(const FileChoice &choice) {
     if (choice.variable != source.variable ||
         choice.value.size() + suffix.size() <= kzoci::tns::max_file_name)
       continue;
-    return "the path in " + choice.variable +
-           (suffix.empty() ? "" : ", with \"" + suffix + "\" after it,") + " is cut to " +
-           std::to_string(kzoci::tns::max_file_name) + " characters";
+    std::string note = "the path in " + choice.variable;
+    if (!suffix.empty()) note += ", with \"" + suffix + "\" after it,";
+    return note + " is cut to " + std::to_string(kzoci::tns::max_file_name) + " characters";
   }
   return "";
 }

@@ -1,0 +1,148 @@
+// Mending where a fix would cost something: what is served stays, what does not help is taken
+// back, and the other fixes are applied all the same.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "rules/comment_out.h"
+#include "rules/mend_file.h"
+
+namespace {
+
+using kztns::Mender;
+using kztns::NamesText;
+
+const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
+
+std::string entry(const std::string &name, const std::string &host = "h") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
+         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+}
+
+// Lookups of other names pass over the first of these two as if it were both: a ")" is missing
+// in it, and one is too many in the second.
+const std::string unclosed =
+    "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)\n  (CONNECT_DATA = (SID = s)))\n";
+const std::string closed_twice =
+    "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n  (CONNECT_DATA = (SID = s))))\n";
+
+std::string mended(const std::string &content) {
+  const NamesText original(content);
+  Mender mender(original, {"names.ora", true});
+  mender.apply_fixes();
+  return mender.text().text();
+}
+
+std::string commented(const std::string &content) {
+  const NamesText original(content);
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_unserved(mender);
+  return mender.text().text();
+}
+
+// An entry with a fault of many items, and one that cannot be mended after as many faults as
+// are looked for.
+std::string entry_with_many_faults() {
+  std::string text = "a = (DESCRIPTION = ";
+  for (int i = 0; i < 60; ++i) text += "(SDU = 1)";
+  return text + "(ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+}
+
+}  // namespace
+
+TEST(MendingInVain, LeavesTheEntryAsItWas) {
+  const std::string text = entry_with_many_faults();
+  EXPECT_EQ(mended(text + entry("b", "x y")), text + entry("b", "\"x y\""));
+}
+
+TEST(MendingInVain, TellsOfTheOtherFixesOnly) {
+  const NamesText original(entry_with_many_faults() + entry("b", "x y"));
+  Mender mender(original, {"names.ora"});
+  mender.apply_fixes();
+  ASSERT_EQ(mender.mended().size(), 1u);
+  EXPECT_EQ(mender.mended()[0].finding.position.line, 2u);
+  EXPECT_EQ(mender.steps(), 1u);
+}
+
+TEST(MendingInVain, KeepsWhatWasDoneBefore) {
+  const std::string text = entry_with_many_faults();
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  ASSERT_TRUE(mender.try_edits({{0, 0, "# c\n"}}));
+  mender.apply_fixes();
+  EXPECT_EQ(mender.text().text(), "# c\n" + text);
+}
+
+// The ")" that is missing would end the first entry, and lookups the one that is too many.
+TEST(MendingParentheses, LeavesWhatWouldLoseAnotherEntry) {
+  const std::string text = unclosed + closed_twice + entry("c");
+  EXPECT_EQ(mended(text + entry("d", "x y") + entry("e", "u v")),
+            text + entry("d", "\"x y\"") + entry("e", "\"u v\""));
+}
+
+// The parentheses are mended in an entry that is refused all the same, since they keep lookups
+// from the entries after it.
+TEST(MendingParentheses, MendsThemInAnEntryOfManyOtherFaults) {
+  std::string faults = "\n  (CONNECT_DATA = (SID = s))";
+  for (int i = 0; i < 60; ++i) faults += "\n  (SOURCE_ROUTE = YES)";
+  faults += ")\n" + entry("b");
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)";
+  EXPECT_EQ(mended(begin + faults), begin + ")" + faults);
+}
+
+TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
+  EXPECT_EQ(
+      commented(entry("a") +
+                "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 70000))(NOBODY_KNOWS = x)) # c\n"),
+      entry("a") +
+          "# unknown key NOBODY_KNOWS [unknown-key]\n"
+          "# b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 70000))(NOBODY_KNOWS = x)) # c\n");
+}
+
+TEST(CommentingOut, TakesARefusedNamesakeOfAServedEntry) {
+  const std::string served = entry("a") + entry("a", "i");
+  const std::string result = commented(served + "a = (DESCRIPTION = (NOBODY_KNOWS = x))\n");
+  EXPECT_TRUE(result.starts_with(served + "# ")) << result;
+  EXPECT_TRUE(result.ends_with("\n# a = (DESCRIPTION = (NOBODY_KNOWS = x))\n")) << result;
+}
+
+TEST(CommentingOut, LeavesWhatWouldLoseAnotherEntry) {
+  const std::string text = unclosed + closed_twice + entry("c");
+  EXPECT_EQ(commented(text), text);
+}
+
+// Of several parts those become comments that cost nothing.
+TEST(CommentingOut, TakesTheOthersOneByOne) {
+  const std::string text = unclosed + closed_twice + entry("c");
+  EXPECT_EQ(commented(text + "d = (DESCRIPTION = (NOBODY_KNOWS = x))\n" + entry("e")),
+            text +
+                "# unknown key NOBODY_KNOWS [unknown-key]\n"
+                "# d = (DESCRIPTION = (NOBODY_KNOWS = x))\n" +
+                entry("e"));
+}
+
+TEST(CommentingOut, TakesStrayTextAfterTheReservedEntryToo) {
+  const std::string reserved = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
+  const std::string result = commented(reserved + entry("a") + "stray text\n" + entry("b"));
+  EXPECT_TRUE(result.starts_with(reserved + "# ")) << result;
+  EXPECT_NE(result.find("\n# stray text\n"), std::string::npos) << result;
+  EXPECT_NE(result.find("\n# b = "), std::string::npos) << result;
+}
+
+// The names of a list have one value, which becomes a comment with them.
+TEST(CommentingOut, TakesAListOfNamesAsOne) {
+  const std::string list = "a, b, c = (DESCRIPTION =\n  (NOBODY_KNOWS = x))\n";
+  const std::string result = commented(entry("d") + list + entry("e"));
+  EXPECT_TRUE(result.starts_with(entry("d") + "# ")) << result;
+  EXPECT_NE(result.find("\n# a, b, c = (DESCRIPTION =\n#   (NOBODY_KNOWS = x))\n" + entry("e")),
+            std::string::npos)
+      << result;
+}
+
+TEST(KeepingOneOfAName, LeavesListsOfNames) {
+  const std::string text = "a, b" + entry("") + "c, d" + entry("");
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_duplicates(mender, kztns::Keep::first);
+  EXPECT_EQ(mender.text().text(), text);
+}
