@@ -16,9 +16,8 @@ struct Page::OwnMethod {
 Page::Page() : server_([this](const Json &message) { add(lsp::text_of(message)); }, "") {}
 
 Page::Own Page::own_method(const std::string &name) {
-  static constexpr OwnMethod methods[] = {{"kztns/check", &Page::check},
-                                          {"kztns/entry", &Page::entry},
-                                          {"kztns/why", &Page::why}};
+  static constexpr OwnMethod methods[] = {
+      {"kztns/check", &Page::check}, {"kztns/entry", &Page::entry}, {"kztns/why", &Page::why}};
   for (const OwnMethod &method : methods)
     if (method.name == name) return method.answer;
   return nullptr;
@@ -32,8 +31,8 @@ std::string Page::answer(const std::string &message) {
     server_.take_unreadable();
   } else if (own != nullptr) {
     const std::string result = (this->*own)(member(content, "params"));
-    add("{\"id\":" + lsp::text_of(member(content, "id")) + ",\"jsonrpc\":\"2.0\",\"result\":" +
-        result + "}");
+    add("{\"id\":" + lsp::text_of(member(content, "id")) +
+        ",\"jsonrpc\":\"2.0\",\"result\":" + result + "}");
   } else {
     server_.take(content);
   }

@@ -45,8 +45,10 @@ std::string words_of_fields() {
     if (key.name == nullptr) continue;
     const bool removes = key.block == Block::remove_strategy;
     const bool appends = key.block == Block::append_strategy;
-    words[key.name] =
-        (removes ? "REMOVE_STRATEGY " : appends ? "APPEND_STRATEGY " : "") + std::string(key.word);
+    words[key.name] = (removes   ? "REMOVE_STRATEGY "
+                       : appends ? "APPEND_STRATEGY "
+                                 : "") +
+                      std::string(key.word);
   }
   return lsp::text_of(words);
 }
