@@ -91,6 +91,22 @@ const chrome = EditorView.theme({
     border: '1px solid var(--border)',
     borderRadius: '6px',
   },
+  '.cm-collapsedLines': {
+    background: 'var(--raised)',
+    color: 'var(--muted)',
+    padding: '3px 8px',
+    fontFamily: 'var(--sans)',
+    fontSize: '12.5px',
+  },
+  '.cm-collapsedLines::before, .cm-collapsedLines::after': { content: 'none' },
+  '&.cm-merge-a .cm-changedLine, .cm-deletedChunk': { backgroundColor: 'var(--error-soft)' },
+  '&.cm-merge-b .cm-changedLine, .cm-inlineChangedLine': { backgroundColor: 'var(--ok-soft)' },
+  '&.cm-merge-a .cm-changedText, .cm-deletedChunk .cm-deletedText': {
+    background: 'color-mix(in srgb, var(--error) 28%, transparent)',
+  },
+  '&.cm-merge-b .cm-changedText': {
+    background: 'color-mix(in srgb, var(--ok) 28%, transparent)',
+  },
   '.cm-specialChar': { color: 'var(--error)' },
 });
 

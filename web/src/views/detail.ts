@@ -1,6 +1,7 @@
 // The selected entry: verdict, link string, tree and picture.
 import { element } from '../dom';
 import type { Diagnostic, Entry } from '../engine/protocol';
+import { showDialog } from './dialog';
 import { drawPicture } from './picture';
 import { drawTree } from './tree';
 import { type Built, type TreeNode, treeOf } from './tree_model';
@@ -14,6 +15,14 @@ const meanings = {
 };
 
 type View = 'tree' | 'picture';
+
+function framed(service: TreeNode): HTMLElement {
+  return element(
+    'div',
+    { class: 'picture', tabindex: 0, role: 'group', 'aria-label': 'Picture' },
+    drawPicture(service),
+  );
+}
 
 export class EntryDetail {
   onGoTo: (entry: Entry) => void = () => {};
@@ -130,20 +139,21 @@ export class EntryDetail {
         this.segment('tree', 'Tree'),
         this.segment('picture', 'Picture'),
       ),
-      ...(this.view === 'tree' ? [element('label', {}, defaults, 'Defaults, too')] : []),
+      this.view === 'tree'
+        ? element('label', {}, defaults, 'Defaults, too')
+        : element('button', { type: 'button', class: 'link', click: () => this.enlarge() }, 'Enlarge'),
     );
   }
 
   private drawBody(): void {
-    if (this.service === null) return this.body.replaceChildren();
-    if (this.view === 'tree')
-      return this.body.replaceChildren(drawTree(this.service, this.withDefaults));
-    this.body.replaceChildren(
-      element(
-        'div',
-        { class: 'picture', tabindex: 0, role: 'group', 'aria-label': 'Picture' },
-        drawPicture(this.service),
-      ),
-    );
+    if (this.service === null) this.body.replaceChildren();
+    else if (this.view === 'tree')
+      this.body.replaceChildren(drawTree(this.service, this.withDefaults));
+    else this.body.replaceChildren(framed(this.service));
+  }
+
+  private enlarge(): void {
+    if (this.service !== null)
+      showDialog(this.service.title, '', [framed(this.service)], [{ label: 'Close', primary: true }]);
   }
 }

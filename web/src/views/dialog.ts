@@ -28,6 +28,7 @@ export function showDialog(
           {
             type: 'button',
             class: primary ? 'primary' : null,
+            autofocus: primary === true,
             click: () => {
               dialog.close();
               run?.();

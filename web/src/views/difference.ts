@@ -21,6 +21,7 @@ function shown(label: string): Extension[] {
     EditorState.readOnly.of(true),
     EditorView.editable.of(false),
     EditorView.contentAttributes.of({ 'aria-label': label, tabindex: '0' }),
+    EditorView.lineWrapping,
     lineNumbers(),
     tnsnames(),
     theme,
@@ -43,7 +44,6 @@ function compare(parent: HTMLElement, before: Text, after: Text): { destroy(): v
     doc: after,
     extensions: [
       ...shown('Difference'),
-      EditorView.lineWrapping,
       unifiedMergeView({ original: before, mergeControls: false, collapseUnchanged, diffConfig }),
     ],
   });

@@ -21,7 +21,7 @@ function settingsList(settings: Setting[]): HTMLElement | null {
 function block(node: TreeNode): HTMLElement {
   return element(
     'details',
-    { open: true },
+    { open: node.kind !== 'address' },
     element(
       'summary',
       {},
