@@ -6,7 +6,8 @@ import path from 'node:path';
 import test from 'node:test';
 import { fileURLToPath } from 'node:url';
 
-const folder = process.env.KZTNS_ENGINE ?? fileURLToPath(new URL('../../build/web/web/engine', import.meta.url));
+const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../..', import.meta.url));
+const folder = path.join(project, 'build/web/web/engine');
 const createEngine = createRequire(import.meta.url)(path.join(folder, 'kztns_engine.js'));
 
 const uri = 'tnsnames.ora';

@@ -1,5 +1,5 @@
 // The page says of a file's entries what the command says: of the odd files that the project
-// keeps, and of generated ones. KZTNS is the command, KZTNS_FILES a folder of such files.
+// keeps, and of generated ones, which scripts/web writes.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { readdirSync, readFileSync } from 'node:fs';
@@ -8,7 +8,7 @@ import test from 'node:test';
 
 import { checkCount, command, fileOf, nextCheck, openPage, project, textOf } from './support/browser.js';
 
-const generated = process.env.KZTNS_FILES ?? path.join(project, 'build/web/files');
+const generated = path.join(project, 'build/web/files');
 
 function listed(file) {
   const text = execFileSync(command, ['list', '--format', 'json', file], { encoding: 'utf8' });

@@ -106,7 +106,7 @@ export class Editor {
       tnsnames(),
       theme,
       assist(this.client),
-      EditorView.contentAttributes.of({ 'aria-label': 'Names file', spellcheck: 'false' }),
+      EditorView.contentAttributes.of({ 'aria-label': 'Names file', spellcheck: 'false', tabindex: '0' }),
       // Tab leaves the editor, as it does everywhere on the page.
       keymap.of([
         ...this.keys,

@@ -102,10 +102,10 @@ const chrome = EditorView.theme({
   '&.cm-merge-a .cm-changedLine, .cm-deletedChunk': { backgroundColor: 'var(--error-soft)' },
   '&.cm-merge-b .cm-changedLine, .cm-inlineChangedLine': { backgroundColor: 'var(--ok-soft)' },
   '&.cm-merge-a .cm-changedText, .cm-deletedChunk .cm-deletedText': {
-    background: 'color-mix(in srgb, var(--error) 28%, transparent)',
+    background: 'color-mix(in srgb, var(--error) 15%, transparent)',
   },
   '&.cm-merge-b .cm-changedText': {
-    background: 'color-mix(in srgb, var(--ok) 28%, transparent)',
+    background: 'color-mix(in srgb, var(--ok) 15%, transparent)',
   },
   '.cm-specialChar': { color: 'var(--error)' },
 });

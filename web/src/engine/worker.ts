@@ -6,7 +6,7 @@ import type { Checked, Diagnostic, FromWorker, ToWorker } from './protocol';
 // A check is worth waiting for as long as it takes: while keys follow each other faster, the
 // text is only kept up to date.
 const shortestPause = 60;
-const longestPause = 400;
+const longestPause = 250;
 
 // What asks for findings, which are then those that the page knows, too.
 const needsCheck = /^(textDocument\/(codeAction|hover|definition)|kztns\/entry)$/;

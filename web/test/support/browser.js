@@ -7,9 +7,9 @@ import { fileURLToPath, pathToFileURL } from 'node:url';
 
 import puppeteer from 'puppeteer-core';
 
-export const project = fileURLToPath(new URL('../../..', import.meta.url));
-export const page = process.env.KZTNS_PAGE ?? path.join(project, 'build/web/kztns.html');
-export const command = process.env.KZTNS ?? path.join(project, 'build/kztns');
+export const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../../..', import.meta.url));
+export const page = path.join(project, 'build/web/kztns.html');
+export const command = path.join(project, 'build/kztns');
 
 const root = process.getuid?.() === 0 ? ['--no-sandbox'] : [];
 const browser = await puppeteer.launch({
