@@ -7,7 +7,7 @@ import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, TextEdit, Why } from './engine/protocol';
+import type { Checked, Listed, TextEdit, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
 import { Notice } from './views/notice';
 import { EntryDetail } from './views/detail';
@@ -38,9 +38,10 @@ const why = new WhyView(byId('panel-why'), (identifier) =>
 
 let file = exampleFile;
 let checked: Checked | null = null;
+let listed: Listed | null = null;
 
 // Whether what is known is of the text that is shown.
-const isCurrent = () => checked !== null && checked.version === client.textVersion;
+const isCurrent = (known: Checked | Listed | null) => known?.version === client.textVersion;
 
 function run(action: () => Promise<void> | void): boolean {
   void Promise.resolve(action()).catch((error: Error) => notice.show(error.message, 'warning'));
@@ -90,37 +91,43 @@ async function fixAll(): Promise<void> {
 }
 
 // What is said between the entry's name and the next one's.
-function findingsOf(index: number, of: Checked) {
+function findingsOf(index: number, of: Listed) {
   const [first, next] = [of.starts[index]!, of.starts[index + 1]];
   const isBefore = (line: number, character: number, [l, c]: [number, number]) =>
     line < l || (line === l && character < c);
-  return of.diagnostics.filter(({ range: { start } }) => {
+  const diagnostics = checked?.version === of.version ? checked.diagnostics : [];
+  return diagnostics.filter(({ range: { start } }) => {
     const { line, character } = start;
     return !isBefore(line, character, first) && (next === undefined || isBefore(line, character, next));
   });
 }
 
 async function showEntry(index: number | null): Promise<void> {
-  const of = checked;
+  const of = listed;
   const entry = index === null ? undefined : of?.entries[index];
   if (entry === undefined || of === null || index === null) return detail.clear();
   const built = await client.ask<Built | null>('kztns/entry', { index });
-  if (checked === of && isCurrent()) detail.show(entry, findingsOf(index, of), built);
+  if (listed === of && isCurrent(of)) detail.show(entry, findingsOf(index, of), built);
 }
 
 function goToEntry(index: number): void {
-  const start = checked?.starts[index];
+  const start = listed?.starts[index];
   if (start) editor.goTo(start[0], start[1]);
 }
 
 client.onChecked = (result) => {
   checked = result;
-  showFindings(editor.view, result, () => checked === result && isCurrent());
+  showFindings(editor.view, result, () => checked === result && isCurrent(result));
   showStatus(result);
   byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.safe);
-  entries.show(result.entries);
+  if (listed?.version !== result.version) entries.expect();
+  else void showEntry(entries.chosen);
   findings.show(result);
   why.again();
+};
+client.onListed = (result) => {
+  listed = result;
+  entries.show(result.entries);
 };
 client.onFailure = (reason) =>
   notice.show(`The checker has stopped (${reason}).`, 'warning', {
@@ -133,10 +140,10 @@ client.onFailure = (reason) =>
 
 entries.onSelect = (index) => void showEntry(index).catch(() => {});
 entries.onOpen = goToEntry;
-detail.onGoTo = (entry) => goToEntry(checked?.entries.indexOf(entry) ?? -1);
+detail.onGoTo = (entry) => goToEntry(listed?.entries.indexOf(entry) ?? -1);
 findings.onGoTo = ({ line, character }) => editor.goTo(line, character);
 findings.onFix = (fix) => {
-  if (isCurrent()) applyFix(editor.view, fix);
+  if (isCurrent(checked)) applyFix(editor.view, fix);
 };
 why.onGoTo = ({ line, character }) => editor.goTo(line, character);
 tabs.onChange = (name) => {

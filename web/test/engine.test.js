@@ -37,7 +37,9 @@ test('the engine answers the requests of the page', async () => {
     published.params.diagnostics.map(({ code }) => code),
     ['unknown-key'],
   );
-  assert.deepEqual(answer.result.entries, [{ name: 'sales', line: 1, verdict: 'refused', link: '' }]);
+  assert.deepEqual(answer.result.severities, [1, 0, 0]);
+  const [listed] = ask({ id: 3, method: 'kztns/entries' });
+  assert.deepEqual(listed.result.entries, [{ name: 'sales', line: 1, verdict: 'refused', link: '' }]);
   const [why] = ask({ id: 3, method: 'kztns/why', params: { textDocument: { uri }, identifier: 'Sales' } });
   assert.equal(why.result.outcome, 'not found');
   assert.equal(why.result.near.length, 1);

@@ -16,8 +16,10 @@ struct Page::OwnMethod {
 Page::Page() : server_([this](const Json &message) { add(lsp::text_of(message)); }, "") {}
 
 Page::Own Page::own_method(const std::string &name) {
-  static constexpr OwnMethod methods[] = {
-      {"kztns/check", &Page::check}, {"kztns/entry", &Page::entry}, {"kztns/why", &Page::why}};
+  static constexpr OwnMethod methods[] = {{"kztns/check", &Page::check},
+                                          {"kztns/entries", &Page::entries},
+                                          {"kztns/entry", &Page::entry},
+                                          {"kztns/why", &Page::why}};
   for (const OwnMethod &method : methods)
     if (method.name == name) return method.answer;
   return nullptr;
@@ -53,13 +55,24 @@ std::string Page::check(const Json &) {
   return checked_json(*checked_, job->text);
 }
 
+const std::string *Page::checked_text() const {
+  const lsp::Document *const document = server_.document(checked_uri_);
+  const bool is_same = document != nullptr && document->version() == checked_->version;
+  return is_same ? &document->text() : nullptr;
+}
+
+std::string Page::entries(const Json &) {
+  const std::string *const text = checked_text();
+  return text == nullptr ? "null" : entries_json(*checked_, *text);
+}
+
 std::string Page::entry(const Json &params) {
   const std::optional<std::int64_t> index = lsp::integer_in(member(params, "index"));
-  const lsp::Document *const document = server_.document(checked_uri_);
-  if (document == nullptr || document->version() != checked_->version || !index || *index < 0 ||
+  const std::string *const text = checked_text();
+  if (text == nullptr || !index || *index < 0 ||
       static_cast<std::uint64_t>(*index) >= checked_->entries.size())
     return "null";
-  return entry_json(checked_->entries[static_cast<std::size_t>(*index)], document->text());
+  return entry_json(checked_->entries[static_cast<std::size_t>(*index)], *text);
 }
 
 std::string Page::why(const Json &params) {

@@ -1,14 +1,16 @@
 // What a page needs that has the command's parts in its own process: the language server,
 // and the views that editors do not ask for, behind one function.
 //
-// Besides the server's methods there are three requests:
+// Besides the server's methods there are these requests:
 //
 //   kztns/check   checks the text that changed last. The findings are published as the
 //                 server publishes them; the result is null when nothing was left to check,
-//                 otherwise {"complete", "entries", "starts", "fixes", "severities"}: whether
-//                 the findings are all; the entries as kztns list has them; where their names
-//                 begin, [line, character]; for each finding its fix, {"title", "safe",
-//                 "edits"}, or null; how many errors, warnings and notes there are
+//                 otherwise {"complete", "fixes", "severities", "verdicts"}: whether the
+//                 findings are all; for each its fix, {"title", "safe", "edits"}, or null; how
+//                 many errors, warnings and notes there are; how many entries of each verdict
+//   kztns/entries what was checked last: {"entries", "starts"}, the entries as kztns list has
+//                 them, and where their names begin, [line, character]; null when the text has
+//                 changed since
 //   kztns/entry   {"index"} among those entries: {"tree", "words"}, its tree as kztns show
 //                 has it, and the keys of its fields; null for one that is not built, or when
 //                 the text has changed since
@@ -38,8 +40,11 @@ class Page {
 
   static Own own_method(const std::string &name);
   std::string check(const Json &params);
+  std::string entries(const Json &params);
   std::string entry(const Json &params);
   std::string why(const Json &params);
+  // The text that was checked last; null when it is not there any more.
+  const std::string *checked_text() const;
 
   void add(const std::string &message);
 

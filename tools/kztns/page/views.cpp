@@ -63,16 +63,21 @@ std::string fix_of(const Finding &finding, const lsp::Document &document) {
 }  // namespace
 
 std::string checked_json(const lsp::Analysis &analysis, const std::string &text) {
+  const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
+  const auto fix = [&](const Finding &finding) { return fix_of(finding, document); };
+  return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
+         ",\"fixes\":" + array_of(analysis.report.findings, fix) +
+         ",\"severities\":" + lsp::text_of(analysis.report.severities) +
+         ",\"verdicts\":" + lsp::text_of(analysis.report.verdicts) + "}";
+}
+
+std::string entries_json(const lsp::Analysis &analysis, const std::string &text) {
   const NamesText lines(text);
   const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
   const auto entry = [&](const lsp::AnalysedEntry &one) { return listed(one, lines); };
   const auto start = [&](const lsp::AnalysedEntry &one) { return start_of(one, document); };
-  const auto fix = [&](const Finding &finding) { return fix_of(finding, document); };
-  return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
-         ",\"entries\":" + array_of(analysis.entries, entry) +
-         ",\"starts\":" + array_of(analysis.entries, start) +
-         ",\"fixes\":" + array_of(analysis.report.findings, fix) +
-         ",\"severities\":" + lsp::text_of(analysis.report.severities) + "}";
+  return "{\"entries\":" + array_of(analysis.entries, entry) +
+         ",\"starts\":" + array_of(analysis.entries, start) + "}";
 }
 
 std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text) {

@@ -10,6 +10,9 @@ namespace kztns {
 // Of a text that was checked: see kztns/check.
 std::string checked_json(const lsp::Analysis &analysis, const std::string &text);
 
+// See kztns/entries.
+std::string entries_json(const lsp::Analysis &analysis, const std::string &text);
+
 // See kztns/entry; null for one that is not built.
 std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text);
 

@@ -2,7 +2,7 @@
 import wasm from 'engine-wasm';
 import source from 'worker-source';
 
-import { type Checked, type FromWorker, type TextEdit, type ToWorker, uri } from './protocol';
+import { type Checked, type FromWorker, type Listed, type TextEdit, type ToWorker, uri } from './protocol';
 
 interface Waiting {
   resolve: (result: never) => void;
@@ -11,6 +11,7 @@ interface Waiting {
 
 export class EngineClient {
   onChecked: (checked: Checked) => void = () => {};
+  onListed: (listed: Listed) => void = () => {};
   // The worker is gone; what it was asked has no answer.
   onFailure: (reason: string) => void = () => {};
 
@@ -72,6 +73,8 @@ export class EngineClient {
   private take(message: FromWorker): void {
     if (message.kind === 'checked') {
       if (message.checked.version === this.version) this.onChecked(message.checked);
+    } else if (message.kind === 'listed') {
+      if (message.listed.version === this.version) this.onListed(message.listed);
     } else if (message.kind === 'answer') {
       const waiting = this.waiting.get(message.id);
       this.waiting.delete(message.id);

@@ -45,9 +45,15 @@ export interface Checked {
   complete: boolean;
   diagnostics: Diagnostic[];
   fixes: (Fix | null)[]; // one for each diagnostic
+  severities: [number, number, number];
+  verdicts: number[]; // how many entries of each
+}
+
+// The entries of a version of the text; they come after its findings.
+export interface Listed {
+  version: number;
   entries: Entry[];
   starts: [number, number][]; // where their names begin: line, character
-  severities: [number, number, number];
 }
 
 export interface CompletionItem {
@@ -88,7 +94,8 @@ export type ToWorker =
 export type FromWorker =
   | { kind: 'ready' }
   | { kind: 'answer'; id: number; result?: unknown; error?: string }
-  | { kind: 'checked'; checked: Checked };
+  | { kind: 'checked'; checked: Checked }
+  | { kind: 'listed'; listed: Listed };
 
 // The one text that is open.
 export const uri = 'tnsnames.ora';

@@ -1,7 +1,7 @@
 // The worker: holds the command's parts, and checks the text when nobody has typed for a moment.
 import createEngine, { type Engine } from 'engine';
 
-import type { Checked, Diagnostic, FromWorker, ToWorker } from './protocol';
+import type { Checked, Diagnostic, FromWorker, Listed, ToWorker } from './protocol';
 
 // A check is worth waiting for as long as it takes: while keys follow each other faster, the
 // text is only kept up to date.
@@ -24,6 +24,8 @@ let waiting: ToWorker[] = []; // for the engine to start
 let version = 0;
 let timer: ReturnType<typeof setTimeout> | undefined;
 let pause = shortestPause;
+let listTimer: ReturnType<typeof setTimeout> | undefined;
+let listedVersion = 0;
 
 function tell(message: FromWorker): void {
   postMessage(message);
@@ -55,12 +57,23 @@ function check(): void {
   pause = Math.min(Math.max(performance.now() - begin, shortestPause), longestPause);
   const { diagnostics } = published.params;
   tell({ kind: 'checked', checked: { ...result, version, diagnostics } });
+  // Of a long text the list takes a while: what was typed meanwhile comes first.
+  if (listedVersion !== version) listTimer = setTimeout(list, 0);
   if (!result.complete) checkLater();
+}
+
+function list(): void {
+  const [answer] = ask({ id: 0, method: 'kztns/entries' });
+  const result = answer?.result as Listed | null;
+  if (!result) return;
+  listedVersion = version;
+  tell({ kind: 'listed', listed: { ...result, version } });
 }
 
 function take(message: ToWorker): void {
   if (message.kind === 'text') {
     version = message.version;
+    clearTimeout(listTimer);
     ask({ method: message.method, params: message.params });
     if (message.method === 'textDocument/didOpen') check();
     else checkLater();

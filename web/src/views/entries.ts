@@ -27,6 +27,7 @@ export class EntryList {
       role: 'listbox',
       tabindex: 0,
       'aria-label': 'Entries',
+      'aria-busy': 'true',
       scroll: () => this.draw(),
       keydown: (event: KeyboardEvent) => this.take(event),
     },
@@ -39,10 +40,20 @@ export class EntryList {
     new ResizeObserver(() => this.draw()).observe(this.list);
   }
 
+  get chosen(): number | null {
+    return this.selected;
+  }
+
+  // What is listed is of an earlier text.
+  expect(): void {
+    this.list.ariaBusy = 'true';
+  }
+
   // Keeps the entry of the selected name selected, if there is one.
   show(entries: Entry[]): void {
     const before = this.selected === null ? undefined : this.entries[this.selected];
     const stays = entries[this.selected ?? 0]?.name === before?.name;
+    this.list.ariaBusy = 'false';
     this.entries = entries;
     if (before !== undefined && !stays) {
       const found = entries.findIndex(({ name }) => name === before.name);

@@ -17,7 +17,7 @@ export class FindingList {
   show(checked: Checked): void {
     const { diagnostics } = checked;
     if (diagnostics.length === 0) {
-      const all = checked.entries.length > 0 ? 'Nothing is wrong with this file.' : 'Nothing to say yet.';
+      const all = checked.verdicts.some((count) => count > 0) ? 'Nothing is wrong with this file.' : 'Nothing to say yet.';
       this.parent.replaceChildren(element('p', { class: 'empty' }, all));
       return;
     }

@@ -51,6 +51,7 @@ export async function openPage({ width = 1280, height = 820, scheme = 'light' } 
   await tab.goto(pathToFileURL(page).href);
   const face = { tab, requests, errors };
   await statusOf(face, 'entries');
+  await listShown(face);
   return face;
 }
 
@@ -90,8 +91,19 @@ export async function checkCount({ tab }) {
   });
 }
 
-export async function nextCheck({ tab }, before, timeout = 30_000) {
+// Waits for the findings of the next check, and for the list of entries that follows.
+export async function nextCheck(face, before, timeout = 30_000) {
+  const { tab } = face;
   await tab.waitForFunction((count) => globalThis.checks > count, { timeout, polling: 20 }, before);
+  await listShown(face, timeout);
+}
+
+// Waits until the entries are those of the text.
+async function listShown({ tab }, timeout = 20_000) {
+  await tab.waitForFunction(
+    () => document.querySelector('.entries').ariaBusy === 'false',
+    { timeout, polling: 20 },
+  );
 }
 
 // Replaces the text by way of the keyboard, as by pasting.
