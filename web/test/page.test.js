@@ -102,10 +102,8 @@ test('completes keys and words, and says what they mean', async () => {
   const face = await openPage();
   await replaceText(face, 'a = (DESCRIPTION = ');
   await face.tab.keyboard.type('(KZLB_REA');
-  await face.tab.waitForSelector('.cm-tooltip-autocomplete li');
-  const labels = await textsOf(face.tab, '.cm-tooltip-autocomplete .cm-completionLabel');
-  assert.equal(labels[0], 'KZLB_READ_TIMEOUT');
-  await new Promise((resolve) => setTimeout(resolve, 150));
+  await waitForText(face.tab, '.cm-tooltip-autocomplete li[aria-selected=true]', 'KZLB_READ_TIMEOUT');
+  await waitForText(face.tab, '.cm-completionInfo', 'Value: integer');
   await face.tab.keyboard.press('Enter');
   assert.match(await shownText(face.tab), /^a = \(DESCRIPTION = \(KZLB_READ_TIMEOUT = \)?$/);
   await replaceText(face, 'a = (DESCRIPTION = (KZLB =');

@@ -96,7 +96,7 @@ Lookup look_up_in(const std::string &text, const std::string &identifier, Tree &
 std::string link_string(Tree &tree) {
   char dblink[KZCI_DBLINK_SIZE];
   sb4 length = 0;
-  const LogWatch silent(std::nullopt);
+  [[maybe_unused]] const LogWatch silent(std::nullopt);
   return KZCITnsServiceDblinkGet(tree.service(), dblink, &length) == 0 ? dblink : "";
 }
 

@@ -97,7 +97,7 @@ export class Editor {
       highlightActiveLine(),
       highlightActiveLineGutter(),
       highlightSpecialChars(),
-      highlightSelectionMatches(),
+      highlightSelectionMatches({ wholeWords: true }),
       history(),
       drawSelection(),
       dropCursor(),

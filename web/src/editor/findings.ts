@@ -16,16 +16,16 @@ export function applyFix(view: EditorView, fix: Fix): void {
   });
 }
 
-// "Fix: remove the item [unknown-key]" is told under the finding that names the rule.
-export function titleOf(fix: Fix): string {
-  return fix.title.replace(/ \[[^\]]*\]$/, '');
+// What a fix does is the end of what the finding says.
+export function labelOf(fix: Fix): string {
+  return fix.safe ? 'Fix' : 'Fix (a guess)';
 }
 
 function actionsOf(fix: Fix | null | undefined, isCurrent: () => boolean): Action[] {
   if (!fix) return [];
   return [
     {
-      name: titleOf(fix),
+      name: labelOf(fix),
       apply: (view) => {
         if (isCurrent()) applyFix(view, fix);
       },

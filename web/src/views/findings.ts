@@ -1,6 +1,6 @@
 // The findings as a list.
 import { counted, element } from '../dom';
-import { titleOf } from '../editor/findings';
+import { labelOf } from '../editor/findings';
 import type { Checked, Fix, Position } from '../engine/protocol';
 
 // A list of more is not read; mending the first ones brings the others.
@@ -55,8 +55,8 @@ export class FindingList {
           fix
             ? element(
                 'button',
-                { type: 'button', class: 'fix', title: titleOf(fix), click: () => this.onFix(fix) },
-                fix.safe ? 'Fix' : 'Fix (a guess)',
+                { type: 'button', class: 'fix', title: fix.title, click: () => this.onFix(fix) },
+                labelOf(fix),
               )
             : null,
         ),
