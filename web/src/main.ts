@@ -2,6 +2,8 @@
 import example from './example.ora';
 import licences from 'licences';
 
+import { Text } from '@codemirror/state';
+
 import { byId, element } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
@@ -37,6 +39,7 @@ const why = new WhyView(byId('panel-why'), (identifier) =>
 );
 
 let file = exampleFile;
+let kept = editor.view.state.doc; // as it was opened or downloaded
 let checked: Checked | null = null;
 let listed: Listed | null = null;
 
@@ -48,13 +51,22 @@ function run(action: () => Promise<void> | void): boolean {
   return true;
 }
 
-function open(opened: OpenedFile, isExample = false): void {
+const isEdited = () => !editor.view.state.doc.eq(kept);
+
+// isKept: whether the text is somewhere else, too
+function open(opened: OpenedFile, isKept = true): void {
+  const before = isEdited() ? { ...file, text: editor.text } : null;
   file = opened;
   byId('file-name').textContent = opened.name;
-  if (opened.remark !== '') notice.show(opened.remark, 'warning');
-  else if (isExample) notice.show('This is an example. Open, drop or paste a names file of your own.');
-  else notice.hide();
   editor.open(opened.text);
+  kept = isKept ? editor.view.state.doc : Text.empty;
+  const isExample = opened.text === example;
+  const words = isExample
+    ? 'This is an example. Open, drop or paste a names file of your own.'
+    : opened.remark || (before === null ? '' : `${opened.name} is open.`);
+  if (words === '') return notice.hide();
+  const back = before && { label: `Back to what you wrote in ${before.name}`, run: () => open(before, false) };
+  notice.show(words, opened.remark === '' ? 'note' : 'warning', back ?? undefined);
 }
 
 async function openFile(chosen: File | null | undefined): Promise<void> {
@@ -63,6 +75,7 @@ async function openFile(chosen: File | null | undefined): Promise<void> {
 
 function save(): void {
   download(file.name, editor.text, file.lineEnd);
+  kept = editor.view.state.doc;
 }
 
 async function format(): Promise<void> {
@@ -156,9 +169,13 @@ chooser.addEventListener('change', () => {
   run(() => openFile(chooser.files?.[0]));
   chooser.value = '';
 });
-byId('example').addEventListener('click', () => open(exampleFile, true));
+byId('example').addEventListener('click', () => open(exampleFile));
 byId('format').addEventListener('click', () => run(format));
-byId('fix-all').addEventListener('click', () => run(fixAll));
+byId('fix-all').addEventListener('click', ({ currentTarget }) => {
+  const button = currentTarget as HTMLButtonElement;
+  button.ariaBusy = 'true';
+  run(() => fixAll().finally(() => (button.ariaBusy = 'false')));
+});
 byId('download').addEventListener('click', () => run(save));
 byId('licences').addEventListener('click', () =>
   showDialog(
@@ -191,4 +208,8 @@ addEventListener(
   true,
 );
 
-open(exampleFile, true);
+addEventListener('beforeunload', (event) => {
+  if (isEdited()) event.preventDefault();
+});
+
+open(exampleFile);

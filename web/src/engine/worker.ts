@@ -109,7 +109,8 @@ async function start(wasm: Uint8Array): Promise<void> {
 }
 
 addEventListener('message', ({ data }: MessageEvent<ToWorker>) => {
-  if (data.kind === 'start') void start(data.wasm);
+  // What fails is told as an error of the worker.
+  if (data.kind === 'start') start(data.wasm).catch((error) => setTimeout(() => { throw error; }));
   else if (engine === undefined) waiting.push(data);
   else take(data);
 });
