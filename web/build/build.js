@@ -16,7 +16,14 @@ const web = path.dirname(path.dirname(fileURLToPath(import.meta.url)));
 const [engine, output] = process.argv.slice(2).map((argument) => path.resolve(argument));
 const source = (file) => path.join(web, 'src', file);
 
-const common = { bundle: true, minify: true, target: 'es2022', write: false, legalComments: 'none', absWorkingDir: web };
+const common = {
+  bundle: true,
+  minify: true,
+  target: 'es2022',
+  write: false,
+  legalComments: 'none',
+  absWorkingDir: web,
+};
 
 // Modules that are made here, by name.
 const provided = (modules) => ({
@@ -29,7 +36,12 @@ const provided = (modules) => ({
 });
 
 async function bundle(entry, options) {
-  const { outputFiles, metafile } = await build({ ...common, entryPoints: [entry], metafile: true, ...options });
+  const { outputFiles, metafile } = await build({
+    ...common,
+    entryPoints: [entry],
+    metafile: true,
+    ...options,
+  });
   return { text: outputFiles[0].text, inputs: Object.keys(metafile.inputs) };
 }
 
@@ -45,7 +57,10 @@ const page = await bundle(source('main.ts'), {
   loader: { '.ora': 'text' },
   plugins: [
     provided({
-      'engine-wasm': { contents: await readFile(path.join(engine, 'kztns_engine.wasm')), loader: 'binary' },
+      'engine-wasm': {
+        contents: await readFile(path.join(engine, 'kztns_engine.wasm')),
+        loader: 'binary',
+      },
       'worker-source': { contents: worker.text, loader: 'text' },
       licences: { contents: await licences(web), loader: 'text' },
     }),

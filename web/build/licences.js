@@ -13,7 +13,9 @@ async function bundledPackages(modules, names, found = new Set()) {
   for (const name of names) {
     if (found.has(name)) continue;
     found.add(name);
-    const { dependencies = {} } = JSON.parse(await readFile(path.join(modules, name, 'package.json'), 'utf8'));
+    const { dependencies = {} } = JSON.parse(
+      await readFile(path.join(modules, name, 'package.json'), 'utf8'),
+    );
     await bundledPackages(modules, Object.keys(dependencies), found);
   }
   return found;
@@ -27,7 +29,8 @@ export async function licences(web) {
     const text = await licenceOf(path.join(modules, name));
     byText.set(text, [...(byText.get(text) ?? []), name]);
   }
-  const own = 'kztns: the kzoci authors, Apache License 2.0 (https://www.apache.org/licenses/LICENSE-2.0)';
+  const own =
+    'kztns: the kzoci authors, Apache License 2.0 (https://www.apache.org/licenses/LICENSE-2.0)';
   const others = [...byText].map(([text, names]) => `${names.join(', ')}\n\n${text}`);
   const compiled = [
     'JSON for Modern C++ (nlohmann-json): Copyright (c) 2013-2022 Niels Lohmann, MIT License',

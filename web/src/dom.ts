@@ -5,6 +5,16 @@ type Child = Node | string | null | undefined | false;
 type Listener = (event: never) => void;
 type Attributes = Record<string, string | number | boolean | null | undefined | Listener>;
 
+// Controls, of directions too, and what else is invisible would make a text look like another
+// one. They are shown as kztns shows them, byte by byte; line feeds and tabs stay.
+export function visible(text: string): string {
+  return text.replace(/(?![\n\t])[\p{Cc}\p{Cf}\p{Zl}\p{Zp}]/gu, (character) =>
+    Array.from(new TextEncoder().encode(character))
+      .map((byte) => `\\x${byte.toString(16).padStart(2, '0')}`)
+      .join(''),
+  );
+}
+
 function fill(node: Element, attributes: Attributes, children: Child[]): void {
   for (const [name, value] of Object.entries(attributes)) {
     if (typeof value === 'function') node.addEventListener(name, value as EventListener);
@@ -12,7 +22,8 @@ function fill(node: Element, attributes: Attributes, children: Child[]): void {
     else if (value !== false && value !== null && value !== undefined)
       node.setAttribute(name, String(value));
   }
-  node.append(...children.filter((child): child is Node | string => Boolean(child)));
+  for (const child of children)
+    if (child) node.append(typeof child === 'string' ? visible(child) : child);
 }
 
 export function element<Tag extends keyof HTMLElementTagNameMap>(

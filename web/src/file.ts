@@ -11,15 +11,24 @@ const lineEndings = /\r\n?|\n/g;
 
 function decode(bytes: Uint8Array): { text: string; remark: string } {
   const [first, second] = bytes;
-  const utf16 = first === 0xff && second === 0xfe ? 'utf-16le' : first === 0xfe && second === 0xff ? 'utf-16be' : null;
+  const utf16 =
+    first === 0xff && second === 0xfe
+      ? 'utf-16le'
+      : first === 0xfe && second === 0xff
+        ? 'utf-16be'
+        : null;
   if (utf16 !== null)
     return {
       text: new TextDecoder(utf16).decode(bytes),
-      remark: 'The file is in UTF-16, in which lookups find nothing. It is shown in UTF-8, and downloaded so.',
+      remark:
+        'The file is in UTF-16, in which lookups find nothing. It is shown in UTF-8, and downloaded so.',
     };
   try {
     // A byte order mark is part of what lookups read.
-    return { text: new TextDecoder('utf-8', { fatal: true, ignoreBOM: true }).decode(bytes), remark: '' };
+    return {
+      text: new TextDecoder('utf-8', { fatal: true, ignoreBOM: true }).decode(bytes),
+      remark: '',
+    };
   } catch {
     return {
       text: new TextDecoder('windows-1252').decode(bytes),

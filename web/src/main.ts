@@ -4,7 +4,7 @@ import licences from 'licences';
 
 import { Text } from '@codemirror/state';
 
-import { byId, element } from './dom';
+import { byId, element, visible } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf } from './editor/positions';
@@ -57,7 +57,7 @@ const isEdited = () => !editor.view.state.doc.eq(kept);
 function open(opened: OpenedFile, isKept = true): void {
   const before = isEdited() ? { ...file, text: editor.text } : null;
   file = opened;
-  byId('file-name').textContent = opened.name;
+  byId('file-name').textContent = visible(opened.name);
   editor.open(opened.text);
   kept = isKept ? editor.view.state.doc : Text.empty;
   const isExample = opened.text === example;
@@ -65,7 +65,10 @@ function open(opened: OpenedFile, isKept = true): void {
     ? 'This is an example. Open, drop or paste a names file of your own.'
     : opened.remark || (before === null ? '' : `${opened.name} is open.`);
   if (words === '') return notice.hide();
-  const back = before && { label: `Back to what you wrote in ${before.name}`, run: () => open(before, false) };
+  const back = before && {
+    label: `Back to what you wrote in ${before.name}`,
+    run: () => open(before, false),
+  };
   notice.show(words, opened.remark === '' ? 'note' : 'warning', back ?? undefined);
 }
 
@@ -111,7 +114,9 @@ function findingsOf(index: number, of: Listed) {
   const diagnostics = checked?.version === of.version ? checked.diagnostics : [];
   return diagnostics.filter(({ range: { start } }) => {
     const { line, character } = start;
-    return !isBefore(line, character, first) && (next === undefined || isBefore(line, character, next));
+    return (
+      !isBefore(line, character, first) && (next === undefined || isBefore(line, character, next))
+    );
   });
 }
 

@@ -12,7 +12,9 @@ const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.mi
 async function findingsOf({ tab }) {
   await tab.evaluate(axe);
   const { violations } = await tab.evaluate(() => globalThis.axe.run(document));
-  return violations.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html.slice(0, 120)).join(' | ')}`);
+  return violations.map(
+    ({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html.slice(0, 120)).join(' | ')}`,
+  );
 }
 
 const views = {
@@ -32,7 +34,11 @@ const views = {
   licences: async ({ tab }) => tab.click('#licences'),
 };
 
-for (const [scheme, width] of [['light', 1280], ['dark', 1280], ['light', 360]])
+for (const [scheme, width] of [
+  ['light', 1280],
+  ['dark', 1280],
+  ['light', 360],
+])
   for (const [name, show] of Object.entries(views))
     test(`axe-core finds nothing: ${name}, ${scheme}, ${width} pixels`, async () => {
       const face = await openPage({ scheme, width });
@@ -66,7 +72,19 @@ test('the keyboard reaches everything, and leaves the text again', async () => {
     await tab.keyboard.press('Tab');
     reached.push(await focused(tab));
   }
-  for (const one of ['open', 'example', 'format', 'fix-all', 'download', 'cm-content', 'tab-entries', 'entries', 'show-picture', 'with-defaults', 'licences'])
+  for (const one of [
+    'open',
+    'example',
+    'format',
+    'fix-all',
+    'download',
+    'cm-content',
+    'tab-entries',
+    'entries',
+    'show-picture',
+    'with-defaults',
+    'licences',
+  ])
     assert.ok(reached.includes(one), `${one} in ${reached}`);
   await tab.close();
 });
@@ -84,7 +102,10 @@ test('arrows go through tabs and entries', async () => {
   await tab.focus('.entries');
   await tab.keyboard.press('ArrowDown');
   await tab.waitForFunction(() => document.querySelector('.detail h2').textContent === 'orders');
-  assert.equal(await tab.$eval('.entries', (list) => list.getAttribute('aria-activedescendant')), 'entry-1');
+  assert.equal(
+    await tab.$eval('.entries', (list) => list.getAttribute('aria-activedescendant')),
+    'entry-1',
+  );
   await tab.keyboard.press('Enter');
   assert.equal(await textOf(tab, '.cm-activeLine'), 'orders =');
   await tab.close();
@@ -93,7 +114,11 @@ test('arrows go through tabs and entries', async () => {
 test('a screen reader is told what was found', async () => {
   const face = await openPage();
   await replaceText(face, 'a = (DESCRIPTION = (X = 1))\n');
-  for (const wanted of ['[name="Names file"][role="textbox"]', '[name="Entries"][role="listbox"]', '[name="Entries 1"][role="tab"]'])
+  for (const wanted of [
+    '[name="Names file"][role="textbox"]',
+    '[name="Entries"][role="listbox"]',
+    '[name="Entries 1"][role="tab"]',
+  ])
     assert.ok(await face.tab.$(`::-p-aria(${wanted})`), wanted);
   assert.equal(await face.tab.$eval('#status', (node) => node.getAttribute('aria-live')), 'polite');
   await face.tab.close();

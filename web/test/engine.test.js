@@ -16,7 +16,9 @@ const text =
   '  (CONNECT_DATA = (SERVICE_NAME = sales)(SERVER = DEDICATED)))\n';
 
 async function newEngine() {
-  const engine = await createEngine({ wasmBinary: readFileSync(path.join(folder, 'kztns_engine.wasm')) });
+  const engine = await createEngine({
+    wasmBinary: readFileSync(path.join(folder, 'kztns_engine.wasm')),
+  });
   return (message) => {
     const bytes = Buffer.from(JSON.stringify(message));
     const place = engine._malloc(bytes.length);
@@ -39,8 +41,14 @@ test('the engine answers the requests of the page', async () => {
   );
   assert.deepEqual(answer.result.severities, [1, 0, 0]);
   const [listed] = ask({ id: 3, method: 'kztns/entries' });
-  assert.deepEqual(listed.result.entries, [{ name: 'sales', line: 1, verdict: 'refused', link: '' }]);
-  const [why] = ask({ id: 3, method: 'kztns/why', params: { textDocument: { uri }, identifier: 'Sales' } });
+  assert.deepEqual(listed.result.entries, [
+    { name: 'sales', line: 1, verdict: 'refused', link: '' },
+  ]);
+  const [why] = ask({
+    id: 3,
+    method: 'kztns/why',
+    params: { textDocument: { uri }, identifier: 'Sales' },
+  });
   assert.equal(why.result.outcome, 'not found');
   assert.equal(why.result.near.length, 1);
   const [refused] = ask({ id: 4, method: 'textDocument/nonsense', params: {} });

@@ -24,7 +24,10 @@ async function keyToFindings(face, key, presses) {
     await new Promise((resolve) => setTimeout(resolve, 600));
     const before = await checkCount(face);
     await face.tab.evaluate(() => {
-      addEventListener('keydown', () => (globalThis.pressed = performance.now()), { once: true, capture: true });
+      addEventListener('keydown', () => (globalThis.pressed = performance.now()), {
+        once: true,
+        capture: true,
+      });
       const observer = new MutationObserver(() => {
         globalThis.told = performance.now();
         observer.disconnect();
@@ -43,7 +46,8 @@ async function longestStandstill(face) {
   await face.tab.evaluate(() => {
     globalThis.longest = 0;
     new PerformanceObserver((list) => {
-      for (const { duration } of list.getEntries()) globalThis.longest = Math.max(globalThis.longest, duration);
+      for (const { duration } of list.getEntries())
+        globalThis.longest = Math.max(globalThis.longest, duration);
     }).observe({ type: 'longtask' });
   });
   await face.tab.keyboard.type('# some words ', { delay: 60 });
@@ -66,7 +70,9 @@ for (const [label, size, limit] of [
     const broken = await keyToFindings(face, ')', 1);
     assert.match(await textOf(face.tab, '#status'), /error/);
     const standstill = await longestStandstill(face);
-    context.diagnostic(`${label}: findings ${waited} ms after a key press, ${broken} ms after one that breaks the file, longest standstill ${standstill} ms`);
+    context.diagnostic(
+      `${label}: findings ${waited} ms after a key press, ${broken} ms after one that breaks the file, longest standstill ${standstill} ms`,
+    );
     assert.ok(Math.max(waited, broken) < limit, `${waited} ms, ${broken} ms`);
     assert.ok(standstill < 1000, `${standstill} ms`);
     // Of thousands of entries only some are elements.

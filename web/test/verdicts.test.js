@@ -6,17 +6,39 @@ import { readdirSync, readFileSync } from 'node:fs';
 import path from 'node:path';
 import test from 'node:test';
 
-import { checkCount, command, fileOf, nextCheck, openPage, project, textOf } from './support/browser.js';
+import {
+  checkCount,
+  command,
+  fileOf,
+  nextCheck,
+  openPage,
+  project,
+  textOf,
+} from './support/browser.js';
 
 const generated = path.join(project, 'build/web/files');
 
 function listed(file) {
   const text = execFileSync(command, ['list', '--format', 'json', file], { encoding: 'utf8' });
-  return JSON.parse(text).map(({ name, line, verdict, link }) => [name, String(line), verdict, link]);
+  return JSON.parse(text).map(({ name, line, verdict, link }) => [
+    name,
+    String(line),
+    verdict,
+    link,
+  ]);
 }
 
-// A name that is an empty text is shown as one.
-const shown = ([name, line, verdict, link]) => [name === '' ? '""' : name, line, verdict, link];
+// What is invisible is shown by its bytes, an empty name as such.
+const visible = (text) =>
+  text.replace(/[\0-\x1f\uFEFF\u200B]/g, (one) =>
+    Buffer.from(one).toString('hex').replace(/../g, '\\x$&'),
+  );
+const shown = ([name, line, verdict, link]) => [
+  name === '' ? '""' : visible(name),
+  line,
+  verdict,
+  visible(link),
+];
 
 async function shownEntries(tab) {
   return tab.$$eval('.entry', (rows) =>

@@ -45,7 +45,11 @@ async function complete(
   return { from: change!.from, options: items.map(completionOf), validFor: /^\w*$/ };
 }
 
-async function explain(client: EngineClient, view: EditorView, at: number): Promise<Tooltip | null> {
+async function explain(
+  client: EngineClient,
+  view: EditorView,
+  at: number,
+): Promise<Tooltip | null> {
   const text = view.state.doc;
   const hover = await client.ask<{ contents: { value: string }; range: Range } | null>(
     'textDocument/hover',

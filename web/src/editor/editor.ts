@@ -1,7 +1,13 @@
 // The editor: CodeMirror with the server's findings, completions and meanings.
 import { closeBrackets, closeBracketsKeymap, completionKeymap } from '@codemirror/autocomplete';
 import { defaultKeymap, history, historyKeymap } from '@codemirror/commands';
-import { bracketMatching, codeFolding, foldGutter, foldKeymap, foldService } from '@codemirror/language';
+import {
+  bracketMatching,
+  codeFolding,
+  foldGutter,
+  foldKeymap,
+  foldService,
+} from '@codemirror/language';
 import { lintGutter, nextDiagnostic, previousDiagnostic } from '@codemirror/lint';
 import { highlightSelectionMatches, searchKeymap } from '@codemirror/search';
 import { EditorState, type Extension } from '@codemirror/state';
@@ -106,7 +112,11 @@ export class Editor {
       tnsnames(),
       theme,
       assist(this.client),
-      EditorView.contentAttributes.of({ 'aria-label': 'Names file', spellcheck: 'false', tabindex: '0' }),
+      EditorView.contentAttributes.of({
+        'aria-label': 'Names file',
+        spellcheck: 'false',
+        tabindex: '0',
+      }),
       // Tab leaves the editor, as it does everywhere on the page.
       keymap.of([
         ...this.keys,

@@ -1,21 +1,19 @@
 // The little markdown that the server writes: paragraphs, lists, **strong** and `code`. The
 // words of a file are between backquotes, and become text whatever they are.
-import { element } from '../dom';
+import { element, visible } from '../dom';
 
 function inline(text: string): Node[] {
-  return text
-    .split(/(`[^`]*`|\*\*)/)
-    .reduce<{ nodes: Node[]; strong: boolean }>(
-      ({ nodes, strong }, part) => {
-        if (part === '**') return { nodes, strong: !strong };
-        if (part === '') return { nodes, strong };
-        const node = part.startsWith('`')
-          ? element('code', {}, part.slice(1, -1))
-          : document.createTextNode(part);
-        return { nodes: [...nodes, strong ? element('strong', {}, node) : node], strong };
-      },
-      { nodes: [], strong: false },
-    ).nodes;
+  return text.split(/(`[^`]*`|\*\*)/).reduce<{ nodes: Node[]; strong: boolean }>(
+    ({ nodes, strong }, part) => {
+      if (part === '**') return { nodes, strong: !strong };
+      if (part === '') return { nodes, strong };
+      const node = part.startsWith('`')
+        ? element('code', {}, part.slice(1, -1))
+        : document.createTextNode(visible(part));
+      return { nodes: [...nodes, strong ? element('strong', {}, node) : node], strong };
+    },
+    { nodes: [], strong: false },
+  ).nodes;
 }
 
 export function textOfMarkdown(markdown: string): HTMLElement {

@@ -39,5 +39,8 @@ export function editsOf(before: Text, changes: ChangeSet): TextEdit[] {
 
 // Half of a character has no UTF-8; of it one unit is left that has.
 export function wellFormed(text: string): string {
-  return text.replace(/[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g, '\uFFFD');
+  return text.replace(
+    /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g,
+    '\uFFFD',
+  );
 }

@@ -2,7 +2,14 @@
 import wasm from 'engine-wasm';
 import source from 'worker-source';
 
-import { type Checked, type FromWorker, type Listed, type TextEdit, type ToWorker, uri } from './protocol';
+import {
+  type Checked,
+  type FromWorker,
+  type Listed,
+  type TextEdit,
+  type ToWorker,
+  uri,
+} from './protocol';
 
 interface Waiting {
   resolve: (result: never) => void;
@@ -35,7 +42,9 @@ export class EngineClient {
     const url = URL.createObjectURL(new Blob([source], { type: 'text/javascript' }));
     this.worker = new Worker(url);
     URL.revokeObjectURL(url);
-    this.worker.addEventListener('message', ({ data }: MessageEvent<FromWorker>) => this.take(data));
+    this.worker.addEventListener('message', ({ data }: MessageEvent<FromWorker>) =>
+      this.take(data),
+    );
     this.worker.addEventListener('error', ({ message }) => this.fail(message));
     this.send({ kind: 'start', wasm });
   }

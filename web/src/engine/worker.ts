@@ -110,7 +110,12 @@ async function start(wasm: Uint8Array): Promise<void> {
 
 addEventListener('message', ({ data }: MessageEvent<ToWorker>) => {
   // What fails is told as an error of the worker.
-  if (data.kind === 'start') start(data.wasm).catch((error) => setTimeout(() => { throw error; }));
+  if (data.kind === 'start')
+    start(data.wasm).catch((error) =>
+      setTimeout(() => {
+        throw error;
+      }),
+    );
   else if (engine === undefined) waiting.push(data);
   else take(data);
 });

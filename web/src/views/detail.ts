@@ -88,7 +88,11 @@ export class EntryDetail {
   }
 
   private linkLine(link: string): HTMLElement {
-    const copy = element('button', { type: 'button', 'aria-label': 'Copy the link string' }, 'Copy');
+    const copy = element(
+      'button',
+      { type: 'button', 'aria-label': 'Copy the link string' },
+      'Copy',
+    );
     copy.addEventListener('click', () => {
       void navigator.clipboard.writeText(link).then(() => {
         copy.textContent = 'Copied';
@@ -141,7 +145,11 @@ export class EntryDetail {
       ),
       this.view === 'tree'
         ? element('label', {}, defaults, 'Defaults, too')
-        : element('button', { type: 'button', class: 'link', click: () => this.enlarge() }, 'Enlarge'),
+        : element(
+            'button',
+            { type: 'button', class: 'link', click: () => this.enlarge() },
+            'Enlarge',
+          ),
     );
   }
 
@@ -154,6 +162,11 @@ export class EntryDetail {
 
   private enlarge(): void {
     if (this.service !== null)
-      showDialog(this.service.title, '', [framed(this.service)], [{ label: 'Close', primary: true }]);
+      showDialog(
+        this.service.title,
+        '',
+        [framed(this.service)],
+        [{ label: 'Close', primary: true }],
+      );
   }
 }

@@ -57,7 +57,16 @@ export function offerFixes(before: Text, edits: TextEdit[], apply: () => void): 
     'Fix all',
     `${counted(edits.length, 'change', 'changes')}; nothing is guessed, and no name that lookups find is lost.`,
     [
-      ...(two ? [element('div', { class: 'columns' }, element('span', {}, 'Before'), element('span', {}, 'After'))] : []),
+      ...(two
+        ? [
+            element(
+              'div',
+              { class: 'columns' },
+              element('span', {}, 'Before'),
+              element('span', {}, 'After'),
+            ),
+          ]
+        : []),
       parent,
     ],
     [{ label: 'Cancel' }, { label: 'Apply', primary: true, run: apply }],

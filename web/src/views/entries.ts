@@ -88,7 +88,9 @@ export class EntryList {
     this.empty.hidden = this.shown.length > 0;
     this.list.hidden = this.shown.length === 0;
     this.empty.textContent =
-      this.entries.length === 0 ? 'No entry yet.' : `None of ${counted(this.entries.length, 'entry', 'entries')} matches.`;
+      this.entries.length === 0
+        ? 'No entry yet.'
+        : `None of ${counted(this.entries.length, 'entry', 'entries')} matches.`;
     this.draw();
   }
 
@@ -104,7 +106,8 @@ export class EntryList {
     this.room.replaceChildren(
       ...this.shown.slice(first, first + count).map((index, row) => this.row(index, first + row)),
     );
-    const active = this.selected === null ? null : document.getElementById(`entry-${this.selected}`);
+    const active =
+      this.selected === null ? null : document.getElementById(`entry-${this.selected}`);
     if (active === null) this.list.removeAttribute('aria-activedescendant');
     else this.list.setAttribute('aria-activedescendant', active.id);
   }

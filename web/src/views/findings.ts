@@ -17,7 +17,9 @@ export class FindingList {
   show(checked: Checked): void {
     const { diagnostics } = checked;
     if (diagnostics.length === 0) {
-      const all = checked.verdicts.some((count) => count > 0) ? 'Nothing is wrong with this file.' : 'Nothing to say yet.';
+      const all = checked.verdicts.some((count) => count > 0)
+        ? 'Nothing is wrong with this file.'
+        : 'Nothing to say yet.';
       this.parent.replaceChildren(element('p', { class: 'empty' }, all));
       return;
     }
@@ -26,7 +28,13 @@ export class FindingList {
     this.parent.replaceChildren(
       element('ul', { class: 'findings', tabindex: 0, 'aria-label': 'Findings' }, ...items),
       ...(left > 0
-        ? [element('p', { class: 'empty' }, `and ${counted(left, 'more finding', 'more findings')}`)]
+        ? [
+            element(
+              'p',
+              { class: 'empty' },
+              `and ${counted(left, 'more finding', 'more findings')}`,
+            ),
+          ]
         : []),
     );
   }
@@ -42,7 +50,12 @@ export class FindingList {
       element(
         'div',
         {},
-        element('p', { class: 'words' }, element('span', { class: 'unseen' }, `${kind}: `), message),
+        element(
+          'p',
+          { class: 'words' },
+          element('span', { class: 'unseen' }, `${kind}: `),
+          message,
+        ),
         element(
           'div',
           { class: 'place' },

@@ -4,7 +4,11 @@ import { element } from '../dom';
 export class Notice {
   constructor(private readonly root: HTMLElement) {}
 
-  show(text: string, kind: 'note' | 'warning' = 'note', action?: { label: string; run: () => void }): void {
+  show(
+    text: string,
+    kind: 'note' | 'warning' = 'note',
+    action?: { label: string; run: () => void },
+  ): void {
     this.root.hidden = false;
     this.root.className = kind === 'warning' ? 'notice is-warning' : 'notice';
     const button = (label: string, run: () => void) =>

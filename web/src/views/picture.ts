@@ -34,7 +34,8 @@ function fitted(text: string, measure: (text: string) => number): string {
 
 // The title, what is looked for first, and what is not left at its default.
 function linesOf(node: TreeNode): string[] {
-  const isTold = (key: string) => node.kind === 'address' && /^(HOST|PORT|PROTOCOL|WEIGHT)$/.test(key);
+  const isTold = (key: string) =>
+    node.kind === 'address' && /^(HOST|PORT|PROTOCOL|WEIGHT)$/.test(key);
   const settings = node.settings
     .filter(({ key, byDefault, value }) => !byDefault && !isTold(key) && value !== node.about)
     .map(({ key, value }) => `${key} = ${value}`);
@@ -62,8 +63,7 @@ function place(box: Box, depth: number, top: number, columns: number[]): number 
   for (const child of box.children) below = place(child, depth + 1, below, columns);
   const first = box.children[0];
   const last = box.children.at(-1);
-  const middle =
-    first && last ? (first.y + last.y + last.height) / 2 : top + box.height / 2;
+  const middle = first && last ? (first.y + last.y + last.height) / 2 : top + box.height / 2;
   box.y = Math.max(middle - box.height / 2, top);
   return Math.max(below, box.y + box.height + gap.y);
 }
@@ -87,7 +87,9 @@ function edge(parent: Box, child: Box): SVGElement {
   const [x1, y1] = [parent.x + parent.width, parent.y + parent.height / 2];
   const [x2, y2] = [child.x, child.y + child.height / 2];
   const bend = (x2 - x1) / 2;
-  return svgElement('path', { d: `M${x1} ${y1}C${x1 + bend} ${y1} ${x2 - bend} ${y2} ${x2} ${y2}` });
+  return svgElement('path', {
+    d: `M${x1} ${y1}C${x1 + bend} ${y1} ${x2 - bend} ${y2} ${x2} ${y2}`,
+  });
 }
 
 function drawn(box: Box): SVGElement[] {
@@ -122,7 +124,13 @@ export function drawPicture(service: TreeNode): SVGSVGElement {
   const [width, height] = [right(root) + 1, bottom - gap.y + 1];
   return svgElement(
     'svg',
-    { width, height, viewBox: `0 0 ${width} ${height}`, role: 'img', 'aria-label': `Picture of ${service.title}` },
+    {
+      width,
+      height,
+      viewBox: `0 0 ${width} ${height}`,
+      role: 'img',
+      'aria-label': `Picture of ${service.title}`,
+    },
     ...drawn(root),
   );
 }

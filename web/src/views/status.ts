@@ -14,7 +14,11 @@ export function showStatus({ verdicts, severities, complete }: Checked): void {
       part(warnings, 'warnings', 'warning', 'warnings'),
       part(notes, 'notes', 'note', 'notes'),
       errors + warnings + notes === 0 ? element('span', { class: 'fine' }, 'nothing wrong') : null,
-      element('span', {}, `${counted(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`),
+      element(
+        'span',
+        {},
+        `${counted(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`,
+      ),
       complete ? null : element('span', {}, 'looking further…'),
     ].filter((child): child is HTMLSpanElement => child !== null),
   );

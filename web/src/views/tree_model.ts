@@ -113,7 +113,9 @@ export function treeOf(built: Built | null): TreeNode | null {
   if (service === undefined) return null;
   const descriptions = listIn(service, 'descriptions');
   const variables = (service['system_variables'] ?? {}) as Fields;
-  const children = descriptions.map((one, at) => descriptionNode(one, at, descriptions.length, words));
+  const children = descriptions.map((one, at) =>
+    descriptionNode(one, at, descriptions.length, words),
+  );
   if (settingsOf(variables, words).some(({ byDefault }) => !byDefault))
     children.push(noteNode('KZCISYSTEMVARIABLES', '', variables, words));
   return {

@@ -34,7 +34,12 @@ export class WhyView {
           },
         },
         element('label', { for: 'identifier' }, 'What a program looks up'),
-        element('div', { class: 'row' }, this.input, element('button', { type: 'submit', class: 'primary' }, 'Why?')),
+        element(
+          'div',
+          { class: 'row' },
+          this.input,
+          element('button', { type: 'submit', class: 'primary' }, 'Why?'),
+        ),
         element('p', {}, 'A name, or a descriptor (DESCRIPTION=…), as it is given to the library.'),
       ),
       this.answer,
@@ -70,7 +75,8 @@ export class WhyView {
     if (!why.literal) add('', `${counted(why.skipped, 'entry', 'entries')} passed over`);
     if (why.entry) add(why.fault ? '' : 'good', 'found at ', this.place(why.entry));
     if (why.fault) add('bad', ...this.remark(why, why.fault));
-    else if (!why.entry && !why.literal) add('bad', 'no entry has this name: ended at the end of the file');
+    else if (!why.entry && !why.literal)
+      add('bad', 'no entry has this name: ended at the end of the file');
     if (why.outcome === 'found' && why.literal) add('good', 'read as a descriptor, and built');
     if (why.link !== '') add('good', 'link string ', element('code', {}, why.link));
     why.warnings.forEach((warning) => add('', 'warning: ', ...this.remark(why, warning)));

@@ -7,7 +7,8 @@ import { fileURLToPath, pathToFileURL } from 'node:url';
 
 import puppeteer from 'puppeteer-core';
 
-export const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../../..', import.meta.url));
+export const project =
+  process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../../..', import.meta.url));
 export const page = path.join(project, 'build/web/kztns.html');
 export const command = path.join(project, 'build/kztns');
 
@@ -100,10 +101,10 @@ export async function nextCheck(face, before, timeout = 30_000) {
 
 // Waits until the entries are those of the text.
 async function listShown({ tab }, timeout = 20_000) {
-  await tab.waitForFunction(
-    () => document.querySelector('.entries').ariaBusy === 'false',
-    { timeout, polling: 20 },
-  );
+  await tab.waitForFunction(() => document.querySelector('.entries').ariaBusy === 'false', {
+    timeout,
+    polling: 20,
+  });
 }
 
 // Replaces the text by way of the keyboard, as by pasting.
@@ -134,3 +135,19 @@ export async function clickButton(tab, label, within = 'body') {
   );
   if (!clicked) throw new Error(`no button ${label}`);
 }
+
+export const names = (tab) => textsOf(tab, '.entry .name');
+export const verdicts = (tab) => textsOf(tab, '.entry .verdict');
+
+export async function waitForText(tab, selector, words) {
+  await tab.waitForFunction(
+    (place, wanted) => document.querySelector(place)?.textContent.includes(wanted),
+    { timeout: 10_000 },
+    selector,
+    words,
+  );
+}
+
+// An entry that is fine, but for what is added to its connect data.
+export const entry = (name, more = '') =>
+  `${name} = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)${more}))\n`;
