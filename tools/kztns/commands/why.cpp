@@ -7,7 +7,6 @@
 #include "lookup/lookup_json.h"
 #include "report/check_text.h"
 #include "text/escape.h"
-#include "trace/log_watch.h"
 
 namespace kztns {
 namespace {
@@ -35,13 +34,6 @@ void print_file(const Lookup &lookup, bool file_given) {
 void print_remark(const char *label, const Remark &remark, bool with_source) {
   print(label, to_string(remark.position) + ": " + words_of(remark));
   if (with_source) std::printf("%s\n", with_caret(remark.source, remark.caret).c_str());
-}
-
-std::string link_string(Tree &tree) {
-  char dblink[KZCI_DBLINK_SIZE];
-  sb4 length = 0;
-  const LogWatch silent(std::nullopt);
-  return KZCITnsServiceDblinkGet(tree.service(), dblink, &length) == 0 ? dblink : "";
 }
 
 void print_found(const LookupReport &report, const std::string &link) {

@@ -1,5 +1,6 @@
 #include "io/memory_file.h"
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,11 +8,25 @@
 #include <cerrno>
 
 namespace kztns {
+namespace {
+
+#ifdef __EMSCRIPTEN__
+// In a page all files are in memory, and a descriptor has no path. One is open at a time.
+constexpr char file_of_page[] = "/tmp/kztns";
+
+int open_in_memory() { return open(file_of_page, O_RDWR | O_CREAT | O_TRUNC, S_IRUSR | S_IWUSR); }
+std::string path_of(int) { return file_of_page; }
+#else
+int open_in_memory() { return memfd_create("kztns", MFD_CLOEXEC); }
+std::string path_of(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
+#endif
+
+}  // namespace
 
 MemoryFile::MemoryFile()
-    : descriptor_(memfd_create("kztns", MFD_CLOEXEC)),
+    : descriptor_(open_in_memory()),
       error_(descriptor_ < 0 ? errno : 0),
-      path_("/proc/self/fd/" + std::to_string(descriptor_)) {
+      path_(path_of(descriptor_)) {
   // The path leads nowhere where /proc is not mounted.
   if (error_ == 0 && access(path_.c_str(), R_OK) != 0) error_ = errno;
 }

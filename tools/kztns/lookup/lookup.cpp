@@ -45,12 +45,16 @@ void build(const std::string &identifier, const LogWatch &watch, Tree &tree, Loo
   lookup.fault = watch.fault();
 }
 
+bool is_literal(const std::string &identifier) {
+  return IsDescriptionTns(const_cast<char *>(identifier.c_str()),
+                          static_cast<ub4>(identifier.size())) != 0;
+}
+
 }  // namespace
 
 Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree &tree) {
   Lookup lookup;
-  lookup.is_literal = IsDescriptionTns(const_cast<char *>(identifier.c_str()),
-                                       static_cast<ub4>(identifier.size())) != 0;
+  lookup.is_literal = is_literal(identifier);
   const Substitution hidden = hidden_password(identifier);
   const std::optional<FileChoice> choice =
       lookup.is_literal ? std::nullopt : choose_file(options.file);
@@ -73,6 +77,27 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
     lookup.outcome = Outcome::unreadable;
   }
   return lookup;
+}
+
+Lookup look_up_in(const std::string &text, const std::string &identifier, Tree &tree) {
+  Lookup lookup;
+  lookup.is_literal = is_literal(identifier);
+  const auto content = std::make_shared<MemoryFile>();
+  content->append(text);
+  if (!lookup.is_literal) {
+    lookup.file_name = "tnsnames.ora";
+    lookup.content = content;
+  }
+  const NamedFile named(content->path());
+  build(identifier, LogWatch(std::nullopt, {}, hidden_password(identifier)), tree, lookup);
+  return lookup;
+}
+
+std::string link_string(Tree &tree) {
+  char dblink[KZCI_DBLINK_SIZE];
+  sb4 length = 0;
+  [[maybe_unused]] const LogWatch silent(std::nullopt);
+  return KZCITnsServiceDblinkGet(tree.service(), dblink, &length) == 0 ? dblink : "";
 }
 
 }  // namespace kztns

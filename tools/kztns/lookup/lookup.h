@@ -54,4 +54,10 @@ struct Lookup {
 // Builds the identifier's service into the tree.
 Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree &tree);
 
+// The same where a names file of that text is the one that lookups read.
+Lookup look_up_in(const std::string &text, const std::string &identifier, Tree &tree);
+
+// The link string of the service that was built; empty when it has none.
+std::string link_string(Tree &tree);
+
 }  // namespace kztns

@@ -9,6 +9,9 @@ namespace kztns::lsp {
 Json diagnostics_of(const Analysis &analysis, const std::string &uri, const Document &document,
                     const ClientFeatures &client, const std::string &documents);
 
+// What the action is called that applies a finding's fix.
+std::string title_of_fix(const Finding &finding);
+
 Json code_actions(const Question &question);
 // The edit of an action that was chosen; of another document than before it has none.
 Json resolved_action(const Question &question);

@@ -22,12 +22,6 @@ bool is_wanted(const Json &params, std::string_view kind) {
   });
 }
 
-std::string title_of(const Finding &finding) {
-  const bool guesses = finding.fix.applicability == Applicability::unsafe;
-  return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
-         std::string(row_of(finding.rule).id) + "]";
-}
-
 // The diagnostics of the client that are this finding.
 Json fixed_diagnostics(const Question &question, const Finding &finding) {
   Json list = Json::array();
@@ -41,7 +35,7 @@ Json fixed_diagnostics(const Question &question, const Finding &finding) {
 }
 
 Json fix_of(const Question &question, const Finding &finding) {
-  return {{"title", title_of(finding)},
+  return {{"title", title_of_fix(finding)},
           {"kind", quick_fix},
           {"diagnostics", fixed_diagnostics(question, finding)},
           {"isPreferred", finding.fix.applicability == Applicability::safe},
@@ -100,6 +94,12 @@ Json action_of_all(const Question &question) {
 }
 
 }  // namespace
+
+std::string title_of_fix(const Finding &finding) {
+  const bool guesses = finding.fix.applicability == Applicability::unsafe;
+  return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
+         std::string(row_of(finding.rule).id) + "]";
+}
 
 Json code_actions(const Question &question) {
   const std::optional<LineRange> range = range_in(member(question.params, "range"));

@@ -184,6 +184,11 @@ Server::OpenDocument *Server::document_of(const Json &params) {
   return found == open_.end() ? nullptr : &found->second;
 }
 
+const Document *Server::document(const std::string &uri) const {
+  const auto found = open_.find(uri);
+  return found == open_.end() ? nullptr : &found->second.document;
+}
+
 bool Server::is_current(const OpenDocument &open) const {
   return open.analysis != nullptr && open.analysis->version == open.document.version();
 }

@@ -31,6 +31,9 @@ class Server {
   bool has_ended() const { return ended_; }
   int status() const;
 
+  // A text that is open; null for none of that name.
+  const Document *document(const std::string &uri) const;
+
   // A text whose findings are not known yet, the one that changed last; absent for none.
   std::optional<CheckJob> next_job() const;
   // What came of a job. It means nothing any more if the document has changed since.

@@ -1,0 +1,180 @@
+// What a page asks of the command's parts: messages in, messages out.
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "page/page.h"
+
+using Json = nlohmann::json;
+
+namespace {
+
+constexpr char uri[] = "tnsnames.ora";
+
+std::string entry(const std::string &name, const std::string &more = "") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n  (CONNECT_DATA = (SID = s)" +
+         more + "))\n";
+}
+
+class PageAnswers : public testing::Test {
+ protected:
+  PageAnswers() { ask("initialize", {{"capabilities", Json::object()}}); }
+
+  Json answers(const std::string &message) { return Json::parse(page_.answer(message)); }
+
+  // The answer to a request, after what else comes of it.
+  Json ask(const std::string &method, const Json &params = Json::object()) {
+    const Json all = answers(
+        Json{{"jsonrpc", "2.0"}, {"id", ++id_}, {"method", method}, {"params", params}}.dump());
+    EXPECT_FALSE(all.empty()) << method;
+    EXPECT_EQ(all.back()["id"], id_);
+    return all.back();
+  }
+
+  Json result(const std::string &method, const Json &params = Json::object()) {
+    return ask(method, params)["result"];
+  }
+
+  void notify(const std::string &method, const Json &params) {
+    EXPECT_EQ(answers(Json{{"jsonrpc", "2.0"}, {"method", method}, {"params", params}}.dump()),
+              Json::array());
+  }
+
+  void open(const std::string &text) {
+    notify("textDocument/didOpen",
+           {{"textDocument", {{"uri", uri}, {"version", 1}, {"text", text}}}});
+  }
+
+  Json why(const std::string &identifier) {
+    return result("kztns/why", {{"textDocument", {{"uri", uri}}}, {"identifier", identifier}});
+  }
+
+  kztns::Page page_;
+  int id_ = 0;
+};
+
+}  // namespace
+
+TEST_F(PageAnswers, ACheckTellsFindingsAndEntries) {
+  open(entry("sales") + entry("orders", "(SERVER = DEDICATED)") + entry("sales"));
+  const Json all = answers(R"({"jsonrpc":"2.0","id":7,"method":"kztns/check"})");
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[0]["method"], "textDocument/publishDiagnostics");
+  EXPECT_EQ(all[0]["params"]["version"], 1);
+  const Json &diagnostics = all[0]["params"]["diagnostics"];
+  ASSERT_EQ(diagnostics.size(), 2u);
+  EXPECT_EQ(diagnostics[0]["code"], "unknown-key");
+  EXPECT_EQ(diagnostics[1]["code"], "duplicate");
+
+  const Json &checked = all[1]["result"];
+  EXPECT_EQ(all[1]["id"], 7);
+  EXPECT_EQ(checked["complete"], true);
+  EXPECT_EQ(checked["severities"], Json::parse("[1,1,0]"));
+  EXPECT_EQ(checked["verdicts"], Json::parse("[1,1,0,1,0]"));
+
+  const Json listed = result("kztns/entries");
+  EXPECT_EQ(listed["entries"],
+            Json::parse(R"([{"name":"sales","line":1,"verdict":"ok","link":"h:1/s"},
+                            {"name":"orders","line":3,"verdict":"refused","link":""},
+                            {"name":"sales","line":5,"verdict":"shadowed","link":"h:1/s"}])"));
+  EXPECT_EQ(listed["starts"], Json::parse("[[0,0],[2,0],[4,0]]"));
+}
+
+TEST_F(PageAnswers, AFindingHasItsFix) {
+  open(entry("orders", "(SERVER = DEDICATED)"));
+  const Json fixes = result("kztns/check")["fixes"];
+  ASSERT_EQ(fixes.size(), 1u);
+  EXPECT_EQ(fixes[0]["safe"], true);
+  EXPECT_EQ(fixes[0]["title"].get<std::string>().substr(0, 4), "Fix:");
+  ASSERT_EQ(fixes[0]["edits"].size(), 1u);
+  EXPECT_EQ(fixes[0]["edits"][0]["newText"], "");
+  EXPECT_EQ(fixes[0]["edits"][0]["range"]["start"], Json::parse(R"({"line":1,"character":27})"));
+
+  // An entry without a value has no fix.
+  notify("textDocument/didChange", {{"textDocument", {{"uri", uri}, {"version", 2}}},
+                                    {"contentChanges", {{{"text", entry("a") + "b = ()\n"}}}}});
+  const Json none = result("kztns/check")["fixes"];
+  ASSERT_FALSE(none.empty());
+  EXPECT_TRUE(none[0].is_null());
+}
+
+TEST_F(PageAnswers, ACheckIsMadeOncePerText) {
+  EXPECT_TRUE(result("kztns/check").is_null());
+  open(entry("sales"));
+  EXPECT_FALSE(result("kztns/check").is_null());
+  EXPECT_TRUE(result("kztns/check").is_null());
+}
+
+TEST_F(PageAnswers, AnEntryHasItsTreeAndTheKeysOfItsFields) {
+  open(entry("sales") + "broken = (DESCRIPTION = (X = 1))\n");
+  result("kztns/check");
+  const Json sales = result("kztns/entry", {{"index", 0}});
+  const Json &service = sales["tree"]["services"][0];
+  EXPECT_EQ(service["net_service_name"]["value"], "sales");
+  EXPECT_EQ(service["descriptions"][0]["address_lists"][0]["addresses"][0]["host"]["value"], "h");
+  EXPECT_EQ(sales["words"]["connect_timeout"], "KZLB_CONNECT_TIMEOUT");
+  EXPECT_EQ(sales["words"]["remove_timeout"], "REMOVE_STRATEGY TIMEOUT");
+  EXPECT_TRUE(result("kztns/entry", {{"index", 1}}).is_null());
+  EXPECT_TRUE(result("kztns/entry", {{"index", 2}}).is_null());
+  EXPECT_TRUE(result("kztns/entry", {{"index", -1}}).is_null());
+  EXPECT_TRUE(result("kztns/entry", {{"index", "0"}}).is_null());
+}
+
+TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {
+  EXPECT_TRUE(result("kztns/entries").is_null());
+  EXPECT_TRUE(result("kztns/entry", {{"index", 0}}).is_null());
+  open(entry("sales"));
+  result("kztns/check");
+  open(entry("orders"));
+  EXPECT_TRUE(result("kztns/entries").is_null());
+  EXPECT_TRUE(result("kztns/entry", {{"index", 0}}).is_null());
+}
+
+TEST_F(PageAnswers, WhyReadsTheTextThatIsOpen) {
+  open(entry("sales") + entry("orders", "(SERVER = DEDICATED)"));
+  const Json sales = why("sales");
+  EXPECT_EQ(sales["outcome"], "found");
+  EXPECT_EQ(sales["entry"], Json::parse(R"({"line":1,"column":1})"));
+  EXPECT_EQ(sales["link"], "h:1/s");
+  const Json orders = why("orders");
+  EXPECT_EQ(orders["outcome"], "malformed");
+  EXPECT_EQ(orders["skipped"], 1);
+  EXPECT_EQ(orders["fault"]["rule"], "unknown-key");
+  const Json other = why("Sales");
+  EXPECT_EQ(other["outcome"], "not found");
+  EXPECT_EQ(other["near"].size(), 1u);
+  const Json literal =
+      why("(DESCRIPTION = (ADDRESS = (HOST = x)(PORT = 2))(CONNECT_DATA = (SID = t)))");
+  EXPECT_EQ(literal["literal"], true);
+  EXPECT_EQ(literal["link"], "x:2/t");
+  EXPECT_TRUE(literal["file"].is_null());
+  EXPECT_TRUE(result("kztns/why", {{"identifier", "sales"}}).is_null());
+  EXPECT_TRUE(result("kztns/why", {{"textDocument", {{"uri", uri}}}}).is_null());
+}
+
+TEST_F(PageAnswers, TheServersMethodsAreTheServers) {
+  open("a = (DESCRIPTION = (KZLB = ");
+  const Json items =
+      result("textDocument/completion",
+             {{"textDocument", {{"uri", uri}}}, {"position", {{"line", 0}, {"character", 27}}}});
+  ASSERT_EQ(items.size(), 2u);
+  EXPECT_EQ(items[0]["label"], "ON");
+  EXPECT_EQ(ask("textDocument/nonsense")["error"]["code"], -32601);
+}
+
+TEST_F(PageAnswers, WhatIsNoMessageIsRefused) {
+  const Json all = answers("{");
+  ASSERT_EQ(all.size(), 1u);
+  EXPECT_EQ(all[0]["error"]["code"], -32700);
+  EXPECT_EQ(answers("[]")[0]["error"]["code"], -32600);
+}
+
+TEST_F(PageAnswers, MarkupInNamesIsText) {
+  const std::string name = "<b>sales</b>";
+  open(entry(name));
+  result("kztns/check");
+  EXPECT_EQ(result("kztns/entries")["entries"][0]["name"], name);
+  EXPECT_EQ(
+      result("kztns/entry", {{"index", 0}})["tree"]["services"][0]["net_service_name"]["value"],
+      name);
+}

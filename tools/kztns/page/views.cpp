@@ -1,0 +1,103 @@
+#include "page/views.h"
+
+#include <nlohmann/json.hpp>
+
+#include "commands/list.h"
+#include "lookup/lookup_failure.h"
+#include "lookup/lookup_json.h"
+#include "lsp/capabilities.h"
+#include "report/tree_json.h"
+#include "report/tree_walk.h"
+#include "scan/file_scan.h"
+
+namespace kztns {
+namespace {
+
+using kzoci::tns::Block;
+using kzoci::tns::Key;
+using lsp::Json;
+
+// Elements between brackets, each as JSON already.
+template <class Elements, class ToJson>
+std::string array_of(const Elements &elements, const ToJson &to_json) {
+  std::string array = "[";
+  for (const auto &element : elements) {
+    if (array.size() > 1) array += ',';
+    array += to_json(element);
+  }
+  return array + "]";
+}
+
+std::string listed(const lsp::AnalysedEntry &entry, const NamesText &text) {
+  const std::uint32_t line = text.position(entry.name_span.begin).line;
+  return list_line({entry.name, line, entry.verdict, entry.link}, ListFormat::json, {});
+}
+
+std::string start_of(const lsp::AnalysedEntry &entry, const lsp::Document &document) {
+  const lsp::LinePosition start = document.position(entry.name_span.begin);
+  return "[" + std::to_string(start.line) + "," + std::to_string(start.character) + "]";
+}
+
+// What the settings of a tree are called in a names file, by their fields in it.
+std::string words_of_fields() {
+  Json words = Json::object();
+  for (const Key &key : kzoci::tns::grammar) {
+    if (key.name == nullptr) continue;
+    const bool removes = key.block == Block::remove_strategy;
+    const bool appends = key.block == Block::append_strategy;
+    words[key.name] = (removes   ? "REMOVE_STRATEGY "
+                       : appends ? "APPEND_STRATEGY "
+                                 : "") +
+                      std::string(key.word);
+  }
+  return lsp::text_of(words);
+}
+
+std::string fix_of(const Finding &finding, const lsp::Document &document) {
+  if (!finding.fix) return "null";
+  return lsp::text_of({{"title", lsp::title_of_fix(finding)},
+                       {"safe", finding.fix.applicability == Applicability::safe},
+                       {"edits", lsp::json_of(finding.fix.edits, document)}});
+}
+
+}  // namespace
+
+std::string checked_json(const lsp::Analysis &analysis, const std::string &text) {
+  const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
+  const auto fix = [&](const Finding &finding) { return fix_of(finding, document); };
+  return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
+         ",\"fixes\":" + array_of(analysis.report.findings, fix) +
+         ",\"severities\":" + lsp::text_of(analysis.report.severities) +
+         ",\"verdicts\":" + lsp::text_of(analysis.report.verdicts) + "}";
+}
+
+std::string entries_json(const lsp::Analysis &analysis, const std::string &text) {
+  const NamesText lines(text);
+  const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
+  const auto entry = [&](const lsp::AnalysedEntry &one) { return listed(one, lines); };
+  const auto start = [&](const lsp::AnalysedEntry &one) { return start_of(one, document); };
+  return "{\"entries\":" + array_of(analysis.entries, entry) +
+         ",\"starts\":" + array_of(analysis.entries, start) + "}";
+}
+
+std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text) {
+  if (!entry.built) return "null";
+  std::string tree = "null";
+  with_service(text, entry.body, entry.name, [&](KZCITnsService &service) {
+    KZCITns whole = {};
+    whole.tns_service = &service;
+    whole.tns_service_count = 1;
+    tree = tree_json(whole);
+  });
+  return "{\"tree\":" + tree + ",\"words\":" + words_of_fields() + "}";
+}
+
+std::string why_json(const std::string &identifier, const std::string &text) {
+  Tree tree;
+  const Lookup lookup = look_up_in(text, identifier, tree);
+  const LookupReport report = make_lookup_report(identifier, lookup);
+  return lookup_json({identifier, lookup, report, true,
+                      lookup.outcome == Outcome::found ? link_string(tree) : ""});
+}
+
+}  // namespace kztns

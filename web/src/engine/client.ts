@@ -1,0 +1,101 @@
+// The page's side of the worker: requests as promises, and checks as they come.
+import wasm from 'engine-wasm';
+import source from 'worker-source';
+
+import {
+  type Checked,
+  type FromWorker,
+  type Listed,
+  type TextEdit,
+  type ToWorker,
+  uri,
+} from './protocol';
+
+interface Waiting {
+  resolve: (result: never) => void;
+  reject: (error: Error) => void;
+}
+
+export class EngineClient {
+  onChecked: (checked: Checked) => void = () => {};
+  onListed: (listed: Listed) => void = () => {};
+  // The worker is gone; what it was asked has no answer.
+  onFailure: (reason: string) => void = () => {};
+
+  private worker!: Worker;
+  private waiting = new Map<number, Waiting>();
+  private lastId = 0;
+  private version = 0;
+
+  constructor() {
+    this.start();
+  }
+
+  // The version of the text that the worker was told last.
+  get textVersion(): number {
+    return this.version;
+  }
+
+  // A new worker, which knows no text.
+  start(): void {
+    this.worker?.terminate();
+    const url = URL.createObjectURL(new Blob([source], { type: 'text/javascript' }));
+    this.worker = new Worker(url);
+    URL.revokeObjectURL(url);
+    this.worker.addEventListener('message', ({ data }: MessageEvent<FromWorker>) =>
+      this.take(data),
+    );
+    this.worker.addEventListener('error', ({ message }) => this.fail(message));
+    this.send({ kind: 'start', wasm });
+  }
+
+  open(text: string): void {
+    this.version += 1;
+    const textDocument = { uri, languageId: 'tnsnames', version: this.version, text };
+    this.sendText('textDocument/didOpen', { textDocument });
+  }
+
+  // Each change is one of the text that the changes before it leave.
+  change(edits: TextEdit[]): void {
+    this.version += 1;
+    this.sendText('textDocument/didChange', {
+      textDocument: { uri, version: this.version },
+      contentChanges: edits.map(({ range, newText }) => ({ range, text: newText })),
+    });
+  }
+
+  ask<Result>(method: string, params: object = {}): Promise<Result> {
+    this.lastId += 1;
+    const id = this.lastId;
+    this.send({ kind: 'request', id, method, params: { textDocument: { uri }, ...params } });
+    return new Promise((resolve, reject) => this.waiting.set(id, { resolve, reject }));
+  }
+
+  private send(message: ToWorker): void {
+    this.worker.postMessage(message);
+  }
+
+  private sendText(method: string, params: object): void {
+    this.send({ kind: 'text', method, params, version: this.version });
+  }
+
+  private take(message: FromWorker): void {
+    if (message.kind === 'checked') {
+      if (message.checked.version === this.version) this.onChecked(message.checked);
+    } else if (message.kind === 'listed') {
+      if (message.listed.version === this.version) this.onListed(message.listed);
+    } else if (message.kind === 'answer') {
+      const waiting = this.waiting.get(message.id);
+      this.waiting.delete(message.id);
+      if (message.error === undefined) waiting?.resolve(message.result as never);
+      else waiting?.reject(new Error(message.error));
+    }
+  }
+
+  private fail(reason: string): void {
+    this.worker.terminate();
+    for (const { reject } of this.waiting.values()) reject(new Error(reason));
+    this.waiting.clear();
+    this.onFailure(reason);
+  }
+}

@@ -1,0 +1,101 @@
+// What goes between the page and its worker: the language server's messages, and those of
+// tools/kztns/page/page.h.
+
+export interface Position {
+  line: number;
+  character: number;
+}
+
+export interface Range {
+  start: Position;
+  end: Position;
+}
+
+export interface TextEdit {
+  range: Range;
+  newText: string;
+}
+
+export interface Diagnostic {
+  range: Range;
+  severity: 1 | 2 | 3;
+  code: string;
+  message: string;
+  relatedInformation?: { location: { range: Range }; message: string }[];
+}
+
+export interface Fix {
+  title: string;
+  safe: boolean;
+  edits: TextEdit[];
+}
+
+export type Verdict = 'ok' | 'refused' | 'unreachable' | 'shadowed' | 'reserved';
+
+export interface Entry {
+  name: string;
+  line: number;
+  verdict: Verdict;
+  link: string;
+}
+
+// What a check found in a version of the text.
+export interface Checked {
+  version: number;
+  complete: boolean;
+  diagnostics: Diagnostic[];
+  fixes: (Fix | null)[]; // one for each diagnostic
+  severities: [number, number, number];
+  verdicts: number[]; // how many entries of each
+}
+
+// The entries of a version of the text; they come after its findings.
+export interface Listed {
+  version: number;
+  entries: Entry[];
+  starts: [number, number][]; // where their names begin: line, character
+}
+
+export interface CompletionItem {
+  label: string;
+  detail: string;
+  documentation: { value: string };
+  textEdit: TextEdit;
+}
+
+export interface Remark {
+  line: number;
+  column: number;
+  text: string;
+  remedy: string;
+  rule: string;
+}
+
+// docs/why.schema.json
+export interface Why {
+  identifier: string;
+  literal: boolean;
+  skipped: number;
+  entry: { line: number; column: number } | null;
+  outcome: 'found' | 'not found' | 'malformed';
+  link: string;
+  fault: Remark | null;
+  warnings: Remark[];
+  shadowed: { line: number; column: number }[];
+  note: string;
+  near: string[];
+}
+
+export type ToWorker =
+  | { kind: 'start'; wasm: Uint8Array }
+  | { kind: 'request'; id: number; method: string; params: unknown }
+  | { kind: 'text'; method: string; params: unknown; version: number };
+
+export type FromWorker =
+  | { kind: 'ready' }
+  | { kind: 'answer'; id: number; result?: unknown; error?: string }
+  | { kind: 'checked'; checked: Checked }
+  | { kind: 'listed'; listed: Listed };
+
+// The one text that is open.
+export const uri = 'tnsnames.ora';

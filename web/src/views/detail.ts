@@ -1,0 +1,172 @@
+// The selected entry: verdict, link string, tree and picture.
+import { element } from '../dom';
+import type { Diagnostic, Entry } from '../engine/protocol';
+import { showDialog } from './dialog';
+import { drawPicture } from './picture';
+import { drawTree } from './tree';
+import { type Built, type TreeNode, treeOf } from './tree_model';
+
+const meanings = {
+  ok: 'lookups find it',
+  refused: 'the library cannot build it',
+  unreachable: 'no lookup comes to it',
+  shadowed: 'an earlier entry has this name',
+  reserved: 'the system variables',
+};
+
+type View = 'tree' | 'picture';
+
+function framed(service: TreeNode): HTMLElement {
+  return element(
+    'div',
+    { class: 'picture', tabindex: 0, role: 'group', 'aria-label': 'Picture' },
+    drawPicture(service),
+  );
+}
+
+export class EntryDetail {
+  onGoTo: (entry: Entry) => void = () => {};
+
+  private view: View = 'tree';
+  private withDefaults = false;
+  private readonly top = element('div');
+  private readonly choice = element('div', { class: 'choice' });
+  private readonly body = element('div');
+  private readonly root = element(
+    'div',
+    { class: 'detail', role: 'region', 'aria-label': 'The selected entry', tabindex: 0 },
+    this.top,
+    this.choice,
+    this.body,
+  );
+  private service: TreeNode | null = null;
+
+  constructor(parent: HTMLElement) {
+    parent.append(this.root);
+    this.clear();
+  }
+
+  clear(): void {
+    this.root.hidden = true;
+  }
+
+  // findings: what is said of the entry
+  show(entry: Entry, findings: Diagnostic[], built: Built | null): void {
+    this.root.hidden = false;
+    this.service = treeOf(built);
+    this.top.replaceChildren(this.head(entry), ...this.facts(entry, findings));
+    this.drawChoice();
+    this.drawBody();
+  }
+
+  private head(entry: Entry): HTMLElement {
+    return element(
+      'div',
+      { class: 'head' },
+      element('h2', {}, entry.name === '' ? '""' : entry.name),
+      element(
+        'span',
+        { class: `verdict verdict-${entry.verdict}` },
+        `${entry.verdict}: ${meanings[entry.verdict]}`,
+      ),
+      element(
+        'button',
+        { type: 'button', class: 'link', click: () => this.onGoTo(entry) },
+        `line ${entry.line.toLocaleString('en')}`,
+      ),
+    );
+  }
+
+  private facts(entry: Entry, findings: Diagnostic[]): HTMLElement[] {
+    const facts: HTMLElement[] = findings
+      .slice(0, 3)
+      .map(({ message, severity }) =>
+        element('p', { class: severity === 1 ? 'reason' : 'reason is-warning' }, message),
+      );
+    if (entry.link !== '') facts.unshift(this.linkLine(entry.link));
+    return facts;
+  }
+
+  private linkLine(link: string): HTMLElement {
+    const copy = element(
+      'button',
+      { type: 'button', 'aria-label': 'Copy the link string' },
+      'Copy',
+    );
+    copy.addEventListener('click', () => {
+      void navigator.clipboard.writeText(link).then(() => {
+        copy.textContent = 'Copied';
+        setTimeout(() => (copy.textContent = 'Copy'), 1500);
+      });
+    });
+    return element(
+      'div',
+      { class: 'copy-line' },
+      element('code', { class: 'link-string', title: 'Link string' }, link),
+      copy,
+    );
+  }
+
+  private segment(view: View, label: string): HTMLElement {
+    return element(
+      'button',
+      {
+        type: 'button',
+        id: `show-${view}`,
+        'aria-pressed': String(this.view === view),
+        click: () => {
+          this.view = view;
+          this.drawChoice();
+          this.drawBody();
+          document.getElementById(`show-${view}`)?.focus();
+        },
+      },
+      label,
+    );
+  }
+
+  private drawChoice(): void {
+    this.choice.hidden = this.service === null;
+    const defaults = element('input', {
+      type: 'checkbox',
+      id: 'with-defaults',
+      checked: this.withDefaults,
+      change: () => {
+        this.withDefaults = defaults.checked;
+        this.drawBody();
+      },
+    });
+    this.choice.replaceChildren(
+      element(
+        'div',
+        { class: 'segments', role: 'group', 'aria-label': 'Show as' },
+        this.segment('tree', 'Tree'),
+        this.segment('picture', 'Picture'),
+      ),
+      this.view === 'tree'
+        ? element('label', {}, defaults, 'Defaults, too')
+        : element(
+            'button',
+            { type: 'button', class: 'link', click: () => this.enlarge() },
+            'Enlarge',
+          ),
+    );
+  }
+
+  private drawBody(): void {
+    if (this.service === null) this.body.replaceChildren();
+    else if (this.view === 'tree')
+      this.body.replaceChildren(drawTree(this.service, this.withDefaults));
+    else this.body.replaceChildren(framed(this.service));
+  }
+
+  private enlarge(): void {
+    if (this.service !== null)
+      showDialog(
+        this.service.title,
+        '',
+        [framed(this.service)],
+        [{ label: 'Close', primary: true }],
+      );
+  }
+}

@@ -1,0 +1,79 @@
+// The findings as a list.
+import { counted, element } from '../dom';
+import { labelOf } from '../editor/findings';
+import type { Checked, Fix, Position } from '../engine/protocol';
+
+// A list of more is not read; mending the first ones brings the others.
+const mostShown = 300;
+
+const kinds = { 1: 'error', 2: 'warning', 3: 'note' } as const;
+
+export class FindingList {
+  onGoTo: (place: Position) => void = () => {};
+  onFix: (fix: Fix) => void = () => {};
+
+  constructor(private readonly parent: HTMLElement) {}
+
+  show(checked: Checked): void {
+    const { diagnostics } = checked;
+    if (diagnostics.length === 0) {
+      const all = checked.verdicts.some((count) => count > 0)
+        ? 'Nothing is wrong with this file.'
+        : 'Nothing to say yet.';
+      this.parent.replaceChildren(element('p', { class: 'empty' }, all));
+      return;
+    }
+    const items = diagnostics.slice(0, mostShown).map((_one, index) => this.item(checked, index));
+    const left = diagnostics.length - items.length;
+    this.parent.replaceChildren(
+      element('ul', { class: 'findings', tabindex: 0, 'aria-label': 'Findings' }, ...items),
+      ...(left > 0
+        ? [
+            element(
+              'p',
+              { class: 'empty' },
+              `and ${counted(left, 'more finding', 'more findings')}`,
+            ),
+          ]
+        : []),
+    );
+  }
+
+  private item(checked: Checked, index: number): HTMLElement {
+    const { range, severity, code, message } = checked.diagnostics[index]!;
+    const fix = checked.fixes[index];
+    const kind = kinds[severity];
+    const { line, character } = range.start;
+    return element(
+      'li',
+      { class: `finding is-${kind}` },
+      element(
+        'div',
+        {},
+        element(
+          'p',
+          { class: 'words' },
+          element('span', { class: 'unseen' }, `${kind}: `),
+          message,
+        ),
+        element(
+          'div',
+          { class: 'place' },
+          element(
+            'button',
+            { type: 'button', class: 'link', click: () => this.onGoTo(range.start) },
+            `${line + 1}:${character + 1}`,
+          ),
+          element('span', { class: 'mono' }, code),
+          fix
+            ? element(
+                'button',
+                { type: 'button', class: 'fix', title: fix.title, click: () => this.onFix(fix) },
+                labelOf(fix),
+              )
+            : null,
+        ),
+      ),
+    );
+  }
+}

@@ -1,0 +1,37 @@
+// A line above the text, about it as a whole, until it is dismissed.
+import { element } from '../dom';
+
+export class Notice {
+  constructor(private readonly root: HTMLElement) {}
+
+  show(
+    text: string,
+    kind: 'note' | 'warning' = 'note',
+    action?: { label: string; run: () => void },
+  ): void {
+    this.root.hidden = false;
+    this.root.className = kind === 'warning' ? 'notice is-warning' : 'notice';
+    const button = (label: string, run: () => void) =>
+      element(
+        'button',
+        {
+          type: 'button',
+          class: 'link',
+          click: () => {
+            this.hide();
+            run();
+          },
+        },
+        label,
+      );
+    this.root.replaceChildren(
+      element('p', {}, text),
+      ...(action ? [button(action.label, action.run)] : []),
+      button('Dismiss', () => {}),
+    );
+  }
+
+  hide(): void {
+    this.root.hidden = true;
+  }
+}

@@ -1,0 +1,29 @@
+// The line below the text: what a check found, in numbers.
+import { byId, counted, element } from '../dom';
+import type { Checked } from '../engine/protocol';
+
+export function showStatus({ verdicts, severities, complete }: Checked): void {
+  const [errors, warnings, notes] = severities;
+  const [found = 0] = verdicts;
+  const entries = verdicts.reduce((left, right) => left + right, 0);
+  const part = (count: number, name: string, one: string, many: string) =>
+    count > 0 ? element('span', { class: name }, counted(count, one, many)) : null;
+  byId('status').replaceChildren(
+    ...[
+      part(errors, 'errors', 'error', 'errors'),
+      part(warnings, 'warnings', 'warning', 'warnings'),
+      part(notes, 'notes', 'note', 'notes'),
+      errors + warnings + notes === 0 ? element('span', { class: 'fine' }, 'nothing wrong') : null,
+      element(
+        'span',
+        {},
+        `${counted(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`,
+      ),
+      complete ? null : element('span', {}, 'looking further…'),
+    ].filter((child): child is HTMLSpanElement => child !== null),
+  );
+  const count = (id: string, number: number) =>
+    (byId(id).textContent = number > 0 ? number.toLocaleString('en') : '');
+  count('count-entries', entries);
+  count('count-findings', errors + warnings + notes);
+}

@@ -1,0 +1,128 @@
+// The tree of an entry (docs/tree.schema.json) as what its views show: nodes with settings.
+
+export interface Setting {
+  key: string;
+  value: string;
+  byDefault: boolean;
+}
+
+// What kztns/entry answers.
+export interface Built {
+  tree: Record<string, unknown>;
+  words: Record<string, string>;
+}
+
+export type NodeKind = 'service' | 'description' | 'list' | 'address' | 'note';
+
+export interface TreeNode {
+  kind: NodeKind;
+  title: string;
+  about: string; // what one looks for first
+  settings: Setting[];
+  children: TreeNode[];
+}
+
+type Field = { value: string | number | boolean; default: boolean; name?: string };
+type Fields = Record<string, unknown>;
+type Words = Record<string, string>; // the keys of fields
+
+function isField(value: unknown): value is Field {
+  return typeof value === 'object' && value !== null && 'default' in value && 'value' in value;
+}
+
+function wordOf({ value, name }: Field): string {
+  if (name !== undefined) return name;
+  if (typeof value === 'boolean') return value ? 'ON' : 'OFF';
+  return String(value);
+}
+
+function settingsOf(fields: Fields, words: Words): Setting[] {
+  return Object.entries(fields).flatMap(([key, value]) =>
+    isField(value)
+      ? [{ key: words[key] ?? key, value: wordOf(value), byDefault: value.default }]
+      : [],
+  );
+}
+
+const listIn = (fields: Fields, key: string) => (fields[key] ?? []) as Fields[];
+
+function textIn(fields: Fields, key: string): string {
+  const field = fields[key];
+  return isField(field) ? wordOf(field) : '';
+}
+
+const numbered = (title: string, index: number, count: number) =>
+  count > 1 ? `${title} ${index + 1}` : title;
+
+function addressNode(fields: Fields, weights: number, words: Words): TreeNode {
+  const weight = Number(textIn(fields, 'weight'));
+  const share = weights > 0 ? Math.round((weight * 1000) / weights) / 10 : 100;
+  return {
+    kind: 'address',
+    title: `${textIn(fields, 'host') || '(no host)'}:${textIn(fields, 'port') || '(no port)'}`,
+    about: share === 100 ? '' : `${share} %`,
+    settings: settingsOf(fields, words),
+    children: [],
+  };
+}
+
+function listNode(fields: Fields, index: number, count: number, words: Words): TreeNode {
+  const addresses = listIn(fields, 'addresses');
+  const balances = textIn(fields, 'kzlb') === 'ON';
+  const weights = addresses.map((address) => Number(textIn(address, 'weight')));
+  const shares = balances && addresses.length > 1 && weights.every((weight) => weight >= 0);
+  const sum = shares ? weights.reduce((left, right) => left + right, 0) : 0;
+  return {
+    kind: 'list',
+    title: numbered('ADDRESS_LIST', index, count),
+    about: textIn(fields, 'kzlb_strategy'),
+    settings: settingsOf(fields, words),
+    children: addresses.map((address) => addressNode(address, sum, words)),
+  };
+}
+
+function noteNode(title: string, about: string, fields: Fields, words: Words): TreeNode {
+  return { kind: 'note', title, about, settings: settingsOf(fields, words), children: [] };
+}
+
+function descriptionNode(fields: Fields, index: number, count: number, words: Words): TreeNode {
+  const lists = listIn(fields, 'address_lists');
+  const data = fields['connect_data'] as Fields | null;
+  const blacklist = (fields['blacklist'] ?? {}) as Fields;
+  const children = lists.map((list, at) => listNode(list, at, lists.length, words));
+  if (data) {
+    const name = textIn(data, 'service_name') || textIn(data, 'sid');
+    children.push(noteNode('CONNECT_DATA', name, data, words));
+  }
+  if (settingsOf(blacklist, words).some(({ byDefault }) => !byDefault))
+    children.push(noteNode('KZLB_BLACKLIST', '', blacklist, words));
+  return {
+    kind: 'description',
+    title: numbered('DESCRIPTION', index, count),
+    about: '',
+    settings: settingsOf(fields, words),
+    children,
+  };
+}
+
+// The one service of a tree; null for an entry that is not built.
+export function treeOf(built: Built | null): TreeNode | null {
+  if (built === null) return null;
+  const { tree, words } = built;
+  const service = listIn(tree, 'services')[0];
+  if (service === undefined) return null;
+  const descriptions = listIn(service, 'descriptions');
+  const variables = (service['system_variables'] ?? {}) as Fields;
+  const children = descriptions.map((one, at) =>
+    descriptionNode(one, at, descriptions.length, words),
+  );
+  if (settingsOf(variables, words).some(({ byDefault }) => !byDefault))
+    children.push(noteNode('KZCISYSTEMVARIABLES', '', variables, words));
+  return {
+    kind: 'service',
+    title: textIn(service, 'net_service_name'),
+    about: '',
+    settings: [],
+    children,
+  };
+}

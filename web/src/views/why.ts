@@ -1,0 +1,109 @@
+// One lookup, step by step, as kztns why tells it.
+import { counted, element } from '../dom';
+import type { Position, Remark, Why } from '../engine/protocol';
+
+type Ask = (identifier: string) => Promise<Why>;
+
+const verdicts = { found: 'ok', 'not found': 'unreachable', malformed: 'refused' };
+
+export class WhyView {
+  onGoTo: (place: Position) => void = () => {};
+
+  private readonly input = element('input', {
+    type: 'text',
+    id: 'identifier',
+    autocomplete: 'off',
+    autocapitalize: 'off',
+    spellcheck: 'false',
+    placeholder: 'sales',
+  });
+  private readonly answer = element('div', { class: 'answer', role: 'status', hidden: true });
+
+  constructor(
+    parent: HTMLElement,
+    private readonly ask: Ask,
+  ) {
+    parent.append(
+      element(
+        'form',
+        {
+          class: 'ask',
+          submit: (event: SubmitEvent) => {
+            event.preventDefault();
+            this.again();
+          },
+        },
+        element('label', { for: 'identifier' }, 'What a program looks up'),
+        element(
+          'div',
+          { class: 'row' },
+          this.input,
+          element('button', { type: 'submit', class: 'primary' }, 'Why?'),
+        ),
+        element('p', {}, 'A name, or a descriptor (DESCRIPTION=…), as it is given to the library.'),
+      ),
+      this.answer,
+    );
+  }
+
+  // Asks once more, of a text that has changed.
+  again(): void {
+    if (this.input.value === '') return;
+    void this.ask(this.input.value).then(
+      (why) => this.show(why),
+      () => {},
+    );
+  }
+
+  private show(why: Why): void {
+    this.answer.hidden = false;
+    this.answer.replaceChildren(
+      element(
+        'h2',
+        {},
+        element('span', {}, why.identifier),
+        element('span', { class: `verdict verdict-${verdicts[why.outcome]}` }, why.outcome),
+      ),
+      element('ul', { class: 'steps' }, ...this.steps(why)),
+    );
+  }
+
+  private steps(why: Why): HTMLElement[] {
+    const steps: HTMLElement[] = [];
+    const add = (mark: string, ...words: (Node | string)[]) =>
+      steps.push(element('li', { class: mark }, ...words));
+    if (!why.literal) add('', `${counted(why.skipped, 'entry', 'entries')} passed over`);
+    if (why.entry) add(why.fault ? '' : 'good', 'found at ', this.place(why.entry));
+    if (why.fault) add('bad', ...this.remark(why, why.fault));
+    else if (!why.entry && !why.literal)
+      add('bad', 'no entry has this name: ended at the end of the file');
+    if (why.outcome === 'found' && why.literal) add('good', 'read as a descriptor, and built');
+    if (why.link !== '') add('good', 'link string ', element('code', {}, why.link));
+    why.warnings.forEach((warning) => add('', 'warning: ', ...this.remark(why, warning)));
+    why.shadowed.forEach((at) =>
+      add('', 'another entry of the name, which no lookup finds, at ', this.place(at)),
+    );
+    if (why.note !== '') add('', why.note);
+    why.near.forEach((clause) => add('', clause));
+    return steps;
+  }
+
+  private remark(why: Why, { line, column, text, remedy, rule }: Remark): (Node | string)[] {
+    const words = `${text}${remedy === '' ? '' : `; ${remedy}`}${rule === '' ? '' : ` [${rule}]`}`;
+    const at = why.literal ? `${line}:${column}` : this.place({ line, column });
+    return [at, `: ${words}`];
+  }
+
+  // Columns count bytes; the line is what one looks for.
+  private place({ line, column }: { line: number; column: number }): HTMLElement {
+    return element(
+      'button',
+      {
+        type: 'button',
+        class: 'link',
+        click: () => this.onGoTo({ line: line - 1, character: column - 1 }),
+      },
+      `${line}:${column}`,
+    );
+  }
+}

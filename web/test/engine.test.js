@@ -1,0 +1,56 @@
+// The engine alone, in node: one request, one answer.
+import assert from 'node:assert/strict';
+import { readFileSync } from 'node:fs';
+import { createRequire } from 'node:module';
+import path from 'node:path';
+import test from 'node:test';
+import { fileURLToPath } from 'node:url';
+
+const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../..', import.meta.url));
+const folder = path.join(project, 'build/web/web/engine');
+const createEngine = createRequire(import.meta.url)(path.join(folder, 'kztns_engine.js'));
+
+const uri = 'tnsnames.ora';
+const text =
+  'sales = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n' +
+  '  (CONNECT_DATA = (SERVICE_NAME = sales)(SERVER = DEDICATED)))\n';
+
+async function newEngine() {
+  const engine = await createEngine({
+    wasmBinary: readFileSync(path.join(folder, 'kztns_engine.wasm')),
+  });
+  return (message) => {
+    const bytes = Buffer.from(JSON.stringify(message));
+    const place = engine._malloc(bytes.length);
+    engine.HEAPU8.set(bytes, place);
+    const answer = engine._kztns_answer(place, bytes.length);
+    engine._free(place);
+    const length = engine._kztns_answer_length();
+    return JSON.parse(Buffer.from(engine.HEAPU8.subarray(answer, answer + length)).toString());
+  };
+}
+
+test('the engine answers the requests of the page', async () => {
+  const ask = await newEngine();
+  ask({ id: 1, method: 'initialize', params: { capabilities: {} } });
+  ask({ method: 'textDocument/didOpen', params: { textDocument: { uri, version: 1, text } } });
+  const [published, answer] = ask({ id: 2, method: 'kztns/check' });
+  assert.deepEqual(
+    published.params.diagnostics.map(({ code }) => code),
+    ['unknown-key'],
+  );
+  assert.deepEqual(answer.result.severities, [1, 0, 0]);
+  const [listed] = ask({ id: 3, method: 'kztns/entries' });
+  assert.deepEqual(listed.result.entries, [
+    { name: 'sales', line: 1, verdict: 'refused', link: '' },
+  ]);
+  const [why] = ask({
+    id: 3,
+    method: 'kztns/why',
+    params: { textDocument: { uri }, identifier: 'Sales' },
+  });
+  assert.equal(why.result.outcome, 'not found');
+  assert.equal(why.result.near.length, 1);
+  const [refused] = ask({ id: 4, method: 'textDocument/nonsense', params: {} });
+  assert.equal(refused.error.code, -32601);
+});
