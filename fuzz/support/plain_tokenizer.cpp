@@ -10,12 +10,7 @@ namespace fuzz {
 namespace {
 
 using model::Kind;
-using model::Step;
-
-sword status_of(Step step) {
-  if (step == Step::good) return 0;
-  return step == Step::wrong ? -1 : 100;
-}
+using model::status_of;
 
 constexpr std::pair<KZCITnsTokenType, Kind> kinds[] = {{TNS_EQUAL_SIGN, Kind::equal},
                                                        {TNS_LEFT_PARENTHESES, Kind::open},

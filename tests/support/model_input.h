@@ -6,18 +6,31 @@
 #include <string>
 #include <string_view>
 
+#include "kzoci/platform/types.h"
+#include "model_log.h"
+
 namespace model {
 
+// In the order of their numbers in the log.
 enum class Kind { equal, open, close, word };
 
 enum class Step { good, wrong, end };
+
+constexpr sword status_of(Step step) {
+  if (step == Step::good) return 0;
+  return step == Step::wrong ? -1 : 100;
+}
+
+// Where the text comes from, by the number in the log.
+enum class Source { file = 1, literal = 2 };
 
 inline constexpr std::size_t slice = 1024;      // the text is passed in parts of this size
 inline constexpr std::size_t word_limit = 256;  // the longest word
 
 class Input {
  public:
-  explicit Input(std::string_view text) : text_(text) {}
+  explicit Input(std::string_view text, Log log = Log(nullptr), Source source = Source::literal)
+      : text_(text), log_(log), source_(source) {}
 
   // Consumes the next token if it is of this kind.
   Step expect(Kind kind);
@@ -58,7 +71,12 @@ class Input {
   bool in_comment() const { return comment_; }
 
  private:
+  Step token(Kind kind);
+  Step key();
+
   std::string_view text_;
+  Log log_;
+  Source source_;
   std::size_t at_ = 0;
   std::size_t taken_over_ = 0;
   bool ended_ = false;

@@ -1,236 +1,66 @@
 #include "model_reader.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
-#include "model_input.h"
-#include "model_numbers.h"
+#include "model_blocks.h"
 #include "model_words.h"
 
 namespace model {
 namespace {
 
-using support::Key;
-using support::Takes;
-
 constexpr std::string_view reserved_name = "KZCISYSTEMVARIABLES";
 constexpr std::string_view literal_beginning = "(DESCRIPTION=";
 
-// Reads the blocks of one service.
+// Reads one service.
 class Reader {
  public:
-  Reader(std::string_view text, std::size_t failing_allocation, Prediction &out)
-      : input_(text), failing_allocation_(failing_allocation), out_(out) {}
+  Reader(std::string_view text, Log log, Source source, Memory &memory, Prediction &out)
+      : text_(text), log_(log), blocks_(text, log, source, memory), memory_(memory), out_(out) {}
 
   void look_up(std::string_view name);
   void read_literal();
 
  private:
-  template <class Handle>
-  bool items(Handle handle);
+  Step expect(Kind kind) { return blocks_.input().expect(kind); }
+  std::string_view word() { return blocks_.input().word(); }
+  bool is_closed() { return blocks_.input().last() == Kind::close; }
 
-  bool allocate() { return ++out_.allocations != failing_allocation_; }
-  bool read_value() { return input_.expect(Kind::word) == Step::good; }
-  bool value(const Key &key, Values &values);
-  bool word(const Key &key, Values &values);
-  bool number(const Key &key, Values &values);
-  bool text(const Key &key, Values &values);
-  void complain(const std::string &about) { out_.complaints.push_back(about); }
-  const Key *key_at(Place place) const { return support::key_in(place, key_); }
-
-  bool address(AddressList &list);
-  bool address_list(Description &description);
-  bool bare_address(Description &description);
-  bool connect_data(Description &description);
-  bool values_of(Place place, Values &values);
-  bool blacklist(Description &description);
-  bool description(Service &service);
-  bool description_item(Description &description);
-  bool variable(Values &variables);
-  bool begin_block(bool reserved);
-  bool block(Service &service, bool reserved);
-
-  Step skip_entry(bool &stop);
-  sword build_entry();
+  bool allocate(std::size_t size);
+  Step is_description();
+  Step description(Service &service);
+  Step setting(Service &service);
+  Step block(Service &service, bool reserved);
+  Step blocks(Service &service, bool &one_complete);
+  sword build_service();
+  sword build_entry(std::string_view name);
+  Step skip_body(bool &stop);
+  Step skip_entry(std::string_view name, bool &stop);
+  Step scan(std::string_view name, bool &built);
+  Step literal_body(Service &service);
+  void build_literal();
+  void log_names_file();
+  void log_not_found(std::string_view name);
   void give(const Service &service, const std::string &block);
+  sword lose(const Service &service, Step step);
 
-  Input input_;
-  std::size_t failing_allocation_;
+  std::string_view text_;
+  Log log_;
+  BlockReader blocks_;
+  Memory &memory_;
   Prediction &out_;
-  std::string_view key_ = no_key;
 };
 
-// The first word that the value is a leading part of.
-bool Reader::word(const Key &key, Values &values) {
-  const bool read = read_value();
-  const std::string_view value = input_.word();
-  for (const support::Word &word : key.words) {
-    if (!stands_for(value, word.text)) continue;
-    values.number(key) = word.value;
-    return read;
-  }
-  complain(std::string(key.complaint) + printed(value));
+bool Reader::allocate(std::size_t size) {
+  if (memory_.allocate()) return true;
+  log_.error("malloc tns_service error, malloc size:", size);
   return false;
 }
 
-bool Reader::number(const Key &key, Values &values) {
-  const bool read = read_value();
-  const Number number = number_of(input_.word());
-  values.number(key) = key.kept(number.value);
-  if (!number.accepted) complain("fail to covert to int, src value:" + printed(input_.word()));
-  return read && number.accepted;
-}
-
-// A text beyond the limit is dropped; only a text that is not there is a fault, and a
-// field that holds none of the words, if there are only some.
-bool Reader::text(const Key &key, Values &values) {
-  std::string &field = values.text(key);
-  const bool read = read_value();
-  if (read && input_.word().size() <= key.limit)
-    field = input_.word();
-  else
-    complain("fail to parse string value");
-  if (key.place == Place::system_variables) field = copied_as_string(field);
-  const auto is_field = [&field](const support::Word &word) {
-    return field.size() == word.text.size() && stands_for(field, word.text);
-  };
-  return read && (key.words.empty() || std::any_of(key.words.begin(), key.words.end(), is_field));
-}
-
-bool Reader::value(const Key &key, Values &values) {
-  switch (key.takes) {
-    case Takes::word:
-      return word(key, values);
-    case Takes::integer:
-      return number(key, values);
-    case Takes::text:
-      return text(key, values);
-    default:
-      return false;
-  }
-}
-
-// block := item { item }, item := "(" KEY "=" value ")". A block is good when
-// ")" was the last token, whatever stopped it. The handler gets the value.
-template <class Handle>
-bool Reader::items(Handle handle) {
-  while (input_.expect(Kind::open) == Step::good && input_.expect(Kind::word) == Step::good) {
-    key_ = key_of(input_.word());
-    if (key_ == no_key || input_.expect(Kind::equal) != Step::good) break;
-    if (!handle() || input_.expect(Kind::close) != Step::good) break;
-  }
-  return input_.last() == Kind::close;
-}
-
-// A block of nothing but values.
-bool Reader::values_of(Place place, Values &values) {
-  return items([&] {
-    const Key *const key = key_at(place);
-    return key != nullptr && value(*key, values);
-  });
-}
-
-bool Reader::address(AddressList &list) {
-  if (!allocate()) return false;
-  Values address(Place::address);
-  const bool good = values_of(Place::address, address);
-  if (good) list.addresses.push_back(std::move(address));
-  return good;
-}
-
-bool Reader::address_list(Description &description) {
-  if (!allocate()) return false;
-  AddressList list;
-  const bool good = items([&] {
-    const Key *const key = key_at(Place::address_list);
-    if (key == nullptr) return false;
-    return key->takes == Takes::block ? address(list) : value(*key, list.values);
-  });
-  if (good)
-    description.lists.push_back(std::move(list));
-  else
-    append_blocks_below(list, out_.lost);
-  return good;
-}
-
-// An address outside any list gets a list of its own, if it is the first.
-bool Reader::bare_address(Description &description) {
-  AddressList list;
-  if (!description.lists.empty() || !allocate() || !address(list)) return false;
-  description.lists.push_back(std::move(list));
-  return true;
-}
-
-bool Reader::connect_data(Description &description) {
-  if (!allocate()) return false;
-  Values data(Place::connect_data);
-  if (!values_of(Place::connect_data, data) || description.data) return false;
-  description.data = std::move(data);
-  return true;
-}
-
-bool Reader::blacklist(Description &description) {
-  return items([&] {
-    const Key *const key = key_at(Place::blacklist);
-    if (key == nullptr) return false;
-    return values_of(
-        key->opens, key->opens == Place::remove_strategy ? description.remove : description.append);
-  });
-}
-
-bool Reader::description_item(Description &description) {
-  const Key *const key = key_at(Place::description);
-  if (key == nullptr) return false;
-  if (key->takes != Takes::block) return value(*key, description.values);
-  switch (key->opens) {
-    case Place::address_list:
-      return address_list(description);
-    case Place::address:
-      return bare_address(description);
-    case Place::connect_data:
-      return connect_data(description);
-    default:
-      return blacklist(description);
-  }
-}
-
-bool Reader::description(Service &service) {
-  if (!allocate()) return false;
-  Description description;
-  const bool good = items([&] { return description_item(description); });
-  if (good)
-    service.descriptions.push_back(std::move(description));
-  else
-    append_blocks_below(description, out_.lost);
-  return good;
-}
-
-// Reads the value of one system variable, or passes over that of another key.
-bool Reader::variable(Values &variables) {
-  const Key *const key = key_at(Place::system_variables);
-  if (key != nullptr) return value(*key, variables);
-  read_value();
-  return true;
-}
-
-// "(" KEY "=". In the reserved entry an unknown or missing key is no fault: an
-// unknown one counts as no key, after a missing one the last key holds on.
-bool Reader::begin_block(bool reserved) {
-  if (input_.expect(Kind::open) != Step::good) return false;
-  const bool read = input_.expect(Kind::word) == Step::good;
-  if (read) key_ = key_of(input_.word());
-  if (!reserved && (!read || key_ == no_key)) return false;
-  return input_.expect(Kind::equal) == Step::good;
-}
-
-bool Reader::block(Service &service, bool reserved) {
-  if (!begin_block(reserved)) return false;
-  const bool good =
-      reserved ? variable(service.variables) : key_ == "DESCRIPTION" && description(service);
-  return good && input_.expect(Kind::close) == Step::good;
-}
-
 void Reader::give(const Service &service, const std::string &block) {
+  log_.debug("success to build tns_service, description count:", service.descriptions.size());
+  log_.debug("succ to call KZCITnsServiceBuild, service number:1");
   out_.status = 0;
   out_.find = 1;
   out_.tree = text_of(service);
@@ -238,34 +68,103 @@ void Reader::give(const Service &service, const std::string &block) {
   append_blocks_below(service, out_.live);
 }
 
-// The blocks of an entry, its name being the word at hand.
-sword Reader::build_entry() {
-  if (!allocate()) return -1;
-  Service service;
-  const std::string allocated =
-      block_of(sizeof(KZCITnsService) + input_.word().size(), "KZCITnsServiceBuild");
-  service.name = copied_as_string(input_.word());
-  const bool reserved = stands_for(input_.word(), reserved_name);
-  bool complete = false;
-  while (block(service, reserved)) complete = true;
-  if (complete && input_.last() == Kind::close) {
-    give(service, allocated);
-    return 0;
-  }
-  append_blocks_below(service, out_.lost);
+sword Reader::lose(const Service &service, Step step) {
+  log_.error("something error in build tns service, status:", status_of(step));
+  append_blocks_below(service, memory_.lost);
   return -1;
 }
 
-// Passes over an entry; the reserved one, or one named by a leading part of its
-// name, stops the lookup.
-Step Reader::skip_entry(bool &stop) {
+Step Reader::is_description() {
+  log_.debug("bulid_tns_service get key_type ", blocks_.type());
+  if (blocks_.key() == "DESCRIPTION") return Step::good;
+  log_.error("expect LB_DESCRIPTION:1 but get ", blocks_.type());
+  return Step::wrong;
+}
+
+Step Reader::description(Service &service) {
+  const Step step = blocks_.description(service);
+  if (step != Step::good) log_.error("fail to build description, status:", status_of(step));
+  return step;
+}
+
+// In the reserved entry an unknown or missing key is no fault.
+Step Reader::setting(Service &service) {
+  blocks_.key_word();
+  Step step = expect(Kind::equal);
+  if (step != Step::good) return step;
+  step = blocks_.variable(service.variables);
+  if (step != Step::good)
+    log_.error("fail to call KZCISystemVariablesBuild, status:", status_of(step));
+  return step;
+}
+
+// "(" KEY "=" value ")"
+Step Reader::block(Service &service, bool reserved) {
+  Step step = expect(Kind::open);
+  if (step != Step::good) return step;
+  if (reserved) {
+    step = setting(service);
+  } else {
+    step = blocks_.key_word();
+    if (step == Step::good) step = expect(Kind::equal);
+    if (step == Step::good) step = is_description();
+    if (step == Step::good) step = description(service);
+  }
+  return step == Step::good ? expect(Kind::close) : step;
+}
+
+// Blocks up to the first that is not good; whether there is a good one.
+Step Reader::blocks(Service &service, bool &one_complete) {
+  const bool reserved = stands_for(word(), reserved_name);
+  if (reserved) log_.debug("parse system variables");
+  Step step = block(service, reserved);
+  while (step == Step::good) {
+    one_complete = true;
+    step = block(service, reserved);
+  }
+  return step;
+}
+
+// The blocks of an entry, its name being the word at hand.
+sword Reader::build_service() {
+  log_.debug("call KZCITnsServiceBuild with params [tns:PTR], [parse_params:PTR]");
+  const std::size_t size = sizeof(KZCITnsService) + word().size();
+  if (!allocate(size)) return -1;
+  Service service;
+  service.name = copied_as_string(word());
+  bool one_complete = false;
+  const Step step = blocks(service, one_complete);
+  if (!one_complete || !is_closed()) return lose(service, step);
+  give(service, block_of(size, "KZCITnsServiceBuild"));
+  return 0;
+}
+
+sword Reader::build_entry(std::string_view name) {
+  log_.debug("find tns service, dbname:", printed(name));
+  const sword status = build_service();
+  if (status != 0) log_.error("fail to call KZCITnsServiceBuild, status:", status);
+  return status;
+}
+
+// The reserved entry, or one named by a leading part of its name, stops the lookup.
+Step Reader::skip_body(bool &stop) {
   const std::string compared = std::string(reserved_name) + '\0';
-  const std::string_view name = input_.word().substr(0, compared.size());
+  const std::string_view name = word().substr(0, compared.size());
   stop = compared.compare(0, name.size(), name) == 0;
   if (stop) return Step::good;
-  const Step opened = input_.expect(Kind::open);
+  const Step opened = expect(Kind::open);
   if (opened != Step::good) return opened;
-  return input_.skip_block() ? Step::good : Step::end;
+  return blocks_.input().skip_block() ? Step::good : Step::end;
+}
+
+// The log has as much of the words held as the name sought is long.
+Step Reader::skip_entry(std::string_view name, bool &stop) {
+  const std::string_view held = blocks_.input().held();
+  log_.debug("dbname is not equal to tns_service, dbname:", printed(name),
+             ", key:", printed(held.substr(0, name.size())));
+  const Step step = skip_body(stop);
+  if (step != Step::good) log_.error("fail to call KZCITnsServiceSkip, status:", status_of(step));
+  return step;
 }
 
 // The same length and the same characters, up to a zero byte.
@@ -273,41 +172,68 @@ bool same_name(std::string_view sought, std::string_view name) {
   return sought.size() == name.size() && printed(sought) == printed(name);
 }
 
-void Reader::look_up(std::string_view name) {
-  Step step = Step::good;
-  bool stop = false;
-  while (step == Step::good && !stop) {
-    step = input_.expect(Kind::word);
-    if (step == Step::good) step = input_.expect(Kind::equal);
-    if (step != Step::good) break;
-    if (same_name(name, input_.word())) {
-      out_.status = build_entry();
-      return;
-    }
-    step = skip_entry(stop);
+Step Reader::scan(std::string_view name, bool &built) {
+  for (bool stop = false; !stop && !built;) {
+    Step step = expect(Kind::word);
+    if (step == Step::good) step = expect(Kind::equal);
+    if (step != Step::good) return step;
+    built = same_name(name, word());
+    if (built)
+      out_.status = build_entry(name);
+    else
+      step = skip_entry(name, stop);
+    if (step != Step::good) return step;
   }
+  return Step::good;
+}
+
+void Reader::log_names_file() {
+  const char *const file = std::getenv("KZCI_TNS_FILE");
+  log_.debug("get KZCI_TNS_FILE:", file == nullptr ? "" : file);
+  log_.debug("get configure file:", file == nullptr ? "" : file);
+}
+
+void Reader::log_not_found(std::string_view name) {
+  log_.debug("fail to find tns service, dbname:", printed(name));
+}
+
+void Reader::look_up(std::string_view name) {
+  log_names_file();
+  bool built = false;
+  const Step step = scan(name, built);
+  if (built) return;
+  if (step == Step::end) log_not_found(name);
   out_.status = step == Step::wrong ? -1 : 0;
 }
 
-// "(" DESCRIPTION "=" body ")" and only blanks and comments after it.
-void Reader::read_literal() {
-  Step step = input_.expect(Kind::open);
-  if (step == Step::good) step = input_.expect(Kind::word);
-  if (step == Step::good) key_ = key_of(input_.word());
-  if (step == Step::good && key_ == no_key) step = Step::wrong;
-  if (step == Step::good) step = input_.expect(Kind::equal);
-  out_.status = step == Step::end ? 0 : -1;
-  if (step != Step::good || key_ != "DESCRIPTION" || !allocate()) return;
+// The body, its ")" and only blanks and comments after it.
+Step Reader::literal_body(Service &service) {
+  Step step = description(service);
+  if (step == Step::good) step = expect(Kind::close);
+  if (step != Step::good) return step;
+  return blocks_.input().skip_space() == Step::end ? Step::good : Step::wrong;
+}
 
+void Reader::build_literal() {
   Service service;
-  service.name = input_.word();
-  const std::string allocated =
-      block_of(sizeof(KZCITnsService) + service.name.size(), "KZCITnsBuildDes");
-  if (description(service) && input_.expect(Kind::close) == Step::good &&
-      input_.skip_space() == Step::end)
-    give(service, allocated);
+  service.name = word();
+  const std::size_t size = sizeof(KZCITnsService) + service.name.size();
+  const Step step = allocate(size) ? literal_body(service) : Step::wrong;
+  if (step == Step::good)
+    give(service, block_of(size, "KZCITnsBuildDes"));
   else
-    append_blocks_below(service, out_.lost);
+    lose(service, step);
+}
+
+// "(" DESCRIPTION "=" body
+void Reader::read_literal() {
+  log_.debug("call KZCITnsBuildDes with params [tns:PTR, ", printed(text_), "]");
+  Step step = expect(Kind::open);
+  if (step == Step::good) step = blocks_.key_word();
+  if (step == Step::good) step = expect(Kind::equal);
+  out_.status = step == Step::end ? 0 : -1;
+  if (step == Step::end) log_not_found(text_);
+  if (step == Step::good && is_description() == Step::good) build_literal();
 }
 
 // The first characters other than blanks decide.
@@ -320,8 +246,10 @@ bool is_literal(std::string_view identifier) {
 }
 
 // What is lost is allocated still.
-Prediction with_blocks_sorted(Prediction prediction) {
+Prediction with_blocks(Prediction prediction, Memory memory) {
+  prediction.allocations = memory.allocations;
   Blocks &live = prediction.live, &lost = prediction.lost;
+  lost = std::move(memory.lost);
   live.insert(live.end(), lost.begin(), lost.end());
   std::sort(live.begin(), live.end());
   std::sort(lost.begin(), lost.end());
@@ -330,17 +258,24 @@ Prediction with_blocks_sorted(Prediction prediction) {
 
 }  // namespace
 
-Prediction predict_literal(std::string_view text, const Fault &fault) {
+Prediction predict_literal(std::string_view text, const Fault &fault, Lines *log) {
   Prediction prediction;
-  Reader(text.substr(0, fault.input_end), fault.allocation, prediction).read_literal();
-  return with_blocks_sorted(std::move(prediction));
+  Memory memory = {.failing = fault.allocation};
+  Reader(text.substr(0, fault.input_end), Log(log), Source::literal, memory, prediction)
+      .read_literal();
+  return with_blocks(std::move(prediction), std::move(memory));
 }
 
-Prediction predict(std::string_view identifier, std::string_view names_file, const Fault &fault) {
-  if (is_literal(identifier)) return predict_literal(identifier, {.allocation = fault.allocation});
+Prediction predict(std::string_view identifier, std::string_view names_file, const Fault &fault,
+                   Lines *log) {
+  Log(log).debug("call KZCITnsBuild with params [tns:PTR]");
+  if (is_literal(identifier))
+    return predict_literal(identifier, {.allocation = fault.allocation}, log);
   Prediction prediction;
-  Reader(names_file.substr(0, fault.input_end), fault.allocation, prediction).look_up(identifier);
-  return with_blocks_sorted(std::move(prediction));
+  Memory memory = {.failing = fault.allocation};
+  Reader(names_file.substr(0, fault.input_end), Log(log), Source::file, memory, prediction)
+      .look_up(identifier);
+  return with_blocks(std::move(prediction), std::move(memory));
 }
 
 }  // namespace model

@@ -26,13 +26,13 @@ std::string_view key_of(std::string_view text) {
 }
 
 std::string copied_as_string(std::string_view text) {
-  std::string copy = printed(text);
+  std::string copy(printed(text));
   copy.resize(text.size(), '\0');
   return copy;
 }
 
-std::string printed(std::string_view text) {
-  return std::string(text.substr(0, std::min(text.find('\0'), text.size())));
+std::string_view printed(std::string_view text) {
+  return text.substr(0, std::min(text.find('\0'), text.size()));
 }
 
 }  // namespace model

@@ -19,6 +19,6 @@ std::string_view key_of(std::string_view text);
 std::string copied_as_string(std::string_view text);
 
 // The text up to its first zero byte.
-std::string printed(std::string_view text);
+std::string_view printed(std::string_view text);
 
 }  // namespace model

@@ -57,22 +57,6 @@ std::string format_text(const char *format, va_list arguments) {
 
 bool is_hex(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
 
-std::string without_pointers(const std::string &text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size();) {
-    if (text.compare(i, 2, "0x") == 0) {
-      out += "PTR";
-      for (i += 2; i < text.size() && is_hex(text[i]);) ++i;
-    } else if (text.compare(i, 5, "(nil)") == 0) {
-      out += "NULL";
-      i += 5;
-    } else {
-      out += text[i++];
-    }
-  }
-  return out;
-}
-
 std::string with_level(const Event &event) {
   return std::string(level_name(event.level)) + " " + event.text;
 }
@@ -97,6 +81,24 @@ void note_memory(std::string text) {
 }
 
 }  // namespace
+
+std::string without_pointers(const std::string &text) {
+  constexpr auto nowhere = std::string::npos;
+  if (text.find("0x") == nowhere && text.find("(nil)") == nowhere) return text;  // most
+  std::string out;
+  for (std::size_t i = 0; i < text.size();) {
+    if (text.compare(i, 2, "0x") == 0) {
+      out += "PTR";
+      for (i += 2; i < text.size() && is_hex(text[i]);) ++i;
+    } else if (text.compare(i, 5, "(nil)") == 0) {
+      out += "NULL";
+      i += 5;
+    } else {
+      out += text[i++];
+    }
+  }
+  return out;
+}
 
 const char *level_name(log_level level) {
   switch (level) {

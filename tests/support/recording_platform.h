@@ -32,6 +32,9 @@ std::vector<std::string> log_records();
 // The same with every pointer replaced by "PTR".
 std::vector<std::string> log_without_pointers();
 
+// A text with every pointer replaced in the same way.
+std::string without_pointers(const std::string &text);
+
 // Log records of one level, without the level, pointers replaced by "PTR".
 std::vector<std::string> log_of(log_level level);
 
