@@ -49,18 +49,25 @@ export class EntryList {
     this.list.ariaBusy = 'true';
   }
 
-  // Keeps the entry of the selected name selected, if there is one.
+  // Another file was opened, of which no entry is known yet.
+  clear(): void {
+    this.entries = [];
+    this.selected = null;
+    this.applyFilter();
+    this.empty.textContent = 'Checking…';
+    this.onSelect(null);
+  }
+
+  // Keeps the selected entry selected, of several ones of its name the same one, if it is there.
   show(entries: Entry[]): void {
-    const before = this.selected === null ? undefined : this.entries[this.selected];
-    const stays = entries[this.selected ?? 0]?.name === before?.name;
+    const { selected } = this;
+    const before = selected === null ? undefined : this.entries[selected];
+    const earlier = this.entries.slice(0, selected ?? 0);
+    const nth = earlier.filter(({ name }) => name === before?.name).length;
+    const same = entries.flatMap(({ name }, index) => (name === before?.name ? [index] : []));
     this.list.ariaBusy = 'false';
     this.entries = entries;
-    if (before !== undefined && !stays) {
-      const found = entries.findIndex(({ name }) => name === before.name);
-      this.selected = found < 0 ? null : found;
-    }
-    if (this.selected === null || this.selected >= entries.length)
-      this.selected = entries.length > 0 ? 0 : null;
+    this.selected = same[Math.min(nth, same.length - 1)] ?? (entries.length > 0 ? 0 : null);
     this.applyFilter();
     this.onSelect(this.selected);
   }

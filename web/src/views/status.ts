@@ -19,7 +19,7 @@ export function showStatus({ verdicts, severities, complete }: Checked): void {
         {},
         `${counted(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`,
       ),
-      complete ? null : element('span', {}, 'looking further…'),
+      complete ? null : element('span', {}, 'still checking…'),
     ].filter((child): child is HTMLSpanElement => child !== null),
   );
   const count = (id: string, number: number) =>
