@@ -82,10 +82,10 @@ test('the answer is to what was asked, also while one types something else', asy
   await face.tab.keyboard.press('Enter');
   await waitForText(face.tab, '.answer', 'found at 2:1');
   await face.tab.type('#identifier', 'x');
-  await face.tab.$eval('.answer h2', (head) => (head.dataset.seen = 'yes'));
+  await face.tab.$eval('.answer h2', (head) => (head.seen = 'yes'));
   await replaceText(face, `${entry('sales')}${entry('orders')}# more\n`);
   await new Promise((resolve) => setTimeout(resolve, 200));
-  assert.equal(await face.tab.$eval('.answer h2', (head) => head.dataset.seen), 'yes');
+  assert.equal(await face.tab.$eval('.answer h2', (head) => head.seen), 'yes');
   await replaceText(face, entry('orders'));
   await waitForText(face.tab, '.answer', 'found at 1:1');
   assert.match(await textOf(face.tab, '.answer h2'), /^orders/);
