@@ -47,8 +47,8 @@ std::string lines_of(const KZCIAddress &address) {
 void check_output(const HeapText &out, sb4 length, const char *text, ub4 text_length,
                   const char *name) {
   const std::string_view whole(text, text_length);
-  check(length == (text_length == 0 ? untouched_length : static_cast<sb4>(text_length)), "length %d of %s",
-        length, name);
+  check(length == (text_length == 0 ? untouched_length : static_cast<sb4>(text_length)),
+        "length %d of %s", length, name);
   const std::string expected = copied_as_string(whole) + std::string(out.size() - text_length, '?');
   check(out.view() == expected, "%s is not what the record holds", name);
 }
