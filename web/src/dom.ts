@@ -48,6 +48,6 @@ export function byId<Type extends HTMLElement = HTMLElement>(id: string): Type {
 }
 
 // "1 entry", "2 entries"
-export function counted(count: number, one: string, many: string): string {
+export function pluralised(count: number, one: string, many: string): string {
   return `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 }

@@ -4,7 +4,7 @@ import licences from 'licences';
 
 import { Text } from '@codemirror/state';
 
-import { byId, counted, element } from './dom';
+import { byId, pluralised, element } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf, positionOfPlace } from './editor/positions';
@@ -133,7 +133,7 @@ function wordsOfKept(kept: Formatted['kept']): string {
     const told = all.slice(0, mostLinesTold).map((line) => line.toLocaleString('en'));
     return `${reason} (line ${told.join(', ')}${more > 0 ? ` and ${more} more` : ''})`;
   });
-  const count = counted(kept.length, 'entry keeps its layout', 'entries keep their layout');
+  const count = pluralised(kept.length, 'entry keeps its layout', 'entries keep their layout');
   return `${count}: ${reasons.join('; ')}.`;
 }
 

@@ -107,7 +107,7 @@ export class EntryDetail {
       { type: 'button', 'aria-label': 'Copy the link string' },
       'Copy',
     );
-    const told = element('span', { class: 'unseen', role: 'status' });
+    const told = element('span', { class: 'visually-hidden', role: 'status' });
     const tell = (words: string) => {
       copy.textContent = told.textContent = words;
       setTimeout(() => {

@@ -3,7 +3,7 @@ import { MergeView, unifiedMergeView } from '@codemirror/merge';
 import { ChangeSet, EditorState, type Extension, Text } from '@codemirror/state';
 import { EditorView, highlightSpecialChars, lineNumbers } from '@codemirror/view';
 
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import { tnsnames } from '../editor/language';
 import { changesOf } from '../editor/positions';
 import { theme } from '../editor/theme';
@@ -58,13 +58,13 @@ export function offerFixes(
   errorsLeft: number,
   apply: () => void,
 ): void {
-  const rest = errorsLeft === 0 ? '' : ` ${counted(errorsLeft, 'error is', 'errors are')} left.`;
+  const rest = errorsLeft === 0 ? '' : ` ${pluralised(errorsLeft, 'error is', 'errors are')} left.`;
   const changes = ChangeSet.of(changesOf(before, edits), before.length, '\n');
   const two = window.innerWidth >= roomForTwo;
   const parent = element('div', { class: 'difference' });
   const dialog = showDialog(
     'Fix all',
-    `${counted(edits.length, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
+    `${pluralised(edits.length, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
     [
       ...(two
         ? [

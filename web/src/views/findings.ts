@@ -1,5 +1,5 @@
 // The findings as a list.
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import { labelOf } from '../editor/findings';
 import type { Checked, Fix, Position } from '../engine/protocol';
 
@@ -47,7 +47,7 @@ export class FindingList {
             element(
               'p',
               { class: 'empty' },
-              `and ${counted(left, 'more finding', 'more findings')}`,
+              `and ${pluralised(left, 'more finding', 'more findings')}`,
             ),
           ]
         : []),
@@ -68,7 +68,7 @@ export class FindingList {
         element(
           'p',
           { class: 'words' },
-          element('span', { class: 'unseen' }, `${kind}: `),
+          element('span', { class: 'visually-hidden' }, `${kind}: `),
           message,
         ),
         element(

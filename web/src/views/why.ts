@@ -1,5 +1,5 @@
 // One lookup, step by step, as kztns why tells it.
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import type { Position, Remark, Why } from '../engine/protocol';
 
 type Place = { line: number; column: number };
@@ -84,7 +84,7 @@ export class WhyView {
     const steps: HTMLElement[] = [];
     const add = (mark: string, ...words: (Node | string)[]) =>
       steps.push(element('li', { class: mark }, ...words));
-    if (!why.literal) add('', `${counted(why.skipped, 'entry', 'entries')} passed over`);
+    if (!why.literal) add('', `${pluralised(why.skipped, 'entry', 'entries')} passed over`);
     if (why.entry) add(why.fault ? '' : 'good', 'found at ', this.place(why.entry));
     if (why.fault) add('bad', ...this.remark(why, why.fault));
     else if (!why.entry && !why.literal)
