@@ -2,7 +2,7 @@
  * time_t of 64 bits; emscripten's C library has one of 32. A record of the C library with times
  * in it has another layout here: of struct stat the members before st_atim are where the library
  * writes them, st_mode and st_size among them; the times and st_ino are not, and a struct
- * timespec must not be handed over. What a page runs reads st_mode and st_size alone. */
+ * timespec must not be handed over. */
 #define __DEFINED_time_t
 #ifdef __cplusplus
 extern "C" {
