@@ -112,12 +112,36 @@ TEST_F(PageAnswers, AnEntryHasItsTreeAndTheKeysOfItsFields) {
   const Json &service = sales["tree"]["services"][0];
   EXPECT_EQ(service["net_service_name"]["value"], "sales");
   EXPECT_EQ(service["descriptions"][0]["address_lists"][0]["addresses"][0]["host"]["value"], "h");
-  EXPECT_EQ(sales["words"]["connect_timeout"], "KZLB_CONNECT_TIMEOUT");
-  EXPECT_EQ(sales["words"]["remove_timeout"], "REMOVE_STRATEGY TIMEOUT");
+  EXPECT_EQ(sales["keys"]["connect_timeout"], "KZLB_CONNECT_TIMEOUT");
+  EXPECT_EQ(sales["keys"]["remove_timeout"], "REMOVE_STRATEGY TIMEOUT");
   EXPECT_TRUE(result("kztns/entry", {{"index", 1}}).is_null());
   EXPECT_TRUE(result("kztns/entry", {{"index", 2}}).is_null());
   EXPECT_TRUE(result("kztns/entry", {{"index", -1}}).is_null());
   EXPECT_TRUE(result("kztns/entry", {{"index", "0"}}).is_null());
+}
+
+TEST_F(PageAnswers, ANumberHasItsDigits) {
+  // Of these, JavaScript's numbers hold the first alone as they are.
+  for (const char *const weight : {"9007199254740991", "9007199254740993", "9223372036854775807"}) {
+    open("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(WEIGHT = " + std::string(weight) +
+         "))(CONNECT_DATA = (SID = s)))\n");
+    result("kztns/check");
+    const Json tree = result("kztns/entry", {{"index", 0}})["tree"];
+    const Json &list = tree["services"][0]["descriptions"][0]["address_lists"][0];
+    EXPECT_EQ(list["addresses"][0]["weight"]["digits"], weight);
+  }
+}
+
+TEST_F(PageAnswers, FormatTellsWhatItKeeps) {
+  open("good=(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n" +
+       entry("bad", "(SERVER=X)"));
+  const Json params = {{"textDocument", {{"uri", uri}}}};
+  const Json formatted = result("kztns/format", params);
+  EXPECT_FALSE(formatted["edits"].empty());
+  EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":2,"reason":"the library refuses it"}])"));
+  open(entry("bad", "(SERVER=X)"));
+  EXPECT_EQ(result("kztns/format", params)["edits"], Json::array());
+  EXPECT_TRUE(result("kztns/format").is_null());
 }
 
 TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {

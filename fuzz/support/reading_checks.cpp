@@ -16,7 +16,7 @@ constexpr std::size_t session_variable_size = 257;
 constexpr std::size_t dblink_size = 256;
 
 // Stands in every output before the call.
-constexpr sb4 unread = -7;
+constexpr sb4 untouched_length = -7;
 constexpr char untouched_byte = '?';
 
 HeapText output(std::size_t size) { return HeapText(std::string(size, untouched_byte)); }
@@ -47,8 +47,8 @@ std::string lines_of(const KZCIAddress &address) {
 void check_output(const HeapText &out, sb4 length, const char *text, ub4 text_length,
                   const char *name) {
   const std::string_view whole(text, text_length);
-  check(length == (text_length == 0 ? unread : static_cast<sb4>(text_length)), "length %d of %s",
-        length, name);
+  check(length == (text_length == 0 ? untouched_length : static_cast<sb4>(text_length)),
+        "length %d of %s", length, name);
   const std::string expected = copied_as_string(whole) + std::string(out.size() - text_length, '?');
   check(out.view() == expected, "%s is not what the record holds", name);
 }
@@ -56,9 +56,9 @@ void check_output(const HeapText &out, sb4 length, const char *text, ub4 text_le
 void check_session_data(KZCITnsService &service, const KZCIConnectData *data) {
   const HeapText extra = output(extra_info_size);
   const HeapText session = output(session_variable_size);
-  sb4 extra_len = unread;
-  sb4 mode = unread;
-  sb4 session_len = unread;
+  sb4 extra_len = untouched_length;
+  sb4 mode = untouched_length;
+  sb4 session_len = untouched_length;
   const sword status = KZCITnsServiceExtraInfoGet(&service, extra.data(), &extra_len, &mode,
                                                   session.data(), &session_len);
   check(status == (data == nullptr ? -1 : 0), "the session's data: status %d", status);
@@ -68,7 +68,7 @@ void check_session_data(KZCITnsService &service, const KZCIConnectData *data) {
   check_output(session, session_len, data->session_variable, data->session_variable_len,
                "the session variable");
   const sb4 expected_mode =
-      data->user_extra_info_len == 0 ? unread : static_cast<sb4>(data->kz_mode);
+      data->user_extra_info_len == 0 ? untouched_length : static_cast<sb4>(data->kz_mode);
   check(mode == expected_mode, "mode %d", mode);
 }
 
@@ -81,7 +81,7 @@ std::string link_of(const KZCIAddress &address, const KZCIConnectData &data) {
 
 void check_link(KZCITnsService &service, const KZCIAddress *address, const KZCIConnectData *data) {
   const HeapText link = output(dblink_size);
-  sb4 link_len = unread;
+  sb4 link_len = untouched_length;
   const sword status = KZCITnsServiceDblinkGet(&service, link.data(), &link_len);
   const bool complete = address != nullptr && data != nullptr;
   check(status == (complete ? 0 : -1), "the link string: status %d", status);

@@ -12,7 +12,7 @@ namespace {
 using namespace std::string_view_literals;
 
 constexpr std::size_t buffer_size = 1024;
-constexpr std::size_t key_limit = 256;
+constexpr std::size_t longest_key_length = 256;
 
 constexpr std::string_view no_key_words[] = {
     "HOSTS", "DESCRIPTIO", "KZLB_CONNECT_TIMEOUTS", "", "ID", "HOS\0"sv,
@@ -89,7 +89,7 @@ Token random_token(Random &random) {
 }
 
 std::string long_word(Random &random) {
-  return std::string(random.between(key_limit - 3, key_limit + 60), 'x');
+  return std::string(random.between(longest_key_length - 3, longest_key_length + 60), 'x');
 }
 
 bool has_text(const Token &token) {
@@ -148,8 +148,8 @@ void change_block(Random &random, Tokens &tokens, std::size_t at) {
 // Grows a word to about the longest key, which ends about where a buffer ends.
 void insert_long_word(Random &random, std::string &text) {
   const std::size_t at = random.below(text.size() + 1);
-  text.insert(at, random.between(key_limit - 3, key_limit + 1), 'y');
-  put_after_refill(text, at + key_limit + random.between(0, 14));
+  text.insert(at, random.between(longest_key_length - 3, longest_key_length + 1), 'y');
+  put_after_refill(text, at + longest_key_length + random.between(0, 14));
 }
 
 constexpr std::string_view characters = "()=\"# \n\t\r\0aK0-9\xFF"sv;

@@ -1,6 +1,6 @@
 // Makes the page: one file with all that it needs inside.
 //
-//   node build/build.js ENGINE_FOLDER OUTPUT
+//   KZTNS_PROJECT=FOLDER node build/build.js ENGINE_FOLDER OUTPUT
 //
 // The folder has what emscripten makes: kztns_engine.js and kztns_engine.wasm.
 import { createHash } from 'node:crypto';
@@ -62,14 +62,17 @@ const page = await bundle(source('main.ts'), {
         loader: 'binary',
       },
       'worker-source': { contents: worker.text, loader: 'text' },
-      licences: { contents: await licences(web), loader: 'text' },
+      licences: { contents: await licences(web, process.env.KZTNS_PROJECT), loader: 'text' },
     }),
   ],
 });
 const style = await bundle(source('style.css'), { loader: { '.css': 'css' } });
 
 // In a page, the end of a script is where its end tag is, also in a text.
-const script = page.text.trim().replaceAll('</script', '<\\/script').replaceAll('<!--', '<\\!--');
+const script = page.text
+  .trim()
+  .replace(/<\/(script)/gi, '<\\/$1')
+  .replaceAll('<!--', '<\\!--');
 const hash = createHash('sha256').update(script).digest('base64');
 // The worker comes from a blob, the engine is compiled from bytes; nothing else is loaded or sent.
 const policy = [

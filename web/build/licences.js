@@ -21,7 +21,7 @@ async function bundledPackages(modules, names, found = new Set()) {
   return found;
 }
 
-export async function licences(web) {
+async function ofPackages(web) {
   const modules = path.join(web, 'node_modules');
   const { dependencies } = JSON.parse(await readFile(path.join(web, 'package.json'), 'utf8'));
   const byText = new Map();
@@ -29,12 +29,68 @@ export async function licences(web) {
     const text = await licenceOf(path.join(modules, name));
     byText.set(text, [...(byText.get(text) ?? []), name]);
   }
-  const own =
-    'kztns: the kzoci authors, Apache License 2.0 (https://www.apache.org/licenses/LICENSE-2.0)';
-  const others = [...byText].map(([text, names]) => `${names.join(', ')}\n\n${text}`);
-  const compiled = [
-    'JSON for Modern C++ (nlohmann-json): Copyright (c) 2013-2022 Niels Lohmann, MIT License',
-    'emscripten: Copyright (c) 2010-2014 Emscripten authors, MIT License; musl: Copyright © 2005-2020 Rich Felker, et al., MIT License; libc++: LLVM project, Apache License 2.0 with LLVM exceptions',
+  return [...byText].map(([text, names]) => `${names.join(', ')}\n\n${text}`);
+}
+
+const debianCopyright = (name) => `/usr/share/doc/${name}/copyright`;
+
+// The paragraphs of a copyright file of Debian; each names its files, or is a licence's text.
+async function paragraphsOf(file) {
+  const text = await readFile(file, 'utf8');
+  return text.split(/\n\s*\n/);
+}
+
+// A licence's text, without Debian's marks for lines.
+async function licenceIn(file, name) {
+  const found = (await paragraphsOf(file)).find((one) => one.startsWith(`License: ${name}\n `));
+  if (found === undefined) throw new Error(`${file} has no text of ${name}`);
+  return found
+    .split('\n')
+    .slice(1)
+    .map((line) => line.replace(/^ \.?/, ''))
+    .join('\n');
+}
+
+// The copyright of files, by the beginning of their paragraph.
+async function copyrightIn(file, files) {
+  const of = (await paragraphsOf(file)).find((one) => files.test(one));
+  const found = of?.match(/^Copyright:((?:.|\n )*)/m)?.[1];
+  if (!found) throw new Error(`${file} has no copyright of ${files}`);
+  return found
+    .trim()
+    .split('\n')
+    .map((line) => `Copyright (c) ${line.trim()}`)
+    .join('\n');
+}
+
+async function ofJson() {
+  const file = debianCopyright('nlohmann-json3-dev');
+  const holders = await Promise.all(
+    [/^Files: \*/, /^Files: .*\/to_chars\.hpp/, /^Files: .*\/serializer\.hpp/].map((files) =>
+      copyrightIn(file, files),
+    ),
+  );
+  return `nlohmann-json (JSON for Modern C++)\n\n${holders.join('\n')}\n\n${await licenceIn(file, 'Expat')}`;
+}
+
+// What emscripten puts into a program: its own library, musl, and LLVM's libraries of C++.
+async function ofCompiler() {
+  const file = debianCopyright('emscripten');
+  const own = await copyrightIn(file, /^Files:\s+\*\n/);
+  const musl = await readFile('/usr/share/emscripten/system/lib/libc/musl/COPYRIGHT', 'utf8');
+  return [
+    `emscripten\n\n${own}\n\n${await licenceIn(file, 'Expat')}`,
+    `musl, in emscripten\n\n${musl.trim()}`,
+    'libc++, libc++abi and compiler-rt, in emscripten: the LLVM project, Apache License 2.0 (above) with LLVM Exceptions',
   ];
-  return [own, ...compiled, ...others].join(`\n\n${'-'.repeat(40)}\n\n`);
+}
+
+export async function licences(web, project) {
+  const own = await licenceOf(project);
+  return [
+    `kztns\n\nCopyright (c) the kzoci authors\n\n${own}`,
+    await ofJson(),
+    ...(await ofCompiler()),
+    ...(await ofPackages(web)),
+  ].join(`\n\n${'-'.repeat(40)}\n\n`);
 }

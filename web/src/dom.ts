@@ -1,26 +1,21 @@
 // Elements with their attributes, listeners and children. Texts are text nodes, whatever is in
 // them: nothing here reads markup.
 
+import { visible } from './invisible';
+
 type Child = Node | string | null | undefined | false;
 type Listener = (event: never) => void;
 type Attributes = Record<string, string | number | boolean | null | undefined | Listener>;
 
-// Controls, of directions too, and what else is invisible would make a text look like another
-// one. They are shown as kztns shows them, byte by byte; line feeds and tabs stay.
-export function visible(text: string): string {
-  return text.replace(/(?![\n\t])[\p{Cc}\p{Cf}\p{Zl}\p{Zp}]/gu, (character) =>
-    Array.from(new TextEncoder().encode(character))
-      .map((byte) => `\\x${byte.toString(16).padStart(2, '0')}`)
-      .join(''),
-  );
-}
+// Attributes that people read, or hear.
+const isRead = (name: string) => name === 'title' || name === 'aria-label';
 
 function fill(node: Element, attributes: Attributes, children: Child[]): void {
   for (const [name, value] of Object.entries(attributes)) {
     if (typeof value === 'function') node.addEventListener(name, value as EventListener);
     else if (value === true) node.setAttribute(name, '');
     else if (value !== false && value !== null && value !== undefined)
-      node.setAttribute(name, String(value));
+      node.setAttribute(name, isRead(name) ? visible(String(value)) : String(value));
   }
   for (const child of children)
     if (child) node.append(typeof child === 'string' ? visible(child) : child);
@@ -53,6 +48,6 @@ export function byId<Type extends HTMLElement = HTMLElement>(id: string): Type {
 }
 
 // "1 entry", "2 entries"
-export function counted(count: number, one: string, many: string): string {
+export function pluralised(count: number, one: string, many: string): string {
   return `${count.toLocaleString('en')} ${count === 1 ? one : many}`;
 }

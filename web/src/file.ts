@@ -21,7 +21,7 @@ function decode(bytes: Uint8Array): { text: string; remark: string } {
     return {
       text: new TextDecoder(utf16).decode(bytes),
       remark:
-        'The file is in UTF-16, in which lookups find nothing. It is shown in UTF-8, and downloaded so.',
+        'The file is in UTF-16, in which lookups find nothing. It was converted; the download is UTF-8.',
     };
   try {
     // A byte order mark is part of what lookups read.
@@ -42,13 +42,17 @@ export function openBytes(name: string, bytes: Uint8Array): OpenedFile {
   const { text, remark } = decode(bytes);
   const ends = new Set(text.match(lineEndings) ?? []);
   const lone = ends.has('\r')
-    ? 'Carriage returns without line feeds are shown as ends of lines, which lookups do not take them for.'
+    ? 'Carriage returns without line feeds are shown as ends of lines, but lookups do not end a line there: what the page says is about the text after this conversion.'
     : '';
+  const mixed =
+    ends.has('\r\n') && ends.has('\n')
+      ? 'Some lines end with a carriage return and a line feed, others with a line feed alone: the download has line feeds alone.'
+      : '';
   return {
     name,
     text: text.replace(lineEndings, '\n'),
     lineEnd: ends.has('\r\n') && !ends.has('\n') ? '\r\n' : '\n',
-    remark: [remark, lone].filter(Boolean).join(' '),
+    remark: [remark, lone, mixed].filter(Boolean).join(' '),
   };
 }
 

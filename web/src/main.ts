@@ -4,13 +4,14 @@ import licences from 'licences';
 
 import { Text } from '@codemirror/state';
 
-import { byId, element, visible } from './dom';
+import { byId, pluralised, element } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
-import { changesOf } from './editor/positions';
+import { changesOf, positionOfPlace } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, Listed, TextEdit, Why } from './engine/protocol';
+import type { Checked, Formatted, Listed, TextEdit, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
+import { visible, withEscapedBackslashes } from './invisible';
 import { Notice } from './views/notice';
 import { EntryDetail } from './views/detail';
 import { showDialog } from './views/dialog';
@@ -26,50 +27,87 @@ const exampleFile: OpenedFile = { name: 'example.ora', text: example, lineEnd: '
 
 const client = new EngineClient();
 const notice = new Notice(byId('notice'));
-const editor = new Editor(byId('editor'), client, [
-  { key: 'Shift-Alt-f', run: () => run(format) },
-  { key: 'Mod-s', run: () => run(save) },
-]);
+const wayBack = new Notice(byId('way-back'));
+const editor = new Editor(byId('editor'), client);
 const tabs = new Tabs(['entries', 'findings', 'why']);
 const entries = new EntryList(byId('panel-entries'));
 const detail = new EntryDetail(byId('panel-entries'));
 const findings = new FindingList(byId('panel-findings'));
-const why = new WhyView(byId('panel-why'), (identifier) =>
-  client.ask<Why>('kztns/why', { identifier }),
+const why = new WhyView(
+  byId('panel-why'),
+  (identifier) => client.ask<Why>('kztns/why', { identifier }),
+  (place) => positionOfPlace(editor.view.state.doc, place),
 );
 
 let file = exampleFile;
 let kept = editor.view.state.doc; // as it was opened or downloaded
+const edited: OpenedFile[] = []; // what was written in files that others took the place of
 let checked: Checked | null = null;
 let listed: Listed | null = null;
 
 // Whether what is known is of the text that is shown.
 const isCurrent = (known: Checked | Listed | null) => known?.version === client.textVersion;
 
-function run(action: () => Promise<void> | void): boolean {
-  void Promise.resolve(action()).catch((error: Error) => notice.show(error.message, 'warning'));
-  return true;
+function offerStart(reason: string): void {
+  notice.show(reason, 'warning', {
+    label: 'Start it again',
+    run: () => {
+      client.start();
+      client.open(editor.text);
+    },
+  });
+}
+
+function run(action: () => Promise<void> | void): void {
+  void Promise.resolve(action()).catch(({ message }: Error) => {
+    if (client.isRunning) notice.show(message, 'warning');
+    else offerStart(message);
+  });
 }
 
 const isEdited = () => !editor.view.state.doc.eq(kept);
 
+const shownName = ({ name }: OpenedFile) => withEscapedBackslashes(name);
+
+// The way back to what was written last, apart from the notices, which follow each other.
+function offerWayBack(): void {
+  const last = edited.at(-1);
+  if (last === undefined) return wayBack.hide();
+  const forget = () => {
+    edited.pop();
+    offerWayBack();
+  };
+  wayBack.show(
+    `What you wrote in ${shownName(last)} was not downloaded.`,
+    'note',
+    {
+      label: `Return to your edited ${shownName(last)}`,
+      run: () => {
+        edited.pop();
+        open(last, false);
+      },
+    },
+    forget,
+  );
+}
+
 // isKept: whether the text is somewhere else, too
 function open(opened: OpenedFile, isKept = true): void {
-  const before = isEdited() ? { ...file, text: editor.text } : null;
+  if (isEdited()) edited.push({ ...file, text: editor.text });
   file = opened;
-  byId('file-name').textContent = visible(opened.name);
+  byId('file-name').textContent = visible(shownName(opened));
   editor.open(opened.text);
+  listed = null;
+  entries.clear();
+  entries.expect();
   kept = isKept ? editor.view.state.doc : Text.empty;
+  offerWayBack();
   const isExample = opened.text === example;
   const words = isExample
     ? 'This is an example. Open, drop or paste a names file of your own.'
-    : opened.remark || (before === null ? '' : `${opened.name} is open.`);
+    : opened.remark;
   if (words === '') return notice.hide();
-  const back = before && {
-    label: `Back to what you wrote in ${before.name}`,
-    run: () => open(before, false),
-  };
-  notice.show(words, opened.remark === '' ? 'note' : 'warning', back ?? undefined);
+  notice.show(words, opened.remark === '' ? 'note' : 'warning');
 }
 
 async function openFile(chosen: File | null | undefined): Promise<void> {
@@ -81,13 +119,33 @@ function save(): void {
   kept = editor.view.state.doc;
 }
 
+const mostLinesTold = 3;
+
+// Which entries keep their layout, and why.
+function wordsOfKept(kept: Formatted['kept']): string {
+  const lines = new Map<string, number[]>();
+  for (const { line, reason } of kept) {
+    if (!lines.has(reason)) lines.set(reason, []);
+    lines.get(reason)!.push(line);
+  }
+  const reasons = [...lines].map(([reason, all]) => {
+    const more = all.length - mostLinesTold;
+    const told = all.slice(0, mostLinesTold).map((line) => line.toLocaleString('en'));
+    return `${reason} (line ${told.join(', ')}${more > 0 ? ` and ${more} more` : ''})`;
+  });
+  const count = pluralised(kept.length, 'entry keeps its layout', 'entries keep their layout');
+  return `${count}: ${reasons.join('; ')}.`;
+}
+
 async function format(): Promise<void> {
   const version = client.textVersion;
-  const options = { tabSize: 2, insertSpaces: true };
-  const edits = await client.ask<TextEdit[]>('textDocument/formatting', { options });
+  const { edits, kept } = await client.ask<Formatted>('kztns/format');
   if (version !== client.textVersion) return;
-  if (edits.length === 0) notice.show('The file is laid out already.');
-  else editor.apply(edits);
+  if (edits.length > 0) editor.apply(edits);
+  const isDone = edits.length === 0 && kept.length === 0;
+  if (isDone) notice.show('The file is laid out already.');
+  else if (kept.length > 0)
+    notice.show(`${edits.length === 0 ? 'Nothing to lay out. ' : ''}${wordsOfKept(kept)}`);
 }
 
 async function fixAll(): Promise<void> {
@@ -100,7 +158,10 @@ async function fixAll(): Promise<void> {
   const edits = action === undefined ? [] : Object.values(action.edit.changes).flat();
   if (editor.view.state.doc !== before) return;
   if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
-  offerFixes(before, edits, () => {
+  const isLeft = (index: number) =>
+    checked?.diagnostics[index]?.severity === 1 && !checked.fixes[index]?.safe;
+  const errorsLeft = checked?.diagnostics.filter((_one, index) => isLeft(index)).length ?? 0;
+  offerFixes(before, edits, errorsLeft, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
   });
@@ -128,6 +189,11 @@ async function showEntry(index: number | null): Promise<void> {
   if (listed === of && isCurrent(of)) detail.show(entry, findingsOf(index, of), built);
 }
 
+// What cannot be asked any more is said of the checker already.
+function showEntryOrNothing(index: number | null): void {
+  void showEntry(index).catch(() => detail.clear());
+}
+
 function goToEntry(index: number): void {
   const start = listed?.starts[index];
   if (start) editor.goTo(start[0], start[1]);
@@ -139,7 +205,7 @@ client.onChecked = (result) => {
   showStatus(result);
   byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.safe);
   if (listed?.version !== result.version) entries.expect();
-  else void showEntry(entries.chosen);
+  else showEntryOrNothing(entries.chosen);
   findings.show(result);
   why.again();
 };
@@ -147,16 +213,9 @@ client.onListed = (result) => {
   listed = result;
   entries.show(result.entries);
 };
-client.onFailure = (reason) =>
-  notice.show(`The checker has stopped (${reason}).`, 'warning', {
-    label: 'Start it again',
-    run: () => {
-      client.start();
-      client.open(editor.text);
-    },
-  });
+client.onFailure = offerStart;
 
-entries.onSelect = (index) => void showEntry(index).catch(() => {});
+entries.onSelect = showEntryOrNothing;
 entries.onOpen = goToEntry;
 detail.onGoTo = (entry) => goToEntry(listed?.entries.indexOf(entry) ?? -1);
 findings.onGoTo = ({ line, character }) => editor.goTo(line, character);
@@ -214,7 +273,23 @@ addEventListener(
 );
 
 addEventListener('beforeunload', (event) => {
-  if (isEdited()) event.preventDefault();
+  if (isEdited() || edited.length > 0) event.preventDefault();
+});
+
+// Wherever the focus is, but not where a dialog is waiting.
+const isMac = /^(Mac|iP)/.test(navigator.platform);
+if (isMac) byId('download').title = '⌘S';
+addEventListener('keydown', (event) => {
+  const isMod = isMac ? event.metaKey : event.ctrlKey;
+  const action =
+    isMod && !event.shiftKey && !event.altKey && event.key.toLowerCase() === 's'
+      ? save
+      : event.shiftKey && event.altKey && event.code === 'KeyF'
+        ? format
+        : null;
+  if (action === null) return;
+  event.preventDefault();
+  if (document.querySelector('dialog[open]') === null) run(action);
 });
 
 open(exampleFile);

@@ -5,9 +5,11 @@ import test from 'node:test';
 import {
   checkCount,
   clickButton,
+  endWorker,
   entry,
   names,
   nextCheck,
+  openFile,
   openPage,
   replaceText,
   shownText,
@@ -165,26 +167,98 @@ test('fixes all after it has shown what would change', async () => {
   await face.tab.close();
 });
 
-test('starts its checker again when that has stopped', async () => {
+test('says which entries keep their layout, and why', async () => {
   const face = await openPage();
-  await replaceText(face, entry('sales', '(SERVER = X)'));
-  const worker = face.tab.workers()[0];
-  await worker
-    .evaluate(() =>
-      setTimeout(() => {
-        throw new Error('no memory left');
-      }),
-    )
-    .catch(() => {});
+  await replaceText(face, entry('a', '(SERVER = X)'));
+  await face.tab.click('#format');
   await waitForText(
     face.tab,
     '#notice',
-    'The checker has stopped (Uncaught Error: no memory left).',
+    'Nothing to lay out. 1 entry keeps its layout: the library refuses it (line 1).',
   );
+  await face.tab.close();
+});
+
+test('lays out and downloads by keys, wherever the focus is', async () => {
+  const face = await openPage();
+  await replaceText(face, '# note\n');
+  await face.tab.focus('#tab-entries');
+  await face.tab.keyboard.down('Shift');
+  await face.tab.keyboard.down('Alt');
+  await face.tab.keyboard.press('KeyF');
+  await face.tab.keyboard.up('Alt');
+  await face.tab.keyboard.up('Shift');
+  await waitForText(face.tab, '#notice', 'laid out already');
+  await face.tab.close();
+});
+
+test('starts its checker again when that has stopped', async () => {
+  const face = await openPage();
+  await replaceText(face, entry('sales', '(SERVER = X)'));
+  await endWorker(face);
   const before = await checkCount(face);
   await clickButton(face.tab, 'Start it again', '#notice');
   await nextCheck(face, before);
   assert.deepEqual(await verdicts(face.tab), ['refused']);
   assert.equal(await shownText(face.tab), entry('sales', '(SERVER = X)'));
+  await face.tab.close();
+});
+
+test('a file that is opened after the checker has stopped starts it again', async () => {
+  const face = await openPage();
+  await endWorker(face);
+  await openFile(face, 'other.ora', entry('other'));
+  assert.deepEqual(await names(face.tab), ['other']);
+  await face.tab.close();
+});
+
+test('says that the checker has stopped to whoever asks it', async () => {
+  const face = await openPage();
+  await endWorker(face);
+  await clickButton(face.tab, 'Dismiss', '#notice');
+  await face.tab.click('#format');
+  await waitForText(face.tab, '#notice', 'The checker has stopped (no memory left).');
+  const before = await checkCount(face);
+  await clickButton(face.tab, 'Start it again', '#notice');
+  await nextCheck(face, before);
+  await face.tab.close();
+});
+
+test('the focus stays among the findings when one of them is mended', async () => {
+  const face = await openPage();
+  await replaceText(face, entry('a', '(SERVER = X)') + entry('b', '(SERVER = Y)'));
+  await statusOf(face, '2 errors');
+  await face.tab.click('#tab-findings');
+  await face.tab.focus('.finding .fix');
+  const before = await checkCount(face);
+  await face.tab.keyboard.press('Enter');
+  await nextCheck(face, before);
+  const isAmongThem = () =>
+    face.tab.evaluate(() => document.activeElement.closest('.findings') !== null);
+  assert.equal(await isAmongThem(), true);
+  assert.equal(await face.tab.evaluate(() => document.activeElement.className), 'fix');
+  await face.tab.close();
+});
+
+test('a block of the tree that was opened stays open when another entry changes', async () => {
+  const face = await openPage();
+  await replaceText(face, entry('a'));
+  await waitForText(face.tab, '.detail h2', 'a');
+  await face.tab.click('.tree details details summary');
+  await face.tab.$eval('.tree details:not([open])', (one) => (one.open = true)).catch(() => {});
+  const openBlocks = () => face.tab.$$eval('.tree details[open]', (all) => all.length);
+  const opened = await openBlocks();
+  await face.tab.$$eval('.tree details', (all) => all.forEach((one) => (one.dataset.seen = 'yes')));
+  const before = await checkCount(face);
+  await face.tab.focus('.cm-content');
+  await face.tab.keyboard.down('Control');
+  await face.tab.keyboard.press('End');
+  await face.tab.keyboard.up('Control');
+  await face.tab.keyboard.sendCharacter(entry('b'));
+  await nextCheck(face, before);
+  await new Promise((resolve) => setTimeout(resolve, 200));
+  assert.equal(await openBlocks(), opened);
+  const kept = await face.tab.$$eval('.tree details', (all) => all.map((one) => one.dataset.seen));
+  assert.ok(kept.every((seen) => seen === 'yes'));
   await face.tab.close();
 });

@@ -94,8 +94,14 @@ test('keeps what one wrote when another file is opened', async () => {
   await replaceText(face, entry('mine'));
   await openFile(face, 'other.ora', entry('other'));
   assert.deepEqual(await names(face.tab), ['other']);
+  // What is said later is said elsewhere.
+  await face.tab.click('#format');
+  await face.tab.waitForSelector('#notice:not([hidden])').catch(() => {});
+  const leaves = () =>
+    face.tab.evaluate(() => dispatchEvent(new Event('beforeunload', { cancelable: true })));
+  assert.equal(await leaves(), false);
   const before = await checkCount(face);
-  await clickButton(face.tab, 'Back to what you wrote in first.ora', '#notice');
+  await clickButton(face.tab, 'Return to your edited first.ora', '#way-back');
   await nextCheck(face, before);
   assert.equal(await shownText(face.tab), entry('mine'));
   assert.equal(await textOf(face.tab, '#file-name'), 'first.ora');
@@ -109,6 +115,17 @@ test('asks before it is closed with what was not downloaded', async () => {
   assert.equal(await leaves(), true);
   await replaceText(face, entry('mine'));
   assert.equal(await leaves(), false);
+  await face.tab.close();
+});
+
+test('says so when the lines of a file end differently', async () => {
+  const face = await openPage();
+  await openFile(face, 'mixed.ora', `# a\r\n${entry('mixed')}`);
+  assert.match(await textOf(face.tab, '#notice'), /download has line feeds alone/);
+  await openFile(face, 'lone.ora', `# a\r${entry('lone')}`);
+  assert.match(await textOf(face.tab, '#notice'), /the text after this conversion/);
+  await openFile(face, 'dos.ora', `# a\r\n`);
+  assert.equal(await face.tab.$eval('#notice', (notice) => notice.hidden), true);
   await face.tab.close();
 });
 

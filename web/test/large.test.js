@@ -83,3 +83,51 @@ for (const [label, size, limit] of [
     assert.deepEqual(face.errors, []);
     await face.tab.close();
   });
+
+// A file in which each entry is laid out anew, and has a finding that can be fixed.
+function unformattedOfSize(size) {
+  const parts = [];
+  for (let length = 0, number = 0; length < size; number += 1) {
+    const one = `n${number}=(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s))${number % 2 ? '' : ' '})\n`;
+    parts.push(one);
+    length += one.length;
+  }
+  return parts.join('');
+}
+
+for (const [label, size, limit] of [['1 MB', 1_000_000, 20_000]])
+  test(`a file of ${label} is laid out, and back again`, { timeout: 120_000 }, async (context) => {
+    const face = await openPage();
+    const { tab } = face;
+    await openFile(face, 'long.ora', unformattedOfSize(size));
+    await tab.evaluate(() => {
+      globalThis.longest = 0;
+      new PerformanceObserver((list) => {
+        for (const { duration } of list.getEntries())
+          globalThis.longest = Math.max(globalThis.longest, duration);
+      }).observe({ type: 'longtask' });
+    });
+    const timed = async (action) => {
+      const before = await checkCount(face);
+      const begin = performance.now();
+      await action();
+      await nextCheck(face, before, 60_000);
+      return Math.round(performance.now() - begin);
+    };
+    const laidOut = await timed(() => tab.click('#format'));
+    assert.equal(await textOf(tab, '#editor .cm-line'), 'n0 =');
+    const undone = await timed(async () => {
+      await tab.focus('.cm-content');
+      await tab.keyboard.down('Control');
+      await tab.keyboard.press('z');
+      await tab.keyboard.up('Control');
+    });
+    assert.match(await textOf(tab, '#editor .cm-line'), /^n0=\(DESC/);
+    const standstill = Math.round(await tab.evaluate(() => globalThis.longest));
+    context.diagnostic(
+      `${label}: laid out after ${laidOut} ms, undone after ${undone} ms, longest standstill ${standstill} ms`,
+    );
+    assert.ok(Math.max(laidOut, undone) < limit, `${laidOut} ms, ${undone} ms`);
+    assert.deepEqual(face.errors, []);
+    await tab.close();
+  });

@@ -67,6 +67,33 @@ test('what is invisible in a name is shown', async () => {
   await face.tab.close();
 });
 
+test('what is invisible is shown in the text, in pictures and in titles', async () => {
+  const face = await openPage();
+  const { tab } = face;
+  const unseen = ['\u00A0', '\u202F', '\u2066', '\uFFFE', '\uFFFF', '\uFFF9'];
+  await openFile(face, 'a\\x41.ora', `"a${unseen.join('b')}c"${entry('')}`);
+  assert.equal(await textOf(tab, '#file-name'), 'a\\x5cx41.ora');
+  const bytes = (text) => Buffer.from(text).toString('hex').replace(/../g, '\\x$&');
+  const expected = `a${unseen.map(bytes).join('b')}c`;
+  assert.deepEqual(await textsOf(tab, '.entry .name'), [expected]);
+  await tab.waitForFunction(() => !document.querySelector('.choice').hidden);
+  await tab.click('#show-picture');
+  const label = await tab.$eval('.detail svg', (svg) => svg.getAttribute('aria-label'));
+  assert.equal(label, `Picture of ${expected}`);
+  assert.equal((await tab.$$('#editor .cm-specialChar')).length, unseen.length);
+  const all = await tab.$eval('.side', (side) => side.outerHTML.replaceAll('&nbsp;', '\u00A0'));
+  assert.ok(unseen.every((one) => !all.includes(one)));
+  await tab.close();
+});
+
+test('the difference marks what is invisible', async () => {
+  const face = await openPage();
+  await replaceText(face, `# \u202E\n${entry('a', '(SERVER = X)')}`);
+  await face.tab.click('#fix-all');
+  await face.tab.waitForSelector('dialog .cm-merge-b .cm-specialChar');
+  await face.tab.close();
+});
+
 test('a hover shows a name as it is written', async () => {
   const face = await openPage();
   await replaceText(

@@ -74,6 +74,54 @@ test('tells why a lookup leads nowhere, and again when the text changes', async 
   await face.tab.close();
 });
 
+test('the answer is to what was asked, also while one types something else', async () => {
+  const face = await openPage();
+  await replaceText(face, entry('sales') + entry('orders'));
+  await face.tab.click('#tab-why');
+  await face.tab.type('#identifier', 'orders');
+  await face.tab.keyboard.press('Enter');
+  await waitForText(face.tab, '.answer', 'found at 2:1');
+  await face.tab.type('#identifier', 'x');
+  await face.tab.$eval('.answer h2', (head) => (head.seen = 'yes'));
+  await replaceText(face, `${entry('sales')}${entry('orders')}# more\n`);
+  await new Promise((resolve) => setTimeout(resolve, 200));
+  assert.equal(await face.tab.$eval('.answer h2', (head) => head.seen), 'yes');
+  await replaceText(face, entry('orders'));
+  await waitForText(face.tab, '.answer', 'found at 1:1');
+  assert.match(await textOf(face.tab, '.answer h2'), /^orders/);
+  await face.tab.close();
+});
+
+test('places of an answer count characters', async () => {
+  const face = await openPage();
+  await replaceText(face, `"ä" = () ${entry('sales', '(SERVER = X)')}`);
+  await face.tab.click('#tab-why');
+  await face.tab.type('#identifier', 'sales');
+  await face.tab.keyboard.press('Enter');
+  await waitForText(face.tab, '.answer', 'found at 1:10');
+  await face.tab.close();
+});
+
+test('a number is shown with all its digits', async () => {
+  const face = await openPage();
+  for (const weight of [
+    '9007199254740991',
+    '9007199254740992',
+    '9007199254740993',
+    '9223372036854775807',
+  ]) {
+    const address = `(ADDRESS = (HOST = h)(PORT = 1)(WEIGHT = ${weight}))`;
+    await replaceText(face, `a = (DESCRIPTION = ${address}(CONNECT_DATA = (SID = s)))\n`);
+    await face.tab.waitForFunction(
+      (digits) =>
+        [...document.querySelectorAll('.tree dd')].some((value) => value.textContent === digits),
+      { timeout: 5000 },
+      weight,
+    );
+  }
+  await face.tab.close();
+});
+
 test('names the licences of all that is in it', async () => {
   const face = await openPage();
   await face.tab.click('#licences');
@@ -87,5 +135,13 @@ test('names the licences of all that is in it', async () => {
     'emscripten',
   ])
     assert.ok(text.includes(name), name);
+  // The grant stands next to each name, and the texts of the licences are whole.
+  const parts = text.split('-'.repeat(40));
+  for (const name of ['Niels Lohmann', 'Bjoern Hoehrmann', 'Emscripten Authors', 'Rich Felker'])
+    assert.ok(
+      parts.some((part) => part.includes(name) && part.includes('Permission is hereby granted')),
+      name,
+    );
+  assert.match(parts[0], /TERMS AND CONDITIONS FOR USE, REPRODUCTION, AND DISTRIBUTION/);
   await face.tab.close();
 });

@@ -11,14 +11,19 @@ namespace kztns {
 namespace {
 
 #ifdef __EMSCRIPTEN__
-// In a page all files are in memory, and a descriptor has no path. One is open at a time.
-constexpr char file_of_page[] = "/tmp/kztns";
+// In a page all files are in memory, and a descriptor has no path.
+unsigned opened = 0;  // so far; each has a path of its own
 
-int open_in_memory() { return open(file_of_page, O_RDWR | O_CREAT | O_TRUNC, S_IRUSR | S_IWUSR); }
-std::string path_of(int) { return file_of_page; }
+std::string path_of(int) { return "/tmp/kztns-" + std::to_string(opened); }
+int open_in_memory() {
+  ++opened;
+  return open(path_of(0).c_str(), O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
+}
+void forget(const std::string &path) { unlink(path.c_str()); }
 #else
 int open_in_memory() { return memfd_create("kztns", MFD_CLOEXEC); }
 std::string path_of(int descriptor) { return "/proc/self/fd/" + std::to_string(descriptor); }
+void forget(const std::string &) {}  // without a descriptor it is gone
 #endif
 
 }  // namespace
@@ -32,7 +37,9 @@ MemoryFile::MemoryFile()
 }
 
 MemoryFile::~MemoryFile() {
-  if (descriptor_ >= 0) close(descriptor_);
+  if (descriptor_ < 0) return;
+  close(descriptor_);
+  forget(path_);
 }
 
 bool MemoryFile::append(std::string_view bytes) {

@@ -8,31 +8,32 @@ namespace kztns {
 
 using lsp::member;
 
-struct Page::OwnMethod {
+struct Page::Method {
   const char *name;
-  Own answer;
+  Handler handler;
 };
 
 Page::Page() : server_([this](const Json &message) { add(lsp::text_of(message)); }, "") {}
 
-Page::Own Page::own_method(const std::string &name) {
-  static constexpr OwnMethod methods[] = {{"kztns/check", &Page::check},
-                                          {"kztns/entries", &Page::entries},
-                                          {"kztns/entry", &Page::entry},
-                                          {"kztns/why", &Page::why}};
-  for (const OwnMethod &method : methods)
-    if (method.name == name) return method.answer;
+Page::Handler Page::handler_of(const std::string &name) {
+  static constexpr Method methods[] = {{"kztns/check", &Page::check},
+                                       {"kztns/entries", &Page::entries},
+                                       {"kztns/entry", &Page::entry},
+                                       {"kztns/format", &Page::format},
+                                       {"kztns/why", &Page::why}};
+  for (const Method &method : methods)
+    if (method.name == name) return method.handler;
   return nullptr;
 }
 
 std::string Page::answer(const std::string &message) {
   answers_.clear();
   const Json content = Json::parse(message, nullptr, false);
-  const Own own = own_method(lsp::text_in(member(content, "method")).value_or(""));
+  const Handler handler = handler_of(lsp::text_in(member(content, "method")).value_or(""));
   if (content.is_discarded()) {
     server_.take_unreadable();
-  } else if (own != nullptr) {
-    const std::string result = (this->*own)(member(content, "params"));
+  } else if (handler != nullptr) {
+    const std::string result = (this->*handler)(member(content, "params"));
     add("{\"id\":" + lsp::text_of(member(content, "id")) +
         ",\"jsonrpc\":\"2.0\",\"result\":" + result + "}");
   } else {
@@ -75,10 +76,18 @@ std::string Page::entry(const Json &params) {
   return entry_json(checked_->entries[static_cast<std::size_t>(*index)], *text);
 }
 
+const lsp::Document *Page::document_in(const Json &params) const {
+  return server_.document(lsp::text_in(member(params, "textDocument", "uri")).value_or(""));
+}
+
+std::string Page::format(const Json &params) {
+  const lsp::Document *const document = document_in(params);
+  return document == nullptr ? "null" : format_json(*document);
+}
+
 std::string Page::why(const Json &params) {
   const std::optional<std::string> identifier = lsp::text_in(member(params, "identifier"));
-  const lsp::Document *const document =
-      server_.document(lsp::text_in(member(params, "textDocument", "uri")).value_or(""));
+  const lsp::Document *const document = document_in(params);
   if (!identifier || document == nullptr) return "null";
   return why_json(*identifier, document->text());
 }

@@ -11,9 +11,11 @@
 //   kztns/entries what was checked last: {"entries", "starts"}, the entries as kztns list has
 //                 them, and where their names begin, [line, character]; null when the text has
 //                 changed since
-//   kztns/entry   {"index"} among those entries: {"tree", "words"}, its tree as kztns show
-//                 has it, and the keys of its fields; null for one that is not built, or when
-//                 the text has changed since
+//   kztns/entry   {"index"} among those entries: {"tree", "keys"}, its tree as kztns show
+//                 has it, each number with its "digits", and the keys of its fields; null
+//                 for one that is not built, or when the text has changed since
+//   kztns/format  {"textDocument"}: {"edits", "kept"}, what kztns format would change, and
+//                 {"line", "reason"} for each entry whose text it keeps
 //   kztns/why     {"textDocument", "identifier"}: what kztns why says
 #pragma once
 
@@ -35,14 +37,17 @@ class Page {
 
  private:
   using Json = lsp::Json;
-  using Own = std::string (Page::*)(const Json &params);
-  struct OwnMethod;
+  using Handler = std::string (Page::*)(const Json &params);
+  struct Method;
 
-  static Own own_method(const std::string &name);
+  static Handler handler_of(const std::string &name);
   std::string check(const Json &params);
   std::string entries(const Json &params);
   std::string entry(const Json &params);
+  std::string format(const Json &params);
   std::string why(const Json &params);
+  // The document that the parameters name; null for none.
+  const lsp::Document *document_in(const Json &params) const;
   // The text that was checked last; null when it is not there any more.
   const std::string *checked_text() const;
 

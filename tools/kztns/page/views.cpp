@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "commands/list.h"
+#include "format/format_file.h"
 #include "lookup/lookup_failure.h"
 #include "lookup/lookup_json.h"
 #include "lsp/capabilities.h"
@@ -39,18 +40,18 @@ std::string start_of(const lsp::AnalysedEntry &entry, const lsp::Document &docum
 }
 
 // What the settings of a tree are called in a names file, by their fields in it.
-std::string words_of_fields() {
-  Json words = Json::object();
+std::string keys_of_fields() {
+  Json keys = Json::object();
   for (const Key &key : kzoci::tns::grammar) {
     if (key.name == nullptr) continue;
     const bool removes = key.block == Block::remove_strategy;
     const bool appends = key.block == Block::append_strategy;
-    words[key.name] = (removes   ? "REMOVE_STRATEGY "
-                       : appends ? "APPEND_STRATEGY "
-                                 : "") +
-                      std::string(key.word);
+    keys[key.name] = (removes   ? "REMOVE_STRATEGY "
+                      : appends ? "APPEND_STRATEGY "
+                                : "") +
+                     std::string(key.word);
   }
-  return lsp::text_of(words);
+  return lsp::text_of(keys);
 }
 
 std::string fix_of(const Finding &finding, const lsp::Document &document) {
@@ -58,6 +59,19 @@ std::string fix_of(const Finding &finding, const lsp::Document &document) {
   return lsp::text_of({{"title", lsp::title_of_fix(finding)},
                        {"safe", finding.fix.applicability == Applicability::safe},
                        {"edits", lsp::json_of(finding.fix.edits, document)}});
+}
+
+// A script's numbers have 53 bits, those of a tree 64: their digits are told as a text, too.
+void add_digits(nlohmann::ordered_json &node) {
+  if (node.is_object() && node.contains("value") && node["value"].is_number_integer())
+    node["digits"] = node["value"].dump();
+  for (nlohmann::ordered_json &child : node)
+    if (child.is_structured()) add_digits(child);
+}
+
+std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
+  return lsp::text_of({{"line", document.position(kept.at).line + 1},
+                       {"reason", std::string(name_of(kept.reason))}});
 }
 
 }  // namespace
@@ -89,7 +103,16 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
     whole.tns_service_count = 1;
     tree = tree_json(whole);
   });
-  return "{\"tree\":" + tree + ",\"words\":" + words_of_fields() + "}";
+  nlohmann::ordered_json with_digits = nlohmann::ordered_json::parse(tree);
+  add_digits(with_digits);
+  return "{\"tree\":" + with_digits.dump() + ",\"keys\":" + keys_of_fields() + "}";
+}
+
+std::string format_json(const lsp::Document &document) {
+  const Formatted formatted = format_file(NamesText(document.text()), FormatOptions());
+  const auto kept = [&](const KeptEntry &one) { return kept_of(one, document); };
+  return "{\"edits\":" + lsp::text_of(lsp::json_of(formatted.edits, document)) +
+         ",\"kept\":" + array_of(formatted.kept, kept) + "}";
 }
 
 std::string why_json(const std::string &identifier, const std::string &text) {

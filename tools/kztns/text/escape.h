@@ -17,8 +17,8 @@ std::string visible(std::string_view text);
 // The same, cut to some forty characters.
 std::string excerpt(std::string_view text);
 
-// A text between double quotes. Of a std::string, too, which the standard library's function
-// of this name would take otherwise.
+// A text between double quotes. The second one is there because a call with a std::string
+// would find std::quoted as well, by its argument, and choose it where <iomanip> is included.
 std::string quoted(std::string_view text);
 inline std::string quoted(const std::string &text) { return quoted(std::string_view(text)); }
 

@@ -24,6 +24,7 @@ import {
 
 import type { EngineClient } from '../engine/client';
 import type { TextEdit } from '../engine/protocol';
+import { invisible } from '../invisible';
 import { assist } from './assist';
 import { tnsnames } from './language';
 import { changesOf, editsOf, offsetOf, wellFormed } from './positions';
@@ -51,13 +52,10 @@ const foldByIndentation = foldService.of((state, from) => {
 
 export class Editor {
   readonly view: EditorView;
-  // The caret moved to another line of the same text.
-  onLine: (line: number) => void = () => {};
 
   constructor(
     parent: HTMLElement,
     private readonly client: EngineClient,
-    private readonly keys: { key: string; run: () => boolean }[],
   ) {
     this.view = new EditorView({ parent, state: this.stateOf('') });
   }
@@ -102,7 +100,7 @@ export class Editor {
       foldByIndentation,
       highlightActiveLine(),
       highlightActiveLineGutter(),
-      highlightSpecialChars(),
+      highlightSpecialChars({ addSpecialChars: invisible }),
       highlightSelectionMatches({ wholeWords: true }),
       history(),
       drawSelection(),
@@ -119,7 +117,6 @@ export class Editor {
       }),
       // Tab leaves the editor, as it does everywhere on the page.
       keymap.of([
-        ...this.keys,
         { key: 'F8', run: nextDiagnostic },
         { key: 'Shift-F8', run: previousDiagnostic },
         ...closeBracketsKeymap,
@@ -130,9 +127,9 @@ export class Editor {
         ...defaultKeymap,
       ]),
       EditorView.updateListener.of((update) => {
-        if (update.docChanged) this.client.change(editsOf(update.startState.doc, update.changes));
-        if (update.selectionSet && !update.docChanged)
-          this.onLine(update.state.doc.lineAt(update.state.selection.main.head).number);
+        if (!update.docChanged) return;
+        const edits = editsOf(update.startState.doc, update.changes);
+        this.client.change(edits ?? wellFormed(update.state.doc.toString()));
       }),
     ];
   }

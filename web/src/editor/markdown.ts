@@ -1,6 +1,7 @@
 // The little markdown that the server writes: paragraphs, lists, **strong** and `code`. The
 // words of a file are between backquotes, and become text whatever they are.
-import { element, visible } from '../dom';
+import { element } from '../dom';
+import { visible } from '../invisible';
 
 function inline(text: string): Node[] {
   return text.split(/(`[^`]*`|\*\*)/).reduce<{ nodes: Node[]; strong: boolean }>(

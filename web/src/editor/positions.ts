@@ -27,14 +27,37 @@ export function changesOf(text: Text, edits: TextEdit[]) {
   }));
 }
 
+// Each edit moves the rest of the text where it is applied: of more than these the whole text
+// is the shorter way.
+const mostEdits = 200;
+
 // A change of the editor's text as edits, the last one first: what comes before a place stays
-// where it is.
-export function editsOf(before: Text, changes: ChangeSet): TextEdit[] {
+// where it is. Null for too many.
+export function editsOf(before: Text, changes: ChangeSet): TextEdit[] | null {
+  let count = 0;
+  changes.iterChanges(() => (count += 1));
+  if (count > mostEdits) return null;
   const edits: TextEdit[] = [];
   changes.iterChanges((from, to, _fromAfter, _toAfter, inserted) => {
-    edits.unshift({ range: rangeOf(before, from, to), newText: wellFormed(inserted.toString()) });
+    edits.push({ range: rangeOf(before, from, to), newText: wellFormed(inserted.toString()) });
   });
-  return edits;
+  return edits.reverse();
+}
+
+// A place of the command, which counts lines and columns from 1, and columns in bytes of UTF-8.
+export function positionOfPlace(
+  text: Text,
+  { line, column }: { line: number; column: number },
+): Position {
+  if (line > text.lines) return positionAt(text, text.length);
+  let character = 0;
+  let bytes = 1;
+  for (const one of text.line(line).text) {
+    if (bytes >= column) break;
+    bytes += new TextEncoder().encode(one).length;
+    character += one.length;
+  }
+  return { line: line - 1, character };
 }
 
 // Half of a character has no UTF-8; of it one unit is left that has.

@@ -19,10 +19,12 @@ interface Waiting {
 export class EngineClient {
   onChecked: (checked: Checked) => void = () => {};
   onListed: (listed: Listed) => void = () => {};
-  // The worker is gone; what it was asked has no answer.
+  // The worker is gone; what it was asked is refused with the same words.
   onFailure: (reason: string) => void = () => {};
 
   private worker!: Worker;
+  private running = false;
+  private stopped = ''; // why it is not running
   private waiting = new Map<number, Waiting>();
   private lastId = 0;
   private version = 0;
@@ -36,35 +38,48 @@ export class EngineClient {
     return this.version;
   }
 
+  get isRunning(): boolean {
+    return this.running;
+  }
+
   // A new worker, which knows no text.
   start(): void {
     this.worker?.terminate();
+    this.rejectAll('The checker was started again.');
+    this.running = true;
     const url = URL.createObjectURL(new Blob([source], { type: 'text/javascript' }));
-    this.worker = new Worker(url);
+    const worker = new Worker(url);
+    this.worker = worker;
     URL.revokeObjectURL(url);
-    this.worker.addEventListener('message', ({ data }: MessageEvent<FromWorker>) =>
-      this.take(data),
-    );
-    this.worker.addEventListener('error', ({ message }) => this.fail(message));
+    worker.addEventListener('message', ({ data }: MessageEvent<FromWorker>) => this.take(data));
+    worker.addEventListener('error', ({ message }: Partial<ErrorEvent>) => {
+      if (worker === this.worker) this.fail(message);
+    });
     this.send({ kind: 'start', wasm });
   }
 
+  // Starts the worker if it is gone.
   open(text: string): void {
+    if (!this.running) this.start();
     this.version += 1;
     const textDocument = { uri, languageId: 'tnsnames', version: this.version, text };
     this.sendText('textDocument/didOpen', { textDocument });
   }
 
-  // Each change is one of the text that the changes before it leave.
-  change(edits: TextEdit[]): void {
+  // Edits, each of the text that those before it leave, or the whole text.
+  change(edits: TextEdit[] | string): void {
     this.version += 1;
     this.sendText('textDocument/didChange', {
       textDocument: { uri, version: this.version },
-      contentChanges: edits.map(({ range, newText }) => ({ range, text: newText })),
+      contentChanges:
+        typeof edits === 'string'
+          ? [{ text: edits }]
+          : edits.map(({ range, newText }) => ({ range, text: newText })),
     });
   }
 
   ask<Result>(method: string, params: object = {}): Promise<Result> {
+    if (!this.running) return Promise.reject(new Error(this.stopped));
     this.lastId += 1;
     const id = this.lastId;
     this.send({ kind: 'request', id, method, params: { textDocument: { uri }, ...params } });
@@ -72,7 +87,7 @@ export class EngineClient {
   }
 
   private send(message: ToWorker): void {
-    this.worker.postMessage(message);
+    if (this.running) this.worker.postMessage(message);
   }
 
   private sendText(method: string, params: object): void {
@@ -92,10 +107,17 @@ export class EngineClient {
     }
   }
 
-  private fail(reason: string): void {
+  private fail(message: string | undefined): void {
+    const reason = message?.replace(/^Uncaught (Error: )?/, '') || 'it could not be started';
     this.worker.terminate();
+    this.running = false;
+    this.stopped = `The checker has stopped (${reason}).`;
+    this.rejectAll(this.stopped);
+    this.onFailure(this.stopped);
+  }
+
+  private rejectAll(reason: string): void {
     for (const { reject } of this.waiting.values()) reject(new Error(reason));
     this.waiting.clear();
-    this.onFailure(reason);
   }
 }

@@ -21,7 +21,6 @@ export interface Diagnostic {
   severity: 1 | 2 | 3;
   code: string;
   message: string;
-  relatedInformation?: { location: { range: Range }; message: string }[];
 }
 
 export interface Fix {
@@ -63,6 +62,12 @@ export interface CompletionItem {
   textEdit: TextEdit;
 }
 
+// What kztns/format answers.
+export interface Formatted {
+  edits: TextEdit[];
+  kept: { line: number; reason: string }[]; // the entries that keep their text
+}
+
 export interface Remark {
   line: number;
   column: number;
@@ -92,7 +97,6 @@ export type ToWorker =
   | { kind: 'text'; method: string; params: unknown; version: number };
 
 export type FromWorker =
-  | { kind: 'ready' }
   | { kind: 'answer'; id: number; result?: unknown; error?: string }
   | { kind: 'checked'; checked: Checked }
   | { kind: 'listed'; listed: Listed };

@@ -58,6 +58,7 @@ function check(): void {
   const { diagnostics } = published.params;
   tell({ kind: 'checked', checked: { ...result, version, diagnostics } });
   // Of a long text the list takes a while: what was typed meanwhile comes first.
+  clearTimeout(listTimer);
   if (listedVersion !== version) listTimer = setTimeout(list, 0);
   if (!result.complete) checkLater();
 }
@@ -96,13 +97,11 @@ async function start(wasm: Uint8Array): Promise<void> {
     params: {
       capabilities: {
         textDocument: {
-          publishDiagnostics: { relatedInformation: true },
           codeAction: { codeActionLiteralSupport: {} },
         },
       },
     },
   });
-  tell({ kind: 'ready' });
   const before = waiting;
   waiting = [];
   before.forEach(take);

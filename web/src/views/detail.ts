@@ -40,6 +40,9 @@ export class EntryDetail {
     this.body,
   );
   private service: TreeNode | null = null;
+  private entry: Entry | null = null;
+  private shownFacts = '';
+  private shownTree = '';
 
   constructor(parent: HTMLElement) {
     parent.append(this.root);
@@ -48,15 +51,26 @@ export class EntryDetail {
 
   clear(): void {
     this.root.hidden = true;
+    this.shownFacts = this.shownTree = '';
   }
 
-  // findings: what is said of the entry
+  // findings: what is said of the entry. What is the same stays as it is: the focus, and the
+  // blocks that were opened.
   show(entry: Entry, findings: Diagnostic[], built: Built | null): void {
     this.root.hidden = false;
-    this.service = treeOf(built);
-    this.top.replaceChildren(this.head(entry), ...this.facts(entry, findings));
-    this.drawChoice();
-    this.drawBody();
+    this.entry = entry;
+    const said = findings.map(({ message, severity }) => ({ message, severity }));
+    const facts = JSON.stringify([entry, said]);
+    const tree = JSON.stringify(built);
+    if (facts !== this.shownFacts)
+      this.top.replaceChildren(this.head(entry), ...this.facts(entry, findings));
+    if (tree !== this.shownTree) {
+      this.service = treeOf(built);
+      this.drawChoice();
+      this.drawBody();
+    }
+    this.shownFacts = facts;
+    this.shownTree = tree;
   }
 
   private head(entry: Entry): HTMLElement {
@@ -71,7 +85,7 @@ export class EntryDetail {
       ),
       element(
         'button',
-        { type: 'button', class: 'link', click: () => this.onGoTo(entry) },
+        { type: 'button', class: 'link', click: () => this.entry && this.onGoTo(this.entry) },
         `line ${entry.line.toLocaleString('en')}`,
       ),
     );
@@ -93,17 +107,26 @@ export class EntryDetail {
       { type: 'button', 'aria-label': 'Copy the link string' },
       'Copy',
     );
+    const told = element('span', { class: 'visually-hidden', role: 'status' });
+    const tell = (words: string) => {
+      copy.textContent = told.textContent = words;
+      setTimeout(() => {
+        copy.textContent = 'Copy';
+        told.textContent = '';
+      }, 1500);
+    };
     copy.addEventListener('click', () => {
-      void navigator.clipboard.writeText(link).then(() => {
-        copy.textContent = 'Copied';
-        setTimeout(() => (copy.textContent = 'Copy'), 1500);
-      });
+      void navigator.clipboard.writeText(link).then(
+        () => tell('Copied'),
+        () => tell('Not copied'),
+      );
     });
     return element(
       'div',
       { class: 'copy-line' },
       element('code', { class: 'link-string', title: 'Link string' }, link),
       copy,
+      told,
     );
   }
 
@@ -144,7 +167,7 @@ export class EntryDetail {
         this.segment('picture', 'Picture'),
       ),
       this.view === 'tree'
-        ? element('label', {}, defaults, 'Defaults, too')
+        ? element('label', {}, defaults, 'Show defaults')
         : element(
             'button',
             { type: 'button', class: 'link', click: () => this.enlarge() },

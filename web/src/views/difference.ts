@@ -1,13 +1,14 @@
 // What "fix all" would change, side by side or, where there is no room, one below the other.
 import { MergeView, unifiedMergeView } from '@codemirror/merge';
 import { ChangeSet, EditorState, type Extension, Text } from '@codemirror/state';
-import { EditorView, lineNumbers } from '@codemirror/view';
+import { EditorView, highlightSpecialChars, lineNumbers } from '@codemirror/view';
 
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import { tnsnames } from '../editor/language';
 import { changesOf } from '../editor/positions';
 import { theme } from '../editor/theme';
 import type { TextEdit } from '../engine/protocol';
+import { invisible } from '../invisible';
 import { showDialog } from './dialog';
 
 // A comparison of long texts may be coarse rather than late.
@@ -23,6 +24,7 @@ function shown(label: string): Extension[] {
     EditorView.contentAttributes.of({ 'aria-label': label, tabindex: '0' }),
     EditorView.lineWrapping,
     lineNumbers(),
+    highlightSpecialChars({ addSpecialChars: invisible }),
     tnsnames(),
     theme,
     EditorView.theme({ '&': { height: 'auto' } }),
@@ -49,13 +51,20 @@ function compare(parent: HTMLElement, before: Text, after: Text): { destroy(): v
   });
 }
 
-export function offerFixes(before: Text, edits: TextEdit[], apply: () => void): void {
+// errorsLeft: how many of the errors have no fix
+export function offerFixes(
+  before: Text,
+  edits: TextEdit[],
+  errorsLeft: number,
+  apply: () => void,
+): void {
+  const rest = errorsLeft === 0 ? '' : ` ${pluralised(errorsLeft, 'error is', 'errors are')} left.`;
   const changes = ChangeSet.of(changesOf(before, edits), before.length, '\n');
   const two = window.innerWidth >= roomForTwo;
   const parent = element('div', { class: 'difference' });
   const dialog = showDialog(
     'Fix all',
-    `${counted(edits.length, 'change', 'changes')}; nothing is guessed, and no name that lookups find is lost.`,
+    `${pluralised(edits.length, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
     [
       ...(two
         ? [

@@ -1,9 +1,9 @@
 // The list of entries. Of thousands only those are elements that can be seen.
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import type { Entry } from '../engine/protocol';
 
 const rowHeight = 52; // as in style.css
-const spare = 6; // rows above and below what can be seen
+const overscan = 6; // rows above and below what can be seen
 
 export class EntryList {
   // index among all entries; null when none is selected
@@ -29,7 +29,7 @@ export class EntryList {
       'aria-label': 'Entries',
       'aria-busy': 'true',
       scroll: () => this.draw(),
-      keydown: (event: KeyboardEvent) => this.take(event),
+      keydown: (event: KeyboardEvent) => this.onKeyDown(event),
     },
     this.room,
   );
@@ -49,18 +49,25 @@ export class EntryList {
     this.list.ariaBusy = 'true';
   }
 
-  // Keeps the entry of the selected name selected, if there is one.
+  // Another file was opened, of which no entry is known yet.
+  clear(): void {
+    this.entries = [];
+    this.selected = null;
+    this.applyFilter();
+    this.empty.textContent = 'Checking…';
+    this.onSelect(null);
+  }
+
+  // Keeps the selected entry selected, of several ones of its name the same one, if it is there.
   show(entries: Entry[]): void {
-    const before = this.selected === null ? undefined : this.entries[this.selected];
-    const stays = entries[this.selected ?? 0]?.name === before?.name;
+    const { selected } = this;
+    const before = selected === null ? undefined : this.entries[selected];
+    const earlier = this.entries.slice(0, selected ?? 0);
+    const nth = earlier.filter(({ name }) => name === before?.name).length;
+    const same = entries.flatMap(({ name }, index) => (name === before?.name ? [index] : []));
     this.list.ariaBusy = 'false';
     this.entries = entries;
-    if (before !== undefined && !stays) {
-      const found = entries.findIndex(({ name }) => name === before.name);
-      this.selected = found < 0 ? null : found;
-    }
-    if (this.selected === null || this.selected >= entries.length)
-      this.selected = entries.length > 0 ? 0 : null;
+    this.selected = same[Math.min(nth, same.length - 1)] ?? (entries.length > 0 ? 0 : null);
     this.applyFilter();
     this.onSelect(this.selected);
   }
@@ -90,7 +97,7 @@ export class EntryList {
     this.empty.textContent =
       this.entries.length === 0
         ? 'No entry yet.'
-        : `None of ${counted(this.entries.length, 'entry', 'entries')} matches.`;
+        : `None of ${pluralised(this.entries.length, 'entry', 'entries')} matches.`;
     this.draw();
   }
 
@@ -100,8 +107,8 @@ export class EntryList {
   }
 
   private draw(): void {
-    const first = Math.max(Math.floor(this.list.scrollTop / rowHeight) - spare, 0);
-    const count = Math.ceil(this.list.clientHeight / rowHeight) + 2 * spare;
+    const first = Math.max(Math.floor(this.list.scrollTop / rowHeight) - overscan, 0);
+    const count = Math.ceil(this.list.clientHeight / rowHeight) + 2 * overscan;
     this.room.style.height = `${this.shown.length * rowHeight}px`;
     this.room.replaceChildren(
       ...this.shown.slice(first, first + count).map((index, row) => this.row(index, first + row)),
@@ -142,7 +149,7 @@ export class EntryList {
     );
   }
 
-  private take(event: KeyboardEvent): void {
+  private onKeyDown(event: KeyboardEvent): void {
     const row = this.selected === null ? -1 : this.shown.indexOf(this.selected);
     const page = Math.max(Math.floor(this.list.clientHeight / rowHeight) - 1, 1);
     const last = this.shown.length - 1;

@@ -1,5 +1,5 @@
 // The findings as a list.
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import { labelOf } from '../editor/findings';
 import type { Checked, Fix, Position } from '../engine/protocol';
 
@@ -14,13 +14,28 @@ export class FindingList {
 
   constructor(private readonly parent: HTMLElement) {}
 
+  // Who was at a finding is at the one that has its place then.
   show(checked: Checked): void {
+    const focused = document.activeElement;
+    if (focused === null || !this.parent.contains(focused)) return this.draw(checked);
+    const at = [...this.parent.querySelectorAll('.finding')].findIndex((one) =>
+      one.contains(focused),
+    );
+    const control = focused.classList.contains('fix') ? 'button.fix' : 'button';
+    this.draw(checked);
+    const items = this.parent.querySelectorAll('.finding');
+    const item = at < 0 ? undefined : items[Math.min(at, items.length - 1)];
+    const next = item?.querySelector<HTMLElement>(control) ?? item?.querySelector('button');
+    (next ?? this.parent.querySelector<HTMLElement>('[tabindex]'))?.focus();
+  }
+
+  private draw(checked: Checked): void {
     const { diagnostics } = checked;
     if (diagnostics.length === 0) {
       const all = checked.verdicts.some((count) => count > 0)
         ? 'Nothing is wrong with this file.'
         : 'Nothing to say yet.';
-      this.parent.replaceChildren(element('p', { class: 'empty' }, all));
+      this.parent.replaceChildren(element('p', { class: 'empty', tabindex: -1 }, all));
       return;
     }
     const items = diagnostics.slice(0, mostShown).map((_one, index) => this.item(checked, index));
@@ -32,7 +47,7 @@ export class FindingList {
             element(
               'p',
               { class: 'empty' },
-              `and ${counted(left, 'more finding', 'more findings')}`,
+              `and ${pluralised(left, 'more finding', 'more findings')}`,
             ),
           ]
         : []),
@@ -53,7 +68,7 @@ export class FindingList {
         element(
           'p',
           { class: 'words' },
-          element('span', { class: 'unseen' }, `${kind}: `),
+          element('span', { class: 'visually-hidden' }, `${kind}: `),
           message,
         ),
         element(

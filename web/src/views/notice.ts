@@ -8,6 +8,7 @@ export class Notice {
     text: string,
     kind: 'note' | 'warning' = 'note',
     action?: { label: string; run: () => void },
+    dismiss: () => void = () => {},
   ): void {
     this.root.hidden = false;
     this.root.className = kind === 'warning' ? 'notice is-warning' : 'notice';
@@ -27,7 +28,7 @@ export class Notice {
     this.root.replaceChildren(
       element('p', {}, text),
       ...(action ? [button(action.label, action.run)] : []),
-      button('Dismiss', () => {}),
+      button('Dismiss', dismiss),
     );
   }
 

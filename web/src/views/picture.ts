@@ -1,5 +1,6 @@
 // The tree of an entry as a drawing, from left to right.
 import { svgElement } from '../dom';
+import { visible } from '../invisible';
 import type { TreeNode } from './tree_model';
 
 const lineHeight = 17;
@@ -25,11 +26,15 @@ function measurer(): (text: string) => number {
   return (text) => context.measureText(text).width;
 }
 
+// A text as it is shown, cut between characters.
 function fitted(text: string, measure: (text: string) => number): string {
-  if (measure(text) <= widestText) return text;
-  let end = text.length;
-  while (end > 1 && measure(`${text.slice(0, end)}…`) > widestText) end -= Math.ceil(end / 20);
-  return `${text.slice(0, end)}…`;
+  const whole = visible(text);
+  if (measure(whole) <= widestText) return whole;
+  const characters = Array.from(whole);
+  const cut = (end: number) => `${characters.slice(0, end).join('')}…`;
+  let end = characters.length;
+  while (end > 1 && measure(cut(end)) > widestText) end -= Math.ceil(end / 20);
+  return cut(end);
 }
 
 // The title, what is looked for first, and what is not left at its default.
@@ -102,7 +107,7 @@ function drawn(box: Box): SVGElement[] {
         x: x + margin.x,
         y: y + margin.y + index * lineHeight + 13,
       },
-      line,
+      document.createTextNode(line),
     ),
   );
   return [

@@ -1,5 +1,5 @@
 // The line below the text: what a check found, in numbers.
-import { byId, counted, element } from '../dom';
+import { byId, pluralised, element } from '../dom';
 import type { Checked } from '../engine/protocol';
 
 export function showStatus({ verdicts, severities, complete }: Checked): void {
@@ -7,7 +7,7 @@ export function showStatus({ verdicts, severities, complete }: Checked): void {
   const [found = 0] = verdicts;
   const entries = verdicts.reduce((left, right) => left + right, 0);
   const part = (count: number, name: string, one: string, many: string) =>
-    count > 0 ? element('span', { class: name }, counted(count, one, many)) : null;
+    count > 0 ? element('span', { class: name }, pluralised(count, one, many)) : null;
   byId('status').replaceChildren(
     ...[
       part(errors, 'errors', 'error', 'errors'),
@@ -17,9 +17,9 @@ export function showStatus({ verdicts, severities, complete }: Checked): void {
       element(
         'span',
         {},
-        `${counted(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`,
+        `${pluralised(entries, 'entry', 'entries')}, ${found.toLocaleString('en')} ok`,
       ),
-      complete ? null : element('span', {}, 'looking further…'),
+      complete ? null : element('span', {}, 'still checking…'),
     ].filter((child): child is HTMLSpanElement => child !== null),
   );
   const count = (id: string, number: number) =>

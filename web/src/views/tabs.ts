@@ -7,17 +7,17 @@ export class Tabs {
   constructor(private readonly names: string[]) {
     names.forEach((name, index) => {
       this.tab(name).addEventListener('click', () => this.select(name));
-      this.tab(name).addEventListener('keydown', (event) => this.take(event, index));
+      this.tab(name).addEventListener('keydown', (event) => this.onKeyDown(event, index));
     });
     this.select(names[0]!);
   }
 
   select(selected: string): void {
     for (const name of this.names) {
-      const is = name === selected;
-      this.tab(name).setAttribute('aria-selected', String(is));
-      this.tab(name).tabIndex = is ? 0 : -1;
-      byId(`panel-${name}`).hidden = !is;
+      const isSelected = name === selected;
+      this.tab(name).setAttribute('aria-selected', String(isSelected));
+      this.tab(name).tabIndex = isSelected ? 0 : -1;
+      byId(`panel-${name}`).hidden = !isSelected;
     }
     this.onChange(selected);
   }
@@ -26,7 +26,7 @@ export class Tabs {
     return byId(`tab-${name}`);
   }
 
-  private take(event: KeyboardEvent, index: number): void {
+  private onKeyDown(event: KeyboardEvent, index: number): void {
     const last = this.names.length - 1;
     const next = {
       ArrowRight: index === last ? 0 : index + 1,

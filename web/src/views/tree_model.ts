@@ -9,7 +9,7 @@ export interface Setting {
 // What kztns/entry answers.
 export interface Built {
   tree: Record<string, unknown>;
-  words: Record<string, string>;
+  keys: Record<string, string>; // of the fields
 }
 
 export type NodeKind = 'service' | 'description' | 'list' | 'address' | 'note';
@@ -22,24 +22,31 @@ export interface TreeNode {
   children: TreeNode[];
 }
 
-type Field = { value: string | number | boolean; default: boolean; name?: string };
+// digits: a number as it is, which may be one that JavaScript's numbers do not hold.
+type Field = {
+  value: string | number | boolean;
+  default: boolean;
+  name?: string;
+  digits?: string;
+};
 type Fields = Record<string, unknown>;
-type Words = Record<string, string>; // the keys of fields
+type Keys = Record<string, string>; // of the fields
 
 function isField(value: unknown): value is Field {
   return typeof value === 'object' && value !== null && 'default' in value && 'value' in value;
 }
 
-function wordOf({ value, name }: Field): string {
+function wordOf({ value, name, digits }: Field): string {
   if (name !== undefined) return name;
+  if (digits !== undefined) return digits;
   if (typeof value === 'boolean') return value ? 'ON' : 'OFF';
   return String(value);
 }
 
-function settingsOf(fields: Fields, words: Words): Setting[] {
+function settingsOf(fields: Fields, keys: Keys): Setting[] {
   return Object.entries(fields).flatMap(([key, value]) =>
     isField(value)
-      ? [{ key: words[key] ?? key, value: wordOf(value), byDefault: value.default }]
+      ? [{ key: keys[key] ?? key, value: wordOf(value), byDefault: value.default }]
       : [],
   );
 }
@@ -54,19 +61,19 @@ function textIn(fields: Fields, key: string): string {
 const numbered = (title: string, index: number, count: number) =>
   count > 1 ? `${title} ${index + 1}` : title;
 
-function addressNode(fields: Fields, weights: number, words: Words): TreeNode {
+function addressNode(fields: Fields, weights: number, keys: Keys): TreeNode {
   const weight = Number(textIn(fields, 'weight'));
   const share = weights > 0 ? Math.round((weight * 1000) / weights) / 10 : 100;
   return {
     kind: 'address',
     title: `${textIn(fields, 'host') || '(no host)'}:${textIn(fields, 'port') || '(no port)'}`,
     about: share === 100 ? '' : `${share} %`,
-    settings: settingsOf(fields, words),
+    settings: settingsOf(fields, keys),
     children: [],
   };
 }
 
-function listNode(fields: Fields, index: number, count: number, words: Words): TreeNode {
+function listNode(fields: Fields, index: number, count: number, keys: Keys): TreeNode {
   const addresses = listIn(fields, 'addresses');
   const balances = textIn(fields, 'kzlb') === 'ON';
   const weights = addresses.map((address) => Number(textIn(address, 'weight')));
@@ -76,31 +83,31 @@ function listNode(fields: Fields, index: number, count: number, words: Words): T
     kind: 'list',
     title: numbered('ADDRESS_LIST', index, count),
     about: textIn(fields, 'kzlb_strategy'),
-    settings: settingsOf(fields, words),
-    children: addresses.map((address) => addressNode(address, sum, words)),
+    settings: settingsOf(fields, keys),
+    children: addresses.map((address) => addressNode(address, sum, keys)),
   };
 }
 
-function noteNode(title: string, about: string, fields: Fields, words: Words): TreeNode {
-  return { kind: 'note', title, about, settings: settingsOf(fields, words), children: [] };
+function noteNode(title: string, about: string, fields: Fields, keys: Keys): TreeNode {
+  return { kind: 'note', title, about, settings: settingsOf(fields, keys), children: [] };
 }
 
-function descriptionNode(fields: Fields, index: number, count: number, words: Words): TreeNode {
+function descriptionNode(fields: Fields, index: number, count: number, keys: Keys): TreeNode {
   const lists = listIn(fields, 'address_lists');
   const data = fields['connect_data'] as Fields | null;
   const blacklist = (fields['blacklist'] ?? {}) as Fields;
-  const children = lists.map((list, at) => listNode(list, at, lists.length, words));
+  const children = lists.map((list, at) => listNode(list, at, lists.length, keys));
   if (data) {
     const name = textIn(data, 'service_name') || textIn(data, 'sid');
-    children.push(noteNode('CONNECT_DATA', name, data, words));
+    children.push(noteNode('CONNECT_DATA', name, data, keys));
   }
-  if (settingsOf(blacklist, words).some(({ byDefault }) => !byDefault))
-    children.push(noteNode('KZLB_BLACKLIST', '', blacklist, words));
+  if (settingsOf(blacklist, keys).some(({ byDefault }) => !byDefault))
+    children.push(noteNode('KZLB_BLACKLIST', '', blacklist, keys));
   return {
     kind: 'description',
     title: numbered('DESCRIPTION', index, count),
     about: '',
-    settings: settingsOf(fields, words),
+    settings: settingsOf(fields, keys),
     children,
   };
 }
@@ -108,16 +115,16 @@ function descriptionNode(fields: Fields, index: number, count: number, words: Wo
 // The one service of a tree; null for an entry that is not built.
 export function treeOf(built: Built | null): TreeNode | null {
   if (built === null) return null;
-  const { tree, words } = built;
+  const { tree, keys } = built;
   const service = listIn(tree, 'services')[0];
   if (service === undefined) return null;
   const descriptions = listIn(service, 'descriptions');
   const variables = (service['system_variables'] ?? {}) as Fields;
   const children = descriptions.map((one, at) =>
-    descriptionNode(one, at, descriptions.length, words),
+    descriptionNode(one, at, descriptions.length, keys),
   );
-  if (settingsOf(variables, words).some(({ byDefault }) => !byDefault))
-    children.push(noteNode('KZCISYSTEMVARIABLES', '', variables, words));
+  if (settingsOf(variables, keys).some(({ byDefault }) => !byDefault))
+    children.push(noteNode('KZCISYSTEMVARIABLES', '', variables, keys));
   return {
     kind: 'service',
     title: textIn(service, 'net_service_name'),

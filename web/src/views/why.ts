@@ -1,7 +1,8 @@
 // One lookup, step by step, as kztns why tells it.
-import { counted, element } from '../dom';
+import { pluralised, element } from '../dom';
 import type { Position, Remark, Why } from '../engine/protocol';
 
+type Place = { line: number; column: number };
 type Ask = (identifier: string) => Promise<Why>;
 
 const verdicts = { found: 'ok', 'not found': 'unreachable', malformed: 'refused' };
@@ -9,6 +10,7 @@ const verdicts = { found: 'ok', 'not found': 'unreachable', malformed: 'refused'
 export class WhyView {
   onGoTo: (place: Position) => void = () => {};
 
+  private asked = ''; // empty for nothing yet
   private readonly input = element('input', {
     type: 'text',
     id: 'identifier',
@@ -22,6 +24,7 @@ export class WhyView {
   constructor(
     parent: HTMLElement,
     private readonly ask: Ask,
+    private readonly positionOf: (place: Place) => Position,
   ) {
     parent.append(
       element(
@@ -30,10 +33,11 @@ export class WhyView {
           class: 'ask',
           submit: (event: SubmitEvent) => {
             event.preventDefault();
+            this.asked = this.input.value;
             this.again();
           },
         },
-        element('label', { for: 'identifier' }, 'What a program looks up'),
+        element('label', { for: 'identifier' }, 'Connect identifier'),
         element(
           'div',
           { class: 'row' },
@@ -48,16 +52,21 @@ export class WhyView {
 
   // Asks once more, of a text that has changed.
   again(): void {
-    if (this.input.value === '') return;
-    void this.ask(this.input.value).then(
-      (why) => this.show(why),
+    const { asked } = this;
+    if (asked === '') return;
+    void this.ask(asked).then(
+      (why) => {
+        if (this.asked === asked) this.show(why);
+      },
       () => {},
     );
   }
 
+  // An answer that is the same stays as it is: it would be read out again, and lose the focus.
   private show(why: Why): void {
-    this.answer.hidden = false;
-    this.answer.replaceChildren(
+    const answer = element(
+      'div',
+      {},
       element(
         'h2',
         {},
@@ -66,13 +75,16 @@ export class WhyView {
       ),
       element('ul', { class: 'steps' }, ...this.steps(why)),
     );
+    this.answer.hidden = false;
+    if (answer.innerHTML !== this.answer.innerHTML)
+      this.answer.replaceChildren(...answer.childNodes);
   }
 
   private steps(why: Why): HTMLElement[] {
     const steps: HTMLElement[] = [];
     const add = (mark: string, ...words: (Node | string)[]) =>
       steps.push(element('li', { class: mark }, ...words));
-    if (!why.literal) add('', `${counted(why.skipped, 'entry', 'entries')} passed over`);
+    if (!why.literal) add('', `${pluralised(why.skipped, 'entry', 'entries')} passed over`);
     if (why.entry) add(why.fault ? '' : 'good', 'found at ', this.place(why.entry));
     if (why.fault) add('bad', ...this.remark(why, why.fault));
     else if (!why.entry && !why.literal)
@@ -94,16 +106,17 @@ export class WhyView {
     return [at, `: ${words}`];
   }
 
-  // Columns count bytes; the line is what one looks for.
-  private place({ line, column }: { line: number; column: number }): HTMLElement {
+  // Columns as the list of findings counts them.
+  private place(at: Place): HTMLElement {
+    const position = this.positionOf(at);
     return element(
       'button',
       {
         type: 'button',
         class: 'link',
-        click: () => this.onGoTo({ line: line - 1, character: column - 1 }),
+        click: () => this.onGoTo(position),
       },
-      `${line}:${column}`,
+      `${position.line + 1}:${position.character + 1}`,
     );
   }
 }

@@ -148,6 +148,19 @@ export async function waitForText(tab, selector, words) {
   );
 }
 
+// Ends the worker as a fault in it does.
+export async function endWorker({ tab }) {
+  const worker = tab.workers()[0];
+  await worker
+    .evaluate(() =>
+      setTimeout(() => {
+        throw new Error('no memory left');
+      }),
+    )
+    .catch(() => {});
+  await waitForText(tab, '#notice', 'The checker has stopped (no memory left).');
+}
+
 // An entry that is fine, but for what is added to its connect data.
 export const entry = (name, more = '') =>
   `${name} = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)${more}))\n`;
