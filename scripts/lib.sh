@@ -46,7 +46,7 @@ need_packages() {
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev)
-test_packages=("${build_packages[@]}" libgtest-dev clang ccache locales pkg-config zsh fish)
+test_packages=("${build_packages[@]}" libgtest-dev clang ccache locales patch pkg-config zsh fish)
 
 # configure PRESET [CMAKE OPTION...]
 configure() {

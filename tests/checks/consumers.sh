@@ -8,6 +8,7 @@ set -uo pipefail
 project=$1 build=$2 cc=$3 cxx=$4
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
+export CMAKE_GENERATOR=Ninja  # make need not be there
 export KZCI_TNS_FILE=$project/examples/tnsnames.ora
 unset KZCI_TNS_DISPLAY
 

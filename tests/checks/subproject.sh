@@ -6,6 +6,7 @@ set -uo pipefail
 project=$1 cc=$2 cxx=$3
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
+export CMAKE_GENERATOR=Ninja  # make need not be there
 cd "$scratch" || exit 1
 
 fail() {
