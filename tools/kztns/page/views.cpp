@@ -1,6 +1,8 @@
 #include "page/views.h"
 
+#include <initializer_list>
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 #include "commands/list.h"
 #include "format/format_file.h"
@@ -17,6 +19,12 @@ namespace {
 using kzoci::tns::Block;
 using kzoci::tns::Key;
 using lsp::Json;
+
+std::string joined(std::initializer_list<std::string_view> parts) {
+  std::string text;
+  for (const std::string_view part : parts) text += part;
+  return text;
+}
 
 // Elements between brackets, each as JSON already.
 template <class Elements, class ToJson>
@@ -36,7 +44,7 @@ std::string listed(const lsp::AnalysedEntry &entry, const NamesText &text) {
 
 std::string start_of(const lsp::AnalysedEntry &entry, const lsp::Document &document) {
   const lsp::LinePosition start = document.position(entry.name_span.begin);
-  return "[" + std::to_string(start.line) + "," + std::to_string(start.character) + "]";
+  return joined({"[", std::to_string(start.line), ",", std::to_string(start.character), "]"});
 }
 
 // What the settings of a tree are called in a names file, by their fields in it.
@@ -90,8 +98,8 @@ std::string entries_json(const lsp::Analysis &analysis, const std::string &text)
   const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
   const auto entry = [&](const lsp::AnalysedEntry &one) { return listed(one, lines); };
   const auto start = [&](const lsp::AnalysedEntry &one) { return start_of(one, document); };
-  return "{\"entries\":" + array_of(analysis.entries, entry) +
-         ",\"starts\":" + array_of(analysis.entries, start) + "}";
+  return joined({"{\"entries\":", array_of(analysis.entries, entry),
+                 ",\"starts\":", array_of(analysis.entries, start), "}"});
 }
 
 std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text) {
@@ -105,14 +113,14 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
   });
   nlohmann::ordered_json with_digits = nlohmann::ordered_json::parse(tree);
   add_digits(with_digits);
-  return "{\"tree\":" + with_digits.dump() + ",\"keys\":" + keys_of_fields() + "}";
+  return joined({"{\"tree\":", with_digits.dump(), ",\"keys\":", keys_of_fields(), "}"});
 }
 
 std::string format_json(const lsp::Document &document) {
   const Formatted formatted = format_file(NamesText(document.text()), FormatOptions());
   const auto kept = [&](const KeptEntry &one) { return kept_of(one, document); };
-  return "{\"edits\":" + lsp::text_of(lsp::json_of(formatted.edits, document)) +
-         ",\"kept\":" + array_of(formatted.kept, kept) + "}";
+  return joined({"{\"edits\":", lsp::text_of(lsp::json_of(formatted.edits, document)),
+                 ",\"kept\":", array_of(formatted.kept, kept), "}"});
 }
 
 std::string why_json(const std::string &identifier, const std::string &text) {
