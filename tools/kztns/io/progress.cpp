@@ -7,9 +7,11 @@
 
 namespace kztns {
 
-Progress::Progress(std::uint64_t whole)
+Progress::Progress(std::uint64_t whole) : Progress(whole, isatty(STDERR_FILENO) != 0) {}
+
+Progress::Progress(std::uint64_t whole, bool on_terminal)
     : whole_(std::max<std::uint64_t>(whole, 1)),
-      on_terminal_(isatty(STDERR_FILENO) != 0),
+      on_terminal_(on_terminal),
       next_(Clock::now() + std::chrono::seconds(1)) {}
 
 Progress::~Progress() {

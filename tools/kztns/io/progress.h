@@ -8,7 +8,9 @@ namespace kztns {
 
 class Progress {
  public:
+  // Shown where standard error is a terminal.
   explicit Progress(std::uint64_t whole);
+  Progress(std::uint64_t whole, bool on_terminal);
   // Removes the line.
   ~Progress();
   Progress(const Progress &) = delete;
