@@ -52,6 +52,15 @@ void add_stdin_name(CLI::App *command, Arguments &arguments) {
       ->type_name("NAME");
 }
 
+WriteOptions add_write_options(CLI::App *command, Arguments &arguments) {
+  CLI::Option *const diff =
+      command->add_flag("--diff", arguments.diff, "Print a unified diff instead of the whole file");
+  CLI::Option *const in_place =
+      command->add_flag("--in-place", arguments.in_place,
+                        "Replace the file at once, or not at all; keep the old one as FILE~");
+  return {diff, in_place->excludes(diff)};
+}
+
 const CLI::Validator &is_rule() {
   static const CLI::Validator validator(rule_fault, "");
   return validator;

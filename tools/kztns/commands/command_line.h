@@ -66,6 +66,13 @@ void add_positional_file(CLI::App *command, Arguments &arguments);
 // What standard input is called; for a subcommand that reads it where the file is "-".
 void add_stdin_name(CLI::App *command, Arguments &arguments);
 
+// For a subcommand that writes the file anew: what becomes of the result. One excludes the other.
+struct WriteOptions {
+  CLI::Option *diff;
+  CLI::Option *in_place;
+};
+WriteOptions add_write_options(CLI::App *command, Arguments &arguments);
+
 // Rules that are left out.
 void add_disable(CLI::App *command, const char *purpose, Arguments &arguments);
 RuleSet disabled_rules(const Arguments &arguments);

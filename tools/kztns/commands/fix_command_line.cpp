@@ -7,19 +7,6 @@ namespace {
 constexpr char fix_statuses[] =
     "0 no error is left: check has none for the result, 1 errors are left";
 
-void add_fix_target(CLI::App *fix, Arguments &arguments) {
-  CLI::Option *const diff =
-      fix->add_flag("--diff", arguments.diff, "Print a unified diff instead of the whole file");
-  CLI::Option *const in_place =
-      fix->add_flag("--in-place", arguments.in_place,
-                    "Replace the file at once, or not at all; keep the old one as FILE~")
-          ->excludes(diff);
-  fix->add_option("-o,--output", arguments.output, "Write to this file")
-      ->type_name("FILE")
-      ->excludes(diff)
-      ->excludes(in_place);
-}
-
 }  // namespace
 
 void add_fix(CLI::App &app, Arguments &arguments) {
@@ -39,7 +26,11 @@ void add_fix(CLI::App &app, Arguments &arguments) {
                   "first or last: of the entries of a name, make comments of the others")
       ->type_name("WHICH")
       ->check(CLI::IsMember({"first", "last"}));
-  add_fix_target(fix, arguments);
+  const WriteOptions write = add_write_options(fix, arguments);
+  fix->add_option("-o,--output", arguments.output, "Write to this file")
+      ->type_name("FILE")
+      ->excludes(write.diff)
+      ->excludes(write.in_place);
 }
 
 int run_fix(const CLI::App &command, const Arguments &arguments) {

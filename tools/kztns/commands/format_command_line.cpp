@@ -9,20 +9,6 @@ constexpr char format_statuses[] = "0 done, or laid out already, 1 --check: not 
 // More than that is no indentation any more.
 constexpr std::size_t most_indent = 16;
 
-void add_format_target(CLI::App *format, Arguments &arguments) {
-  CLI::Option *const check =
-      format->add_flag("--check", arguments.check,
-                       "Write nothing; the exit status tells whether anything would change");
-  CLI::Option *const diff =
-      format->add_flag("--diff", arguments.diff, "Print a unified diff instead of the whole file")
-          ->excludes(check);
-  format
-      ->add_flag("--in-place", arguments.in_place,
-                 "Replace the file at once, or not at all; keep the old one as FILE~")
-      ->excludes(check)
-      ->excludes(diff);
-}
-
 }  // namespace
 
 void add_format(CLI::App &app, Arguments &arguments) {
@@ -36,7 +22,11 @@ void add_format(CLI::App &app, Arguments &arguments) {
       ->check(CLI::Range(std::size_t{1}, most_indent).description(""));
   format->add_flag("--one-address-a-line", arguments.one_address_a_line,
                    "Keep each ADDRESS on one line, however long it gets");
-  add_format_target(format, arguments);
+  CLI::Option *const check =
+      format->add_flag("--check", arguments.check,
+                       "Write nothing; the exit status tells whether anything would change");
+  const WriteOptions write = add_write_options(format, arguments);
+  check->excludes(write.diff)->excludes(write.in_place);
 }
 
 int run_format(const CLI::App &command, const Arguments &arguments) {
