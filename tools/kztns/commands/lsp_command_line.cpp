@@ -3,8 +3,11 @@
 #include <array>
 #include <csignal>
 #include <cstdlib>
+#include <new>
+#include <string_view>
 
 #include "commands/command_line.h"
+#include "io/exit_status.h"
 #include "lsp/serve.h"
 #include "text/uri.h"
 
@@ -27,6 +30,13 @@ std::string installed_documents() {
   return uri;
 }
 
+// In whichever thread: no one could catch it in all of them, and the texts are the editor's.
+[[noreturn]] void end_without_memory() {
+  constexpr std::string_view message = "kztns: language server: not enough memory\n";
+  [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, message.data(), message.size());
+  _exit(exit_no_memory);
+}
+
 }  // namespace
 
 void add_lsp(CLI::App &app, Arguments &arguments) {
@@ -43,6 +53,7 @@ void add_lsp(CLI::App &app, Arguments &arguments) {
 int run_lsp() {
   // A client that is gone is an error of the write, not the end of the process.
   std::signal(SIGPIPE, SIG_IGN);
+  std::set_new_handler(end_without_memory);
   return lsp::serve(STDIN_FILENO, STDOUT_FILENO, installed_documents());
 }
 
