@@ -4,7 +4,7 @@ import licences from 'licences';
 
 import { Text } from '@codemirror/state';
 
-import { byId, pluralised, element } from './dom';
+import { byId, element, pluralised } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf, positionOfPlace } from './editor/positions';

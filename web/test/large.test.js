@@ -1,8 +1,14 @@
 // Long files: how long one waits for findings after a key press, and that one can go on typing.
 import assert from 'node:assert/strict';
-import test from 'node:test';
 
-import { checkCount, nextCheck, openFile, openPage, statusOf, textOf } from './support/browser.js';
+import {
+  onPage,
+  openFile,
+  pressTogether,
+  statusOf,
+  textOf,
+  untilChecked,
+} from './support/browser.js';
 
 function fileOfSize(size) {
   const parts = [];
@@ -18,12 +24,11 @@ function fileOfSize(size) {
 }
 
 // The time from a key press to the findings that come of it, in milliseconds: the middle one.
-async function keyToFindings(face, key, presses) {
+async function keyToFindings(page, key, presses) {
   const times = [];
   for (let press = 0; press < presses; press += 1) {
     await new Promise((resolve) => setTimeout(resolve, 600));
-    const before = await checkCount(face);
-    await face.tab.evaluate(() => {
+    await page.tab.evaluate(() => {
       addEventListener('keydown', () => (globalThis.pressed = performance.now()), {
         once: true,
         capture: true,
@@ -34,25 +39,24 @@ async function keyToFindings(face, key, presses) {
       });
       observer.observe(document.getElementById('status'), { childList: true });
     });
-    await face.tab.keyboard.press(key);
-    await nextCheck(face, before);
-    times.push(await face.tab.evaluate(() => globalThis.told - globalThis.pressed));
+    await untilChecked(page, () => page.tab.keyboard.press(key));
+    times.push(await page.tab.evaluate(() => globalThis.told - globalThis.pressed));
   }
   return Math.round(times.sort((left, right) => left - right)[(presses - 1) / 2]);
 }
 
 // How long the page did not heed the keyboard at most while text was typed, in milliseconds.
-async function longestStandstill(face) {
-  await face.tab.evaluate(() => {
+async function longestStandstill(page) {
+  await page.tab.evaluate(() => {
     globalThis.longest = 0;
     new PerformanceObserver((list) => {
       for (const { duration } of list.getEntries())
         globalThis.longest = Math.max(globalThis.longest, duration);
     }).observe({ type: 'longtask' });
   });
-  await face.tab.keyboard.type('# some words ', { delay: 60 });
+  await page.tab.keyboard.type('# some words ', { delay: 60 });
   await new Promise((resolve) => setTimeout(resolve, 1500));
-  return Math.round(await face.tab.evaluate(() => globalThis.longest));
+  return Math.round(await page.tab.evaluate(() => globalThis.longest));
 }
 
 for (const [label, size, limit] of [
@@ -60,28 +64,26 @@ for (const [label, size, limit] of [
   ['1 MB', 1_000_000, 1500],
   ['5 MB', 5_000_000, 4000],
 ])
-  test(`a file of ${label}`, async (context) => {
-    const face = await openPage();
-    await openFile(face, 'long.ora', fileOfSize(size));
-    await statusOf(face, 'nothing wrong');
-    await face.tab.focus('.cm-content');
-    const waited = await keyToFindings(face, 'x', 5);
+  onPage(`a file of ${label}`, async (page, context) => {
+    await openFile(page, 'long.ora', fileOfSize(size));
+    await statusOf(page, 'nothing wrong');
+    await page.tab.focus('.cm-content');
+    const waited = await keyToFindings(page, 'x', 5);
     // The worst key: no lookup comes past it.
-    const broken = await keyToFindings(face, ')', 1);
-    assert.match(await textOf(face.tab, '#status'), /error/);
-    const standstill = await longestStandstill(face);
+    const broken = await keyToFindings(page, ')', 1);
+    assert.match(await textOf(page.tab, '#status'), /error/);
+    const standstill = await longestStandstill(page);
     context.diagnostic(
       `${label}: findings ${waited} ms after a key press, ${broken} ms after one that breaks the file, longest standstill ${standstill} ms`,
     );
     assert.ok(Math.max(waited, broken) < limit, `${waited} ms, ${broken} ms`);
     assert.ok(standstill < 1000, `${standstill} ms`);
     // Of thousands of entries only some are elements.
-    assert.ok((await face.tab.$$('.entry')).length < 60);
-    await face.tab.focus('.entries');
-    await face.tab.keyboard.press('End');
-    await face.tab.waitForFunction(() => document.querySelector('.entry[aria-selected=true]'));
-    assert.deepEqual(face.errors, []);
-    await face.tab.close();
+    assert.ok((await page.tab.$$('.entry')).length < 60);
+    await page.tab.focus('.entries');
+    await page.tab.keyboard.press('End');
+    await page.tab.waitForFunction(() => document.querySelector('.entry[aria-selected=true]'));
+    assert.deepEqual(page.errors, []);
   });
 
 // A file in which each entry is laid out anew, and has a finding that can be fixed.
@@ -96,38 +98,36 @@ function unformattedOfSize(size) {
 }
 
 for (const [label, size, limit] of [['1 MB', 1_000_000, 20_000]])
-  test(`a file of ${label} is laid out, and back again`, { timeout: 120_000 }, async (context) => {
-    const face = await openPage();
-    const { tab } = face;
-    await openFile(face, 'long.ora', unformattedOfSize(size));
-    await tab.evaluate(() => {
-      globalThis.longest = 0;
-      new PerformanceObserver((list) => {
-        for (const { duration } of list.getEntries())
-          globalThis.longest = Math.max(globalThis.longest, duration);
-      }).observe({ type: 'longtask' });
-    });
-    const timed = async (action) => {
-      const before = await checkCount(face);
-      const begin = performance.now();
-      await action();
-      await nextCheck(face, before, 60_000);
-      return Math.round(performance.now() - begin);
-    };
-    const laidOut = await timed(() => tab.click('#format'));
-    assert.equal(await textOf(tab, '#editor .cm-line'), 'n0 =');
-    const undone = await timed(async () => {
-      await tab.focus('.cm-content');
-      await tab.keyboard.down('Control');
-      await tab.keyboard.press('z');
-      await tab.keyboard.up('Control');
-    });
-    assert.match(await textOf(tab, '#editor .cm-line'), /^n0=\(DESC/);
-    const standstill = Math.round(await tab.evaluate(() => globalThis.longest));
-    context.diagnostic(
-      `${label}: laid out after ${laidOut} ms, undone after ${undone} ms, longest standstill ${standstill} ms`,
-    );
-    assert.ok(Math.max(laidOut, undone) < limit, `${laidOut} ms, ${undone} ms`);
-    assert.deepEqual(face.errors, []);
-    await tab.close();
-  });
+  onPage(
+    `a file of ${label} is laid out, and back again`,
+    { timeout: 120_000 },
+    async (page, context) => {
+      const { tab } = page;
+      await openFile(page, 'long.ora', unformattedOfSize(size));
+      await tab.evaluate(() => {
+        globalThis.longest = 0;
+        new PerformanceObserver((list) => {
+          for (const { duration } of list.getEntries())
+            globalThis.longest = Math.max(globalThis.longest, duration);
+        }).observe({ type: 'longtask' });
+      });
+      const timed = async (action) => {
+        const begin = performance.now();
+        await untilChecked(page, action, 60_000);
+        return Math.round(performance.now() - begin);
+      };
+      const laidOut = await timed(() => tab.click('#format'));
+      assert.equal(await textOf(tab, '#editor .cm-line'), 'n0 =');
+      const undone = await timed(async () => {
+        await tab.focus('.cm-content');
+        await pressTogether(tab, 'Control', 'z');
+      });
+      assert.match(await textOf(tab, '#editor .cm-line'), /^n0=\(DESC/);
+      const standstill = Math.round(await tab.evaluate(() => globalThis.longest));
+      context.diagnostic(
+        `${label}: laid out after ${laidOut} ms, undone after ${undone} ms, longest standstill ${standstill} ms`,
+      );
+      assert.ok(Math.max(laidOut, undone) < limit, `${laidOut} ms, ${undone} ms`);
+      assert.deepEqual(page.errors, []);
+    },
+  );

@@ -9,8 +9,8 @@ import {
   clickButton,
   entry,
   openFile,
-  openPage,
-  page,
+  onPage,
+  pageFile,
   replaceText,
   textOf,
   textsOf,
@@ -23,10 +23,9 @@ const hostile =
   `<b>bold</b> = (DESCRIPTION = (<i>key</i> = ${quoted}))\n` +
   `other = (DESCRIPTION = (KZLB = ${quoted})(ADDRESS = (HOST = <u>h</u>)(PORT = 2)))\n`;
 
-test('markup and scripts in a file are shown as they are written', async () => {
-  const face = await openPage();
-  const { tab } = face;
-  await openFile(face, `${'<img src=x onerror=alert(1)>'}.ora`, hostile);
+onPage('markup and scripts in a file are shown as they are written', async (page) => {
+  const { tab } = page;
+  await openFile(page, `${'<img src=x onerror=alert(1)>'}.ora`, hostile);
   const elements = () =>
     tab.$$eval(
       'img, #editor b, #editor i, .side b, .side i, .side u, .side script',
@@ -52,26 +51,22 @@ test('markup and scripts in a file are shown as they are written', async () => {
   assert.match(await textOf(tab, '.answer h2'), /^<img src=x/);
   assert.equal(await elements(), 0);
   assert.equal(await tab.title(), 'kztns: names files');
-  assert.deepEqual(face.errors, []);
-  await tab.close();
+  assert.deepEqual(page.errors, []);
 });
 
-test('what is invisible in a name is shown', async () => {
-  const face = await openPage();
-  await openFile(face, '\u202Eevil.ora', `ab\u202Ecd${entry('').replace('h)', '\u200Bh)')}`);
-  assert.deepEqual(await textsOf(face.tab, '.entry .name'), ['ab\\xe2\\x80\\xaecd']);
-  assert.deepEqual(await textsOf(face.tab, '.entry .link-string'), ['\\xe2\\x80\\x8bh:1/s']);
-  assert.equal(await textOf(face.tab, '#file-name'), '\\xe2\\x80\\xaeevil.ora');
-  const all = await face.tab.$eval('.side', (side) => side.textContent);
+onPage('what is invisible in a name is shown', async (page) => {
+  await openFile(page, '\u202Eevil.ora', `ab\u202Ecd${entry('').replace('h)', '\u200Bh)')}`);
+  assert.deepEqual(await textsOf(page.tab, '.entry .name'), ['ab\\xe2\\x80\\xaecd']);
+  assert.deepEqual(await textsOf(page.tab, '.entry .link-string'), ['\\xe2\\x80\\x8bh:1/s']);
+  assert.equal(await textOf(page.tab, '#file-name'), '\\xe2\\x80\\xaeevil.ora');
+  const all = await page.tab.$eval('.side', (side) => side.textContent);
   assert.doesNotMatch(all, /[\u200B\u202E]/);
-  await face.tab.close();
 });
 
-test('what is invisible is shown in the text, in pictures and in titles', async () => {
-  const face = await openPage();
-  const { tab } = face;
+onPage('what is invisible is shown in the text, in pictures and in titles', async (page) => {
+  const { tab } = page;
   const unseen = ['\u00A0', '\u202F', '\u2066', '\uFFFE', '\uFFFF', '\uFFF9'];
-  await openFile(face, 'a\\x41.ora', `"a${unseen.join('b')}c"${entry('')}`);
+  await openFile(page, 'a\\x41.ora', `"a${unseen.join('b')}c"${entry('')}`);
   assert.equal(await textOf(tab, '#file-name'), 'a\\x5cx41.ora');
   const bytes = (text) => Buffer.from(text).toString('hex').replace(/../g, '\\x$&');
   const expected = `a${unseen.map(bytes).join('b')}c`;
@@ -83,38 +78,32 @@ test('what is invisible is shown in the text, in pictures and in titles', async 
   assert.equal((await tab.$$('#editor .cm-specialChar')).length, unseen.length);
   const all = await tab.$eval('.side', (side) => side.outerHTML.replaceAll('&nbsp;', '\u00A0'));
   assert.ok(unseen.every((one) => !all.includes(one)));
-  await tab.close();
 });
 
-test('the difference marks what is invisible', async () => {
-  const face = await openPage();
-  await replaceText(face, `# \u202E\n${entry('a', '(SERVER = X)')}`);
-  await face.tab.click('#fix-all');
-  await face.tab.waitForSelector('dialog .cm-merge-b .cm-specialChar');
-  await face.tab.close();
+onPage('the difference marks what is invisible', async (page) => {
+  await replaceText(page, `# \u202E\n${entry('a', '(SERVER = X)')}`);
+  await page.tab.click('#fix-all');
+  await page.tab.waitForSelector('dialog .cm-merge-b .cm-specialChar');
 });
 
-test('a hover shows a name as it is written', async () => {
-  const face = await openPage();
+onPage('a hover shows a name as it is written', async (page) => {
   await replaceText(
-    face,
+    page,
     '<b>x</b> = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n',
   );
-  const place = await face.tab.$eval('#editor .cm-line span', (node) => {
+  const place = await page.tab.$eval('#editor .cm-line span', (node) => {
     const { x, y, width, height } = node.getBoundingClientRect();
     return { x: x + width / 2, y: y + height / 2 };
   });
-  await face.tab.mouse.move(place.x, place.y);
-  await face.tab.waitForSelector('.hover');
-  assert.match(await textOf(face.tab, '.hover'), /^<b>x<\/b>: ok/);
-  assert.equal(await face.tab.$('.hover b'), null);
-  await face.tab.close();
+  await page.tab.mouse.move(place.x, place.y);
+  await page.tab.waitForSelector('.hover');
+  assert.match(await textOf(page.tab, '.hover'), /^<b>x<\/b>: ok/);
+  assert.equal(await page.tab.$('.hover b'), null);
 });
 
-test('nothing is loaded and nothing is sent', async () => {
-  const face = await openPage();
-  const { tab, requests } = face;
-  await replaceText(face, hostile);
+onPage('nothing is loaded and nothing is sent', async (page) => {
+  const { tab, requests } = page;
+  await replaceText(page, hostile);
   await tab.click('#format');
   await clickButton(tab, 'Why?', '.tabs');
   // The page itself, and its worker.
@@ -155,15 +144,14 @@ test('nothing is loaded and nothing is sent', async () => {
   assert.equal(refused.sent, 'refused');
   assert.equal(refused.image, 'refused');
   assert.equal(refused.title, 'kztns: names files');
-  assert.ok(face.errors.filter((text) => text.includes('Content Security Policy')).length >= 3);
-  await tab.close();
+  assert.ok(page.errors.filter((text) => text.includes('Content Security Policy')).length >= 3);
 });
 
 test('the page is one file of less than 2 MB when it is compressed', (context) => {
-  const compressed = gzipSync(readFileSync(page), { level: 9 }).length;
-  context.diagnostic(`${statSync(page).size} bytes, ${compressed} compressed`);
+  const compressed = gzipSync(readFileSync(pageFile), { level: 9 }).length;
+  context.diagnostic(`${statSync(pageFile).size} bytes, ${compressed} compressed`);
   assert.ok(compressed < 2e6);
-  const html = readFileSync(page, 'utf8');
+  const html = readFileSync(pageFile, 'utf8');
   assert.match(
     html,
     /default-src 'none'; script-src 'sha256-[^']+' 'wasm-unsafe-eval'; worker-src blob:;/,

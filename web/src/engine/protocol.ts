@@ -23,6 +23,8 @@ export interface Diagnostic {
   message: string;
 }
 
+export const severityNames = { 1: 'error', 2: 'warning', 3: 'note' } as const;
+
 export interface Fix {
   title: string;
   safe: boolean;

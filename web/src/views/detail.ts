@@ -1,6 +1,6 @@
 // The selected entry: verdict, link string, tree and picture.
 import { element } from '../dom';
-import type { Diagnostic, Entry } from '../engine/protocol';
+import { type Diagnostic, type Entry, severityNames } from '../engine/protocol';
 import { showDialog } from './dialog';
 import { drawPicture } from './picture';
 import { drawTree } from './tree';
@@ -95,7 +95,7 @@ export class EntryDetail {
     const facts: HTMLElement[] = findings
       .slice(0, 3)
       .map(({ message, severity }) =>
-        element('p', { class: severity === 1 ? 'reason' : 'reason is-warning' }, message),
+        element('p', { class: `reason is-${severityNames[severity]}` }, message),
       );
     if (entry.link !== '') facts.unshift(this.linkLine(entry.link));
     return facts;

@@ -3,7 +3,7 @@ import { MergeView, unifiedMergeView } from '@codemirror/merge';
 import { ChangeSet, EditorState, type Extension, Text } from '@codemirror/state';
 import { EditorView, highlightSpecialChars, lineNumbers } from '@codemirror/view';
 
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import { tnsnames } from '../editor/language';
 import { changesOf } from '../editor/positions';
 import { theme } from '../editor/theme';

@@ -1,5 +1,5 @@
 // The list of entries. Of thousands only those are elements that can be seen.
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import type { Entry } from '../engine/protocol';
 
 const rowHeight = 52; // as in style.css
