@@ -38,10 +38,23 @@ onPage('shows tree, link string and picture of the selected entry', async (page)
 });
 
 onPage('says of a refused entry why it is', async (page) => {
+  const seconds = await textsOf(page.tab, '.entry .second span:first-child');
+  assert.equal(seconds[0], '10.0.1.11:2881/sales');
+  assert.match(seconds[1], /unknown key SERVER/);
   await page.tab.click('#entry-1');
   await waitForText(page.tab, '.detail h2', 'orders');
   assert.match(await textOf(page.tab, '.detail .reason'), /unknown key SERVER/);
   assert.equal(await page.tab.$eval('.detail .choice', (node) => node.hidden), true);
+});
+
+onPage('tells of the first findings of an entry, and how many there are', async (page) => {
+  await replaceText(page, entry('a', '(W = 1)(X = 2)(Y = 3)(Z = 4)') + entry('b', '(W = 1)'));
+  await page.tab.click('#entry-0');
+  await waitForText(page.tab, '.detail .more', 'and 1 more finding');
+  assert.equal((await page.tab.$$('.detail .reason')).length, 3);
+  await page.tab.click('#entry-1');
+  await waitForText(page.tab, '.detail h2', 'b');
+  assert.equal(await page.tab.$('.detail .more'), null);
 });
 
 onPage('finds entries by a part of name, verdict or address', async (page) => {
@@ -122,7 +135,13 @@ onPage('names the licences of all that is in it', async (page) => {
     assert.ok(text.includes(name), name);
   // The grant stands next to each name, and the texts of the licences are whole.
   const parts = text.split('-'.repeat(40));
-  for (const name of ['Niels Lohmann', 'Bjoern Hoehrmann', 'Emscripten Authors', 'Rich Felker'])
+  for (const name of [
+    'Niels Lohmann',
+    'Bjoern Hoehrmann',
+    'Florian Loitsch',
+    'Emscripten Authors',
+    'Rich Felker',
+  ])
     assert.ok(
       parts.some((part) => part.includes(name) && part.includes('Permission is hereby granted')),
       name,

@@ -17,6 +17,8 @@ Json code_actions(const Question &question);
 Json resolved_action(const Question &question);
 
 Json completion(const Question &question);
+// What a verdict means, in the words of hover.
+std::string_view meaning_of(Verdict verdict);
 Json hover(const Question &question);
 Json document_symbols(const Question &question);
 Json folding_ranges(const Question &question);

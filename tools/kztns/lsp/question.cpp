@@ -25,6 +25,11 @@ std::string with_line_ends(std::string text, bool crlf) {
 
 }  // namespace
 
+Json refusal_of(const Json &id, const Failure &failure) {
+  const Json error = {{"code", static_cast<int>(failure.code)}, {"message", failure.message}};
+  return {{"jsonrpc", "2.0"}, {"id", id}, {"error", error}};
+}
+
 Json Question::refuse(ErrorCode code, std::string message) const {
   failure = Failure{code, std::move(message)};
   return nullptr;
