@@ -142,6 +142,7 @@ TEST_F(PageAnswers, OtherParametersAreRefused) {
       {"kztns/entry", {{"index", "0"}}},
       {"kztns/format", {{"shown", lines(0, 0)}}},
       {"kztns/format", {{"textDocument", document}}},
+      {"kztns/fix", {{"textDocument", document}, {"shown", 1}}},
       {"kztns/why", {{"identifier", "sales"}}},
       {"kztns/why", {{"textDocument", document}}},
       {"kztns/why", {{"textDocument", document}, {"identifier", 1}}},
@@ -210,6 +211,25 @@ TEST_F(PageAnswers, ManyEditsAreJoinedWhereNobodyLooks) {
   }
   EXPECT_GT(in_shown, 9u * 5);
   EXPECT_LT(near.size(), 1200u);
+}
+
+TEST_F(PageAnswers, FixTellsWhatItChanges) {
+  std::string text = entry("a", "(SERVER=X)") + entry("b") + entry("c", "(SERVER=Y)");
+  open(text);
+  const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
+  const Json fixed = result("kztns/fix", params);
+  EXPECT_EQ(fixed["count"], 2u);
+  EXPECT_EQ(support::applied(text, fixed["edits"]), entry("a") + entry("b") + entry("c"));
+  open(entry("a"));
+  EXPECT_EQ(result("kztns/fix", params), Json::parse(R"({"count":0,"edits":[]})"));
+
+  constexpr unsigned count = 3000;
+  text.clear();
+  for (unsigned i = 0; i < count; ++i) text += entry("n" + std::to_string(i), "(SERVER=X)");
+  open(text);
+  const Json many = result("kztns/fix", params);
+  EXPECT_EQ(many["count"], count);
+  EXPECT_LE(many["edits"].size(), 1001u);
 }
 
 TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {

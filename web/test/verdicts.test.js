@@ -5,7 +5,8 @@ import { execFileSync } from 'node:child_process';
 import { readdirSync, readFileSync } from 'node:fs';
 import path from 'node:path';
 
-import { command, fileOf, moduleOf, onPage, openPath, project, textOf } from './support/browser.js';
+import { fileOf, moduleOf, onPage, openPath, textOf } from './support/browser.js';
+import { command, project } from './support/places.js';
 
 const generated = path.join(project, 'build/web/files');
 

@@ -12,6 +12,9 @@ Json diagnostics_of(const Analysis &analysis, const std::string &uri, const Docu
 // What the action is called that applies a finding's fix.
 std::string title_of_fix(const Finding &finding);
 
+// What kztns fix changes in a text, without guesses: sorted.
+std::vector<Edit> edits_of_mending(const std::string &content);
+
 Json code_actions(const Question &question);
 // The edit of an action that was chosen; of another document than before it has none.
 Json resolved_action(const Question &question);

@@ -21,7 +21,8 @@ Page::Handler Page::handler_of(const std::string &name) {
   static constexpr Method methods[] = {
       {"kztns/check", &Page::check}, {"kztns/entries", &Page::entries},
       {"kztns/entry", &Page::entry}, {"kztns/format", &Page::format},
-      {"kztns/why", &Page::why},     {"kztns/words", &Page::words}};
+      {"kztns/fix", &Page::fix},     {"kztns/why", &Page::why},
+      {"kztns/words", &Page::words}};
   for (const Method &method : methods)
     if (method.name == name) return method.handler;
   return nullptr;
@@ -91,13 +92,18 @@ const lsp::Document *Page::document_in(const Json &params) const {
   return server_.document(lsp::text_in(member(params, "textDocument", "uri")).value_or(""));
 }
 
-std::string Page::format(const Json &params) {
+std::string Page::view_of_shown(const Json &params,
+                                std::string (*view)(const lsp::Document &document, Span shown)) {
   const lsp::Document *const document = document_in(params);
   const std::optional<lsp::LineRange> shown = lsp::range_in(member(params, "shown"));
   if (document == nullptr) return refuse(lsp::no_such_document);
   if (!shown) return refuse("expected a range");
-  return format_json(*document, document->span(*shown));
+  return view(*document, document->span(*shown));
 }
+
+std::string Page::format(const Json &params) { return view_of_shown(params, format_json); }
+
+std::string Page::fix(const Json &params) { return view_of_shown(params, fix_json); }
 
 std::string Page::why(const Json &params) {
   const std::optional<std::string> identifier = lsp::text_in(member(params, "identifier"));

@@ -17,6 +17,8 @@
 //   kztns/format  {"textDocument", "shown"}: {"edits", "kept"}, what kztns format would
 //                 change, and {"line", "reason"} for each entry whose text it keeps. Of many
 //                 edits, neighbours are joined outside of the range that is shown
+//   kztns/fix     {"textDocument", "shown"}: {"edits", "count"}, what kztns fix would change
+//                 without guesses, with the edits joined likewise, and how many they were
 //   kztns/why     {"textDocument", "identifier"}: what kztns why says
 //   kztns/words   {"blocks", "keys", "verdicts"}: the keys of blocks; of the fields of a tree,
 //                 their keys in a names file; of the verdicts, their meanings
@@ -51,10 +53,14 @@ class Page {
   std::string entries(const Json &params);
   std::string entry(const Json &params);
   std::string format(const Json &params);
+  std::string fix(const Json &params);
   std::string why(const Json &params);
   std::string words(const Json &params);
   // For an answer that is none.
   std::string refuse(std::string message);
+  // What a view makes of the document and the range that the parameters name.
+  std::string view_of_shown(const Json &params,
+                            std::string (*view)(const lsp::Document &document, Span shown));
   // The document that the parameters name; null for none.
   const lsp::Document *document_in(const Json &params) const;
   // The document that was checked last; null when its text is not there any more.

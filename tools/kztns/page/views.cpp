@@ -174,6 +174,12 @@ std::string format_json(const lsp::Document &document, Span shown) {
                  ",\"kept\":", array_of(formatted.kept, kept), "}"});
 }
 
+std::string fix_json(const lsp::Document &document, Span shown) {
+  const std::vector<Edit> edits = lsp::edits_of_mending(document.text());
+  const std::vector<Edit> joined = joined_edits(edits, document.text(), shown);
+  return lsp::text_of({{"edits", lsp::json_of(joined, document)}, {"count", edits.size()}});
+}
+
 std::string why_json(const std::string &identifier, const std::string &text) {
   Tree tree;
   const Lookup lookup = look_up_in(text, identifier, tree);

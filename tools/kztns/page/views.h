@@ -20,6 +20,9 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
 // See kztns/format.
 std::string format_json(const lsp::Document &document, Span shown);
 
+// See kztns/fix.
+std::string fix_json(const lsp::Document &document, Span shown);
+
 // One lookup in a text.
 std::string why_json(const std::string &identifier, const std::string &text);
 

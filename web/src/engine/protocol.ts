@@ -70,6 +70,12 @@ export interface Formatted {
   kept: { line: number; reason: string }[]; // the entries that keep their text
 }
 
+// What kztns/fix answers.
+export interface Fixed {
+  edits: TextEdit[];
+  count: number; // of the changes; the edits may be fewer
+}
+
 export interface Remark {
   line: number;
   column: number;

@@ -3,15 +3,12 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
 import test, { after } from 'node:test';
-import { fileURLToPath, pathToFileURL } from 'node:url';
+import { pathToFileURL } from 'node:url';
 
 import { transform } from 'esbuild';
 import puppeteer from 'puppeteer-core';
 
-export const project =
-  process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../../..', import.meta.url));
-export const pageFile = path.join(project, 'build/web/kztns.html');
-export const command = path.join(project, 'build/kztns');
+import { pageFile } from './places.js';
 
 const root = process.getuid?.() === 0 ? ['--no-sandbox'] : [];
 const browser = await puppeteer.launch({
