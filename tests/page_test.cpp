@@ -76,6 +76,8 @@ TEST_F(PageAnswers, ACheckTellsFindingsAndEntries) {
   const Json &checked = all[1]["result"];
   EXPECT_EQ(all[1]["id"], 7);
   EXPECT_EQ(checked["complete"], true);
+  EXPECT_EQ(checked["texts"][0], "unknown key SERVER");
+  EXPECT_EQ(checked["texts"].size(), 2u);
   EXPECT_EQ(checked["severities"], Json::parse("[1,1,0]"));
   EXPECT_EQ(checked["verdicts"], Json::parse("[1,1,0,1,0]"));
 

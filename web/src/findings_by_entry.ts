@@ -15,12 +15,11 @@ function countUpTo(starts: Starts, line: number, character: number): number {
   return low;
 }
 
-// An array for each entry.
-export function findingsByEntry(diagnostics: Diagnostic[], starts: Starts): Diagnostic[][] {
-  const found: Diagnostic[][] = starts.map(() => []);
-  for (const diagnostic of diagnostics) {
-    const { line, character } = diagnostic.range.start;
-    found[countUpTo(starts, line, character) - 1]?.push(diagnostic);
-  }
+// For each entry, which of the diagnostics.
+export function findingsByEntry(diagnostics: Diagnostic[], starts: Starts): number[][] {
+  const found: number[][] = starts.map(() => []);
+  diagnostics.forEach(({ range: { start } }, index) =>
+    found[countUpTo(starts, start.line, start.character) - 1]?.push(index),
+  );
   return found;
 }

@@ -164,11 +164,12 @@ async function fixAll(): Promise<void> {
   });
 }
 
-// Tells the list what is said of its entries, as far as that is known of their text.
+// Tells the list what is wrong with its entries, as far as that is known of their text.
 function relateFindings(): void {
-  const isKnown = listed !== null && checked?.version === listed.version;
-  said = isKnown ? findingsByEntry(checked!.diagnostics, listed!.starts) : [];
-  entries.tell(said.map(([first]) => first?.message ?? ''));
+  const known = checked?.version === listed?.version ? checked : null;
+  const byEntry = findingsByEntry(known?.diagnostics ?? [], listed?.starts ?? []);
+  said = byEntry.map((all) => all.map((index) => known!.diagnostics[index]!));
+  entries.tell(byEntry.map(([first]) => (first === undefined ? '' : known!.texts[first]!)));
 }
 
 async function showEntry(index: number | null): Promise<void> {

@@ -5,9 +5,10 @@
 //
 //   kztns/check   checks the text that changed last. The findings are published as the
 //                 server publishes them; the result is null when nothing was left to check,
-//                 otherwise {"complete", "fixes", "severities", "verdicts"}: whether the
-//                 findings are all; for each its fix, {"title", "safe", "edits"}, or null; how
-//                 many errors, warnings and notes there are; how many entries of each verdict
+//                 otherwise {"complete", "fixes", "texts", "severities", "verdicts"}: whether
+//                 the findings are all; for each its fix, {"title", "safe", "edits"}, or null;
+//                 of its message what is wrong alone; how many errors, warnings and notes there
+//                 are; how many entries of each verdict
 //   kztns/entries what was checked last: {"entries", "starts"}, the entries as kztns list has
 //                 them, and where their names begin, [line, character]; null when the text has
 //                 changed since

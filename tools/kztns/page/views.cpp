@@ -138,8 +138,10 @@ std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
 
 std::string checked_json(const lsp::Analysis &analysis, const lsp::Document &document) {
   const auto fix = [&](const Finding &finding) { return fix_of(finding, document); };
+  const auto text = [](const Finding &finding) { return lsp::text_of(finding.text); };
   return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
          ",\"fixes\":" + array_of(analysis.report.findings, fix) +
+         ",\"texts\":" + array_of(analysis.report.findings, text) +
          ",\"severities\":" + lsp::text_of(analysis.report.severities) +
          ",\"verdicts\":" + lsp::text_of(analysis.report.verdicts) + "}";
 }

@@ -46,6 +46,7 @@ export interface Checked {
   complete: boolean;
   diagnostics: Diagnostic[];
   fixes: (Fix | null)[]; // one for each diagnostic
+  texts: string[]; // of each message, what is wrong alone
   severities: [number, number, number];
   verdicts: number[]; // how many entries of each
 }

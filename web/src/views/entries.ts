@@ -159,11 +159,9 @@ export class EntryList {
 
   // The link string; of an entry that has none, why.
   private about(index: number): HTMLElement {
-    const { name, link } = this.entries[index]!;
+    const { link } = this.entries[index]!;
     if (link !== '') return element('span', { class: 'link-string' }, link);
-    const said = this.said[index] ?? '';
-    const prefix = `${name}: `;
-    return element('span', {}, said.startsWith(prefix) ? said.slice(prefix.length) : said);
+    return element('span', {}, this.said[index] ?? '');
   }
 
   private onKeyDown(event: KeyboardEvent): void {
