@@ -128,6 +128,17 @@ TEST(LspDocument, KeepsItsLinesOverChanges) {
   }
 }
 
+TEST(LspDocument, KnowsHowItsLinesEnd) {
+  Document document("a\nb\r\n", 1, Encoding::utf_16);
+  EXPECT_TRUE(document.has_crlf());
+  document.replace({{1, 1}, {2, 0}}, "\n");
+  EXPECT_FALSE(document.has_crlf());
+  document.replace({{0, 1}, {0, 1}}, "\r");
+  EXPECT_TRUE(document.has_crlf());
+  document.set("a\rb\n");
+  EXPECT_FALSE(document.has_crlf());
+}
+
 TEST(LspDocument, TakesARangeThatEndsBeforeItBegins) {
   Document document("abc", 1, Encoding::utf_8);
   document.replace({{0, 2}, {0, 1}}, "x");

@@ -19,6 +19,7 @@
 #include "trace/key_words.h"
 
 using kztns::lsp::Json;
+using support::applied;
 using support::LspClient;
 
 namespace {
@@ -77,14 +78,6 @@ LspClient &with(LspClient &client, const std::string &text) {
   client.initialize();
   client.open(text);
   return client;
-}
-
-// The text after the edits of an answer, which are sorted and do not overlap.
-std::string applied(const std::string &text, const Json &edits) {
-  kztns::lsp::Document document(text, 1, kztns::lsp::Encoding::utf_16);
-  for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit)
-    document.replace(*kztns::lsp::range_in((*edit)["range"]), std::string((*edit)["newText"]));
-  return document.text();
 }
 
 Json range(unsigned line, unsigned begin, unsigned end) {
@@ -486,6 +479,24 @@ TEST(Lsp, TellsOfALongTextInTwoSteps) {
 }
 
 // A check that ends after the text has changed is of no use any more.
+TEST(Lsp, TellsWhatIsWrongWithAChange) {
+  LspClient client;
+  client.initialize();
+  const auto complaint = [&](const Json &params) -> std::string {
+    client.notify("textDocument/didChange", params);
+    const Json &told = client.last_notification();
+    return told["method"] == "window/logMessage" ? told["params"]["message"] : told["method"];
+  };
+  const Json document = {{"uri", LspClient::uri}, {"version", 2}};
+  EXPECT_EQ(complaint({{"textDocument", document}, {"contentChanges", Json::array()}}),
+            "didChange of a document that is not open");
+  client.open(good_entry);
+  EXPECT_EQ(complaint({{"textDocument", document}}),
+            "didChange: expected an array of contentChanges");
+  EXPECT_EQ(complaint({{"textDocument", document}, {"contentChanges", {{"text", ""}}}}),
+            "didChange: expected an array of contentChanges");
+}
+
 TEST(Lsp, DropsTheFindingsOfAnOlderText) {
   LspClient client;
   with(client, good_entry);

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "page/page.h"
+#include "support/lsp_client.h"
 
 using Json = nlohmann::json;
 
@@ -14,6 +15,12 @@ constexpr char uri[] = "tnsnames.ora";
 std::string entry(const std::string &name, const std::string &more = "") {
   return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n  (CONNECT_DATA = (SID = s)" +
          more + "))\n";
+}
+
+// A range from the beginning of a line to that of another one.
+Json lines(unsigned first, unsigned last) {
+  return {{"start", {{"line", first}, {"character", 0}}},
+          {"end", {{"line", last}, {"character", 0}}}};
 }
 
 class PageAnswers : public testing::Test {
@@ -69,6 +76,8 @@ TEST_F(PageAnswers, ACheckTellsFindingsAndEntries) {
   const Json &checked = all[1]["result"];
   EXPECT_EQ(all[1]["id"], 7);
   EXPECT_EQ(checked["complete"], true);
+  EXPECT_EQ(checked["texts"][0], "unknown key SERVER");
+  EXPECT_EQ(checked["texts"].size(), 2u);
   EXPECT_EQ(checked["severities"], Json::parse("[1,1,0]"));
   EXPECT_EQ(checked["verdicts"], Json::parse("[1,1,0,1,0]"));
 
@@ -105,19 +114,53 @@ TEST_F(PageAnswers, ACheckIsMadeOncePerText) {
   EXPECT_TRUE(result("kztns/check").is_null());
 }
 
-TEST_F(PageAnswers, AnEntryHasItsTreeAndTheKeysOfItsFields) {
+TEST_F(PageAnswers, AnEntryHasItsTree) {
   open(entry("sales") + "broken = (DESCRIPTION = (X = 1))\n");
   result("kztns/check");
   const Json sales = result("kztns/entry", {{"index", 0}});
-  const Json &service = sales["tree"]["services"][0];
+  const Json &service = sales["services"][0];
   EXPECT_EQ(service["net_service_name"]["value"], "sales");
   EXPECT_EQ(service["descriptions"][0]["address_lists"][0]["addresses"][0]["host"]["value"], "h");
-  EXPECT_EQ(sales["keys"]["connect_timeout"], "KZLB_CONNECT_TIMEOUT");
-  EXPECT_EQ(sales["keys"]["remove_timeout"], "REMOVE_STRATEGY TIMEOUT");
   EXPECT_TRUE(result("kztns/entry", {{"index", 1}}).is_null());
   EXPECT_TRUE(result("kztns/entry", {{"index", 2}}).is_null());
-  EXPECT_TRUE(result("kztns/entry", {{"index", -1}}).is_null());
-  EXPECT_TRUE(result("kztns/entry", {{"index", "0"}}).is_null());
+}
+
+TEST_F(PageAnswers, WordsAreThoseOfTheGrammarAndOfVerdicts) {
+  const Json words = result("kztns/words");
+  EXPECT_EQ(words["keys"]["connect_timeout"], "KZLB_CONNECT_TIMEOUT");
+  EXPECT_EQ(words["keys"]["remove_timeout"], "REMOVE_STRATEGY TIMEOUT");
+  EXPECT_EQ(words["blocks"],
+            Json::parse(R"(["ADDRESS","ADDRESS_LIST","APPEND_STRATEGY","CONNECT_DATA",
+                            "DESCRIPTION","KZLB_BLACKLIST","REMOVE_STRATEGY"])"));
+  EXPECT_EQ(words["verdicts"].size(), 5u);
+  EXPECT_EQ(words["verdicts"]["shadowed"], "an earlier entry has this name");
+}
+
+TEST_F(PageAnswers, OtherParametersAreRefused) {
+  open(entry("sales"));
+  const Json document = {{"uri", uri}};
+  const std::pair<const char *, Json> asked[] = {
+      {"kztns/entry", {{"index", -1}}},
+      {"kztns/entry", {{"index", "0"}}},
+      {"kztns/format", {{"shown", lines(0, 0)}}},
+      {"kztns/format", {{"textDocument", document}}},
+      {"kztns/fix", {{"textDocument", document}, {"shown", 1}}},
+      {"kztns/why", {{"identifier", "sales"}}},
+      {"kztns/why", {{"textDocument", document}}},
+      {"kztns/why", {{"textDocument", document}, {"identifier", 1}}},
+  };
+  for (const auto &[method, params] : asked) {
+    const Json answer = ask(method, params);
+    EXPECT_EQ(answer["error"]["code"], -32602) << method << params;
+    EXPECT_FALSE(answer.contains("result")) << method << params;
+  }
+  EXPECT_FALSE(result("kztns/why", {{"textDocument", document}, {"identifier", "a"}}).is_null());
+}
+
+TEST_F(PageAnswers, ANotificationHasNoAnswer) {
+  open(entry("sales"));
+  notify("kztns/entries", Json::object());
+  EXPECT_EQ(answers(R"({"method":"kztns/entries","id":null})")[0]["error"]["code"], -32600);
 }
 
 TEST_F(PageAnswers, ANumberHasItsDigits) {
@@ -126,7 +169,7 @@ TEST_F(PageAnswers, ANumberHasItsDigits) {
     open("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(WEIGHT = " + std::string(weight) +
          "))(CONNECT_DATA = (SID = s)))\n");
     result("kztns/check");
-    const Json tree = result("kztns/entry", {{"index", 0}})["tree"];
+    const Json tree = result("kztns/entry", {{"index", 0}});
     const Json &list = tree["services"][0]["descriptions"][0]["address_lists"][0];
     EXPECT_EQ(list["addresses"][0]["weight"]["digits"], weight);
   }
@@ -135,13 +178,60 @@ TEST_F(PageAnswers, ANumberHasItsDigits) {
 TEST_F(PageAnswers, FormatTellsWhatItKeeps) {
   open("good=(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n" +
        entry("bad", "(SERVER=X)"));
-  const Json params = {{"textDocument", {{"uri", uri}}}};
+  const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
   const Json formatted = result("kztns/format", params);
   EXPECT_FALSE(formatted["edits"].empty());
   EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":2,"reason":"the library refuses it"}])"));
   open(entry("bad", "(SERVER=X)"));
   EXPECT_EQ(result("kztns/format", params)["edits"], Json::array());
-  EXPECT_TRUE(result("kztns/format").is_null());
+}
+
+TEST_F(PageAnswers, ManyEditsAreJoinedWhereNobodyLooks) {
+  constexpr unsigned count = 2000;
+  std::string text;
+  for (unsigned i = 0; i < count; ++i)
+    text += "n=(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n";
+  open(text);
+  const auto edits_with = [&](unsigned first, unsigned last) {
+    return result("kztns/format",
+                  {{"textDocument", {{"uri", uri}}}, {"shown", lines(first, last)}})["edits"];
+  };
+  const Json far = edits_with(count - 1, count - 1);
+  EXPECT_LE(far.size(), 1020u);
+  EXPECT_GE(far.size(), 900u);
+  const std::string formatted = support::applied(text, far);
+  EXPECT_EQ(formatted.substr(0, 20), "n =\n  (DESCRIPTION =");
+  // Of the lines that are shown each blank is an edit of its own.
+  const Json near = edits_with(1000, 1009);
+  EXPECT_EQ(support::applied(text, near), formatted);
+  unsigned in_shown = 0;
+  for (const Json &edit : near) {
+    const unsigned line = edit["range"]["start"]["line"];
+    if (line < 1000 || line > 1008) continue;
+    ++in_shown;
+    EXPECT_EQ(edit["range"]["end"]["line"], line);
+  }
+  EXPECT_GT(in_shown, 9u * 5);
+  EXPECT_LT(near.size(), 1200u);
+}
+
+TEST_F(PageAnswers, FixTellsWhatItChanges) {
+  std::string text = entry("a", "(SERVER=X)") + entry("b") + entry("c", "(SERVER=Y)");
+  open(text);
+  const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
+  const Json fixed = result("kztns/fix", params);
+  EXPECT_EQ(fixed["count"], 2u);
+  EXPECT_EQ(support::applied(text, fixed["edits"]), entry("a") + entry("b") + entry("c"));
+  open(entry("a"));
+  EXPECT_EQ(result("kztns/fix", params), Json::parse(R"({"count":0,"edits":[]})"));
+
+  constexpr unsigned count = 3000;
+  text.clear();
+  for (unsigned i = 0; i < count; ++i) text += entry("n" + std::to_string(i), "(SERVER=X)");
+  open(text);
+  const Json many = result("kztns/fix", params);
+  EXPECT_EQ(many["count"], count);
+  EXPECT_LE(many["edits"].size(), 1001u);
 }
 
 TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {
@@ -172,8 +262,6 @@ TEST_F(PageAnswers, WhyReadsTheTextThatIsOpen) {
   EXPECT_EQ(literal["literal"], true);
   EXPECT_EQ(literal["link"], "x:2/t");
   EXPECT_TRUE(literal["file"].is_null());
-  EXPECT_TRUE(result("kztns/why", {{"identifier", "sales"}}).is_null());
-  EXPECT_TRUE(result("kztns/why", {{"textDocument", {{"uri", uri}}}}).is_null());
 }
 
 TEST_F(PageAnswers, TheServersMethodsAreTheServers) {
@@ -198,7 +286,6 @@ TEST_F(PageAnswers, MarkupInNamesIsText) {
   open(entry(name));
   result("kztns/check");
   EXPECT_EQ(result("kztns/entries")["entries"][0]["name"], name);
-  EXPECT_EQ(
-      result("kztns/entry", {{"index", 0}})["tree"]["services"][0]["net_service_name"]["value"],
-      name);
+  EXPECT_EQ(result("kztns/entry", {{"index", 0}})["services"][0]["net_service_name"]["value"],
+            name);
 }

@@ -14,6 +14,14 @@ namespace support {
 
 using kztns::lsp::Json;
 
+// The text after the edits of an answer, which are sorted and do not overlap.
+inline std::string applied(const std::string &text, const Json &edits) {
+  kztns::lsp::Document document(text, 1, kztns::lsp::Encoding::utf_16);
+  for (auto edit = edits.rbegin(); edit != edits.rend(); ++edit)
+    document.replace(*kztns::lsp::range_in((*edit)["range"]), std::string((*edit)["newText"]));
+  return document.text();
+}
+
 class LspClient {
  public:
   explicit LspClient(std::string documents = "file:///doc/diagnostics.md")

@@ -10,6 +10,7 @@ import { fileURLToPath } from 'node:url';
 
 import { build } from 'esbuild';
 
+import { loadEngine } from './engine.js';
 import { licences } from './licences.js';
 
 const web = path.dirname(path.dirname(fileURLToPath(import.meta.url)));
@@ -45,6 +46,10 @@ async function bundle(entry, options) {
   return { text: outputFiles[0].text, inputs: Object.keys(metafile.inputs) };
 }
 
+// What the command calls things, asked of it once.
+const askEngine = await loadEngine(engine);
+const [{ result: words }] = askEngine({ id: 1, method: 'kztns/words' });
+
 const glue = await readFile(path.join(engine, 'kztns_engine.js'), 'utf8');
 const worker = await bundle(source('engine/worker.ts'), {
   format: 'iife',
@@ -61,6 +66,7 @@ const page = await bundle(source('main.ts'), {
         contents: await readFile(path.join(engine, 'kztns_engine.wasm')),
         loader: 'binary',
       },
+      words: { contents: JSON.stringify(words), loader: 'json' },
       'worker-source': { contents: worker.text, loader: 'text' },
       licences: { contents: await licences(web, process.env.KZTNS_PROJECT), loader: 'text' },
     }),

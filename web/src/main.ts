@@ -4,13 +4,14 @@ import licences from 'licences';
 
 import { Text } from '@codemirror/state';
 
-import { byId, pluralised, element } from './dom';
+import { byId, element, pluralised } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf, positionOfPlace } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, Formatted, Listed, TextEdit, Why } from './engine/protocol';
+import type { Checked, Diagnostic, Fixed, Formatted, Listed, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
+import { findingsByEntry } from './findings_by_entry';
 import { visible, withEscapedBackslashes } from './invisible';
 import { Notice } from './views/notice';
 import { EntryDetail } from './views/detail';
@@ -20,7 +21,7 @@ import { EntryList } from './views/entries';
 import { FindingList } from './views/findings';
 import { showStatus } from './views/status';
 import { Tabs } from './views/tabs';
-import type { Built } from './views/tree_model';
+import type { Tree } from './views/tree_model';
 import { WhyView } from './views/why';
 
 const exampleFile: OpenedFile = { name: 'example.ora', text: example, lineEnd: '\n', remark: '' };
@@ -44,6 +45,7 @@ let kept = editor.view.state.doc; // as it was opened or downloaded
 const edited: OpenedFile[] = []; // what was written in files that others took the place of
 let checked: Checked | null = null;
 let listed: Listed | null = null;
+let said: Diagnostic[][] = []; // of each entry that is listed
 
 // Whether what is known is of the text that is shown.
 const isCurrent = (known: Checked | Listed | null) => known?.version === client.textVersion;
@@ -139,7 +141,7 @@ function wordsOfKept(kept: Formatted['kept']): string {
 
 async function format(): Promise<void> {
   const version = client.textVersion;
-  const { edits, kept } = await client.ask<Formatted>('kztns/format');
+  const { edits, kept } = await client.ask<Formatted>('kztns/format', { shown: editor.shown });
   if (version !== client.textVersion) return;
   if (edits.length > 0) editor.apply(edits);
   const isDone = edits.length === 0 && kept.length === 0;
@@ -150,43 +152,32 @@ async function format(): Promise<void> {
 
 async function fixAll(): Promise<void> {
   const before = editor.view.state.doc;
-  const everywhere = { start: { line: 0, character: 0 }, end: { line: 0, character: 0 } };
-  const [action] = await client.ask<{ edit: { changes: Record<string, TextEdit[]> } }[]>(
-    'textDocument/codeAction',
-    { range: everywhere, context: { diagnostics: [], only: ['source.fixAll'] } },
-  );
-  const edits = action === undefined ? [] : Object.values(action.edit.changes).flat();
+  const { edits, count } = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
   if (editor.view.state.doc !== before) return;
   if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
   const isLeft = (index: number) =>
     checked?.diagnostics[index]?.severity === 1 && !checked.fixes[index]?.safe;
   const errorsLeft = checked?.diagnostics.filter((_one, index) => isLeft(index)).length ?? 0;
-  offerFixes(before, edits, errorsLeft, () => {
+  offerFixes(before, { edits, count }, errorsLeft, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
   });
 }
 
-// What is said between the entry's name and the next one's.
-function findingsOf(index: number, of: Listed) {
-  const [first, next] = [of.starts[index]!, of.starts[index + 1]];
-  const isBefore = (line: number, character: number, [l, c]: [number, number]) =>
-    line < l || (line === l && character < c);
-  const diagnostics = checked?.version === of.version ? checked.diagnostics : [];
-  return diagnostics.filter(({ range: { start } }) => {
-    const { line, character } = start;
-    return (
-      !isBefore(line, character, first) && (next === undefined || isBefore(line, character, next))
-    );
-  });
+// Tells the list what is wrong with its entries, as far as that is known of their text.
+function relateFindings(): void {
+  const known = checked?.version === listed?.version ? checked : null;
+  const byEntry = findingsByEntry(known?.diagnostics ?? [], listed?.starts ?? []);
+  said = byEntry.map((all) => all.map((index) => known!.diagnostics[index]!));
+  entries.tell(byEntry.map(([first]) => (first === undefined ? '' : known!.texts[first]!)));
 }
 
 async function showEntry(index: number | null): Promise<void> {
   const of = listed;
   const entry = index === null ? undefined : of?.entries[index];
   if (entry === undefined || of === null || index === null) return detail.clear();
-  const built = await client.ask<Built | null>('kztns/entry', { index });
-  if (listed === of && isCurrent(of)) detail.show(entry, findingsOf(index, of), built);
+  const built = await client.ask<Tree | null>('kztns/entry', { index });
+  if (listed === of && isCurrent(of)) detail.show(entry, said[index] ?? [], built);
 }
 
 // What cannot be asked any more is said of the checker already.
@@ -204,13 +195,18 @@ client.onChecked = (result) => {
   showFindings(editor.view, result, () => checked === result && isCurrent(result));
   showStatus(result);
   byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.safe);
-  if (listed?.version !== result.version) entries.expect();
-  else showEntryOrNothing(entries.chosen);
+  if (listed?.version !== result.version) {
+    entries.expect();
+  } else {
+    relateFindings();
+    showEntryOrNothing(entries.chosen);
+  }
   findings.show(result);
   why.again();
 };
 client.onListed = (result) => {
   listed = result;
+  relateFindings();
   entries.show(result.entries);
 };
 client.onFailure = offerStart;

@@ -2,9 +2,8 @@
 import assert from 'node:assert/strict';
 import { createRequire } from 'node:module';
 import { readFileSync } from 'node:fs';
-import test from 'node:test';
 
-import { openPage, replaceText, textOf } from './support/browser.js';
+import { onPage, replaceText, textOf } from './support/browser.js';
 
 const axe = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
 
@@ -40,22 +39,22 @@ for (const [scheme, width] of [
   ['light', 360],
 ])
   for (const [name, show] of Object.entries(views))
-    test(`axe-core finds nothing: ${name}, ${scheme}, ${width} pixels`, async () => {
-      const face = await openPage({ scheme, width });
-      await show(face);
-      await new Promise((resolve) => setTimeout(resolve, 250));
-      assert.deepEqual(await findingsOf(face), []);
-      await face.tab.close();
-    });
+    onPage(
+      `axe-core finds nothing: ${name}, ${scheme}, ${width} pixels`,
+      { scheme, width },
+      async (page) => {
+        await show(page);
+        await new Promise((resolve) => setTimeout(resolve, 250));
+        assert.deepEqual(await findingsOf(page), []);
+      },
+    );
 
 for (const width of [360, 768, 1280])
-  test(`nothing is wider than a screen of ${width} pixels`, async () => {
-    const face = await openPage({ width });
+  onPage(`nothing is wider than a screen of ${width} pixels`, { width }, async (page) => {
     for (const show of [views.entries, views.findings, views.why]) {
-      await show(face);
-      assert.equal(await face.tab.evaluate(() => document.documentElement.scrollWidth), width);
+      await show(page);
+      assert.equal(await page.tab.evaluate(() => document.documentElement.scrollWidth), width);
     }
-    await face.tab.close();
   });
 
 const focused = (tab) =>
@@ -64,9 +63,8 @@ const focused = (tab) =>
     return id || className || textContent;
   });
 
-test('the keyboard reaches everything, and leaves the text again', async () => {
-  const face = await openPage();
-  const { tab } = face;
+onPage('the keyboard reaches everything, and leaves the text again', async (page) => {
+  const { tab } = page;
   const reached = [];
   for (let step = 0; step < 30; step += 1) {
     await tab.keyboard.press('Tab');
@@ -86,12 +84,10 @@ test('the keyboard reaches everything, and leaves the text again', async () => {
     'licences',
   ])
     assert.ok(reached.includes(one), `${one} in ${reached}`);
-  await tab.close();
 });
 
-test('arrows go through tabs and entries', async () => {
-  const face = await openPage();
-  const { tab } = face;
+onPage('arrows go through tabs and entries', async (page) => {
+  const { tab } = page;
   await tab.focus('#tab-entries');
   await tab.keyboard.press('ArrowRight');
   assert.equal(await focused(tab), 'tab-findings');
@@ -108,18 +104,15 @@ test('arrows go through tabs and entries', async () => {
   );
   await tab.keyboard.press('Enter');
   assert.equal(await textOf(tab, '.cm-activeLine'), 'orders =');
-  await tab.close();
 });
 
-test('a screen reader is told what was found', async () => {
-  const face = await openPage();
-  await replaceText(face, 'a = (DESCRIPTION = (X = 1))\n');
+onPage('a screen reader is told what was found', async (page) => {
+  await replaceText(page, 'a = (DESCRIPTION = (X = 1))\n');
   for (const wanted of [
     '[name="Names file"][role="textbox"]',
     '[name="Entries"][role="listbox"]',
     '[name="Entries 1"][role="tab"]',
   ])
-    assert.ok(await face.tab.$(`::-p-aria(${wanted})`), wanted);
-  assert.equal(await face.tab.$eval('#status', (node) => node.getAttribute('aria-live')), 'polite');
-  await face.tab.close();
+    assert.ok(await page.tab.$(`::-p-aria(${wanted})`), wanted);
+  assert.equal(await page.tab.$eval('#status', (node) => node.getAttribute('aria-live')), 'polite');
 });

@@ -1,37 +1,17 @@
 // The engine alone, in node: one request, one answer.
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
-import { createRequire } from 'node:module';
-import path from 'node:path';
 import test from 'node:test';
-import { fileURLToPath } from 'node:url';
 
-const project = process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../..', import.meta.url));
-const folder = path.join(project, 'build/web/web/engine');
-const createEngine = createRequire(import.meta.url)(path.join(folder, 'kztns_engine.js'));
+import { loadEngine } from '../build/engine.js';
+import { engineFolder } from './support/places.js';
 
 const uri = 'tnsnames.ora';
 const text =
   'sales = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n' +
   '  (CONNECT_DATA = (SERVICE_NAME = sales)(SERVER = DEDICATED)))\n';
 
-async function newEngine() {
-  const engine = await createEngine({
-    wasmBinary: readFileSync(path.join(folder, 'kztns_engine.wasm')),
-  });
-  return (message) => {
-    const bytes = Buffer.from(JSON.stringify(message));
-    const place = engine._malloc(bytes.length);
-    engine.HEAPU8.set(bytes, place);
-    const answer = engine._kztns_answer(place, bytes.length);
-    engine._free(place);
-    const length = engine._kztns_answer_length();
-    return JSON.parse(Buffer.from(engine.HEAPU8.subarray(answer, answer + length)).toString());
-  };
-}
-
 test('the engine answers the requests of the page', async () => {
-  const ask = await newEngine();
+  const ask = await loadEngine(engineFolder);
   ask({ id: 1, method: 'initialize', params: { capabilities: {} } });
   ask({ method: 'textDocument/didOpen', params: { textDocument: { uri, version: 1, text } } });
   const [published, answer] = ask({ id: 2, method: 'kztns/check' });

@@ -3,9 +3,9 @@
 import assert from 'node:assert/strict';
 import { readFileSync, statSync } from 'node:fs';
 import path from 'node:path';
-import test from 'node:test';
 
-import { openPage, project, scratchFolder } from './support/browser.js';
+import { onPage, scratchFolder } from './support/browser.js';
+import { project } from './support/places.js';
 
 const target = process.env.KZTNS_PICTURES || null;
 
@@ -56,17 +56,15 @@ async function difference({ tab }, ...files) {
 }
 
 for (const [name, [options, prepare]] of Object.entries(pictures))
-  test(`docs/${name}`, async () => {
-    const face = await openPage(options);
-    await prepare(face);
+  onPage(`docs/${name}`, options, async (page) => {
+    await prepare(page);
     await new Promise((resolve) => setTimeout(resolve, 600));
     // A caret that blinks is no difference.
-    await face.tab.addStyleTag({ content: '.cm-cursorLayer { visibility: hidden }' });
+    await page.tab.addStyleTag({ content: '.cm-cursorLayer { visibility: hidden }' });
     const taken = path.join(target ?? scratchFolder, name);
-    await face.tab.screenshot({ path: taken });
+    await page.tab.screenshot({ path: taken });
     const kept = path.join(project, 'docs', name);
     assert.ok(statSync(taken).size < largest);
-    const part = await difference(face, taken, kept);
+    const part = await difference(page, taken, kept);
     assert.ok(part < sameButForLetters, `${part} of it differs: run scripts/web --pictures`);
-    await face.tab.close();
   });

@@ -4,17 +4,9 @@ import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { readdirSync, readFileSync } from 'node:fs';
 import path from 'node:path';
-import test from 'node:test';
 
-import {
-  checkCount,
-  command,
-  fileOf,
-  nextCheck,
-  openPage,
-  project,
-  textOf,
-} from './support/browser.js';
+import { fileOf, moduleOf, onPage, openPath, textOf } from './support/browser.js';
+import { command, project } from './support/places.js';
 
 const generated = path.join(project, 'build/web/files');
 
@@ -28,11 +20,11 @@ function listed(file) {
   ]);
 }
 
+const { invisible } = await moduleOf('invisible.ts');
+
 // What is invisible is shown by its bytes, an empty name as such.
 const visible = (text) =>
-  text.replace(/[\0-\x1f\uFEFF\u200B]/g, (one) =>
-    Buffer.from(one).toString('hex').replace(/../g, '\\x$&'),
-  );
+  text.replace(invisible, (one) => Buffer.from(one).toString('hex').replace(/../g, '\\x$&'));
 const shown = ([name, line, verdict, link]) => [
   name === '' ? '""' : visible(name),
   line,
@@ -46,48 +38,42 @@ async function shownEntries(tab) {
       row.querySelector('.name').textContent,
       row.querySelector('.second span:last-child').textContent.replace('line ', ''),
       row.querySelector('.verdict').textContent,
-      row.querySelector('.link-string').textContent,
+      row.querySelector('.link-string')?.textContent ?? '',
     ]),
   );
 }
 
-async function openAndList(face, file) {
-  const before = await checkCount(face);
-  await (await face.tab.$('#file')).uploadFile(file);
-  await nextCheck(face, before);
-  return shownEntries(face.tab);
+async function openAndList(page, file) {
+  await openPath(page, file);
+  return shownEntries(page.tab);
 }
 
-test('the odd files that are kept', async () => {
-  const face = await openPage({ height: 1600 });
+onPage('the odd files that are kept', { height: 1600 }, async (page) => {
   const folder = path.join(project, 'tests/probes');
   const files = readdirSync(folder).filter((name) => name.endsWith('.ora'));
   assert.ok(files.length >= 54);
   for (const name of files) {
-    const entries = await openAndList(face, path.join(folder, name));
+    const entries = await openAndList(page, path.join(folder, name));
     if (name === '05_utf16le.ora') {
       // It is converted, which the page says.
-      assert.match(await textOf(face.tab, '#notice'), /UTF-16/);
+      assert.match(await textOf(page.tab, '#notice'), /UTF-16/);
       const text = readFileSync(path.join(folder, name)).toString('utf16le').replace('\uFEFF', '');
       assert.deepEqual(entries, listed(fileOf(name, text)).map(shown), name);
     } else {
       assert.deepEqual(entries, listed(path.join(folder, name)).map(shown), name);
     }
   }
-  await face.tab.close();
 });
 
-test('300 generated files', async () => {
-  const face = await openPage({ height: 1600 });
+onPage('300 generated files', { height: 1600 }, async (page) => {
   const files = readdirSync(generated).filter((name) => name.endsWith('.ora'));
   assert.equal(files.length, 300);
   const verdicts = new Set();
   for (const name of files) {
     const file = path.join(generated, name);
     const expected = listed(file).map(shown);
-    assert.deepEqual(await openAndList(face, file), expected, name);
+    assert.deepEqual(await openAndList(page, file), expected, name);
     expected.forEach(([, , verdict]) => verdicts.add(verdict));
   }
   assert.ok(verdicts.has('ok') && verdicts.has('refused') && verdicts.has('unreachable'));
-  await face.tab.close();
 });

@@ -12,11 +12,16 @@ Json diagnostics_of(const Analysis &analysis, const std::string &uri, const Docu
 // What the action is called that applies a finding's fix.
 std::string title_of_fix(const Finding &finding);
 
+// What kztns fix changes in a text, without guesses: sorted.
+std::vector<Edit> edits_of_mending(const std::string &content);
+
 Json code_actions(const Question &question);
 // The edit of an action that was chosen; of another document than before it has none.
 Json resolved_action(const Question &question);
 
 Json completion(const Question &question);
+// What a verdict means, in the words of hover.
+std::string_view meaning_of(Verdict verdict);
 Json hover(const Question &question);
 Json document_symbols(const Question &question);
 Json folding_ranges(const Question &question);

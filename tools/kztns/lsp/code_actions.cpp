@@ -54,7 +54,29 @@ bool has_safe_fix(const Analysis &analysis) {
       [](const Finding &finding) { return finding.fix.applicability == Applicability::safe; });
 }
 
-// What kztns fix makes of the text: what was kept of it, and what is there instead.
+Json edit_of_all(const Question &question) {
+  return workspace_edit(question.uri,
+                        json_of(edits_of_mending(question.document.text()), question.document));
+}
+
+Json action_of_all(const Question &question) {
+  Json action = {{"title", "Fix all that kztns fix mends safely"}, {"kind", fix_all}};
+  if (question.client.resolves_edits)
+    action["data"] = {{"uri", question.uri}, {"version", question.document.version()}};
+  else
+    action["edit"] = edit_of_all(question);
+  return action;
+}
+
+}  // namespace
+
+std::string title_of_fix(const Finding &finding) {
+  const bool guesses = finding.fix.applicability == Applicability::unsafe;
+  return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
+         std::string(row_of(finding.rule).id) + "]";
+}
+
+// What was kept of the text, and what is there instead.
 std::vector<Edit> edits_of_mending(const std::string &content) {
   const NamesText text(content);
   Mender mender(text, {"names"});
@@ -77,28 +99,6 @@ std::vector<Edit> edits_of_mending(const std::string &content) {
   }
   add(static_cast<Offset>(content.size()), static_cast<Offset>(result.size()));
   return edits;
-}
-
-Json edit_of_all(const Question &question) {
-  return workspace_edit(question.uri,
-                        json_of(edits_of_mending(question.document.text()), question.document));
-}
-
-Json action_of_all(const Question &question) {
-  Json action = {{"title", "Fix all that kztns fix mends safely"}, {"kind", fix_all}};
-  if (question.client.resolves_edits)
-    action["data"] = {{"uri", question.uri}, {"version", question.document.version()}};
-  else
-    action["edit"] = edit_of_all(question);
-  return action;
-}
-
-}  // namespace
-
-std::string title_of_fix(const Finding &finding) {
-  const bool guesses = finding.fix.applicability == Applicability::unsafe;
-  return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
-         std::string(row_of(finding.rule).id) + "]";
 }
 
 Json code_actions(const Question &question) {

@@ -15,8 +15,14 @@ Document::Document(std::string text, std::int64_t version, Encoding encoding)
 
 void Document::set(std::string text) {
   text_ = std::move(text);
+  has_crlf_.reset();
   lines_ = {0};
   find_lines(0, size(), lines_);
+}
+
+bool Document::has_crlf() const {
+  if (!has_crlf_) has_crlf_ = text_.find("\r\n") != std::string::npos;
+  return *has_crlf_;
 }
 
 // A line ends with a line feed, a carriage return or both.
@@ -42,6 +48,7 @@ void Document::replace(LineRange range, std::string_view text) {
   std::vector<Offset> after(last, lines_.end());
   for (Offset &line : after) line = line - removed + added;
   text_.replace(begin, removed, text);
+  has_crlf_.reset();
   lines_.resize(first + 1);
   find_lines(lines_[first], after.empty() ? size() : after.front() - 1, lines_);
   lines_.insert(lines_.end(), after.begin(), after.end());

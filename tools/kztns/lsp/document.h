@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,9 @@ class Document {
   std::int64_t version() const { return version_; }
   void set_version(std::int64_t version) { version_ = version; }
 
+  // Whether a line ends with both a carriage return and a line feed.
+  bool has_crlf() const;
+
   // Replaces all of it, or a part.
   void set(std::string text);
   void replace(LineRange range, std::string_view text);
@@ -55,6 +59,8 @@ class Document {
   std::int64_t version_;
   Encoding encoding_;
   std::vector<Offset> lines_;  // where each begins
+  // Of a text with thousands of edits it is asked for each; absent when it has changed since.
+  mutable std::optional<bool> has_crlf_;
 };
 
 }  // namespace kztns::lsp

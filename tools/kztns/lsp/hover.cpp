@@ -66,14 +66,6 @@ std::string tree_of(KZCITnsService &service) {
   return text;
 }
 
-std::string words_of(Verdict verdict) {
-  constexpr std::string_view words[] = {
-      "ok: lookups find it", "refused: the library cannot build it",
-      "unreachable: no lookup comes to it", "shadowed: an earlier entry has this name",
-      "reserved: the system variables"};
-  return std::string(words[static_cast<std::size_t>(verdict)]);
-}
-
 // Why an entry is refused, or what else is said of it.
 std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
   std::string text;
@@ -91,7 +83,8 @@ std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
 
 std::string text_of_entry(const Question &question, const Analysis &analysis,
                           const AnalysedEntry &entry) {
-  std::string text = "**" + code(entry.name) + "**: " + words_of(entry.verdict) + "\n";
+  std::string text = "**" + code(entry.name) + "**: ";
+  text.append(name_of(entry.verdict)).append(": ").append(meaning_of(entry.verdict)).append("\n");
   if (!entry.link.empty()) text += "\nLink string: " + code(entry.link) + "\n";
   text += findings_of(analysis, entry);
   if (entry.built)
@@ -135,6 +128,13 @@ std::string text_of_item(const Question &question, const Place &place) {
 }
 
 }  // namespace
+
+std::string_view meaning_of(Verdict verdict) {
+  constexpr std::string_view meanings[] = {
+      "lookups find it", "the library cannot build it", "no lookup comes to it",
+      "an earlier entry has this name", "the system variables"};
+  return meanings[static_cast<std::size_t>(verdict)];
+}
 
 Json hover(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));

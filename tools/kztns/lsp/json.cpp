@@ -25,6 +25,8 @@ std::optional<std::string> text_in(const Json &value) {
 
 bool is_true(const Json &value) { return value.is_boolean() && value.get<bool>(); }
 
+bool is_id(const Json &value) { return value.is_number_integer() || value.is_string(); }
+
 bool has_text(const Json &array, const char *text) {
   return array.is_array() && std::any_of(array.begin(), array.end(), [&](const Json &value) {
            return text_in(value) == std::string(text);

@@ -24,6 +24,9 @@ std::optional<std::int64_t> integer_in(const Json &value);
 std::optional<std::string> text_in(const Json &value);
 bool is_true(const Json &value);
 
+// Whether a request may have it as its id.
+bool is_id(const Json &value);
+
 // Whether an array has a text.
 bool has_text(const Json &array, const char *text);
 

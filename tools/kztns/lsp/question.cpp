@@ -25,6 +25,11 @@ std::string with_line_ends(std::string text, bool crlf) {
 
 }  // namespace
 
+Json refusal_of(const Json &id, const Failure &failure) {
+  const Json error = {{"code", static_cast<int>(failure.code)}, {"message", failure.message}};
+  return {{"jsonrpc", "2.0"}, {"id", id}, {"error", error}};
+}
+
 Json Question::refuse(ErrorCode code, std::string message) const {
   failure = Failure{code, std::move(message)};
   return nullptr;
@@ -57,11 +62,10 @@ Json location_of(const std::string &uri, LineRange range) {
 }
 
 Json json_of(const std::vector<Edit> &edits, const Document &document) {
-  const bool crlf = document.text().find("\r\n") != std::string::npos;
   Json list = Json::array();
   for (const Edit &edit : edits)
     list.push_back({{"range", json_of(document.range({edit.begin, edit.end}))},
-                    {"newText", with_line_ends(edit.text, crlf)}});
+                    {"newText", with_line_ends(edit.text, document.has_crlf())}});
   return list;
 }
 

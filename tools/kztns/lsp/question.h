@@ -26,6 +26,11 @@ struct Failure {
   std::string message;
 };
 
+constexpr char no_such_document[] = "no such document is open";
+
+// The answer to a request that is refused.
+Json refusal_of(const Json &id, const Failure &failure);
+
 // What the client understands.
 struct ClientFeatures {
   bool nested_symbols = false;

@@ -64,8 +64,6 @@ ClientFeatures features_in(const Json &params) {
   return features;
 }
 
-bool is_id(const Json &id) { return id.is_number_integer() || id.is_string(); }
-
 }  // namespace
 
 Server::Server(Send send, std::string documents)
@@ -131,7 +129,7 @@ void Server::answer(const std::string &method, const Json &id, const Json &param
       text_in(resolves ? member(params, "data", "uri") : member(params, "textDocument", "uri"))
           .value_or("");
   const auto found = open_.find(uri);
-  if (found == open_.end()) return refuse(id, {invalid_params, "no such document is open"});
+  if (found == open_.end()) return refuse(id, {invalid_params, no_such_document});
   std::optional<Failure> failure;
   Json result = known->answer({params, uri, found->second.document, client_, documents_,
                                [&] { return analyse(uri, found->second); }, failure});
@@ -153,8 +151,8 @@ void Server::open(const Json &params) {
 void Server::change(const Json &params) {
   OpenDocument *const open = document_of(params);
   const Json &changes = member(params, "contentChanges");
-  if (open == nullptr || !changes.is_array())
-    return complain("didChange of a document that is not open");
+  if (open == nullptr) return complain("didChange of a document that is not open");
+  if (!changes.is_array()) return complain("didChange: expected an array of contentChanges");
   for (const Json &change : changes)
     if (!apply(open->document, change)) complain("a change that cannot be applied");
   open->document.set_version(++last_version_);
@@ -236,10 +234,7 @@ void Server::reply(const Json &id, Json result) {
   send_({{"jsonrpc", "2.0"}, {"id", id}, {"result", std::move(result)}});
 }
 
-void Server::refuse(const Json &id, const Failure &failure) {
-  const Json error = {{"code", static_cast<int>(failure.code)}, {"message", failure.message}};
-  send_({{"jsonrpc", "2.0"}, {"id", id}, {"error", error}});
-}
+void Server::refuse(const Json &id, const Failure &failure) { send_(refusal_of(id, failure)); }
 
 void Server::notify(const char *method, Json params) {
   send_({{"jsonrpc", "2.0"}, {"method", method}, {"params", std::move(params)}});

@@ -1,8 +1,12 @@
 #include "page/views.h"
 
 #include <initializer_list>
-#include <nlohmann/json.hpp>
+#include <set>
+#include <span>
 #include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "commands/list.h"
 #include "format/format_file.h"
@@ -48,7 +52,7 @@ std::string start_of(const lsp::AnalysedEntry &entry, const lsp::Document &docum
 }
 
 // What the settings of a tree are called in a names file, by their fields in it.
-std::string keys_of_fields() {
+Json keys_of_fields() {
   Json keys = Json::object();
   for (const Key &key : kzoci::tns::grammar) {
     if (key.name == nullptr) continue;
@@ -59,7 +63,23 @@ std::string keys_of_fields() {
                                 : "") +
                      std::string(key.word);
   }
-  return lsp::text_of(keys);
+  return keys;
+}
+
+Json keys_of_blocks() {
+  std::set<std::string> keys;
+  for (const Key &key : kzoci::tns::grammar)
+    if (key.value.kind == kzoci::tns::ValueKind::block) keys.insert(key.word);
+  return keys;
+}
+
+Json meanings_of_verdicts() {
+  Json meanings = Json::object();
+  for (std::size_t i = 0; i < verdict_count; ++i) {
+    const auto verdict = static_cast<Verdict>(i);
+    meanings[std::string(name_of(verdict))] = lsp::meaning_of(verdict);
+  }
+  return meanings;
 }
 
 std::string fix_of(const Finding &finding, const lsp::Document &document) {
@@ -77,6 +97,38 @@ void add_digits(nlohmann::ordered_json &node) {
     if (child.is_structured()) add_digits(child);
 }
 
+// Each edit costs the page something wherever it is: of a long file they are joined, until
+// this many are left besides those in what is shown.
+constexpr std::size_t most_edits = 1000;
+
+// One edit instead of neighbours, which writes the text between them again.
+Edit joined_edit(std::span<const Edit> neighbours, const std::string &text) {
+  Edit joined = neighbours.front();
+  for (const Edit &next : neighbours.subspan(1)) {
+    joined.text.append(text, joined.end, next.begin - joined.end).append(next.text);
+    joined.end = next.end;
+  }
+  return joined;
+}
+
+// What is shown keeps its edits as they are, and so its place.
+std::vector<Edit> joined_edits(const std::vector<Edit> &edits, const std::string &text,
+                               Span shown) {
+  const std::size_t run = (edits.size() + most_edits - 1) / most_edits;
+  const auto is_shown = [&](const Edit &edit) {
+    return edit.begin <= shown.end && shown.begin <= edit.end;
+  };
+  std::vector<Edit> joined;
+  for (std::size_t first = 0, last = 0; first < edits.size(); first = last) {
+    last = first + 1;
+    while (last < edits.size() && last - first < run && !is_shown(edits[first]) &&
+           !is_shown(edits[last]))
+      ++last;
+    joined.push_back(joined_edit(std::span(edits).subspan(first, last - first), text));
+  }
+  return joined;
+}
+
 std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
   return lsp::text_of({{"line", document.position(kept.at).line + 1},
                        {"reason", std::string(name_of(kept.reason))}});
@@ -84,18 +136,18 @@ std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
 
 }  // namespace
 
-std::string checked_json(const lsp::Analysis &analysis, const std::string &text) {
-  const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
+std::string checked_json(const lsp::Analysis &analysis, const lsp::Document &document) {
   const auto fix = [&](const Finding &finding) { return fix_of(finding, document); };
+  const auto text = [](const Finding &finding) { return lsp::text_of(finding.text); };
   return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
          ",\"fixes\":" + array_of(analysis.report.findings, fix) +
+         ",\"texts\":" + array_of(analysis.report.findings, text) +
          ",\"severities\":" + lsp::text_of(analysis.report.severities) +
          ",\"verdicts\":" + lsp::text_of(analysis.report.verdicts) + "}";
 }
 
-std::string entries_json(const lsp::Analysis &analysis, const std::string &text) {
-  const NamesText lines(text);
-  const lsp::Document document(text, analysis.version, lsp::Encoding::utf_16);
+std::string entries_json(const lsp::Analysis &analysis, const lsp::Document &document) {
+  const NamesText lines(document.text());
   const auto entry = [&](const lsp::AnalysedEntry &one) { return listed(one, lines); };
   const auto start = [&](const lsp::AnalysedEntry &one) { return start_of(one, document); };
   return joined({"{\"entries\":", array_of(analysis.entries, entry),
@@ -113,14 +165,21 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
   });
   nlohmann::ordered_json with_digits = nlohmann::ordered_json::parse(tree);
   add_digits(with_digits);
-  return joined({"{\"tree\":", with_digits.dump(), ",\"keys\":", keys_of_fields(), "}"});
+  return with_digits.dump();
 }
 
-std::string format_json(const lsp::Document &document) {
+std::string format_json(const lsp::Document &document, Span shown) {
   const Formatted formatted = format_file(NamesText(document.text()), FormatOptions());
+  const std::vector<Edit> edits = joined_edits(formatted.edits, document.text(), shown);
   const auto kept = [&](const KeptEntry &one) { return kept_of(one, document); };
-  return joined({"{\"edits\":", lsp::text_of(lsp::json_of(formatted.edits, document)),
+  return joined({"{\"edits\":", lsp::text_of(lsp::json_of(edits, document)),
                  ",\"kept\":", array_of(formatted.kept, kept), "}"});
+}
+
+std::string fix_json(const lsp::Document &document, Span shown) {
+  const std::vector<Edit> edits = lsp::edits_of_mending(document.text());
+  const std::vector<Edit> joined = joined_edits(edits, document.text(), shown);
+  return lsp::text_of({{"edits", lsp::json_of(joined, document)}, {"count", edits.size()}});
 }
 
 std::string why_json(const std::string &identifier, const std::string &text) {
@@ -129,6 +188,12 @@ std::string why_json(const std::string &identifier, const std::string &text) {
   const LookupReport report = make_lookup_report(identifier, lookup);
   return lookup_json({identifier, lookup, report, true,
                       lookup.outcome == Outcome::found ? link_string(tree) : ""});
+}
+
+std::string words_json() {
+  return lsp::text_of({{"blocks", keys_of_blocks()},
+                       {"keys", keys_of_fields()},
+                       {"verdicts", meanings_of_verdicts()}});
 }
 
 }  // namespace kztns

@@ -23,11 +23,11 @@ import {
 } from '@codemirror/view';
 
 import type { EngineClient } from '../engine/client';
-import type { TextEdit } from '../engine/protocol';
+import type { Range, TextEdit } from '../engine/protocol';
 import { invisible } from '../invisible';
 import { assist } from './assist';
 import { tnsnames } from './language';
-import { changesOf, editsOf, offsetOf, wellFormed } from './positions';
+import { changesOf, editsOf, offsetOf, rangeOf, wellFormed } from './positions';
 import { theme } from './theme';
 
 // A block of more lines is looked through no further each time it is drawn.
@@ -69,6 +69,12 @@ export class Editor {
 
   get text(): string {
     return this.view.state.doc.toString();
+  }
+
+  // What is on the screen, and a little more.
+  get shown(): Range {
+    const { from, to } = this.view.viewport;
+    return rangeOf(this.view.state.doc, from, to);
   }
 
   apply(edits: TextEdit[]): void {

@@ -1,6 +1,7 @@
 // Colours of names, keys and values. What is wrong with them the findings say.
 import { LanguageSupport, StreamLanguage, type StringStream } from '@codemirror/language';
 import { tags } from '@lezer/highlight';
+import { blocks } from 'words';
 
 interface State {
   depth: number; // of open parentheses
@@ -8,8 +9,6 @@ interface State {
 }
 
 const word = /^[^\s()=#"]+/;
-const blocks =
-  /^(DESCRIPTION|ADDRESS_LIST|ADDRESS|CONNECT_DATA|KZLB_BLACKLIST|REMOVE_STRATEGY|APPEND_STRATEGY)$/i;
 
 function readPunctuation(stream: StringStream, state: State): string | null {
   switch (stream.next()) {
@@ -34,7 +33,7 @@ function readPunctuation(stream: StringStream, state: State): string | null {
 
 function nameOf(text: string, state: State): string {
   if (state.depth === 0) return state.expects === 'key' || /^[^\d]/.test(text) ? 'entry' : 'string';
-  if (state.expects === 'key') return blocks.test(text) ? 'block' : 'key';
+  if (state.expects === 'key') return blocks.includes(text.toUpperCase()) ? 'block' : 'key';
   return /^[+-]?\d+$/.test(text) ? 'number' : 'string';
 }
 

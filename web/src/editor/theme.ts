@@ -3,6 +3,16 @@ import { HighlightStyle, syntaxHighlighting } from '@codemirror/language';
 import { EditorView } from '@codemirror/view';
 import { tags } from '@lezer/highlight';
 
+// What is not the file's text: remarks, and what stands for a part of it.
+const aside = { color: 'var(--muted)', fontFamily: 'var(--sans)', fontSize: '12.5px' };
+const box = { padding: '8px 12px', fontSize: '13px', lineHeight: '1.45' };
+const raised = { backgroundColor: 'var(--raised)', color: 'var(--text)' };
+
+// A part of the page's colour, with what is below it shining through.
+const tinted = (colour: string) => ({
+  background: `color-mix(in srgb, var(--${colour}) 15%, transparent)`,
+});
+
 const chrome = EditorView.theme({
   '&': { height: '100%', color: 'var(--text)', backgroundColor: 'var(--surface)' },
   '&.cm-focused': { outline: 'none' },
@@ -31,8 +41,7 @@ const chrome = EditorView.theme({
     padding: '0 6px',
   },
   '.cm-tooltip': {
-    backgroundColor: 'var(--raised)',
-    color: 'var(--text)',
+    ...raised,
     border: '1px solid var(--border)',
     borderRadius: '8px',
     boxShadow: 'var(--shadow)',
@@ -46,21 +55,10 @@ const chrome = EditorView.theme({
     backgroundColor: 'var(--accent-soft)',
     color: 'var(--text)',
   },
-  '.cm-completionDetail': {
-    color: 'var(--muted)',
-    fontFamily: 'var(--sans)',
-    fontStyle: 'normal',
-    fontSize: '12.5px',
-    marginLeft: '1em',
-  },
+  '.cm-completionDetail': { ...aside, fontStyle: 'normal', marginLeft: '1em' },
   '.cm-completionMatchedText': { textDecoration: 'none', fontWeight: '700' },
-  '.cm-tooltip.cm-completionInfo': { padding: '8px 12px', fontSize: '13px', lineHeight: '1.5' },
-  '.cm-diagnostic': {
-    padding: '8px 12px',
-    borderLeftWidth: '3px',
-    fontSize: '13px',
-    lineHeight: '1.45',
-  },
+  '.cm-tooltip.cm-completionInfo': box,
+  '.cm-diagnostic': { ...box, borderLeftWidth: '3px' },
   '.cm-diagnostic-error': { borderLeftColor: 'var(--error)' },
   '.cm-diagnostic-warning': { borderLeftColor: 'var(--warning)' },
   '.cm-diagnostic-info': { borderLeftColor: 'var(--note)' },
@@ -92,12 +90,8 @@ const chrome = EditorView.theme({
   '.cm-lint-marker-error': { backgroundColor: 'var(--error)' },
   '.cm-lint-marker-warning': { backgroundColor: 'var(--warning)', borderRadius: '2px' },
   '.cm-lint-marker-info': { backgroundColor: 'var(--note)' },
-  '.cm-panels': {
-    backgroundColor: 'var(--raised)',
-    color: 'var(--text)',
-    borderColor: 'var(--border)',
-  },
-  '.cm-panel.cm-search': { padding: '8px 12px', fontSize: '13px' },
+  '.cm-panels': { ...raised, borderColor: 'var(--border)' },
+  '.cm-panel.cm-search': box,
   '.cm-panel.cm-search label': { fontSize: '13px' },
   '.cm-textfield': {
     backgroundColor: 'var(--surface)',
@@ -113,22 +107,12 @@ const chrome = EditorView.theme({
     border: '1px solid var(--border)',
     borderRadius: '6px',
   },
-  '.cm-collapsedLines': {
-    background: 'var(--raised)',
-    color: 'var(--muted)',
-    padding: '3px 8px',
-    fontFamily: 'var(--sans)',
-    fontSize: '12.5px',
-  },
+  '.cm-collapsedLines': { ...aside, background: 'var(--raised)', padding: '3px 8px' },
   '.cm-collapsedLines::before, .cm-collapsedLines::after': { content: 'none' },
   '&.cm-merge-a .cm-changedLine, .cm-deletedChunk': { backgroundColor: 'var(--error-soft)' },
   '&.cm-merge-b .cm-changedLine, .cm-inlineChangedLine': { backgroundColor: 'var(--ok-soft)' },
-  '&.cm-merge-a .cm-changedText, .cm-deletedChunk .cm-deletedText': {
-    background: 'color-mix(in srgb, var(--error) 15%, transparent)',
-  },
-  '&.cm-merge-b .cm-changedText': {
-    background: 'color-mix(in srgb, var(--ok) 15%, transparent)',
-  },
+  '&.cm-merge-a .cm-changedText, .cm-deletedChunk .cm-deletedText': tinted('error'),
+  '&.cm-merge-b .cm-changedText': tinted('ok'),
   '.cm-specialChar': { color: 'var(--error)' },
 });
 

@@ -23,6 +23,12 @@ declare module '*.ora' {
   const text: string;
   export default text;
 }
+declare module 'words' {
+  import type { Verdict } from './protocol';
+  export const blocks: string[];
+  export const keys: Record<string, string>;
+  export const verdicts: Record<Verdict, string>;
+}
 declare module 'licences' {
   const text: string;
   export default text;

@@ -23,6 +23,8 @@ export interface Diagnostic {
   message: string;
 }
 
+export const severityNames = { 1: 'error', 2: 'warning', 3: 'note' } as const;
+
 export interface Fix {
   title: string;
   safe: boolean;
@@ -44,6 +46,7 @@ export interface Checked {
   complete: boolean;
   diagnostics: Diagnostic[];
   fixes: (Fix | null)[]; // one for each diagnostic
+  texts: string[]; // of each message, what is wrong alone
   severities: [number, number, number];
   verdicts: number[]; // how many entries of each
 }
@@ -66,6 +69,12 @@ export interface CompletionItem {
 export interface Formatted {
   edits: TextEdit[];
   kept: { line: number; reason: string }[]; // the entries that keep their text
+}
+
+// What kztns/fix answers.
+export interface Fixed {
+  edits: TextEdit[];
+  count: number; // of the changes; the edits may be fewer
 }
 
 export interface Remark {

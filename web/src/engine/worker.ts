@@ -9,7 +9,7 @@ const shortestPause = 60;
 const longestPause = 250;
 
 // What asks for findings, which are then those that the page knows, too.
-const needsCheck = /^(textDocument\/(codeAction|hover|definition)|kztns\/entry)$/;
+const needsCheck = /^(textDocument\/(hover|definition)|kztns\/(entry|fix))$/;
 
 interface Message {
   id?: number;
@@ -95,11 +95,7 @@ async function start(wasm: Uint8Array): Promise<void> {
     id: 0,
     method: 'initialize',
     params: {
-      capabilities: {
-        textDocument: {
-          codeAction: { codeActionLiteralSupport: {} },
-        },
-      },
+      capabilities: {},
     },
   });
   const before = waiting;

@@ -1,18 +1,14 @@
 // The selected entry: verdict, link string, tree and picture.
-import { element } from '../dom';
-import type { Diagnostic, Entry } from '../engine/protocol';
+import { verdicts as meanings } from 'words';
+
+import { element, pluralised } from '../dom';
+import { type Diagnostic, type Entry, severityNames } from '../engine/protocol';
 import { showDialog } from './dialog';
 import { drawPicture } from './picture';
 import { drawTree } from './tree';
-import { type Built, type TreeNode, treeOf } from './tree_model';
+import { type Tree, type TreeNode, treeOf } from './tree_model';
 
-const meanings = {
-  ok: 'lookups find it',
-  refused: 'the library cannot build it',
-  unreachable: 'no lookup comes to it',
-  shadowed: 'an earlier entry has this name',
-  reserved: 'the system variables',
-};
+const mostTold = 3; // of what is found in the entry
 
 type View = 'tree' | 'picture';
 
@@ -56,7 +52,7 @@ export class EntryDetail {
 
   // findings: what is said of the entry. What is the same stays as it is: the focus, and the
   // blocks that were opened.
-  show(entry: Entry, findings: Diagnostic[], built: Built | null): void {
+  show(entry: Entry, findings: Diagnostic[], built: Tree | null): void {
     this.root.hidden = false;
     this.entry = entry;
     const said = findings.map(({ message, severity }) => ({ message, severity }));
@@ -93,9 +89,14 @@ export class EntryDetail {
 
   private facts(entry: Entry, findings: Diagnostic[]): HTMLElement[] {
     const facts: HTMLElement[] = findings
-      .slice(0, 3)
+      .slice(0, mostTold)
       .map(({ message, severity }) =>
-        element('p', { class: severity === 1 ? 'reason' : 'reason is-warning' }, message),
+        element('p', { class: `reason is-${severityNames[severity]}` }, message),
+      );
+    const left = findings.length - mostTold;
+    if (left > 0)
+      facts.push(
+        element('p', { class: 'more' }, `and ${pluralised(left, 'more finding', 'more findings')}`),
       );
     if (entry.link !== '') facts.unshift(this.linkLine(entry.link));
     return facts;

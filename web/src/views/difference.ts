@@ -3,11 +3,11 @@ import { MergeView, unifiedMergeView } from '@codemirror/merge';
 import { ChangeSet, EditorState, type Extension, Text } from '@codemirror/state';
 import { EditorView, highlightSpecialChars, lineNumbers } from '@codemirror/view';
 
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import { tnsnames } from '../editor/language';
 import { changesOf } from '../editor/positions';
 import { theme } from '../editor/theme';
-import type { TextEdit } from '../engine/protocol';
+import type { Fixed } from '../engine/protocol';
 import { invisible } from '../invisible';
 import { showDialog } from './dialog';
 
@@ -54,7 +54,7 @@ function compare(parent: HTMLElement, before: Text, after: Text): { destroy(): v
 // errorsLeft: how many of the errors have no fix
 export function offerFixes(
   before: Text,
-  edits: TextEdit[],
+  { edits, count }: Fixed,
   errorsLeft: number,
   apply: () => void,
 ): void {
@@ -64,7 +64,7 @@ export function offerFixes(
   const parent = element('div', { class: 'difference' });
   const dialog = showDialog(
     'Fix all',
-    `${pluralised(edits.length, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
+    `${pluralised(count, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
     [
       ...(two
         ? [

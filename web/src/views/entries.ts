@@ -1,8 +1,8 @@
 // The list of entries. Of thousands only those are elements that can be seen.
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import type { Entry } from '../engine/protocol';
 
-const rowHeight = 52; // as in style.css
+const rowHeight = 52; // pixels
 const overscan = 6; // rows above and below what can be seen
 
 export class EntryList {
@@ -11,6 +11,7 @@ export class EntryList {
   onOpen: (index: number) => void = () => {};
 
   private entries: Entry[] = [];
+  private said: string[] = []; // of each, what is wrong with it first
   private shown: number[] = []; // those that pass the filter
   private selected: number | null = null; // among all
   private readonly filter = element('input', {
@@ -36,6 +37,7 @@ export class EntryList {
   private readonly empty = element('p', { class: 'empty', hidden: true });
 
   constructor(parent: HTMLElement) {
+    this.room.style.setProperty('--row-height', `${rowHeight}px`);
     parent.append(element('div', { class: 'filter' }, this.filter), this.list, this.empty);
     new ResizeObserver(() => this.draw()).observe(this.list);
   }
@@ -56,6 +58,12 @@ export class EntryList {
     this.applyFilter();
     this.empty.textContent = 'Checking…';
     this.onSelect(null);
+  }
+
+  // What is wrong with the entries that are shown, or that are shown next.
+  tell(said: string[]): void {
+    this.said = said;
+    this.draw();
   }
 
   // Keeps the selected entry selected, of several ones of its name the same one, if it is there.
@@ -120,7 +128,7 @@ export class EntryList {
   }
 
   private row(index: number, row: number): HTMLElement {
-    const { name, line, verdict, link } = this.entries[index]!;
+    const { name, line, verdict } = this.entries[index]!;
     return element(
       'div',
       {
@@ -143,10 +151,17 @@ export class EntryList {
       element(
         'div',
         { class: 'second' },
-        element('span', { class: 'link-string' }, link),
+        this.about(index),
         element('span', {}, `line ${line.toLocaleString('en')}`),
       ),
     );
+  }
+
+  // The link string; of an entry that has none, why.
+  private about(index: number): HTMLElement {
+    const { link } = this.entries[index]!;
+    if (link !== '') return element('span', { class: 'link-string' }, link);
+    return element('span', {}, this.said[index] ?? '');
   }
 
   private onKeyDown(event: KeyboardEvent): void {

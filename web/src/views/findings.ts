@@ -1,12 +1,10 @@
 // The findings as a list.
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import { labelOf } from '../editor/findings';
-import type { Checked, Fix, Position } from '../engine/protocol';
+import { type Checked, type Fix, type Position, severityNames } from '../engine/protocol';
 
 // A list of more is not read; mending the first ones brings the others.
 const mostShown = 300;
-
-const kinds = { 1: 'error', 2: 'warning', 3: 'note' } as const;
 
 export class FindingList {
   onGoTo: (place: Position) => void = () => {};
@@ -57,7 +55,7 @@ export class FindingList {
   private item(checked: Checked, index: number): HTMLElement {
     const { range, severity, code, message } = checked.diagnostics[index]!;
     const fix = checked.fixes[index];
-    const kind = kinds[severity];
+    const kind = severityNames[severity];
     const { line, character } = range.start;
     return element(
       'li',

@@ -11,7 +11,7 @@ export class Notice {
     dismiss: () => void = () => {},
   ): void {
     this.root.hidden = false;
-    this.root.className = kind === 'warning' ? 'notice is-warning' : 'notice';
+    this.root.className = `notice is-${kind}`;
     const button = (label: string, run: () => void) =>
       element(
         'button',

@@ -39,10 +39,8 @@ function fitted(text: string, measure: (text: string) => number): string {
 
 // The title, what is looked for first, and what is not left at its default.
 function linesOf(node: TreeNode): string[] {
-  const isTold = (key: string) =>
-    node.kind === 'address' && /^(HOST|PORT|PROTOCOL|WEIGHT)$/.test(key);
   const settings = node.settings
-    .filter(({ key, byDefault, value }) => !byDefault && !isTold(key) && value !== node.about)
+    .filter(({ byDefault, isTold }) => !byDefault && !isTold)
     .map(({ key, value }) => `${key} = ${value}`);
   return [node.title, ...(node.about === '' ? [] : [node.about]), ...settings];
 }

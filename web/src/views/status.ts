@@ -1,5 +1,5 @@
 // The line below the text: what a check found, in numbers.
-import { byId, pluralised, element } from '../dom';
+import { byId, element, pluralised } from '../dom';
 import type { Checked } from '../engine/protocol';
 
 export function showStatus({ verdicts, severities, complete }: Checked): void {
@@ -10,10 +10,12 @@ export function showStatus({ verdicts, severities, complete }: Checked): void {
     count > 0 ? element('span', { class: name }, pluralised(count, one, many)) : null;
   byId('status').replaceChildren(
     ...[
-      part(errors, 'errors', 'error', 'errors'),
-      part(warnings, 'warnings', 'warning', 'warnings'),
-      part(notes, 'notes', 'note', 'notes'),
-      errors + warnings + notes === 0 ? element('span', { class: 'fine' }, 'nothing wrong') : null,
+      part(errors, 'is-error', 'error', 'errors'),
+      part(warnings, 'is-warning', 'warning', 'warnings'),
+      part(notes, 'is-note', 'note', 'notes'),
+      errors + warnings + notes === 0
+        ? element('span', { class: 'is-good' }, 'nothing wrong')
+        : null,
       element(
         'span',
         {},

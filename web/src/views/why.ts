@@ -1,5 +1,5 @@
 // One lookup, step by step, as kztns why tells it.
-import { pluralised, element } from '../dom';
+import { element, pluralised } from '../dom';
 import type { Position, Remark, Why } from '../engine/protocol';
 
 type Place = { line: number; column: number };
@@ -85,12 +85,12 @@ export class WhyView {
     const add = (mark: string, ...words: (Node | string)[]) =>
       steps.push(element('li', { class: mark }, ...words));
     if (!why.literal) add('', `${pluralised(why.skipped, 'entry', 'entries')} passed over`);
-    if (why.entry) add(why.fault ? '' : 'good', 'found at ', this.place(why.entry));
-    if (why.fault) add('bad', ...this.remark(why, why.fault));
+    if (why.entry) add(why.fault ? '' : 'is-good', 'found at ', this.place(why.entry));
+    if (why.fault) add('is-error', ...this.remark(why, why.fault));
     else if (!why.entry && !why.literal)
-      add('bad', 'no entry has this name: ended at the end of the file');
-    if (why.outcome === 'found' && why.literal) add('good', 'read as a descriptor, and built');
-    if (why.link !== '') add('good', 'link string ', element('code', {}, why.link));
+      add('is-error', 'no entry has this name: ended at the end of the file');
+    if (why.outcome === 'found' && why.literal) add('is-good', 'read as a descriptor, and built');
+    if (why.link !== '') add('is-good', 'link string ', element('code', {}, why.link));
     why.warnings.forEach((warning) => add('', 'warning: ', ...this.remark(why, warning)));
     why.shadowed.forEach((at) =>
       add('', 'another entry of the name, which no lookup finds, at ', this.place(at)),

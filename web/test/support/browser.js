@@ -1,16 +1,14 @@
 // The page in Chromium, as a person meets it: opened from disk, without a network.
-import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import path from 'node:path';
-import { after } from 'node:test';
-import { fileURLToPath, pathToFileURL } from 'node:url';
+import test, { after } from 'node:test';
+import { pathToFileURL } from 'node:url';
 
+import { transform } from 'esbuild';
 import puppeteer from 'puppeteer-core';
 
-export const project =
-  process.env.KZTNS_PROJECT ?? fileURLToPath(new URL('../../..', import.meta.url));
-export const page = path.join(project, 'build/web/kztns.html');
-export const command = path.join(project, 'build/kztns');
+import { pageFile } from './places.js';
 
 const root = process.getuid?.() === 0 ? ['--no-sandbox'] : [];
 const browser = await puppeteer.launch({
@@ -32,9 +30,16 @@ export function fileOf(name, content) {
 
 export const scratchFolder = scratch;
 
+// A module of the page without imports, for tests that expect what it defines.
+export async function moduleOf(name) {
+  const source = readFileSync(new URL(`../../src/${name}`, import.meta.url), 'utf8');
+  const { code } = await transform(source, { loader: 'ts', format: 'esm' });
+  return import(`data:text/javascript;base64,${Buffer.from(code).toString('base64')}`);
+}
+
 // A page that has checked its example. requests: what it asked for after itself; errors: what
 // it complained of.
-export async function openPage({ width = 1280, height = 820, scheme = 'light' } = {}) {
+async function openPage({ width = 1280, height = 820, scheme = 'light' } = {}) {
   const tab = await browser.newPage();
   await tab.setViewport({ width, height });
   await tab.emulateMediaFeatures([{ name: 'prefers-color-scheme', value: scheme }]);
@@ -49,11 +54,25 @@ export async function openPage({ width = 1280, height = 820, scheme = 'light' } 
     errors.push(`a dialog: ${dialog.message()}`);
     void dialog.dismiss();
   });
-  await tab.goto(pathToFileURL(page).href);
-  const face = { tab, requests, errors };
-  await statusOf(face, 'entries');
-  await listShown(face);
-  return face;
+  await tab.goto(pathToFileURL(pageFile).href);
+  const page = { tab, requests, errors };
+  await statusOf(page, 'entries');
+  await listShown(page);
+  return page;
+}
+
+// A test on a page of its own. Between its name and what it does there may be options.
+export function onPage(name, ...rest) {
+  const run = rest.pop();
+  const [{ timeout, ...look } = {}] = rest;
+  test(name, { timeout }, async (context) => {
+    const page = await openPage(look);
+    try {
+      await run(page, context);
+    } finally {
+      await page.tab.close();
+    }
+  });
 }
 
 // The line below the text, as soon as it says that.
@@ -71,15 +90,17 @@ export const textsOf = (tab, selector) =>
   tab.$$eval(selector, (nodes) => nodes.map((node) => node.textContent));
 
 // Opens a file by the button's way, and waits until it was checked.
-export async function openFile(face, name, content) {
-  const chooser = await face.tab.$('#file');
-  const before = await checkCount(face);
-  await chooser.uploadFile(fileOf(name, content));
-  await nextCheck(face, before);
+export async function openPath(page, file) {
+  const chooser = await page.tab.$('#file');
+  await untilChecked(page, () => chooser.uploadFile(file));
+}
+
+export async function openFile(page, name, content) {
+  await openPath(page, fileOf(name, content));
 }
 
 // How often a check's findings were shown; each replaces what is in the status line.
-export async function checkCount({ tab }) {
+async function checkCount({ tab }) {
   return tab.evaluate(() => {
     if (globalThis.checks === undefined) {
       globalThis.checks = 0;
@@ -92,11 +113,14 @@ export async function checkCount({ tab }) {
   });
 }
 
-// Waits for the findings of the next check, and for the list of entries that follows.
-export async function nextCheck(face, before, timeout = 30_000) {
-  const { tab } = face;
+// Does what changes the text, and waits for the findings that come of it and for the list of
+// entries that follows.
+export async function untilChecked(page, action, timeout = 30_000) {
+  const { tab } = page;
+  const before = await checkCount(page);
+  await action();
   await tab.waitForFunction((count) => globalThis.checks > count, { timeout, polling: 20 }, before);
-  await listShown(face, timeout);
+  await listShown(page, timeout);
 }
 
 // Waits until the entries are those of the text.
@@ -108,19 +132,25 @@ async function listShown({ tab }, timeout = 20_000) {
 }
 
 // Replaces the text by way of the keyboard, as by pasting.
-export async function replaceText(face, text) {
-  const before = await checkCount(face);
-  await face.tab.focus('.cm-content');
-  await face.tab.keyboard.down('Control');
-  await face.tab.keyboard.press('a');
-  await face.tab.keyboard.up('Control');
-  await face.tab.keyboard.sendCharacter(text);
-  await nextCheck(face, before);
+export async function replaceText(page, text) {
+  await untilChecked(page, async () => {
+    await page.tab.focus('.cm-content');
+    await pressTogether(page.tab, 'Control', 'a');
+    await page.tab.keyboard.sendCharacter(text);
+  });
 }
 
 // The text as the editor shows it; of a short one that is all.
 export const shownText = (tab) =>
   tab.$$eval('#editor .cm-line', (lines) => lines.map((line) => line.textContent).join('\n'));
+
+// Presses the last key while the others are held.
+export async function pressTogether({ keyboard }, ...keys) {
+  const held = keys.slice(0, -1);
+  for (const key of held) await keyboard.down(key);
+  await keyboard.press(keys.at(-1));
+  for (const key of held.reverse()) await keyboard.up(key);
+}
 
 export async function clickButton(tab, label, within = 'body') {
   const clicked = await tab.evaluate(
