@@ -858,6 +858,31 @@ TEST_F(LogRotation, IsForRegularFiles) {
   EXPECT_EQ(entries_in_folder(), 1u);
 }
 
+TEST_F(LogRotation, LeavesLinksAndWhatTheyLeadToInTheirPlaces) {
+  const std::string target = path_ + " elsewhere";
+  fs::create_symlink(target, path_);
+  ASSERT_EQ(configure("", path_, 60, 3), 0);
+  for (const char letter : {'a', 'b', 'c'}) log_line_of(letter, 60);
+  ASSERT_EQ(configure("", ""), 0);
+  EXPECT_EQ(fs::read_symlink(path_), target);
+  EXPECT_EQ(lines_in(target), (Lines{line_of('a', 60), line_of('b', 60), line_of('c', 60)}));
+  EXPECT_EQ(entries_in_folder(), 2u);
+}
+
+// Somebody moved the file away and left a link to it.
+TEST_F(LogRotation, EndsWhereALinkTakesThePlaceOfTheFile) {
+  const std::string target = path_ + " elsewhere";
+  ASSERT_EQ(configure("", path_, 60, 3), 0);
+  log_line_of('a', 60);
+  fs::rename(path_, target);
+  fs::create_symlink(target, path_);
+  for (const char letter : {'b', 'c'}) log_line_of(letter, 60);
+  ASSERT_EQ(configure("", ""), 0);
+  EXPECT_EQ(fs::read_symlink(path_), target);
+  EXPECT_EQ(lines_in(target), (Lines{line_of('a', 60), line_of('b', 60), line_of('c', 60)}));
+  EXPECT_EQ(entries_in_folder(), 2u);
+}
+
 // A log file may be a pipe, which takes a long line in pieces.
 TEST_F(LogFile, HasWholeLinesWhenSignalsInterruptTheWriting) {
   ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);

@@ -87,12 +87,15 @@ typedef struct kzoci_log_settings {
  * path becomes path.1, path.1 becomes path.2 and so on up to path.(count - 1),
  * the oldest of which goes. With a count of 0 or 1 the one file starts over. A
  * line that is longer than file_size has a file to itself. What is not a regular
- * file, a pipe for example, is not rotated.
+ * file, a pipe for example, is not rotated; nor is a file that the path reaches through
+ * a symbolic link as its last part: both link and file stay, and the file may grow.
  *
  * Processes may share a log file, all with the same settings. Where file_size is
  * more than 0 each line is written under a lock on the file (flock), and goes to
  * the file that is then at the path, whichever process rotated it. A relative path
- * starts at the process's working directory at the time of the call.
+ * starts at the process's working directory at the time of the call. Whoever may open
+ * the file (0640: the owner, and the group for reading) can hold the lock, and with it
+ * every thread that logs.
  *
  * Returns 0; -1: the level's name is not known, nothing was changed; -2:
  * settings is null, nothing was changed; -3: the file cannot be opened or is a pipe

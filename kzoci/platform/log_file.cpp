@@ -47,6 +47,11 @@ Presence presence(const char *path) {
   return errno == ENOENT ? Presence::missing : Presence::unknown;
 }
 
+bool is_link(const char *path) {
+  struct stat there = {};
+  return ::lstat(path, &there) == 0 && S_ISLNK(there.st_mode);
+}
+
 }  // namespace
 
 bool write_whole(int descriptor, const char *text, std::size_t length) {
@@ -104,8 +109,9 @@ bool LogFile::open_at_path() {
   ::fcntl(opened, F_SETFL, O_APPEND);
   close();
   descriptor_ = opened;
-  // A pipe or a device has no size and must not be renamed.
-  is_limited_ = size_limit_ > 0 && S_ISREG(state.st_mode);
+  // A pipe or a device has no size and must not be renamed, nor must a link, which is
+  // somebody's own: /dev/stdout is one.
+  is_limited_ = size_limit_ > 0 && S_ISREG(state.st_mode) && !is_link(path_);
   return true;
 }
 
@@ -113,9 +119,9 @@ bool LogFile::write(const char *line, std::size_t length) {
   // Far more rotations of other processes than can come between two of our calls.
   constexpr int most_turns = 1000;
   bool may_open_another = true;
-  Turn turn = is_limited_ ? Turn::moved : append(line, length);
+  Turn turn = Turn::moved;
   for (int i = 0; i < most_turns && turn == Turn::moved; ++i) {
-    turn = take_turn(line, length, may_open_another);
+    turn = is_limited_ ? take_turn(line, length, may_open_another) : append(line, length);
     if (turn == Turn::moved) may_open_another = open_at_path();
   }
   if (turn == Turn::written) return true;
@@ -138,7 +144,7 @@ LogFile::Turn LogFile::take_turn(const char *line, std::size_t length, bool may_
 
 bool LogFile::is_at_path(const struct stat &own) const {
   struct stat there = {};
-  return ::stat(path_, &there) == 0 && there.st_ino == own.st_ino && there.st_dev == own.st_dev;
+  return ::lstat(path_, &there) == 0 && there.st_ino == own.st_ino && there.st_dev == own.st_dev;
 }
 
 bool LogFile::has_room(const struct stat &own, std::size_t length) const {
