@@ -15,7 +15,7 @@ constexpr char common_statuses[] =
 std::string rule_fault(const std::string &word) {
   if (rule_of(word)) return {};
   const std::string_view near = near_word(word, rule_ids());
-  const std::string fault = "unknown rule " + kztns::quoted(excerpt(word));
+  const std::string fault = "unknown rule " + kztns::quoted(cut_short(word));
   if (near.empty()) return fault + ": kztns check --rules lists them";
   return fault + "; did you mean " + std::string(near) + "?";
 }

@@ -23,7 +23,7 @@ std::vector<std::string_view> verdict_names() {
 std::string verdict_fault(const std::string &word) {
   const std::vector<std::string_view> names = verdict_names();
   if (std::find(names.begin(), names.end(), word) != names.end()) return {};
-  return "unknown verdict " + kztns::quoted(excerpt(word)) + ": expected " + one_of(names);
+  return "unknown verdict " + kztns::quoted(cut_short(word)) + ": expected " + one_of(names);
 }
 
 const CLI::Validator is_verdict(verdict_fault, "");

@@ -129,6 +129,8 @@ kztns::ShowWhat shown_part(const Arguments &arguments) {
 int run_lookup(const CLI::App &command, const Arguments &arguments) {
   kztns::LookupOptions options;
   options.file = given_file(command, arguments);
+  options.from_input = options.file == kztns::standard_input;
+  if (options.from_input) options.file = arguments.stdin_name;
   options.max_size = arguments.max_size;
   if (command.count("--log") > 0) options.shown = shown_level(arguments.level);
   if (command.get_name() == "settings") return kztns::settings(options);

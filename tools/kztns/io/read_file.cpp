@@ -95,9 +95,17 @@ std::optional<std::string> read_file(const std::string &path, std::uint64_t max_
   return collect([&](const PieceTaker &take) { return read_pieces(path, max_size, take); }, fault);
 }
 
+std::optional<ReadFault> read_input_pieces(std::uint64_t max_size, const PieceTaker &take) {
+  struct stat status = {};
+  if (fstat(STDIN_FILENO, &status) != 0) return fault_of(errno);
+  // A terminal is typed on, another device may have no end; programs talk over sockets, too.
+  if (S_ISCHR(status.st_mode) && isatty(STDIN_FILENO) == 0)
+    if (auto refused = refused_kind(status)) return refused;
+  return read_to_end(STDIN_FILENO, max_size, take);
+}
+
 std::optional<std::string> read_standard_input(std::uint64_t max_size, ReadFault &fault) {
-  return collect([&](const PieceTaker &take) { return read_to_end(STDIN_FILENO, max_size, take); },
-                 fault);
+  return collect([&](const PieceTaker &take) { return read_input_pieces(max_size, take); }, fault);
 }
 
 }  // namespace kztns

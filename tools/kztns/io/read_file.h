@@ -33,6 +33,9 @@ using PieceTaker = std::function<bool(std::string_view)>;
 std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_size,
                                      const PieceTaker &take);
 
+// The same of standard input.
+std::optional<ReadFault> read_input_pieces(std::uint64_t max_size, const PieceTaker &take);
+
 // The whole file; absent when it cannot be read, with the reason in fault.
 std::optional<std::string> read_file(const std::string &path, std::uint64_t max_size,
                                      ReadFault &fault);

@@ -10,8 +10,9 @@ namespace kztns {
 void reserve_standard_streams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) >= 0) continue;
-    // The lowest number that is free is the stream's own.
-    open("/dev/null", stream == STDERR_FILENO ? O_WRONLY : O_RDONLY);
+    // The lowest number that is free is the stream's own. Whoever reads from or writes to a
+    // stream that was closed is told; what nobody can be told is dropped.
+    open("/dev/null", stream == STDOUT_FILENO ? O_RDONLY : O_WRONLY);
   }
 }
 

@@ -4,7 +4,7 @@
 namespace kztns {
 
 // Puts something in the place of a closed stream, so that no file that is opened
-// later becomes it: writing to standard output still fails.
+// later becomes it: reading standard input and writing to standard output still fail.
 void reserve_standard_streams();
 
 }  // namespace kztns

@@ -10,10 +10,12 @@
 namespace kztns {
 namespace {
 
-void take_content(const std::string &path, std::uint64_t max_size, Lookup &lookup) {
+void take_content(const std::string &path, const LookupOptions &options, Lookup &lookup) {
   const auto content = std::make_shared<MemoryFile>();
   const auto append = [&](std::string_view piece) { return content->append(piece); };
-  if (const auto fault = read_pieces(path, max_size, append))
+  const auto fault = options.from_input ? read_input_pieces(options.max_size, append)
+                                        : read_pieces(path, options.max_size, append);
+  if (fault)
     lookup.file_fault = *fault;
   else if (content->error() != 0)
     lookup.file_fault.text = std::string("cannot be copied to ") + content->path() + ": " +
@@ -65,7 +67,7 @@ Lookup look_up(const std::string &identifier, const LookupOptions &options, Tree
   lookup.variable = choice->variable;
   lookup.file_name = choice->path;
   if (!options.file) lookup.file_note = note_of_cut_path(*choice);
-  take_content(choice->path, options.max_size, lookup);
+  take_content(choice->path, options, lookup);
   if (lookup.content != nullptr) {
     const std::string &path = lookup.content->path();
     const NamedFile named(path);

@@ -28,6 +28,7 @@ class Tree {
 
 struct LookupOptions {
   std::optional<std::string> file = {};  // absent: the one that the environment chooses
+  bool from_input = false;               // standard input is read, and file is what reports call it
   std::uint64_t max_size = default_max_size;
   std::optional<log_level> shown = {};  // records from this level on go to standard error
 };

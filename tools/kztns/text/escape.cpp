@@ -55,14 +55,16 @@ std::string escaped(std::string_view text, bool unseen_too) {
 
 std::string visible(std::string_view text) { return escaped(text, true); }
 
-std::string excerpt(std::string_view text) {
+std::string cut_short(std::string_view text) {
   constexpr std::size_t most = 40;
-  if (text.size() <= most) return visible(text);
+  if (text.size() <= most) return std::string(text);
   // Not in the middle of a character.
   std::size_t length = most;
   while (length > most - 3 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
-  return visible(text.substr(0, length)) + "...";
+  return std::string(text.substr(0, length)) + "...";
 }
+
+std::string excerpt(std::string_view text) { return visible(cut_short(text)); }
 
 // Appended to piece by piece: g++ 12 warns at -O3 of text put before a temporary.
 std::string quoted(std::string_view text) {

@@ -14,7 +14,10 @@ namespace kztns {
 // characters that are invisible are escaped.
 std::string visible(std::string_view text);
 
-// The same, cut to some forty characters.
+// A text as it is, cut to some forty characters.
+std::string cut_short(std::string_view text);
+
+// Both: cut, then escaped.
 std::string excerpt(std::string_view text);
 
 // A text between double quotes. The second one is there because a call with a std::string
