@@ -1,8 +1,9 @@
 #include "rules/name_rules.h"
 
-#include <cctype>
+#include <algorithm>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
+#include "kzoci/platform/letter_case.h"
 #include "rules/diagnosis.h"
 #include "rules/invisible_fixes.h"
 #include "text/characters.h"
@@ -16,6 +17,11 @@ using kzoci::tns::reserved_name;
 // Whether the library reads an entry of this name as system variables.
 bool is_reserved(std::string_view name) {
   return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
+}
+
+void fold(std::string_view name, std::string &into) {
+  into.resize(name.size());
+  std::transform(name.begin(), name.end(), into.begin(), kzoci::capital);
 }
 
 class NameRules {
@@ -63,16 +69,12 @@ class NameRules {
   }
 
   std::uint32_t first_alike(std::size_t i, std::string_view name) {
-    folded_ = name;
-    for (char &c : folded_) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const auto folded = [](std::string_view text) {
-      std::string lower(text);
-      for (char &c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-      return lower;
-    };
+    fold(name, folded_);
     return alike_.find_or_add(name_hash(folded_), static_cast<std::uint32_t>(i),
                               [&](std::uint32_t other) {
-                                return same_name(folded(scan_.name(entries()[other])), folded_);
+                                std::string other_folded;
+                                fold(scan_.name(entries()[other]), other_folded);
+                                return same_name(other_folded, folded_);
                               });
   }
 
