@@ -451,6 +451,13 @@ TEST_F(ServiceLookup, TheEnvironmentIsReadOnEveryCall) {
   EXPECT_EQ(host_of(*KZCITnsServiceNext(tns_.tns_service)), "two");
 }
 
+// Where the C library tells texts from other files, Ctrl-Z would end a text.
+TEST_F(ServiceLookup, EveryByteOfTheFileIsRead) {
+  EXPECT_EQ(look_up("# \x1A\r\n" + entry("mydb", "\"a\x1A\r\nb\""), "mydb"), found);
+  ASSERT_EQ(tns_.tns_service_count, 1u);
+  EXPECT_EQ(host_of(*tns_.tns_service), "a\x1A\r\nb");
+}
+
 TEST_F(ServiceLookup, AFileThatCannotBeReadEndsAtOnce) {
   if (support::on_windows) GTEST_SKIP() << "a folder cannot be opened there";
   environment_.set("KZCI_TNS_FILE", ".");  // A directory opens, its read fails.

@@ -1,10 +1,9 @@
 #include <unistd.h>
 
-#include <array>
-#include <csignal>
-#include <cstdlib>
+#include <string>
 
 #include "commands/command_line.h"
+#include "io/system.h"
 #include "lsp/serve.h"
 #include "text/uri.h"
 
@@ -14,17 +13,8 @@ namespace {
 // What the documents say of the rules, as it is installed beside the command; empty for
 // a command that is not installed.
 std::string installed_documents() {
-  std::array<char, 4096> self = {};
-  const ssize_t length = readlink("/proc/self/exe", self.data(), self.size() - 1);
-  if (length <= 0) return {};
-  const std::string program(self.data(), static_cast<std::size_t>(length));
-  const std::string path =
-      program.substr(0, program.rfind('/')) + "/../share/doc/kzoci/diagnostics.md";
-  char *const resolved = realpath(path.c_str(), nullptr);
-  if (resolved == nullptr) return {};
-  const std::string uri = uri_of(resolved);
-  std::free(resolved);
-  return uri;
+  const std::string file = installed_file("../share/doc/kzoci/diagnostics.md");
+  return file.empty() ? "" : uri_of(file);
 }
 
 }  // namespace
@@ -41,8 +31,7 @@ void add_lsp(CLI::App &app, Arguments &arguments) {
 }
 
 int run_lsp() {
-  // A client that is gone is an error of the write, not the end of the process.
-  std::signal(SIGPIPE, SIG_IGN);
+  ignore_broken_pipes();
   return lsp::serve(STDIN_FILENO, STDOUT_FILENO, installed_documents());
 }
 
