@@ -186,6 +186,14 @@ struct [[nodiscard]] Result {
 
 namespace detail {
 
+/* How a names file is opened: closed in programs that this one starts and, where the C library
+ * tells texts from other files, for its bytes as they are. */
+#if defined(_WIN32)
+inline constexpr char open_mode[] = "rbN";
+#else
+inline constexpr char open_mode[] = "re";
+#endif
+
 constexpr sword invalid_handle = -2;
 constexpr sword no_data = 100;
 
@@ -285,7 +293,7 @@ class Tns {
   Result look_up_in(const char *path, const Identifier &identifier) noexcept {
     if (path == nullptr || identifier.data() == nullptr) return refused();
     if (identifier.is_literal()) return build_literal(identifier);
-    std::FILE *const file = std::fopen(path, "re"); /* closed on exec */
+    std::FILE *const file = std::fopen(path, detail::open_mode);
     if (file == nullptr) return not_opened(errno);
     /* As in KZCITnsBuild: the stream needs no memory of its own, and few system calls. */
     char stream_buffer[detail::stream_buffer_size];

@@ -77,3 +77,17 @@ configure_and_build() {
   configure "$@"
   build "$1"
 }
+
+# build_googletest PRESET TOOLCHAIN [CMAKE OPTION...]: of Debian's sources, below build/PRESET,
+# where the preset looks.
+build_googletest() {
+  local folder=build/$1 toolchain=$2
+  [ ! -e "$folder/googletest/lib/libgtest.a" ] || return 0
+  say "Building GoogleTest for $1"
+  shift 2
+  cmake -S /usr/src/googletest -B "$folder/googletest-build" -G Ninja \
+    --toolchain "$project_dir/$toolchain" "$@" \
+    -DCMAKE_BUILD_TYPE=Debug -DBUILD_GMOCK=OFF -DCMAKE_INSTALL_LIBDIR=lib \
+    -DCMAKE_INSTALL_PREFIX="$project_dir/$folder/googletest" >/dev/null
+  cmake --build "$folder/googletest-build" --target install -- --quiet >/dev/null
+}

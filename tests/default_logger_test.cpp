@@ -11,14 +11,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <cwchar>
 #include <memory>
+#include <regex>
 #include <string>
 #include <thread>
-
-#include <regex.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "kzoci/platform/default_logger.h"
 #include "log_level_in_c.h"
@@ -28,21 +24,22 @@ namespace {
 
 using logger_support::begins_with_time;
 using logger_support::error_line;
-using logger_support::Interruptions;
 using logger_support::LevelName;
 using logger_support::levels;
 using logger_support::Lines;
 using logger_support::lines_of;
 using logger_support::lines_of_threads;
-using logger_support::lines_without_times;
 using logger_support::log_error;
 using logger_support::log_from_threads;
 using logger_support::log_text;
 using logger_support::logged_by;
 using logger_support::LoggerTest;
+using logger_support::LogLine;
+using logger_support::LogText;
+using logger_support::LogThreshold;
 using logger_support::RecordingSink;
-using logger_support::SlowReader;
 using logger_support::standard_error_of;
+using logger_support::text_of_length;
 using logger_support::time_pattern;
 using logger_support::without_time;
 
@@ -57,21 +54,9 @@ std::vector<std::size_t> remarkable_lengths() {
   return lengths;
 }
 
-// A text in which a lost, doubled or moved piece shows.
-std::string text_of_length(std::size_t length) {
-  std::string text;
-  text.reserve(length + 8);
-  for (std::size_t i = 0; text.size() < length; ++i) text += std::to_string(i) + ",";
-  text.resize(length);
-  return text;
-}
-
 // A pointer that cannot be read.
 const char *unreadable_text() { return reinterpret_cast<const char *>(std::uintptr_t{1}); }
 
-class LogThreshold : public LoggerTest {};
-class LogLine : public LoggerTest {};
-class LogText : public LoggerTest {};
 class LogSink : public LoggerTest {
  protected:
   void SetUp() override { kzoci_log_set_sink(RecordingSink::take, &sink_); }
@@ -164,24 +149,14 @@ TEST_F(LogThreshold, ChangesWhileThreadsLog) {
   EXPECT_EQ(static_cast<std::size_t>(always + sometimes), lines.size());
 }
 
-// Whether an extended regular expression fits the whole text.
-bool matches(const std::string &text, const std::string &pattern) {
-  regex_t compiled = {};
-  if (regcomp(&compiled, ("^" + pattern + "$").c_str(), REG_EXTENDED | REG_NOSUB) != 0)
-    return false;
-  const bool fits = regexec(&compiled, text.c_str(), 0, nullptr, 0) == 0;
-  regfree(&compiled);
-  return fits;
-}
-
 TEST_F(LogLine, HoldsTimeLevelPlaceAndText) {
   const std::string written = standard_error_of([] {
     kzoci_log_inner(LOG_LEVEL_ERROR, "kzoci/somewhere/a.cpp", 4711, "fail to open, status:%d", -1);
   });
-  EXPECT_TRUE(matches(written,
-                      "[0-9]{4}-(0[1-9]|1[0-2])-[0-3][0-9]"
-                      "T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3}Z "
-                      "ERROR kzoci/somewhere/a\\.cpp:4711 fail to open, status:-1\n"))
+  EXPECT_TRUE(std::regex_match(
+      written, std::regex("[0-9]{4}-(0[1-9]|1[0-2])-[0-3][0-9]"
+                          "T[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\\.[0-9]{3}Z "
+                          "ERROR kzoci/somewhere/a\\.cpp:4711 fail to open, status:-1\n")))
       << written;
 }
 
@@ -227,10 +202,15 @@ long long now_in_milliseconds() {
 }
 
 long long milliseconds_of(const std::string &line) {
-  tm utc = {};
-  const char *const fraction = strptime(line.c_str(), "%Y-%m-%dT%H:%M:%S", &utc);
-  if (fraction == nullptr || !begins_with_time(line)) return -1;
-  return static_cast<long long>(timegm(&utc)) * 1000 + std::strtol(fraction + 1, nullptr, 10);
+  if (!begins_with_time(line)) return -1;
+  const auto number = [&](std::size_t at, std::size_t length) {
+    return std::stoi(line.substr(at, length));
+  };
+  using namespace std::chrono;
+  const sys_days day = year(number(0, 4)) / number(5, 2) / number(8, 2);
+  const auto time = day + hours(number(11, 2)) + minutes(number(14, 2)) + seconds(number(17, 2)) +
+                    milliseconds(number(20, 3));
+  return time.time_since_epoch() / milliseconds(1);
 }
 
 TEST_F(LogLine, TimeIsThatOfTheCallInUtc) {
@@ -305,53 +285,6 @@ TEST_F(LogLine, KeepsTheOrderOfEachThread) {
       expected.push_back(error_line(logger_support::thread_text(thread, record)));
     EXPECT_EQ(of_thread, expected);
   }
-}
-
-// A profiler's timer must not cut a line that a slow reader holds up.
-TEST_F(LogLine, IsWholeWhenSignalsInterruptTheWriting) {
-  const std::string text = text_of_length(3000000);
-  int ends[2] = {-1, -1};
-  ASSERT_EQ(pipe(ends), 0);
-  SlowReader reader(ends[0]);
-  {
-    const int standard_error = dup(STDERR_FILENO);
-    dup2(ends[1], STDERR_FILENO);
-    close(ends[1]);
-    const Interruptions interruptions;
-    log_error(text);
-    log_error("next");
-    dup2(standard_error, STDERR_FILENO);
-    close(standard_error);
-  }
-  std::clearerr(stderr);
-  const Lines lines = lines_without_times(reader.text());
-  ASSERT_EQ(lines.size(), 2u);
-  EXPECT_TRUE(lines[0] == error_line(text)) << lines[0].size() << " characters";
-  EXPECT_EQ(lines[1], error_line("next"));
-}
-
-// Makes standard error a stream of wide characters, which only a newly opened
-// one can become.
-bool make_standard_error_wide() {
-  return std::freopen(nullptr, "a", stderr) != nullptr &&
-         std::setvbuf(stderr, nullptr, _IONBF, 0) == 0 && std::fwide(stderr, 1) > 0;
-}
-
-// A program that writes wide characters to standard error still gets its log
-// there. A stream stays what it is, so that this takes a child.
-TEST_F(LogLine, ReachesAStandardErrorUsedForWideText) {
-  int status = -1;
-  const Lines lines = logged_by([&status] {
-    const pid_t child = fork();
-    if (child == 0) {
-      if (!make_standard_error_wide()) _exit(1);
-      log_error("text");
-      _exit(0);
-    }
-    waitpid(child, &status, 0);
-  });
-  EXPECT_EQ(status, 0);
-  EXPECT_EQ(lines, Lines{error_line("text")});
 }
 
 TEST_F(LogText, IsFormattedFromItsArguments) {

@@ -23,6 +23,14 @@ inline constexpr NamesFileSource names_file_sources[] = {
 };
 #pragma GCC visibility pop
 
+// How the file is opened: closed in programs that this one starts and, where the C library
+// tells texts from other files, for its bytes as they are.
+#if defined(_WIN32)
+inline constexpr char open_mode[] = "rbN";
+#else
+inline constexpr char open_mode[] = "re";
+#endif
+
 // Longer names are cut.
 constexpr std::size_t max_file_name = 256;
 

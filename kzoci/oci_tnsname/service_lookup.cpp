@@ -35,7 +35,7 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   }
   KZ_LOG(file.source->chosen, file.value);
   KZ_LOG(message::names_file, file.name);
-  params->tns_file = std::fopen(file.name, "re");  // closed on exec
+  params->tns_file = std::fopen(file.name, open_mode);
   if (params->tns_file == nullptr) {
     KZ_LOG(message::names_file_not_opened, file.name);
     return failure;

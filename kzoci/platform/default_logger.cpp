@@ -1,8 +1,5 @@
 #include "kzoci/platform/default_logger.h"
 
-#include <pthread.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
@@ -10,11 +7,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include "kzoci/platform/letter_case.h"
 #include "kzoci/platform/level_names.h"
 #include "kzoci/platform/log_file.h"
+#include "kzoci/platform/system.h"
 
 namespace {
 
@@ -34,7 +31,6 @@ int level_of(const char *name, ub4 length) {
 }
 
 struct Logger {
-  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
   int threshold = LOG_LEVEL_ERROR;
   kzoci_log_sink sink = nullptr;
   void *sink_context = nullptr;
@@ -51,28 +47,19 @@ void set_threshold(Logger &log, int level) {
 // static objects may log.
 constinit Logger logger;
 
-// Room for a record that is too long for the stack; guarded by the logger's mutex.
+// Room for a record that is too long for the stack; guarded by the logger's lock.
 char long_line[64 * 1024];
 
 class LoggerLock {
  public:
-  LoggerLock() { pthread_mutex_lock(&logger.mutex); }
-  ~LoggerLock() { pthread_mutex_unlock(&logger.mutex); }
+  LoggerLock() { kzoci::platform::lock_logger(); }
+  ~LoggerLock() { kzoci::platform::unlock_logger(); }
   LoggerLock(const LoggerLock &) = delete;
   LoggerLock &operator=(const LoggerLock &) = delete;
 };
 
-// A child has only the thread that forked: a mutex held by another thread would stay
-// locked there for ever.
-void before_fork() { pthread_mutex_lock(&logger.mutex); }
-void after_fork() { pthread_mutex_unlock(&logger.mutex); }
-void after_fork_in_child() {
-  logger.file.part_from_parent();
-  after_fork();
-}
-
-[[maybe_unused]] const int fork_handlers =
-    pthread_atfork(before_fork, after_fork, after_fork_in_child);
+[[maybe_unused]] const int fork_guard =
+    kzoci::platform::guard_forks([] { logger.file.part_from_parent(); });
 
 // All of a record except its text.
 struct Origin {
@@ -87,9 +74,8 @@ struct Origin {
 // a fork may leave locked.
 void put_time(char (&text)[32]) {
   using namespace std::chrono;
-  timespec now = {};
-  clock_gettime(CLOCK_REALTIME, &now);
-  const sys_seconds second{seconds{now.tv_sec}};
+  const kzoci::platform::Time now = kzoci::platform::now();
+  const sys_seconds second{seconds{now.seconds}};
   const auto day = floor<days>(second);
   const year_month_day date{day};
   const hh_mm_ss time{second - day};
@@ -97,7 +83,7 @@ void put_time(char (&text)[32]) {
                 static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
                 static_cast<unsigned>(date.day()), static_cast<int>(time.hours().count()),
                 static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()),
-                static_cast<int>(now.tv_nsec / 1000000));
+                now.milliseconds);
 }
 
 // A line in a buffer: the head, the text, a line feed, a zero byte.
@@ -138,7 +124,7 @@ void write_line(const char *line, std::size_t length) {
   if (logger.file.is_open() && logger.file.write(line, length)) return;
   // Not through the stream: it would lose the rest of a line that a signal
   // interrupts, and all of it where the program writes wide text.
-  kzoci::platform::write_whole(STDERR_FILENO, line, length);
+  kzoci::platform::write_whole(kzoci::platform::standard_error, line, length);
 }
 
 // The line feed takes the place of the terminator only where a line is written:

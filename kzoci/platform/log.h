@@ -12,7 +12,10 @@
 
 /* Lets compilers check the arguments of a function against its format: the numbers, from
  * 1, of the format and of the first argument after it. */
-#if defined(__GNUC__)
+#if defined(__MINGW32__)
+#define KZOCI_PRINTF_LIKE(format_at, arguments_at) \
+  __attribute__((format(gnu_printf, format_at, arguments_at)))
+#elif defined(__GNUC__)
 #define KZOCI_PRINTF_LIKE(format_at, arguments_at) \
   __attribute__((format(printf, format_at, arguments_at)))
 #else

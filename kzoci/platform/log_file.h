@@ -6,20 +6,13 @@
 // without a lock file beside the log.
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstddef>
 
 #include "default_logger.h"
+#include "system.h"
 #include "types.h"
 
-struct stat;
-
 namespace kzoci::platform {
-
-// Writes a text to a file descriptor, in one call unless the system takes less.
-// False when a call fails.
-bool write_whole(int descriptor, const char *text, std::size_t length);
 
 // Has no destructor: the logger's file serves until the process has ended.
 class LogFile {
@@ -55,9 +48,9 @@ class LogFile {
   Turn take_turn(const char *line, std::size_t length, bool may_open_another);
   Turn rotate(const char *line, std::size_t length);
   Turn append(const char *line, std::size_t length) const;
-  Turn append_at(off_t end, const char *line, std::size_t length) const;
-  bool is_at_path(const struct stat &own) const;
-  bool has_room(const struct stat &own, std::size_t length) const;
+  Turn append_at(sb8 end, const char *line, std::size_t length) const;
+  bool is_at_path(const FileState &own) const;
+  bool has_room(const FileState &own, std::size_t length) const;
   bool shift_files();
   const char *numbered(NumberedPath &room, ub4 number) const;
 

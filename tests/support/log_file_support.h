@@ -20,8 +20,15 @@
 
 #include "kzoci/platform/default_logger.h"
 #include "logger_support.h"
+#include "system_calls.h"
 
 namespace logger_support {
+
+// What kzoci_log_configure returns.
+constexpr sword level_not_known = -1;
+constexpr sword settings_null = -2;
+constexpr sword file_not_opened = -3;
+constexpr sword path_too_long = -4;
 
 constexpr ub4 largest_count = std::numeric_limits<ub4>::max();
 
@@ -124,5 +131,33 @@ class LogFileTest : public LoggerTest {
   std::string folder_;
   std::string path_;
 };
+
+class LogSettings : public LogFileTest {};
+class LogFile : public LogFileTest {};
+class LogRotation : public LogFileTest {};
+class LogFileGivenUp : public LogFileTest {};
+class LogFileThreads : public LogFileTest {};
+
+// Logs five lines: the first fits, the second needs a rotation that fails. It
+// and the others are on standard error, and the file holds what it did.
+inline void expect_rotation_fails(const std::string &path) {
+  const Lines written = logged_by([] {
+    for (const char letter : {'a', 'b', 'c', 'd', 'e'}) log_line_of(letter, 60);
+  });
+  EXPECT_EQ(written,
+            (Lines{line_of('b', 60), line_of('c', 60), line_of('d', 60), line_of('e', 60)}));
+  EXPECT_EQ(lines_in(path), Lines{line_of('a', 60)});
+}
+
+constexpr int threads = 4;
+constexpr int records_per_thread = 200;
+
+// Every record of every thread is there exactly once, in whatever order.
+inline void expect_all_records(Lines lines) {
+  Lines expected = lines_of_threads(threads, records_per_thread);
+  std::sort(lines.begin(), lines.end());
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(lines, expected);
+}
 
 }  // namespace logger_support

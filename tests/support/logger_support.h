@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
-#include <chrono>
-#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -16,8 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include <sys/time.h>
-#include <unistd.h>
+#include "system_calls.h"
 
 #include "kzoci/platform/default_logger.h"
 #include "kzoci/platform/log.h"
@@ -160,67 +157,14 @@ struct RecordingSink {
   std::vector<Record> records;
 };
 
-// A signal every millisecond, whose handler leaves system calls interrupted.
-class Interruptions {
- public:
-  Interruptions() {
-    struct sigaction action = {};
-    action.sa_handler = [](int) {};
-    sigaction(SIGALRM, &action, &saved_);
-    const itimerval every_millisecond = {{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &every_millisecond, nullptr);
-  }
-  ~Interruptions() {
-    const itimerval never = {{0, 0}, {0, 0}};
-    setitimer(ITIMER_REAL, &never, nullptr);
-    sigaction(SIGALRM, &saved_, nullptr);
-  }
-  Interruptions(const Interruptions &) = delete;
-  Interruptions &operator=(const Interruptions &) = delete;
-
- private:
-  struct sigaction saved_ = {};
-};
-
-// Reads a pipe slowly to its end, in a thread that no signal disturbs.
-class SlowReader {
- public:
-  explicit SlowReader(int descriptor) : descriptor_(descriptor) {
-    sigset_t alarm;
-    sigemptyset(&alarm);
-    sigaddset(&alarm, SIGALRM);
-    pthread_sigmask(SIG_BLOCK, &alarm, nullptr);
-    thread_ = std::thread([this] { read_all(); });
-    pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
-  }
-  ~SlowReader() {
-    if (thread_.joinable()) thread_.join();
-    close(descriptor_);
-  }
-  SlowReader(const SlowReader &) = delete;
-  SlowReader &operator=(const SlowReader &) = delete;
-
-  // Waits until the last writer has closed the pipe.
-  const std::string &text() {
-    thread_.join();
-    return text_;
-  }
-
- private:
-  void read_all() {
-    char piece[65536];
-    ssize_t length = 0;
-    do {
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-      length = read(descriptor_, piece, sizeof piece);
-      if (length > 0) text_.append(piece, static_cast<std::size_t>(length));
-    } while (length > 0);
-  }
-
-  int descriptor_;
-  std::string text_;
-  std::thread thread_;
-};
+// A text in which a lost, doubled or moved piece shows.
+inline std::string text_of_length(std::size_t length) {
+  std::string text;
+  text.reserve(length + 8);
+  for (std::size_t i = 0; text.size() < length; ++i) text += std::to_string(i) + ",";
+  text.resize(length);
+  return text;
+}
 
 // Runs a function in several threads at once, each with its number.
 inline void in_threads(int count, const std::function<void(int)> &body) {
@@ -261,5 +205,9 @@ class LoggerTest : public ::testing::Test {
     EXPECT_EQ(kzoci_log_threshold(), LOG_LEVEL_ERROR);
   }
 };
+
+class LogThreshold : public LoggerTest {};
+class LogLine : public LoggerTest {};
+class LogText : public LoggerTest {};
 
 }  // namespace logger_support

@@ -5,12 +5,41 @@
 #include <string>
 #include <string_view>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include "parsing.h"
 
+#if !defined(_WIN32)
+#include <sys/mman.h>
+#endif
+
 namespace support {
+
+#if defined(_WIN32)
+
+// There it has a path like any other. It stays open: opening takes longer than all the rest.
+class MemoryFile {
+ public:
+  MemoryFile() : path_(folder_.write("names", "")), file_(std::fopen(path_.c_str(), "wb")) {
+    environment_.set("KZCI_TNS_FILE", path_);
+  }
+  ~MemoryFile() { std::fclose(file_); }
+  MemoryFile(const MemoryFile &) = delete;
+  MemoryFile &operator=(const MemoryFile &) = delete;
+
+  [[nodiscard]] bool write(std::string_view text) {
+    std::rewind(file_);
+    return _chsize(_fileno(file_), 0) == 0 &&
+           std::fwrite(text.data(), 1, text.size(), file_) == text.size() &&
+           std::fflush(file_) == 0;
+  }
+
+ private:
+  TemporaryFolder folder_;
+  Environment environment_;
+  std::string path_;
+  std::FILE *file_;
+};
+
+#else
 
 class MemoryFile {
  public:
@@ -31,5 +60,7 @@ class MemoryFile {
   Environment environment_;
   int descriptor_;
 };
+
+#endif
 
 }  // namespace support

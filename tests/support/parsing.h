@@ -14,10 +14,9 @@
 #include <string_view>
 #include <vector>
 
-#include <unistd.h>
-
 #include "kzoci/oci_tnsname.h"
 #include "recording_platform.h"
+#include "system_calls.h"
 
 namespace support {
 

@@ -5,6 +5,8 @@
 #include <clocale>
 #include <cstdlib>
 
+#include "system_calls.h"
+
 namespace support {
 
 // In force until it goes out of scope.

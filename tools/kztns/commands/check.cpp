@@ -10,6 +10,7 @@
 #include "io/names_file.h"
 #include "io/output.h"
 #include "io/progress.h"
+#include "io/system.h"
 #include "report/rule_text.h"
 #include "rules/check_selected.h"
 
@@ -102,7 +103,7 @@ bool fails(const CheckRun &run, FailOn fail_on) {
 bool wants_color(ColorChoice choice) {
   if (choice != ColorChoice::automatic) return choice == ColorChoice::always;
   const char *const no_color = std::getenv("NO_COLOR");
-  return (no_color == nullptr || *no_color == '\0') && isatty(STDOUT_FILENO) != 0;
+  return (no_color == nullptr || *no_color == '\0') && takes_control_sequences(STDOUT_FILENO);
 }
 
 int list_rules() { return print_output(rule_list()); }

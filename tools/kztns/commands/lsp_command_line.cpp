@@ -1,13 +1,12 @@
 #include <unistd.h>
 
-#include <array>
-#include <csignal>
-#include <cstdlib>
 #include <new>
+#include <string>
 #include <string_view>
 
 #include "commands/command_line.h"
 #include "io/exit_status.h"
+#include "io/system.h"
 #include "lsp/serve.h"
 #include "text/uri.h"
 
@@ -17,23 +16,15 @@ namespace {
 // What the documents say of the rules, as it is installed beside the command; empty for
 // a command that is not installed.
 std::string installed_documents() {
-  std::array<char, 4096> self = {};
-  const ssize_t length = readlink("/proc/self/exe", self.data(), self.size() - 1);
-  if (length <= 0) return {};
-  const std::string program(self.data(), static_cast<std::size_t>(length));
-  const std::string path =
-      program.substr(0, program.rfind('/')) + "/../share/doc/kzoci/diagnostics.md";
-  char *const resolved = realpath(path.c_str(), nullptr);
-  if (resolved == nullptr) return {};
-  const std::string uri = uri_of(resolved);
-  std::free(resolved);
-  return uri;
+  const std::string file = installed_file("../share/doc/kzoci/diagnostics.md");
+  return file.empty() ? "" : uri_of(file);
 }
 
 // In whichever thread: no one could catch it in all of them, and the texts are the editor's.
 [[noreturn]] void end_without_memory() {
   constexpr std::string_view message = "kztns: language server: not enough memory\n";
-  [[maybe_unused]] const ssize_t count = write(STDERR_FILENO, message.data(), message.size());
+  [[maybe_unused]] const auto count =
+      write(STDERR_FILENO, message.data(), static_cast<unsigned>(message.size()));
   _exit(exit_no_memory);
 }
 
@@ -51,8 +42,7 @@ void add_lsp(CLI::App &app, Arguments &arguments) {
 }
 
 int run_lsp() {
-  // A client that is gone is an error of the write, not the end of the process.
-  std::signal(SIGPIPE, SIG_IGN);
+  ignore_broken_pipes();
   std::set_new_handler(end_without_memory);
   return lsp::serve(STDIN_FILENO, STDOUT_FILENO, installed_documents());
 }

@@ -1,7 +1,6 @@
 // kztns: what a connect identifier resolves to, and what is wrong where it does
 // not.
 #include <algorithm>
-#include <csignal>
 #include <cstdio>
 #include <iterator>
 #include <map>
@@ -21,7 +20,7 @@
 #include "io/exit_status.h"
 #include "io/names_file.h"
 #include "io/output.h"
-#include "io/standard_streams.h"
+#include "io/system.h"
 #include "kzoci/platform/level_names.h"
 #include "text/escape.h"
 #include "text/spelling.h"
@@ -213,12 +212,12 @@ std::string usage_message(const CLI::App *, const CLI::Error &error) {
 }  // namespace
 
 int main(int argc, char **argv) {
-  // A file that may not grow is an error of its write, not the end of the process.
-  std::signal(SIGXFSZ, SIG_IGN);
-  kztns::reserve_standard_streams();
+  kztns::prepare_streams();
   CLI::App app("Resolves connect identifiers and checks names files.", "kztns");
   app.set_version_flag("--version", kztns::version);
   app.require_subcommand(1);
+  // A path may begin with "/" on Windows, too.
+  app.allow_windows_style_options(false);
   app.failure_message(usage_message);
   Arguments arguments;
   add_show(app, arguments);

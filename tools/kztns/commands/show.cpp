@@ -9,6 +9,7 @@
 #include "commands/visible_tree.h"
 #include "io/exit_status.h"
 #include "io/output.h"
+#include "io/system.h"
 #include "lookup/lookup_failure.h"
 #include "report/graphviz.h"
 #include "report/tree_dot.h"
@@ -23,7 +24,7 @@ using File = std::unique_ptr<std::FILE, int (*)(std::FILE *)>;
 // Whether the display prints the whole of the tree, tried where nothing is shown.
 bool can_be_displayed(Tree &tree) {
   [[maybe_unused]] const LogWatch silent(std::nullopt);
-  const File nowhere(std::fopen("/dev/null", "w"), std::fclose);
+  const File nowhere(std::fopen(null_device(), "w"), std::fclose);
   return nowhere != nullptr && KZCITnsServiceDisplay(tree.service(), nowhere.get()) == 0;
 }
 
@@ -33,7 +34,7 @@ int show_tree(const std::string &label, std::optional<log_level> shown, Tree &tr
     return exit_malformed;
   }
   // The variable would send the tree elsewhere.
-  unsetenv("KZCI_TNS_DISPLAY");
+  remove_variable("KZCI_TNS_DISPLAY");
   [[maybe_unused]] const LogWatch watch(shown);
   if (isatty(STDOUT_FILENO) != 0) {
     const std::optional<std::string> text = visible_tree(tree);

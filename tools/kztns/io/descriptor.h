@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 
@@ -21,8 +22,11 @@ class Descriptor {
 
   // Writes all of it; otherwise errno tells why not.
   bool write_all(std::string_view bytes) const {
+    // As much as the calls of all systems take.
+    constexpr std::size_t largest_piece = 1 << 30;
     while (!bytes.empty()) {
-      const ssize_t count = write(number_, bytes.data(), bytes.size());
+      const auto piece = static_cast<unsigned>(std::min(bytes.size(), largest_piece));
+      const ssize_t count = write(number_, bytes.data(), piece);
       if (count < 0 && errno != EINTR) return false;
       if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
     }

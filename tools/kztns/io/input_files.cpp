@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "io/system.h"
+
 namespace kztns {
 namespace fs = std::filesystem;
 
@@ -21,12 +23,13 @@ std::vector<std::string> names_files_below(const std::string &folder,
     std::error_code error;
     for (fs::directory_iterator i(at, error), end; !error && i != end; i.increment(error)) {
       std::error_code ignored;
-      if (i->symlink_status(ignored).type() == fs::file_type::directory)
+      if (i->symlink_status(ignored).type() == fs::file_type::directory &&
+          !is_hidden_link(i->path().string()))
         folders.push_back(i->path());
       else if (i->path().extension() == ".ora" && i->is_regular_file(ignored))
-        files.push_back(i->path().string());
+        files.push_back(i->path().generic_string());
     }
-    if (error) fault = "cannot be read: " + at.string() + ": " + error.message();
+    if (error) fault = "cannot be read: " + at.generic_string() + ": " + error.message();
   }
   if (files.empty() && !fault) fault = "has no *.ora file";
   std::sort(files.begin(), files.end());

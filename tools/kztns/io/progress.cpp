@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "io/system.h"
+
 namespace kztns {
 
-Progress::Progress(std::uint64_t whole) : Progress(whole, isatty(STDERR_FILENO) != 0) {}
+Progress::Progress(std::uint64_t whole) : Progress(whole, takes_control_sequences(STDERR_FILENO)) {}
 
 Progress::Progress(std::uint64_t whole, bool on_terminal)
     : whole_(std::max<std::uint64_t>(whole, 1)),

@@ -1,6 +1,5 @@
 #include "io/read_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +7,7 @@
 #include <cstring>
 
 #include "io/descriptor.h"
+#include "io/system.h"
 
 namespace kztns {
 namespace {
@@ -22,23 +22,16 @@ ReadFault too_large(std::uint64_t max_size) {
           true};
 }
 
-// Reads as an empty file, and is given as one.
-bool is_null_device(const struct stat &status) {
-  struct stat null_device = {};
-  return S_ISCHR(status.st_mode) && stat("/dev/null", &null_device) == 0 &&
-         S_ISCHR(null_device.st_mode) && status.st_rdev == null_device.st_rdev;
-}
-
 // What makes a file one that is not read: it may have no end, or do something when
-// it is opened.
+// it is opened. The null device reads as an empty file, and is given as one.
 std::optional<ReadFault> refused_kind(const struct stat &status) {
   if (S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode) || is_null_device(status))
     return std::nullopt;
-  const char *const kind = S_ISDIR(status.st_mode)    ? "is a directory"
-                           : S_ISCHR(status.st_mode)  ? "is a character device"
-                           : S_ISBLK(status.st_mode)  ? "is a block device"
-                           : S_ISSOCK(status.st_mode) ? "is a socket"
-                                                      : "is not a regular file or pipe";
+  const char *const kind = S_ISDIR(status.st_mode)   ? "is a directory"
+                           : S_ISCHR(status.st_mode) ? "is a character device"
+                           : S_ISBLK(status.st_mode) ? "is a block device"
+                           : is_socket(status)       ? "is a socket"
+                                                     : "is not a regular file or pipe";
   return ReadFault{false, kind};
 }
 
@@ -80,9 +73,8 @@ std::optional<ReadFault> read_pieces(const std::string &path, std::uint64_t max_
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) return fault_of(errno);
   if (auto refused = refused_kind(status)) return refused;
-  // A pipe is waited for; some files of the system would wait for ever.
-  const int waiting = S_ISFIFO(status.st_mode) ? 0 : O_NONBLOCK;
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | waiting));
+  // Of all these only a pipe is waited for.
+  const Descriptor file(open_for_reading(path, S_ISFIFO(status.st_mode)));
   if (file.number() < 0 || fstat(file.number(), &status) != 0) return fault_of(errno);
   if (auto refused = refused_kind(status)) return refused;
   if (S_ISREG(status.st_mode) && static_cast<std::uint64_t>(status.st_size) > max_size)

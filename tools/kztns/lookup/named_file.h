@@ -6,6 +6,7 @@
 #include <string>
 
 #include "io/names_file.h"
+#include "io/system.h"
 #include "kzoci/oci_tnsname/names_file.h"
 
 namespace kztns {
@@ -29,13 +30,13 @@ class NamedFile {
  public:
   explicit NamedFile(const std::string &path) {
     if (const char *const value = std::getenv(variable)) before_ = value;
-    setenv(variable, path.c_str(), 1);
+    set_variable(variable, path);
   }
   ~NamedFile() {
     if (before_)
-      setenv(variable, before_->c_str(), 1);
+      set_variable(variable, *before_);
     else
-      unsetenv(variable);
+      remove_variable(variable);
   }
   NamedFile(const NamedFile &) = delete;
   NamedFile &operator=(const NamedFile &) = delete;

@@ -24,11 +24,11 @@ namespace {
 
 // Reads messages until none can follow.
 void read_messages(int input, Inbox &inbox) {
-  constexpr std::size_t piece = 64 << 10;
+  constexpr unsigned piece = 64 << 10;
   std::vector<char> buffer(piece);
   MessageReader reader;
   for (;;) {
-    const ssize_t count = read(input, buffer.data(), buffer.size());
+    const ssize_t count = read(input, buffer.data(), piece);
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return inbox.add({Received::end_of_input});
     reader.add(std::string_view(buffer.data(), static_cast<std::size_t>(count)));

@@ -1,12 +1,11 @@
 #include "rules/inline_files.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <optional>
 #include <utility>
 
 #include "io/read_file.h"
+#include "io/system.h"
 #include "text/characters.h"
 #include "text/escape.h"
 #include "text/spelling.h"
@@ -40,14 +39,6 @@ std::vector<IncludeLine> include_lines(std::string_view text) {
     begin = end + 1;
   }
   return lines;
-}
-
-using FileId = std::pair<dev_t, ino_t>;
-
-std::optional<FileId> id_of(const std::string &path) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  return FileId(status.st_dev, status.st_ino);
 }
 
 class Inliner {
@@ -136,8 +127,8 @@ std::string_view included_file(std::string_view line) {
 }
 
 std::string from_folder_of(const std::string &path, const std::string &file) {
-  if (file[0] == '/') return file;
-  return path.substr(0, path.rfind('/') + 1) + file;
+  if (is_from_root(file)) return file;
+  return path.substr(0, last_part(path)) + file;
 }
 
 InlinedFiles inline_files(const std::string &path, const NamesText &text, std::uint64_t max_size) {
