@@ -135,7 +135,7 @@ class Display : public testing::Test {
   // What a Display function of one record prints; its status must be this one.
   template <class Record>
   static std::string printed(sword (*display)(Record *, FILE *), Record *record, sword status = 0) {
-    FILE *file = std::tmpfile();
+    FILE *file = support::temporary_file();
     EXPECT_EQ(display(record, file), status);
     std::string text(static_cast<std::size_t>(std::ftell(file)), '\0');
     std::rewind(file);
@@ -341,7 +341,7 @@ TEST_F(Display, AnAddressListWithoutAddressesIsNoFailure) {
 template <class Record>
 void expect_null_arguments(sword (*display)(Record *, FILE *), Record *record, const Lines &lines) {
   support::reset_platform();
-  FILE *file = std::tmpfile();
+  FILE *file = support::temporary_file();
   EXPECT_EQ(display(nullptr, file), -2);
   EXPECT_EQ(support::log_records(), lines);
   EXPECT_EQ(std::ftell(file), 0);

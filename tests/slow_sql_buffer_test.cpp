@@ -579,6 +579,7 @@ class SlowSqlFormatError : public SlowSql {
  protected:
   void SetUp() override {
     SlowSql::SetUp();
+    if (support::on_windows) GTEST_SKIP() << "the formatter leaves such characters out there";
     ASSERT_EQ(std::snprintf(nullptr, 0, "%ls", unencodable), -1);
   }
   std::string logged() const {

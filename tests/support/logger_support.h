@@ -37,7 +37,7 @@ constexpr LevelName levels[] = {{LOG_LEVEL_TRACE, "TRACE"},    {LOG_LEVEL_DEBUG,
 // out of scope.
 class StandardErrorCapture {
  public:
-  StandardErrorCapture() : file_(std::tmpfile()), saved_(dup(STDERR_FILENO)) {
+  StandardErrorCapture() : file_(support::temporary_file()), saved_(dup(STDERR_FILENO)) {
     std::fflush(stderr);
     dup2(fileno(file_), STDERR_FILENO);
   }

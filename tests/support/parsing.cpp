@@ -50,7 +50,7 @@ void append_description(std::string &out, const KZCIDescription &des) {
 std::string display_text(KZCITns &tns, sword *status) {
   std::fflush(stdout);
   const int kept = dup(STDOUT_FILENO);
-  std::FILE *file = std::tmpfile();
+  std::FILE *file = temporary_file();
   dup2(fileno(file), STDOUT_FILENO);
   const sword result = KZCITnsDisplay(&tns);
   std::fflush(stdout);

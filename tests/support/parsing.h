@@ -55,7 +55,7 @@ class DescriptorState {
 // A parse state in file mode over a temporary file with this text.
 class FileState {
  public:
-  explicit FileState(std::string_view text) : file_(std::tmpfile()) {
+  explicit FileState(std::string_view text) : file_(temporary_file()) {
     std::fwrite(text.data(), 1, text.size(), file_);
     std::rewind(file_);
     std::memset(&params, 0, sizeof params);

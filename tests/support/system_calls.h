@@ -4,6 +4,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstdio>
+
 #if defined(_WIN32)
 
 #include <io.h>
@@ -42,5 +44,13 @@ constexpr bool on_windows = true;
 #else
 constexpr bool on_windows = false;
 #endif
+
+// As std::tmpfile: there two processes may take the same name, of which one fails.
+inline std::FILE *temporary_file() {
+  constexpr int most_tries = 100;
+  std::FILE *file = std::tmpfile();
+  for (int i = 1; i < most_tries && file == nullptr; ++i) file = std::tmpfile();
+  return file;
+}
 
 }  // namespace support
