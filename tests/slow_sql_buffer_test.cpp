@@ -26,9 +26,6 @@ constexpr sb8 largest = std::numeric_limits<sb8>::max();
 constexpr sb8 smallest = std::numeric_limits<sb8>::min();
 constexpr ub4 interval = 77;
 
-// No narrow character of the "C" locale stands for this one: "%ls" fails on it.
-constexpr const wchar_t *unencodable = L"\u20AC";
-
 const std::string released = "FREE KZCISlowSQLBufferInit";
 const std::string lost_before = "ERROR KZCISlowSQLBufferFlush write to log fail.";
 const std::string lost_after = "ERROR KZCISlowSQLBufferFlush write to log fail!";
@@ -54,10 +51,6 @@ std::string content(const KZCISLowSQL &slowsql) {
 
 sword write(KZCISLowSQL &slowsql, const std::string &text) {
   return KZCISlowSQLWrite(&slowsql, "%s", text.c_str());
-}
-
-sword write_unencodable(KZCISLowSQL &slowsql) {
-  return KZCISlowSQLWrite(&slowsql, "%ls", unencodable);
 }
 
 class SlowSql : public ::testing::Test {
@@ -575,11 +568,19 @@ TEST_F(SlowSqlWrite, LargestPosition) {
 
 /* ---- A length that the formatter reports as negative ---- */
 
+#if !defined(_WIN32)  // The formatter leaves such characters out there.
+
+// No narrow character of the "C" locale stands for this one: "%ls" fails on it.
+constexpr const wchar_t *unencodable = L"\u20AC";
+
+sword write_unencodable(KZCISLowSQL &slowsql) {
+  return KZCISlowSQLWrite(&slowsql, "%ls", unencodable);
+}
+
 class SlowSqlFormatError : public SlowSql {
  protected:
   void SetUp() override {
     SlowSql::SetUp();
-    if (support::on_windows) GTEST_SKIP() << "the formatter leaves such characters out there";
     ASSERT_EQ(std::snprintf(nullptr, 0, "%ls", unencodable), -1);
   }
   std::string logged() const {
@@ -736,6 +737,8 @@ TEST_F(SlowSqlFormatError, PositionAtTheThreshold) {
   EXPECT_EQ(KZCISlowSQLBufferFlush(&slowsql_), 0);
   expect_log({batch("0123456789abcde")});
 }
+
+#endif
 
 /* ---- A record that loses its buffer during a write ----
  *

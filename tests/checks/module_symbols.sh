@@ -7,7 +7,7 @@
 set -euo pipefail
 platform='kzoci_log_inner|kzci_malloc|kzci_free|my_strtoll10'
 module_libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy|ncasecmp)|mem(cmp|cpy|move|set)|stdout)(64)?'
-files='(open|fcntl|f?stat|ftruncate)(64)?|__(fcntl|f?stat64)_time64|close|write|rename|flock|getcwd'
+files='(open|fcntl|[fl]stat|ftruncate)(64)?|__(fcntl|[fl]stat64)_time64|close|write|rename|flock|getcwd'
 platform_libc="$files|malloc|free|v?snprintf|strlen|strncasecmp|mem(chr|cmp|cpy|move|set)|(__)?clock_gettime(64)?|__errno_location|pthread_(mutex_(un)?lock|atfork)"
 # Besides what the code asks for: what the compiler calls for arithmetic that the processor
 # lacks, and instead of some of the above when it fortifies.
