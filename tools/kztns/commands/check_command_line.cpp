@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <map>
+#include <iterator>
 
 #include "commands/check.h"
 #include "commands/command_line.h"
@@ -11,24 +11,22 @@ namespace {
 
 constexpr char check_statuses[] = "0 no errors, 1 errors, or what --fail-on says";
 
-std::map<std::string, const CheckFormat *> report_formats() {
-  std::map<std::string, const CheckFormat *> formats;
-  for (const CheckFormat &format : check_formats) formats[std::string(format.name)] = &format;
-  return formats;
-}
-
-// "text, json or sarif", in the order of the formats.
-std::string report_format_names() {
+std::vector<std::string_view> report_formats() {
   std::vector<std::string_view> names;
   for (const CheckFormat &format : check_formats) names.push_back(format.name);
-  return one_of(names);
+  return names;
 }
 
-const std::map<std::string, ColorChoice> color_choices = {{"auto", ColorChoice::automatic},
-                                                          {"always", ColorChoice::always},
-                                                          {"never", ColorChoice::never}};
+const CheckFormat *report_format(std::string_view name) {
+  return std::find_if(std::begin(check_formats), std::end(check_formats),
+                      [&](const CheckFormat &format) { return format.name == name; });
+}
 
-const std::map<std::string, FailOn> failures = {
+constexpr Choice<ColorChoice> color_choices[] = {{"auto", ColorChoice::automatic},
+                                                 {"always", ColorChoice::always},
+                                                 {"never", ColorChoice::never}};
+
+constexpr Choice<FailOn> failures[] = {
     {"error", FailOn::error}, {"warning", FailOn::warning}, {"never", FailOn::never}};
 
 void add_files(CLI::App *check, Arguments &arguments) {
@@ -62,7 +60,7 @@ void add_outcome(CLI::App *check, Arguments &arguments) {
                    "Findings from which on the exit status is 1: error, warning, or never; "
                    "warnings stay warnings")
       ->type_name("SEVERITY")
-      ->check(CLI::IsMember(failures));
+      ->check(is_one_of_these("severity", words_of(failures)));
 }
 
 }  // namespace
@@ -71,14 +69,14 @@ void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
       add_command(app, "check", "Check names files for errors", check_statuses, arguments);
   add_files(check, arguments);
-  check->add_option("--format", arguments.format, report_format_names())
+  check->add_option("--format", arguments.format, one_of(report_formats()))
       ->type_name("FORMAT")
-      ->check(CLI::IsMember(report_formats()));
+      ->check(is_one_of_these("format", report_formats()));
   add_outcome(check, arguments);
   add_rules(check, arguments);
   check->add_option("--color", arguments.color, "auto, always or never")
       ->type_name("WHEN")
-      ->check(CLI::IsMember(color_choices));
+      ->check(is_one_of_these("value", words_of(color_choices)));
   check->add_flag("--no-color", arguments.no_color, "Do not use colours");
 }
 
@@ -92,11 +90,11 @@ int run_check(const CLI::App &command, const Arguments &arguments) {
     throw CLI::ValidationError("FILE", "standard input (-) can be given only once");
   options.stdin_name = arguments.stdin_name;
   options.max_size = arguments.max_size;
-  options.format = report_formats().at(arguments.format);
-  options.color = arguments.no_color ? ColorChoice::never : color_choices.at(arguments.color);
+  options.format = report_format(arguments.format);
+  options.color = arguments.no_color ? ColorChoice::never : chosen(color_choices, arguments.color);
   options.disabled = disabled_rules(arguments);
   options.strict = arguments.strict;
-  options.fail_on = failures.at(arguments.fail_on);
+  options.fail_on = chosen(failures, arguments.fail_on);
   return check(options);
 }
 

@@ -1,8 +1,12 @@
 #include "commands/command_line.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "io/names_file.h"
 #include "text/escape.h"
 #include "text/spelling.h"
+#include "trace/key_words.h"
 
 namespace kztns {
 namespace {
@@ -64,6 +68,28 @@ WriteOptions add_write_options(CLI::App *command, Arguments &arguments) {
 const CLI::Validator &is_rule() {
   static const CLI::Validator validator(rule_fault, "");
   return validator;
+}
+
+std::string unknown_word(std::string_view kind, std::string_view word,
+                         const std::string &expected) {
+  return "unknown " + std::string(kind) + " " + quoted(cut_short(word)) + ": expected " + expected;
+}
+
+// Completion takes the words from the help, where the validator's description is.
+CLI::Validator is_one_of_these(std::string_view kind, std::vector<std::string_view> words) {
+  const std::string listed = "{" + CLI::detail::join(words, ",") + "}";
+  return CLI::Validator(
+      [kind, words = std::move(words)](const std::string &word) {
+        const bool is_known = std::find(words.begin(), words.end(), word) != words.end();
+        return is_known ? std::string() : unknown_word(kind, word, one_of(words));
+      },
+      listed);
+}
+
+void add_text_or_json(CLI::App *command, Arguments &arguments) {
+  command->add_option("--format", arguments.format, "text or json")
+      ->type_name("FORMAT")
+      ->check(is_one_of_these("format", {"text", "json"}));
 }
 
 void add_disable(CLI::App *command, const char *purpose, Arguments &arguments) {

@@ -1,9 +1,9 @@
 // What the subcommands' command lines have in common.
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -79,6 +79,37 @@ RuleSet disabled_rules(const Arguments &arguments);
 
 // A check of a word for a rule.
 const CLI::Validator &is_rule();
+
+// What is wrong with a word that is none of those expected.
+std::string unknown_word(std::string_view kind, std::string_view word, const std::string &expected);
+
+// A check of an option's word, which has to be one of these; kind is what they are.
+CLI::Validator is_one_of_these(std::string_view kind, std::vector<std::string_view> words);
+
+// A word of an option and what it stands for.
+template <class Meaning>
+struct Choice {
+  std::string_view word;
+  Meaning meaning;
+};
+
+template <class Meaning, std::size_t count>
+std::vector<std::string_view> words_of(const Choice<Meaning> (&choices)[count]) {
+  std::vector<std::string_view> words;
+  for (const Choice<Meaning> &choice : choices) words.push_back(choice.word);
+  return words;
+}
+
+// What a word stands for that has been checked to be one of the choices.
+template <class Meaning, std::size_t count>
+Meaning chosen(const Choice<Meaning> (&choices)[count], std::string_view word) {
+  std::size_t i = 0;
+  while (i + 1 < count && choices[i].word != word) ++i;
+  return choices[i].meaning;
+}
+
+// --format for a subcommand that prints text or JSON.
+void add_text_or_json(CLI::App *command, Arguments &arguments);
 
 // The names file that the command line names.
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments);

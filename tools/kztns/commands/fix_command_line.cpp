@@ -7,6 +7,8 @@ namespace {
 constexpr char fix_statuses[] =
     "0 no error is left: check has none for the result, 1 errors are left";
 
+constexpr Choice<Keep> kept_entries[] = {{"first", Keep::first}, {"last", Keep::last}};
+
 }  // namespace
 
 void add_fix(CLI::App &app, Arguments &arguments) {
@@ -25,7 +27,7 @@ void add_fix(CLI::App &app, Arguments &arguments) {
   fix->add_option("--keep", arguments.keep,
                   "first or last: of the entries of a name, make comments of the others")
       ->type_name("WHICH")
-      ->check(CLI::IsMember({"first", "last"}));
+      ->check(is_one_of_these("value", words_of(kept_entries)));
   const WriteOptions write = add_write_options(fix, arguments);
   fix->add_option("-o,--output", arguments.output, "Write to this file")
       ->type_name("FILE")
@@ -42,8 +44,7 @@ int run_fix(const CLI::App &command, const Arguments &arguments) {
   options.with_unsafe = arguments.with_unsafe;
   options.inline_ifile = arguments.inline_ifile;
   options.commenting.unserved = arguments.comment_out;
-  if (command.count("--keep") > 0)
-    options.commenting.keep = arguments.keep == "last" ? Keep::last : Keep::first;
+  if (command.count("--keep") > 0) options.commenting.keep = chosen(kept_entries, arguments.keep);
   if (arguments.diff) options.target = FixTarget::diff;
   if (arguments.in_place) options.target = FixTarget::in_place;
   if (command.count("--output") > 0) {

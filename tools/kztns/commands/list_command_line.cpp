@@ -1,11 +1,8 @@
 #include <unistd.h>
 
-#include <algorithm>
-
 #include "commands/command_line.h"
 #include "commands/list.h"
 #include "io/names_file.h"
-#include "text/escape.h"
 #include "trace/key_words.h"
 
 namespace kztns {
@@ -18,15 +15,6 @@ std::vector<std::string_view> verdict_names() {
   for (std::size_t i = 0; i < verdict_count; ++i) names.push_back(name_of(static_cast<Verdict>(i)));
   return names;
 }
-
-// What is wrong with a word for a verdict; empty for nothing.
-std::string verdict_fault(const std::string &word) {
-  const std::vector<std::string_view> names = verdict_names();
-  if (std::find(names.begin(), names.end(), word) != names.end()) return {};
-  return "unknown verdict " + kztns::quoted(cut_short(word)) + ": expected " + one_of(names);
-}
-
-const CLI::Validator is_verdict(verdict_fault, "");
 
 VerdictSet verdicts_of(const std::vector<std::string> &words) {
   VerdictSet verdicts;
@@ -66,10 +54,8 @@ void add_list(CLI::App &app, Arguments &arguments) {
       ->type_name("VERDICT,...")
       ->delimiter(',')
       ->allow_extra_args(false)
-      ->check(is_verdict);
-  list->add_option("--format", arguments.format, "text or json")
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember({"text", "json"}));
+      ->check(is_one_of_these("verdict", verdict_names()).description(""));
+  add_text_or_json(list, arguments);
   list->callback([list, &arguments] { take_file(*list, arguments); });
 }
 

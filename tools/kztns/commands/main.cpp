@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
-#include <map>
 #include <new>
 #include <optional>
 #include <sstream>
@@ -51,13 +50,13 @@ std::string shown_level_names() {
 // What is wrong with a word for a level; empty for nothing.
 std::string level_fault(const std::string &word) {
   if (shown_level(word)) return {};
-  return "unknown level " + kztns::quoted(word) + ": expected " + shown_level_names();
+  return kztns::unknown_word("level", word, shown_level_names());
 }
 
-const std::map<std::string, kztns::ShowWhat> tree_formats = {{"tree", kztns::ShowWhat::tree},
-                                                             {"json", kztns::ShowWhat::json},
-                                                             {"dot", kztns::ShowWhat::dot},
-                                                             {"svg", kztns::ShowWhat::svg}};
+constexpr kztns::Choice<kztns::ShowWhat> tree_formats[] = {{"tree", kztns::ShowWhat::tree},
+                                                           {"json", kztns::ShowWhat::json},
+                                                           {"dot", kztns::ShowWhat::dot},
+                                                           {"svg", kztns::ShowWhat::svg}};
 
 // The exit statuses that each subcommand has of its own.
 constexpr char show_statuses[] =
@@ -97,7 +96,7 @@ void add_show(CLI::App &app, Arguments &arguments) {
                    "Print the tree as text (tree), as JSON with every field (json), as a graph "
                    "(dot) or as its picture, drawn by graphviz (svg)")
       ->type_name("FORMAT")
-      ->check(CLI::IsMember(tree_formats))
+      ->check(kztns::is_one_of_these("format", kztns::words_of(tree_formats)))
       ->excludes(dblink)
       ->excludes(session);
 }
@@ -115,14 +114,13 @@ void add_why(CLI::App &app, Arguments &arguments) {
       add_command(app, "why", "Explain one lookup, step by step", why_statuses, arguments);
   add_log(why, arguments);
   add_identifier(why, arguments);
-  why->add_option("--format", arguments.format, "text or json")
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember({"text", "json"}));
+  kztns::add_text_or_json(why, arguments);
 }
 
 kztns::ShowWhat shown_part(const Arguments &arguments) {
   if (arguments.dblink) return kztns::ShowWhat::dblink;
-  return arguments.session ? kztns::ShowWhat::session : tree_formats.at(arguments.tree_format);
+  return arguments.session ? kztns::ShowWhat::session
+                           : kztns::chosen(tree_formats, arguments.tree_format);
 }
 
 int run_lookup(const CLI::App &command, const Arguments &arguments) {
@@ -206,7 +204,7 @@ int finish_without_command(const CLI::App &app, const CLI::ParseError &error, in
 
 // What the arguments hold is quoted in the words of their reader.
 std::string usage_message(const CLI::App *, const CLI::Error &error) {
-  return kztns::visible(error.what()) + "\nRun with --help for more information.\n";
+  return "kztns: " + kztns::visible(error.what()) + "\nRun with --help for more information.\n";
 }
 
 }  // namespace
