@@ -35,21 +35,14 @@ sword read_protocol(KZCIAddress &address, KZCITnsParseParams *params) {
 }
 
 sword read_address_value(KZCIAddress &address, KZCITnsParseParams *params) {
-  switch (params->key_type) {
-    case LB_PROTOCOL:
-      return read_protocol(address, params);
-    default:
-      return read_by_address_grammar(address, params);
-  }
+  if (params->key_type == LB_PROTOCOL) return read_protocol(address, params);
+  return read_by_address_grammar(address, params);
 }
 
 sword read_list_value(KZCIAddressList &list, KZCITnsParseParams *params) {
-  switch (params->key_type) {
-    case LB_ADDRESS:
-      return reported(KZCIAddressBuild(&list, params), message::address_of_list_failed);
-    default:
-      return read_by_grammar(Block::address_list, message::address_list_key_refused, params, &list);
-  }
+  if (params->key_type == LB_ADDRESS)
+    return reported(KZCIAddressBuild(&list, params), message::address_of_list_failed);
+  return read_by_grammar(Block::address_list, message::address_list_key_refused, params, &list);
 }
 
 }  // namespace

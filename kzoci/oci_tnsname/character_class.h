@@ -1,4 +1,4 @@
-// What a character means to the tokenizer, as one table look-up.
+// What a character means to the tokenizer, as one table lookup.
 #pragma once
 
 #include <array>

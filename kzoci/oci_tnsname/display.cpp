@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "children.h"
-#include "grammar.h"
+#include "record_fields.h"
 #include "reserved_entry.h"
 #include "status.h"
 

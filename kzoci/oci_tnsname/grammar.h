@@ -6,110 +6,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
-#include <ctime>
 #include <iterator>
-#include <span>
-#include <utility>
 
+#include "grammar_types.h"
 #include "kzoci/oci_tnsname.h"
 #include "messages.h"
 
 namespace kzoci::tns {
-
-// The blocks in which keys have their place.
-enum class Block : unsigned char {
-  entry,  // an ordinary entry, and a literal descriptor
-  system_variables,
-  description,
-  address_list,
-  address,
-  connect_data,
-  blacklist,
-  remove_strategy,
-  append_strategy
-};
-
-enum class ValueKind : unsigned char { block, word, integer, text };
-
-// How a field keeps a number.
-enum class Storage : unsigned char {
-  number,   // sb8
-  seconds,  // time_t
-  count,    // ub4, the value's low 32 bits
-  option    // an int or an enumeration of its size
-};
-
-enum class TextCopy : unsigned char {
-  bytes,  // byte for byte
-  string  // up to the first zero byte, zeros after it
-};
-
-struct Word {
-  const char *text;
-  int value;
-};
-
-// The words that a value may be, in the order in which they are tried.
-struct Words {
-  std::span<const Word> words;
-  Message<int, const char *> refused;
-};
-
-// A field of the record of the key's block: a number, or characters with a length beside
-// them.
-struct Field {
-  Storage storage = Storage::number;
-  std::size_t at = 0;
-  std::size_t length_at = 0;
-  ub4 capacity = 0;  // of the characters' array
-};
-
-struct Value {
-  ValueKind kind;
-  Field field = {};
-  sb8 by_default = 0;  // texts are empty by default
-  ub4 limit = 0;       // longest text
-  TextCopy copy = TextCopy::bytes;
-  const Words *words = nullptr;  // of a word
-  Block opens = Block::entry;    // of a block
-};
-
-// The message that logs a system variable after it was read.
-struct Report {
-  const Message<long_argument> *number = nullptr;
-  const Message<int, const char *> *text = nullptr;
-};
-
-struct Key {
-  const char *word;
-  KZCILBKeyType type;
-  Block block;
-  Value value;
-  const char *name = nullptr;   // of the field, for people; null: no field of its own
-  const char *label = nullptr;  // of its line in the dump; null: not printed
-  Report report = {};
-};
-
-constexpr Value block(Block opens) {
-  Value value = {ValueKind::block};
-  value.opens = opens;
-  return value;
-}
-
-constexpr Value integer(Field field, sb8 by_default = 0) {
-  return {ValueKind::integer, field, by_default};
-}
-
-constexpr Value word(Field field, const Words &words, sb8 by_default) {
-  Value value = {ValueKind::word, field, by_default};
-  value.words = &words;
-  return value;
-}
-
-constexpr Value text(Field field, ub4 limit, TextCopy copy = TextCopy::bytes) {
-  return {ValueKind::text, field, 0, limit, copy};
-}
 
 // A number, a word or a text of a record.
 #define KZ_FIELD(storage, record, field) \
@@ -287,77 +190,5 @@ inline constexpr std::size_t rows_of_grammar = std::size(grammar);
 
 // The row of a key in a block; null for a key that has no place there.
 const Key *key_of(Block block, KZCILBKeyType type);
-
-inline void *field_of(void *record, const Field &field) {
-  return static_cast<char *>(record) + field.at;
-}
-inline const void *field_of(const void *record, const Field &field) {
-  return static_cast<const char *>(record) + field.at;
-}
-
-// Stores a number in a field of a record, in the field's type.
-inline void store_number(void *record, const Field &field, sb8 number) {
-  const auto store = [&](auto as_stored) {
-    std::memcpy(field_of(record, field), &as_stored, sizeof as_stored);
-  };
-  switch (field.storage) {
-    case Storage::seconds:
-      return store(static_cast<std::time_t>(number));
-    case Storage::count:
-      return store(static_cast<ub4>(number));
-    case Storage::option:
-      return store(static_cast<int>(number));
-    default:
-      return store(number);
-  }
-}
-
-template <class Stored>
-sb8 stored_number(const void *record, const Field &field) {
-  Stored stored;
-  std::memcpy(&stored, field_of(record, field), sizeof stored);
-  return static_cast<sb8>(stored);
-}
-
-// The number that a field of a record holds.
-inline sb8 number_of(const void *record, const Field &field) {
-  switch (field.storage) {
-    case Storage::seconds:
-      return stored_number<std::time_t>(record, field);
-    case Storage::count:
-      return stored_number<ub4>(record, field);
-    case Storage::option:
-      return stored_number<int>(record, field);
-    default:
-      return stored_number<sb8>(record, field);
-  }
-}
-
-// The characters of a text field, never more than its array holds.
-inline std::span<const char> text_of(const void *record, const Field &field) {
-  ub4 length = 0;
-  std::memcpy(&length, static_cast<const char *>(record) + field.length_at, sizeof length);
-  return {static_cast<const char *>(field_of(record, field)),
-          length < field.capacity ? length : field.capacity};
-}
-
-// Stores the default of a row's key if the row belongs to one of the blocks.
-template <std::size_t row, Block... blocks>
-void set_default(void *record) {
-  constexpr Value value = grammar[row].value;
-  if constexpr (((grammar[row].block == blocks) || ...) && value.by_default != 0)
-    store_number(record, value.field, value.by_default);
-}
-
-template <Block... blocks, std::size_t... row>
-void set_defaults_of_rows(void *record, std::index_sequence<row...>) {
-  (set_default<row, blocks...>(record), ...);
-}
-
-// Stores the defaults of the keys of some blocks that share a record of zeros.
-template <Block... blocks>
-void set_defaults(void *record) {
-  set_defaults_of_rows<blocks...>(record, std::make_index_sequence<rows_of_grammar>{});
-}
 
 }  // namespace kzoci::tns

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "kzoci/platform/letter_case.h"
+#include "record_fields.h"
 
 namespace kzoci::tns {
 

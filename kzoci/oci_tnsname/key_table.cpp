@@ -27,11 +27,11 @@ constexpr TextWords words_of(std::string_view text, Function function) {
   return words;
 }
 
-constexpr unsigned char itself(char c) { return static_cast<unsigned char>(c); }
+constexpr unsigned char as_byte(char c) { return static_cast<unsigned char>(c); }
 
 // The bits that distinguish a character: for a letter, all but the one in which
 // small letters differ from capitals.
-constexpr unsigned char telling_bits(char c) { return 'A' <= c && c <= 'Z' ? 0xDF : 0xFF; }
+constexpr unsigned char all_but_case(char c) { return 'A' <= c && c <= 'Z' ? 0xDF : 0xFF; }
 
 struct KeyWord {
   std::string_view text;
@@ -50,7 +50,7 @@ struct KeyWord {
 };
 
 constexpr KeyWord make_key_word(std::string_view text, KZCILBKeyType type) {
-  return {text, type, words_of(text, itself), words_of(text, telling_bits)};
+  return {text, type, words_of(text, as_byte), words_of(text, all_but_case)};
 }
 
 // Whether an earlier row of the grammar has the same word.

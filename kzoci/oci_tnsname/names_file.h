@@ -1,4 +1,4 @@
-// Which names file a look-up reads.
+// Which names file a lookup reads.
 #pragma once
 
 #include <cstddef>

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "children.h"
-#include "grammar.h"
+#include "record_fields.h"
 #include "set_to_zero.h"
 
 using namespace kzoci::tns;

@@ -48,7 +48,7 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
 struct SoughtName {
   const char *text;
   ub4 length;
-  bool last_tells = length > 0 && std::find(text, text + length, '\0') == text + length;
+  bool compare_last = length > 0 && std::find(text, text + length, '\0') == text + length;
 
   int text_precision() const { return precision(length); }
 };
@@ -57,7 +57,7 @@ struct SoughtName {
 bool is_sought(const SoughtName &sought, const KZCITnsParseParams &params) {
   const ub4 length = sought.length;
   if (params.tns_key_len != length) return false;
-  if (sought.last_tells && params.tns_key[length - 1] != sought.text[length - 1]) return false;
+  if (sought.compare_last && params.tns_key[length - 1] != sought.text[length - 1]) return false;
   return std::strncmp(sought.text, params.tns_key, length) == 0;
 }
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "items.h"
+#include "record_fields.h"
 
 using namespace kzoci::tns;
 

@@ -19,8 +19,8 @@
 namespace kzoci::tns {
 
 void begin_parse(KZCITnsParseParams *params, int mode) {
-  constexpr std::size_t tail = offsetof(KZCITnsParseParams, tns_key);
-  set_to_zero(reinterpret_cast<char *>(params) + tail, sizeof *params - tail);
+  constexpr std::size_t after_buffer = offsetof(KZCITnsParseParams, tns_key);
+  set_to_zero(reinterpret_cast<char *>(params) + after_buffer, sizeof *params - after_buffer);
   params->mode = mode;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 
 #include "io/memory_file.h"
+#include "kzoci/oci_tnsname/record_fields.h"
 #include "report/tree_walk.h"
 #include "text/escape.h"
 #include "trace/log_watch.h"

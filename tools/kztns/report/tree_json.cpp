@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "kzoci/oci_tnsname/record_fields.h"
 #include "report/tree_walk.h"
 #include "text/escape.h"
 

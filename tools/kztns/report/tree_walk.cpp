@@ -1,5 +1,7 @@
 #include "report/tree_walk.h"
 
+#include "kzoci/oci_tnsname/record_fields.h"
+
 namespace kztns {
 
 using kzoci::tns::Key;

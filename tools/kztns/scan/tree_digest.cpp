@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-#include "kzoci/oci_tnsname/grammar.h"
+#include "kzoci/oci_tnsname/record_fields.h"
 
 namespace kztns {
 namespace {

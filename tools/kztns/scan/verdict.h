@@ -1,4 +1,4 @@
-// What a look-up makes of an entry.
+// What a lookup makes of an entry.
 #pragma once
 
 #include <cstddef>
