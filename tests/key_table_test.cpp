@@ -27,7 +27,7 @@ class KeyTable : public ::testing::Test {
   void SetUp() override { support::reset_platform(); }
   void TearDown() override {
     EXPECT_EQ(support::bad_releases(), 0u);
-    EXPECT_EQ(support::memory_events(), Lines{}) << "a look-up allocates nothing";
+    EXPECT_EQ(support::memory_events(), Lines{}) << "a lookup allocates nothing";
   }
 };
 
@@ -242,7 +242,7 @@ TEST_F(KeyTable, CharactersAfterTheKeyDoNotMatter) {
   EXPECT_EQ(params.key_type, LB_ADDRESS);
 }
 
-TEST_F(KeyTable, LookUpForgetsTheOneBefore) {
+TEST_F(KeyTable, LookupForgetsTheOneBefore) {
   KZCITnsParseParams params = state_with("HOST");
   EXPECT_EQ(KZCITnsGetKeyType(&params), 0);
   EXPECT_EQ(params.key_type, LB_HOST);

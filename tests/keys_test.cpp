@@ -215,9 +215,9 @@ void expect_kept(const Key &key, const KZCITnsService &service) {
 TEST(Keys, ModuleAndModelKeepEach) {
   support::MemoryFile file;
   for (const Key &key : keys) {
-    for (const support::Way &way : support::ways_to(key)) {
+    for (const support::BlockPath &path : support::paths_to(key)) {
       const std::string text =
-          way.before + std::string(key.word) + '=' + support::sample_value(key) + way.after;
+          path.before + std::string(key.word) + '=' + support::sample_value(key) + path.after;
       SCOPED_TRACE(text);
       const bool variable = key.place == Place::system_variables;
       const std::string identifier = variable ? "KZCISYSTEMVARIABLES" : text;

@@ -35,8 +35,8 @@ std::vector<Number> integers_of(std::initializer_list<Place> places) {
   for (const Key &key : support::keys) {
     if (key.takes != Takes::integer) continue;
     if (std::find(places.begin(), places.end(), key.place) == places.end()) continue;
-    for (const support::Way &way : support::ways_to(key))
-      out.push_back({&key, way.before + std::string(key.word) + '=', way.after});
+    for (const support::BlockPath &path : support::paths_to(key))
+      out.push_back({&key, path.before + std::string(key.word) + '=', path.after});
   }
   return out;
 }

@@ -65,29 +65,30 @@ bool LogFile::open_at_path() {
 
 bool LogFile::write(const char *line, std::size_t length) {
   // Far more rotations of other processes than can come between two of our calls.
-  constexpr int most_turns = 1000;
+  constexpr int most_attempts = 1000;
   bool may_open_another = true;
-  Turn turn = Turn::moved;
-  for (int i = 0; i < most_turns && turn == Turn::moved; ++i) {
-    turn = is_limited_ ? take_turn(line, length, may_open_another) : append(line, length);
-    if (turn == Turn::moved) may_open_another = open_at_path();
+  Outcome outcome = Outcome::moved;
+  for (int i = 0; i < most_attempts && outcome == Outcome::moved; ++i) {
+    outcome = is_limited_ ? append_or_rotate(line, length, may_open_another) : append(line, length);
+    if (outcome == Outcome::moved) may_open_another = open_at_path();
   }
-  if (turn == Turn::written) return true;
+  if (outcome == Outcome::written) return true;
   close();
   return false;
 }
 
 // A file that is no longer at its path, where no other can be opened, still takes
 // what fits.
-LogFile::Turn LogFile::take_turn(const char *line, std::size_t length, bool may_open_another) {
+LogFile::Outcome LogFile::append_or_rotate(const char *line, std::size_t length,
+                                           bool may_open_another) {
   const FileLock lock(descriptor_);
   FileState own = {};
-  if (!state_of(descriptor_, own)) return Turn::failed;
+  if (!state_of(descriptor_, own)) return Outcome::failed;
   const bool at_path = is_at_path(own);
-  if (!at_path && may_open_another) return Turn::moved;
+  if (!at_path && may_open_another) return Outcome::moved;
   if (has_room(own, length))
     return lock.is_held() ? append_at(own.size, line, length) : append(line, length);
-  return at_path && lock.is_held() ? rotate(line, length) : Turn::failed;
+  return at_path && lock.is_held() ? rotate(line, length) : Outcome::failed;
 }
 
 bool LogFile::is_at_path(const FileState &own) const {
@@ -100,21 +101,21 @@ bool LogFile::has_room(const FileState &own, std::size_t length) const {
   return own.size == 0 || static_cast<sb8>(length) <= size_limit_ - own.size;
 }
 
-LogFile::Turn LogFile::append(const char *line, std::size_t length) const {
-  return write_whole(descriptor_, line, length) ? Turn::written : Turn::failed;
+LogFile::Outcome LogFile::append(const char *line, std::size_t length) const {
+  return write_whole(descriptor_, line, length) ? Outcome::written : Outcome::failed;
 }
 
 // For whoever has the lock, so that nobody else has written after the end. What a failing
 // write leaves of a line is cut off.
-LogFile::Turn LogFile::append_at(sb8 end, const char *line, std::size_t length) const {
-  const Turn turn = append(line, length);
-  if (turn == Turn::failed) cut_off(descriptor_, end);
-  return turn;
+LogFile::Outcome LogFile::append_at(sb8 end, const char *line, std::size_t length) const {
+  const Outcome outcome = append(line, length);
+  if (outcome == Outcome::failed) cut_off(descriptor_, end);
+  return outcome;
 }
 
-LogFile::Turn LogFile::rotate(const char *line, std::size_t length) {
-  if (count_ > 1) return shift_files() ? Turn::moved : Turn::failed;
-  return cut_off(descriptor_, 0) ? append_at(0, line, length) : Turn::failed;
+LogFile::Outcome LogFile::rotate(const char *line, std::size_t length) {
+  if (count_ > 1) return shift_files() ? Outcome::moved : Outcome::failed;
+  return cut_off(descriptor_, 0) ? append_at(0, line, length) : Outcome::failed;
 }
 
 // Only files that exist are moved, so that a large count costs nothing. The log
@@ -134,10 +135,10 @@ bool LogFile::shift_files() {
   return true;
 }
 
-const char *LogFile::numbered(NumberedPath &room, ub4 number) const {
+const char *LogFile::numbered(NumberedPath &buffer, ub4 number) const {
   if (number == 0) return path_;
-  std::snprintf(room, sizeof room, "%s.%" PRIu32, path_, number);
-  return room;
+  std::snprintf(buffer, sizeof buffer, "%s.%" PRIu32, path_, number);
+  return buffer;
 }
 
 // A lock belongs to the open file description, which parent and child share. With one

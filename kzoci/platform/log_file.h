@@ -36,7 +36,7 @@ class LogFile {
   void part_from_parent();
 
  private:
-  enum class Turn { written, moved, failed };
+  enum class Outcome { written, moved, failed };
 
   // ".4294967295"
   static constexpr std::size_t longest_suffix = 11;
@@ -45,14 +45,14 @@ class LogFile {
 
   bool set_path(const char *path, std::size_t length);
   bool open_at_path();
-  Turn take_turn(const char *line, std::size_t length, bool may_open_another);
-  Turn rotate(const char *line, std::size_t length);
-  Turn append(const char *line, std::size_t length) const;
-  Turn append_at(sb8 end, const char *line, std::size_t length) const;
+  Outcome append_or_rotate(const char *line, std::size_t length, bool may_open_another);
+  Outcome rotate(const char *line, std::size_t length);
+  Outcome append(const char *line, std::size_t length) const;
+  Outcome append_at(sb8 end, const char *line, std::size_t length) const;
   bool is_at_path(const FileState &own) const;
   bool has_room(const FileState &own, std::size_t length) const;
   bool shift_files();
-  const char *numbered(NumberedPath &room, ub4 number) const;
+  const char *numbered(NumberedPath &buffer, ub4 number) const;
 
   int descriptor_ = -1;
   bool is_limited_ = false;

@@ -61,8 +61,8 @@ bool rename_file(const char *from, const char *to);
 bool lock_file(int descriptor);
 void unlock_file(int descriptor);
 
-// Writes the path to room as it means the same file in every working directory, terminated.
-// The path, which need not be terminated, has no zero byte. False when room is too small.
-bool make_absolute(const char *path, std::size_t length, char *room, std::size_t size);
+// Writes the path to buffer as it means the same file in every working directory, terminated.
+// The path, which need not be terminated, has no zero byte. False when buffer is too small.
+bool make_absolute(const char *path, std::size_t length, char *buffer, std::size_t size);
 
 }  // namespace kzoci::platform

@@ -106,16 +106,16 @@ bool lock_file(int descriptor) {
 
 void unlock_file(int descriptor) { ::flock(descriptor, LOCK_UN); }
 
-bool make_absolute(const char *path, std::size_t length, char *room, std::size_t size) {
+bool make_absolute(const char *path, std::size_t length, char *buffer, std::size_t size) {
   std::size_t at = 0;
   if (path[0] != '/') {
-    if (::getcwd(room, size - 1) == nullptr) return false;
-    at = std::strlen(room);
-    room[at++] = '/';
+    if (::getcwd(buffer, size - 1) == nullptr) return false;
+    at = std::strlen(buffer);
+    buffer[at++] = '/';
   }
   if (length >= size - at) return false;
-  std::memcpy(room + at, path, length);
-  room[at + length] = '\0';
+  std::memcpy(buffer + at, path, length);
+  buffer[at + length] = '\0';
   return true;
 }
 

@@ -141,12 +141,12 @@ void unlock_file(int descriptor) {
   UnlockFileEx(handle_of(descriptor), 0, 1, 0, &place);
 }
 
-bool make_absolute(const char *path, std::size_t length, char *room, std::size_t size) {
+bool make_absolute(const char *path, std::size_t length, char *buffer, std::size_t size) {
   char terminated[KZOCI_LOG_PATH_MAX + 1];
   if (length >= sizeof terminated) return false;
   std::memcpy(terminated, path, length);
   terminated[length] = '\0';
-  const DWORD written = GetFullPathNameA(terminated, static_cast<DWORD>(size), room, nullptr);
+  const DWORD written = GetFullPathNameA(terminated, static_cast<DWORD>(size), buffer, nullptr);
   return written > 0 && written < size;
 }
 

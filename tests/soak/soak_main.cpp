@@ -130,7 +130,7 @@ constexpr bool is_process_shared = false;
 #endif
 
 void account_for_work(Account &account, const Run &run) {
-  account.must_happen("look-ups", run.work.lookups);
+  account.must_happen("lookups", run.work.lookups);
   account.must_happen("  found", run.work.found);
   account.must_happen("  refused", run.work.refused);
   account.must_happen("literals", run.work.literals);

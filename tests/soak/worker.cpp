@@ -11,7 +11,7 @@
 
 namespace {
 
-// What the module has read of the names file in this thread's look-up: whatever the writer
+// What the module has read of the names file in this thread's lookup: whatever the writer
 // does meanwhile, the result must be the one of these characters.
 thread_local std::string characters_read;
 

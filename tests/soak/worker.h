@@ -1,4 +1,4 @@
-// What one thread does for as long as the soak lasts: look-ups, literals and reports of
+// What one thread does for as long as the soak lasts: lookups, literals and reports of
 // slow statements, each held against what it must be.
 #pragma once
 
@@ -30,7 +30,7 @@ class Worker {
  public:
   Worker(int number, std::uint64_t seed);
 
-  // One look-up, one literal, some reports.
+  // One lookup, one literal, some reports.
   void play_round();
 
   const Work &work() const { return work_; }

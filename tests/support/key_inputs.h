@@ -30,19 +30,19 @@ inline std::string sample_item(const Key &key) {
 
 // The input around "KEY=value": of a literal descriptor, or, for a system variable, of
 // the reserved entry after its "=".
-struct Way {
+struct BlockPath {
   std::string before;
   std::string after;
 };
 
 // One for each place that the key's block can stand in.
-inline std::vector<Way> ways_to(const Key &key) {
+inline std::vector<BlockPath> paths_to(const Key &key) {
   if (key.place == Place::entry || key.place == Place::system_variables) return {{"(", ")"}};
-  std::vector<Way> out;
+  std::vector<BlockPath> out;
   for (const Key &block : keys) {
     if (block.takes != Takes::block || block.opens != key.place) continue;
-    for (const Way &way : ways_to(block))
-      out.push_back({way.before + std::string(block.word) + "=(", ')' + way.after});
+    for (const BlockPath &path : paths_to(block))
+      out.push_back({path.before + std::string(block.word) + "=(", ')' + path.after});
   }
   return out;
 }

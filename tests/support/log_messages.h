@@ -158,7 +158,7 @@ inline constexpr LogMessage log_messages[] = {
     {LOG_LEVEL_ERROR, "something error in build tns service, status:%d"},
     {LOG_LEVEL_DEBUG, "success to build tns_service, description count:%u"},
 
-    // Look-ups
+    // Lookups
     {LOG_LEVEL_DEBUG, "call KZCITnsBuild with params [tns:%p]"},
     {LOG_LEVEL_DEBUG, "get KZCI_TNS_FILE:%s"},
     {LOG_LEVEL_DEBUG, "get TNS_ADMIN:%s"},

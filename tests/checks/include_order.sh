@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
 # Whether each folder of a program includes only itself and the folders before it.
 #
-#   rooms.sh ROOT FOLDER...
+#   include_order.sh ROOT FOLDER...
 set -uo pipefail
 cd "$1" || exit 1
 shift
 failed=0
 later=" $* "
-for room; do
-  later=" ${later#" $room "}"
-  for header in $(grep -rhoP '^#include "\K[a-z]+(?=/)' "$room" | sort -u); do
+for folder; do
+  later=" ${later#" $folder "}"
+  for header in $(grep -rhoP '^#include "\K[a-z]+(?=/)' "$folder" | sort -u); do
     case $later in *" $header "*)
-      grep -rn "#include \"$header/" "$room"
-      echo "$room includes $header, which comes after it"
+      grep -rn "#include \"$header/" "$folder"
+      echo "$folder includes $header, which comes after it"
       failed=1
     esac
   done

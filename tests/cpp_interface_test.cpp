@@ -97,7 +97,7 @@ constexpr std::string_view names =
 constexpr char descriptor[] =
     "(DESCRIPTION = (ADDRESS = (HOST = lit)(PORT = 9)) (CONNECT_DATA = (SID = x)))";
 
-class Face : public testing::Test {
+class CppInterface : public testing::Test {
  protected:
   void SetUp() override {
     counts = {};
@@ -177,9 +177,9 @@ Texts hosts(const Range &addresses) {
   return out;
 }
 
-// ---- Look-ups
+// ---- Lookups
 
-TEST_F(Face, FoundGivesTheService) {
+TEST_F(CppInterface, FoundGivesTheService) {
   const Result result = tns_.look_up("pair");
   EXPECT_EQ(told(result), is_found);
   EXPECT_TRUE(result);
@@ -188,7 +188,7 @@ TEST_F(Face, FoundGivesTheService) {
   EXPECT_EQ(tns_.size(), 1u);
 }
 
-TEST_F(Face, ServicesStandInTheOrderOfTheLookUps) {
+TEST_F(CppInterface, ServicesStandInTheOrderOfTheLookups) {
   KZCITnsService &pair = found("pair");
   KZCITnsService &solo = found(std::string("solo"));
   KZCITnsService &literal = found(descriptor);
@@ -200,21 +200,21 @@ TEST_F(Face, ServicesStandInTheOrderOfTheLookUps) {
   EXPECT_EQ(&tns_.services().back(), &literal);
 }
 
-TEST_F(Face, NotFoundIsNoFailure) {
+TEST_F(CppInterface, NotFoundIsNoFailure) {
   const Result result = tns_.look_up("nosuch");
   EXPECT_EQ(told(result), is_not_found);
   EXPECT_FALSE(result);
   EXPECT_TRUE(tns_.empty());
 }
 
-TEST_F(Face, MalformedAndNullFailWithTheStatus) {
+TEST_F(CppInterface, MalformedAndNullFailWithTheStatus) {
   EXPECT_EQ(told(tns_.look_up("bad")), is_malformed);
   EXPECT_EQ(told(tns_.look_up(static_cast<const char *>(nullptr))), is_null);
   EXPECT_EQ(told(tns_.build_literal(static_cast<const char *>(nullptr))), is_null);
   EXPECT_TRUE(tns_.empty());
 }
 
-TEST_F(Face, LiteralIsFoundNotFoundOrMalformed) {
+TEST_F(CppInterface, LiteralIsFoundNotFoundOrMalformed) {
   EXPECT_EQ(told(tns_.build_literal(descriptor)), is_found);
   EXPECT_EQ(kzoci::host(kzoci::address_lists(kzoci::descriptions(tns_.services().back()).front())
                             .front()
@@ -226,7 +226,7 @@ TEST_F(Face, LiteralIsFoundNotFoundOrMalformed) {
   EXPECT_EQ(tns_.size(), 1u);
 }
 
-TEST_F(Face, IdentifierIsExactlyItsText) {
+TEST_F(CppInterface, IdentifierIsExactlyItsText) {
   static_assert(!std::is_convertible_v<std::string_view, kzoci::Identifier>,
                 "a text without a zero byte is named as such");
   const std::string longer = "pairs";
@@ -240,7 +240,7 @@ TEST_F(Face, IdentifierIsExactlyItsText) {
   EXPECT_FALSE(kzoci::Identifier(static_cast<const char *>(nullptr)).is_literal());
 }
 
-TEST_F(Face, IdentifierTooLongForALengthIsNoPartOfIt) {
+TEST_F(CppInterface, IdentifierTooLongForALengthIsNoPartOfIt) {
   if constexpr (sizeof(std::size_t) > sizeof(ub4)) {
     // Only the length is looked at.
     const std::string_view text("pair", static_cast<std::size_t>(UINT32_MAX) + 5);
@@ -250,7 +250,7 @@ TEST_F(Face, IdentifierTooLongForALengthIsNoPartOfIt) {
 
 // ---- Ownership
 
-TEST_F(Face, ContainerClearsItself) {
+TEST_F(CppInterface, ContainerClearsItself) {
   {
     Tns tns;
     ASSERT_TRUE(tns.look_up("pair"));
@@ -260,7 +260,7 @@ TEST_F(Face, ContainerClearsItself) {
   EXPECT_EQ(counts.releases, records_of_pair);
 }
 
-TEST_F(Face, MovedFromIsEmptyAndUsable) {
+TEST_F(CppInterface, MovedFromIsEmptyAndUsable) {
   const KZCITnsService *const service = &found("pair");
   Tns other = std::move(tns_);
   EXPECT_EQ(other.size(), 1u);
@@ -273,7 +273,7 @@ TEST_F(Face, MovedFromIsEmptyAndUsable) {
   EXPECT_EQ(kzoci::name(other.services().front()), "pair");
 }
 
-TEST_F(Face, MoveLeavesIteratorsAndTextsGood) {
+TEST_F(CppInterface, MoveLeavesIteratorsAndTextsGood) {
   const KZCITnsService &service = found("pair");
   const std::string_view name = kzoci::name(service);
   const auto lists = kzoci::address_lists(kzoci::descriptions(service).front());
@@ -283,7 +283,7 @@ TEST_F(Face, MoveLeavesIteratorsAndTextsGood) {
   EXPECT_EQ(hosts(kzoci::addresses(lists.front())), (Texts{"a", "bb"}));
 }
 
-TEST_F(Face, AssignmentReleasesTheOldTree) {
+TEST_F(CppInterface, AssignmentReleasesTheOldTree) {
   found("pair");
   Tns other;
   ASSERT_TRUE(other.look_up("solo"));
@@ -293,7 +293,7 @@ TEST_F(Face, AssignmentReleasesTheOldTree) {
   EXPECT_TRUE(other.empty());
 }
 
-TEST_F(Face, AssignmentToItselfKeepsTheTree) {
+TEST_F(CppInterface, AssignmentToItselfKeepsTheTree) {
   found("pair");
   Tns &same = tns_;
   tns_ = std::move(same);
@@ -301,7 +301,7 @@ TEST_F(Face, AssignmentToItselfKeepsTheTree) {
   EXPECT_EQ(kzoci::name(tns_.services().front()), "pair");
 }
 
-TEST_F(Face, CanBeMovedAndNotCopied) {
+TEST_F(CppInterface, CanBeMovedAndNotCopied) {
   static_assert(!std::is_copy_constructible_v<Tns> && !std::is_copy_assignable_v<Tns>, "");
   static_assert(std::is_nothrow_move_constructible_v<Tns> && std::is_nothrow_move_assignable_v<Tns>,
                 "");
@@ -311,7 +311,7 @@ TEST_F(Face, CanBeMovedAndNotCopied) {
   EXPECT_EQ(kzoci::name(many[1].services().front()), "solo");
 }
 
-TEST_F(Face, TreeGoesToTheCInterfaceAndBack) {
+TEST_F(CppInterface, TreeGoesToTheCInterfaceAndBack) {
   const KZCITnsService *const service = &found("solo");
   KZCITns tree = tns_.release();
   EXPECT_TRUE(tns_.empty());
@@ -322,7 +322,7 @@ TEST_F(Face, TreeGoesToTheCInterfaceAndBack) {
   EXPECT_EQ(counts.releases, 0u);
 }
 
-TEST_F(Face, ClearEmptiesForTheNextUse) {
+TEST_F(CppInterface, ClearEmptiesForTheNextUse) {
   found("pair");
   EXPECT_EQ(tns_.clear(), 0);
   EXPECT_TRUE(tns_.empty());
@@ -331,14 +331,14 @@ TEST_F(Face, ClearEmptiesForTheNextUse) {
   EXPECT_EQ(tns_.size(), 1u);
 }
 
-TEST_F(Face, ClearTellsWhatTheCFunctionTells) {
+TEST_F(CppInterface, ClearTellsWhatTheCFunctionTells) {
   found("pair");
   tns_.record().tns_service_count = 2;  // of a ring of one
   EXPECT_EQ(tns_.clear(), -1);
   KZCITnsInit(&tns_.record());  // Its records are gone.
 }
 
-TEST_F(Face, DisplayPrintsTheTree) {
+TEST_F(CppInterface, DisplayPrintsTheTree) {
   EXPECT_EQ(tns_.display(), -1);
   found(descriptor);
   testing::internal::CaptureStdout();
@@ -350,7 +350,7 @@ TEST_F(Face, DisplayPrintsTheTree) {
 
 // ---- Ranges
 
-TEST_F(Face, RangesWalkInTheOrderOfTheFile) {
+TEST_F(CppInterface, RangesWalkInTheOrderOfTheFile) {
   Texts out;
   for (KZCIDescription &des : kzoci::descriptions(found("pair")))
     for (KZCIAddressList &list : kzoci::address_lists(des))
@@ -359,7 +359,7 @@ TEST_F(Face, RangesWalkInTheOrderOfTheFile) {
   EXPECT_EQ(out, (Texts{"a:1", "bb:22", "ccc:333"}));
 }
 
-TEST_F(Face, RangesKnowTheirSize) {
+TEST_F(CppInterface, RangesKnowTheirSize) {
   const KZCITnsService &service = found("pair");
   const auto lists = kzoci::address_lists(kzoci::descriptions(service).front());
   EXPECT_EQ(lists.size(), 2u);
@@ -374,13 +374,13 @@ TEST_F(Face, RangesKnowTheirSize) {
   EXPECT_EQ(kzoci::Records<KZCIAddress>().size(), 0u);
 }
 
-TEST_F(Face, CountWithoutAFirstRecordIsEmpty) {
+TEST_F(CppInterface, CountWithoutAFirstRecordIsEmpty) {
   KZCIAddressList list = {};
   list.address_count = 3;
   EXPECT_TRUE(kzoci::addresses(list).empty());
 }
 
-TEST_F(Face, AlgorithmsTakeTheIterators) {
+TEST_F(CppInterface, AlgorithmsTakeTheIterators) {
   KZCIDescription &des = *found("pair").description;
   const auto list = kzoci::addresses(kzoci::address_lists(des).front());
   const auto by_host = [](const KZCIAddress &address) { return kzoci::host(address) == "bb"; };
@@ -400,7 +400,7 @@ TEST_F(Face, AlgorithmsTakeTheIterators) {
   EXPECT_EQ(backwards, (Texts{"bb", "a"}));
 }
 
-TEST_F(Face, IteratorsStepBothWays) {
+TEST_F(CppInterface, IteratorsStepBothWays) {
   const auto list = kzoci::addresses(kzoci::address_lists(*found("pair").description).front());
   auto at = list.begin();
   EXPECT_EQ(kzoci::host(*at++), "a");
@@ -421,7 +421,7 @@ TEST_F(Face, IteratorsStepBothWays) {
   EXPECT_EQ(kzoci::host(*--back), "x");
 }
 
-TEST_F(Face, RecordsCanBeChangedAndConstOnesNot) {
+TEST_F(CppInterface, RecordsCanBeChangedAndConstOnesNot) {
   KZCITnsService &service = found("pair");
   for (KZCIAddressList &list : kzoci::address_lists(*service.description))
     for (KZCIAddress &address : kzoci::addresses(list)) address.weight = 7;
@@ -458,7 +458,7 @@ static_assert(is_good_range<KZCIDescription> && is_good_range<const KZCIDescript
 static_assert(is_good_range<KZCIAddressList> && is_good_range<const KZCIAddressList>);
 static_assert(is_good_range<KZCIAddress> && is_good_range<const KZCIAddress>);
 
-TEST_F(Face, RangeAlgorithmsGiveIteratorsThatLast) {
+TEST_F(CppInterface, RangeAlgorithmsGiveIteratorsThatLast) {
   KZCIAddressList &list = kzoci::address_lists(*found("pair").description).front();
   const auto at = std::ranges::find(kzoci::addresses(list), "bb", kzoci::host);
   EXPECT_EQ(at->weight, 1);
@@ -468,7 +468,7 @@ TEST_F(Face, RangeAlgorithmsGiveIteratorsThatLast) {
 
 // ---- Texts
 
-TEST_F(Face, TextsHaveTheirLengths) {
+TEST_F(CppInterface, TextsHaveTheirLengths) {
   const KZCIDescription &des = *found("solo").description;
   const KZCIAddress &address = *des.address_list->address;
   EXPECT_EQ(kzoci::host(address), "one");
@@ -483,7 +483,7 @@ TEST_F(Face, TextsHaveTheirLengths) {
   EXPECT_EQ(kzoci::log_path_text(variables), "x.log");
 }
 
-TEST_F(Face, TextsEndWithTheArray) {
+TEST_F(CppInterface, TextsEndWithTheArray) {
   KZCIAddress address = {};
   EXPECT_TRUE(kzoci::port(address).empty());
   std::fill(std::begin(address.port), std::end(address.port), '7');
@@ -498,7 +498,7 @@ TEST_F(Face, TextsEndWithTheArray) {
   EXPECT_EQ(kzoci::port(address).data(), address.port);
 }
 
-TEST_F(Face, TextMayFillItsArray) {
+TEST_F(CppInterface, TextMayFillItsArray) {
   const std::string info(KZCI_EXTRA_INFO_SIZE, 'i');
   KZCITnsService &service = found("(DESCRIPTION=(CONNECT_DATA=(KZ_USER_EXTRA_INFO=" + info + ")))");
   EXPECT_EQ(kzoci::user_extra_info(*service.description->connect_data), info);
@@ -507,7 +507,7 @@ TEST_F(Face, TextMayFillItsArray) {
 
 // ---- What a session is opened with
 
-TEST_F(Face, SessionDataOutlivesTheTree) {
+TEST_F(CppInterface, SessionDataOutlivesTheTree) {
   const kzoci::SessionData data(found("solo"));
   tns_.clear();
   EXPECT_TRUE(data);
@@ -520,7 +520,7 @@ TEST_F(Face, SessionDataOutlivesTheTree) {
   EXPECT_NE(copy.extra_info().data(), data.extra_info().data());
 }
 
-TEST_F(Face, SessionDataOfAbsentValues) {
+TEST_F(CppInterface, SessionDataOfAbsentValues) {
   const kzoci::SessionData none(found("pair"));
   EXPECT_TRUE(none);
   EXPECT_TRUE(none.extra_info().empty());
@@ -532,7 +532,7 @@ TEST_F(Face, SessionDataOfAbsentValues) {
   EXPECT_TRUE(failed.extra_info().empty());
 }
 
-TEST_F(Face, DblinkIsTerminatedText) {
+TEST_F(CppInterface, DblinkIsTerminatedText) {
   const kzoci::Dblink link(found("solo"));
   EXPECT_TRUE(link);
   EXPECT_EQ(link.status(), 0);
@@ -542,7 +542,7 @@ TEST_F(Face, DblinkIsTerminatedText) {
   EXPECT_FALSE(link.is_cut());
 }
 
-TEST_F(Face, DblinkFailsWithoutAnAddress) {
+TEST_F(CppInterface, DblinkFailsWithoutAnAddress) {
   const kzoci::Dblink link(found("(DESCRIPTION=(CONNECT_DATA=(SID=s)))"));
   EXPECT_FALSE(link);
   EXPECT_EQ(link.status(), -1);
@@ -552,7 +552,7 @@ TEST_F(Face, DblinkFailsWithoutAnAddress) {
 }
 
 // "HOST:1/s" of 255 characters fits, of 256 is cut.
-TEST_F(Face, DblinkSaysWhetherItIsCut) {
+TEST_F(CppInterface, DblinkSaysWhetherItIsCut) {
   const auto of_length = [this](std::size_t length) {
     return kzoci::Dblink(found("(DESCRIPTION=(ADDRESS=(HOST=" + std::string(length - 4, 'h') +
                                ")(PORT=1))(CONNECT_DATA=(SID=s)))"));
@@ -566,9 +566,9 @@ TEST_F(Face, DblinkSaysWhetherItIsCut) {
   EXPECT_EQ(cut.text(), std::string(252, 'h') + ":1/");
 }
 
-// ---- Look-up by path
+// ---- Lookup by path
 
-// What the environment's look-up tells and builds with this file.
+// What the environment's lookup tells and builds with this file.
 void expect_as_by_environment(const std::string &path, const std::string &name) {
   SCOPED_TRACE(name);
   setenv("KZCI_TNS_FILE", path.c_str(), 1);
@@ -585,7 +585,7 @@ void expect_as_by_environment(const std::string &path, const std::string &name) 
   std::fclose(stream);
 }
 
-TEST_F(Face, PathGivesFoundNotFoundOrFailed) {
+TEST_F(CppInterface, PathGivesFoundNotFoundOrFailed) {
   EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), "pair")), is_found);
   EXPECT_EQ(kzoci::name(tns_.services().back()), "pair");
   EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), "KZCISYSTEMVARIABLES")), is_found);
@@ -595,7 +595,7 @@ TEST_F(Face, PathGivesFoundNotFoundOrFailed) {
   EXPECT_EQ(tns_.size(), 2u);
 }
 
-TEST_F(Face, PathIsAsTheEnvironment) {
+TEST_F(CppInterface, PathIsAsTheEnvironment) {
   for (const char *name : {"solo", "pair", "bad", "KZCISYSTEMVARIABLES", "late", "nosuch", "",
                            "sol", "solos", descriptor, "(DESCRIPTION=)"})
     expect_as_by_environment(path_, name);
@@ -605,7 +605,7 @@ TEST_F(Face, PathIsAsTheEnvironment) {
   expect_as_by_environment(folder_.path() + "/odd.ora", "a");
 }
 
-TEST_F(Face, PathIsAsTheEnvironmentForOddFiles) {
+TEST_F(CppInterface, PathIsAsTheEnvironmentForOddFiles) {
   leaves_records_ = true;
   const std::string good = "x = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n";
   const std::string texts[] = {
@@ -638,7 +638,7 @@ TEST_F(Face, PathIsAsTheEnvironmentForOddFiles) {
   }
 }
 
-TEST_F(Face, PathIsAsTheEnvironmentWithoutMemory) {
+TEST_F(CppInterface, PathIsAsTheEnvironmentWithoutMemory) {
   leaves_records_ = true;
   for (std::size_t n = 1; n <= records_of_pair + 1; ++n) {
     SCOPED_TRACE(n);
@@ -658,7 +658,7 @@ TEST_F(Face, PathIsAsTheEnvironmentWithoutMemory) {
   counts = {};
 }
 
-TEST_F(Face, PathReadsNoEnvironment) {
+TEST_F(CppInterface, PathReadsNoEnvironment) {
   const std::string other = folder_.write("other.ora", "pair = (DESCRIPTION = (KZLB = ON))");
   for (const char *variable : {"KZCI_TNS_FILE", "TNS_ADMIN", "ORACLE_HOME"})
     environment_.set(variable, other);
@@ -671,27 +671,27 @@ TEST_F(Face, PathReadsNoEnvironment) {
   EXPECT_EQ(tns_.services().back().description->address_list_count, 0u);
 }
 
-TEST_F(Face, FileThatCannotBeOpenedIsNotFoundWithTheReason) {
+TEST_F(CppInterface, FileThatCannotBeOpenedIsNotFoundWithTheReason) {
   const Told missing = {Outcome::not_found, 0, false, ENOENT};
   EXPECT_EQ(told(tns_.look_up_in((path_ + ".none").c_str(), "pair")), missing);
   const Told no_folder = {Outcome::not_found, 0, false, ENOTDIR};
   EXPECT_EQ(told(tns_.look_up_in((path_ + "/x").c_str(), "pair")), no_folder);
 }
 
-TEST_F(Face, DirectoryIsNotFoundWithTheReason) {
+TEST_F(CppInterface, DirectoryIsNotFoundWithTheReason) {
   const Told directory = {Outcome::not_found, 0, false, EISDIR};
   EXPECT_EQ(told(tns_.look_up_in(folder_.path().c_str(), "pair")), directory);
   errno = EACCES;
   EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), "none")), is_not_found);
 }
 
-TEST_F(Face, PathIsNotCut) {
+TEST_F(CppInterface, PathIsNotCut) {
   const std::string path =
       folder_.write(std::string(200, 'd') + "/" + std::string(200, 'e'), names);
   EXPECT_EQ(told(tns_.look_up_in(path.c_str(), "pair")), is_found);
 }
 
-TEST_F(Face, NullArgumentsOfAPathFail) {
+TEST_F(CppInterface, NullArgumentsOfAPathFail) {
   EXPECT_EQ(told(tns_.look_up_in(static_cast<const char *>(nullptr), "pair")), is_null);
   EXPECT_EQ(told(tns_.look_up_in(path_.c_str(), static_cast<const char *>(nullptr))), is_null);
   EXPECT_EQ(told(tns_.look_up_in("/nonexistent", static_cast<const char *>(nullptr))), is_null);
@@ -701,7 +701,7 @@ TEST_F(Face, NullArgumentsOfAPathFail) {
   std::fclose(stream);
 }
 
-TEST_F(Face, LiteralLeavesTheFileAlone) {
+TEST_F(CppInterface, LiteralLeavesTheFileAlone) {
   EXPECT_EQ(told(tns_.look_up_in("/nonexistent/names.ora", descriptor)), is_found);
   std::FILE *const stream = std::fopen(path_.c_str(), "r");
   EXPECT_EQ(told(tns_.look_up_in(stream, descriptor)), is_found);
@@ -709,7 +709,7 @@ TEST_F(Face, LiteralLeavesTheFileAlone) {
   std::fclose(stream);
 }
 
-TEST_F(Face, StreamIsReadFromWhereItStandsAndStaysOpen) {
+TEST_F(CppInterface, StreamIsReadFromWhereItStandsAndStaysOpen) {
   std::FILE *const stream = std::fopen(path_.c_str(), "r");
   std::fseek(stream, static_cast<long>(names.find("pair")), SEEK_SET);
   EXPECT_EQ(told(tns_.look_up_in(stream, "solo")), is_not_found);
@@ -718,7 +718,7 @@ TEST_F(Face, StreamIsReadFromWhereItStandsAndStaysOpen) {
   EXPECT_EQ(std::fclose(stream), 0);
 }
 
-TEST_F(Face, FilesAreClosed) {
+TEST_F(CppInterface, FilesAreClosed) {
   const auto lowest = [] {
     std::FILE *const file = std::fopen("/dev/null", "r");
     const int descriptor_number = fileno(file);
@@ -733,7 +733,7 @@ TEST_F(Face, FilesAreClosed) {
 
 // ---- Costs
 
-TEST_F(Face, AllocatesWhatTheCFunctionsAllocate) {
+TEST_F(CppInterface, AllocatesWhatTheCFunctionsAllocate) {
   KZCITns by_c;
   boolean find = 0;
   KZCITnsInit(&by_c);
