@@ -14,15 +14,7 @@
 
 namespace {
 
-using logger_support::error_line;
-using logger_support::Interruptions;
-using logger_support::Lines;
-using logger_support::lines_without_times;
-using logger_support::log_error;
-using logger_support::logged_by;
-using logger_support::LogLine;
-using logger_support::SlowReader;
-using logger_support::text_of_length;
+using namespace logger_support;
 
 // A profiler's timer must not cut a line that a slow reader holds up.
 TEST_F(LogLine, IsWholeWhenSignalsInterruptTheWriting) {

@@ -22,26 +22,7 @@
 
 namespace {
 
-using logger_support::begins_with_time;
-using logger_support::error_line;
-using logger_support::LevelName;
-using logger_support::levels;
-using logger_support::Lines;
-using logger_support::lines_of;
-using logger_support::lines_of_threads;
-using logger_support::log_error;
-using logger_support::log_from_threads;
-using logger_support::log_text;
-using logger_support::logged_by;
-using logger_support::LoggerTest;
-using logger_support::LogLine;
-using logger_support::LogText;
-using logger_support::LogThreshold;
-using logger_support::RecordingSink;
-using logger_support::standard_error_of;
-using logger_support::text_of_length;
-using logger_support::time_pattern;
-using logger_support::without_time;
+using namespace logger_support;
 
 // Below the line "TIME ERROR a.cpp:1 text" this many characters are not text.
 constexpr std::size_t head_length =

@@ -25,19 +25,7 @@ using log_faults::Call;
 using log_faults::Faults;
 using log_faults::for_ever;
 using log_faults::Plan;
-using logger_support::configure;
-using logger_support::content_of;
-using logger_support::error_line;
-using logger_support::Lines;
-using logger_support::lines_of;
-using logger_support::lines_without_times;
-using logger_support::log_error;
-using logger_support::LogFileTest;
-using logger_support::RecordingSink;
-using logger_support::standard_error_of;
-using logger_support::time_pattern;
-using logger_support::without_time;
-using logger_support::write_file;
+using namespace logger_support;
 
 // Bytes of the longest line that takes no memory, its line feed among them.
 constexpr std::size_t longest_without_memory = 65535;

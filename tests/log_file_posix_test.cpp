@@ -24,33 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using logger_support::configure;
-using logger_support::error_line;
-using logger_support::expect_all_records;
-using logger_support::expect_rotation_fails;
-using logger_support::file_not_opened;
-using logger_support::Interruptions;
-using logger_support::line_of;
-using logger_support::Lines;
-using logger_support::lines_in;
-using logger_support::lines_without_times;
-using logger_support::log_error;
-using logger_support::log_from_threads;
-using logger_support::log_line_of;
-using logger_support::log_text;
-using logger_support::LogFile;
-using logger_support::LogFileGivenUp;
-using logger_support::LogFileThreads;
-using logger_support::logged_by;
-using logger_support::LogRotation;
-using logger_support::LogSettings;
-using logger_support::numbered;
-using logger_support::RecordingSink;
-using logger_support::records_per_thread;
-using logger_support::SlowReader;
-using logger_support::standard_error_of;
-using logger_support::threads;
-using logger_support::write_file;
+using namespace logger_support;
 
 TEST_F(LogSettings, LevelNamesDoNotFollowTheLocale) {
   const support::TurkishLocale locale;

@@ -28,37 +28,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using logger_support::configure;
-using logger_support::content_of;
-using logger_support::error_line;
-using logger_support::expect_all_records;
-using logger_support::expect_rotation_fails;
-using logger_support::file_not_opened;
-using logger_support::largest_count;
-using logger_support::level_not_known;
-using logger_support::LevelName;
-using logger_support::levels;
-using logger_support::line_of;
-using logger_support::Lines;
-using logger_support::lines_in;
-using logger_support::log_error;
-using logger_support::log_from_threads;
-using logger_support::log_line_of;
-using logger_support::log_text;
-using logger_support::LogFile;
-using logger_support::LogFileGivenUp;
-using logger_support::LogFileThreads;
-using logger_support::logged_by;
-using logger_support::LogRotation;
-using logger_support::LogSettings;
-using logger_support::numbered;
-using logger_support::path_too_long;
-using logger_support::RecordingSink;
-using logger_support::records_per_thread;
-using logger_support::settings_null;
-using logger_support::standard_error_of;
-using logger_support::threads;
-using logger_support::write_file;
+using namespace logger_support;
 
 // The name as it is, in small letters, and in both by turns.
 std::vector<std::string> spellings(const std::string &name) {

@@ -29,17 +29,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using logger_support::configure;
-using logger_support::content_of;
-using logger_support::error_line;
-using logger_support::line_of;
-using logger_support::Lines;
-using logger_support::log_error;
-using logger_support::log_line_of;
-using logger_support::LogFileTest;
-using logger_support::logged_by;
-using logger_support::numbered;
-using logger_support::standard_error_of;
+using namespace logger_support;
 
 // Runs a function in a child, which a signal ends when it takes too long.
 template <class Body>
