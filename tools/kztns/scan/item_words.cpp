@@ -7,7 +7,7 @@
 namespace kztns {
 
 // A key that only other readers know, with the block in which it stands there.
-struct ForeignKey {
+struct ForeignWord {
   std::string_view word;
   Block home;
 };
@@ -17,7 +17,7 @@ namespace {
 using kzoci::tns::grammar;
 
 // Enough of them to tell the blocks apart in which they are common.
-constexpr ForeignKey foreign_keys[] = {
+constexpr ForeignWord foreign_words[] = {
     {"DESCRIPTION_LIST", Block::entry},
     {"SERVER", Block::connect_data},
     {"INSTANCE_NAME", Block::connect_data},
@@ -29,7 +29,7 @@ constexpr ForeignKey foreign_keys[] = {
     {"RETRY_COUNT", Block::description},
     {"CONNECT_TIMEOUT", Block::description},
 };
-constexpr const ForeignKey &description_list_key = foreign_keys[0];
+constexpr const ForeignWord &description_list_word = foreign_words[0];
 
 Content content_of_key(const Key &key) {
   if (key.value.kind == ValueKind::block) return content_of(key.value.opens);
@@ -38,7 +38,7 @@ Content content_of_key(const Key &key) {
 
 // What items of the key hold wherever they stand.
 Content content_anywhere(ItemWord word) {
-  if (word.foreign == &description_list_key) return {Content::description_list};
+  if (word.foreign == &description_list_word) return {Content::description_list};
   for (const Key &key : grammar)
     if (word.type != LB_ERROR_KEY && key.type == word.type) return content_of_key(key);
   return {Content::foreign};
@@ -63,7 +63,7 @@ Placement in_description_list(ItemWord word) {
 ItemWord item_word(std::string_view key) {
   for (const Key &row : grammar)
     if (equal_but_for_case(row.word, key)) return {row.type, nullptr};
-  for (const ForeignKey &row : foreign_keys)
+  for (const ForeignWord &row : foreign_words)
     if (equal_but_for_case(row.word, key)) return {LB_ERROR_KEY, &row};
   return {};
 }

@@ -24,12 +24,12 @@ struct Content {
 
 inline Content content_of(Block block) { return {Content::block, block}; }
 
-struct ForeignKey;
+struct ForeignWord;
 
 // A key, however it is written in capitals and small letters.
 struct ItemWord {
   KZCILBKeyType type = LB_ERROR_KEY;
-  const ForeignKey *foreign = nullptr;
+  const ForeignWord *foreign = nullptr;
 
   explicit operator bool() const { return type != LB_ERROR_KEY || foreign != nullptr; }
 };
