@@ -14,6 +14,7 @@
 
 #include "kzoci/oci_tnsname/grammar.h"
 #include "kzoci/oci_tnsname/items.h"
+#include "kzoci/oci_tnsname/record_fields.h"
 #include "support/key_inputs.h"
 #include "support/memory_file.h"
 #include "support/model_reader.h"
@@ -143,6 +144,29 @@ TEST(Keys, RowsOfAPlaceStandTogether) {
   for (const Key &key : keys)
     if (places.insert(key.place).second) rows += support::keys_of(key.place).size();
   EXPECT_EQ(rows, std::size(keys));
+}
+
+// A word is looked up without its block.
+TEST(Keys, RowsOfOneWordHaveOneIdentifier) {
+  for (const tns::Key &row : tns::grammar) {
+    for (const tns::Key &other : tns::grammar) {
+      if (std::string_view(row.word) == other.word) {
+        EXPECT_EQ(row.type, other.type) << row.word;
+      }
+    }
+  }
+}
+
+// RETRY_DELAY is one: no field is written, whatever becomes of the number.
+TEST(Keys, NumberThatIsNotKeptTouchesNothing) {
+  sb8 record[2] = {11, 12};
+  tns::store_number(record, tns::not_kept, 4919);
+  EXPECT_EQ(record[0], 11);
+  EXPECT_EQ(record[1], 12);
+  EXPECT_EQ(tns::number_of(record, tns::not_kept), 0);
+  const tns::Key *const retry_delay = tns::key_of(tns::Block::description, LB_RETRY_DELAY);
+  ASSERT_NE(retry_delay, nullptr);
+  EXPECT_EQ(retry_delay->value.field.storage, tns::Storage::nowhere);
 }
 
 // ----------------------------------------------------------- whoever goes by the table

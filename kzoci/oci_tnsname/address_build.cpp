@@ -1,10 +1,13 @@
 // ADDRESS_LIST and ADDRESS.
 //
-//   address list := { "(" ADDRESS "=" address ")"
-//                   | "(" KZLB "=" ON|OFF ")"
-//                   | "(" KZLB_STRATEGY "=" RANDOM|SERVERAFFINITY|ROTATION ")" }
-//   address      := { "(" PROTOCOL "=" TCP ")" | "(" HOST "=" text ")"
-//                   | "(" PORT "=" text ")" | "(" WEIGHT "=" integer ")" }
+//   address list := one or more of
+//                     "(" ADDRESS "=" address ")"
+//                     "(" KZLB "=" ON|OFF ")"
+//                     "(" KZLB_STRATEGY "=" RANDOM|SERVERAFFINITY|ROTATION ")"
+//   address      := one or more of
+//                     "(" PROTOCOL "=" TCP ")"
+//                     "(" HOST|PORT "=" text ")"
+//                     "(" WEIGHT "=" integer ")"
 #include "address_list_kind.h"
 #include "children.h"
 #include "kzoci/platform/letter_case.h"

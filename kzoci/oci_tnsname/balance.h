@@ -14,8 +14,9 @@
 
 namespace kzoci::tns {
 
-// All three return the character after the ")" that takes the depth, which is above 0,
-// to 0; null when the range ends first, and depth is then the depth at its end.
+// The functions that take a range return the character after the ")" that takes the depth,
+// which is above 0, to 0; null when the range ends first, and depth is then the depth at its
+// end.
 
 inline const char *close_bytewise(const char *at, const char *end, sb8 &depth) {
   for (; at != end; ++at) {
@@ -109,8 +110,8 @@ inline const char *close_by_vectors(const char *at, const char *end, sb8 &depth)
       const auto places_of = [&](char c) {
         return parts[0].places_of(c) | parts[1].places_of(c) << 16 | parts[2].places_of(c) << 32;
       };
-      const char *const closing = close_by_places(at, {places_of('('), places_of(')')}, depth);
-      if (closing != nullptr) return closing;
+      const char *const after_close = close_by_places(at, {places_of('('), places_of(')')}, depth);
+      if (after_close != nullptr) return after_close;
     }
     depth += static_cast<sb8>(sum / 64) - 2 * closed;
   }

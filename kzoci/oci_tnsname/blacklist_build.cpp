@@ -1,9 +1,14 @@
 // KZLB_BLACKLIST, written straight into the description's record.
 //
-//   blacklist := { "(" REMOVE_STRATEGY "=" remove ")" | "(" APPEND_STRATEGY "=" append ")" }
-//   remove    := { "(" NAME "=" TIMEOUT ")" | "(" TIMEOUT "=" integer ")" }
-//   append    := { "(" NAME "=" RETRYDURATION ")" | "(" RETRY_TIMES|RETRYTIMES "=" integer ")"
-//                | "(" DURATION "=" integer ")" }
+//   blacklist := one or more of
+//                  "(" REMOVE_STRATEGY "=" remove ")"
+//                  "(" APPEND_STRATEGY "=" append ")"
+//   remove    := one or more of
+//                  "(" NAME "=" TIMEOUT ")"
+//                  "(" TIMEOUT "=" integer ")"
+//   append    := one or more of
+//                  "(" NAME "=" RETRYDURATION ")"
+//                  "(" RETRY_TIMES|RETRYTIMES|DURATION "=" integer ")"
 #include "items.h"
 
 using namespace kzoci::tns;

@@ -10,7 +10,7 @@ namespace kzoci::tns {
 // A character's row in the table: its token's type in the lowest two bits, its
 // classes above.
 enum CharacterClass : unsigned char {
-  token_type_bits = 3,
+  token_type_mask = 3,
   blank = 4,            // space, tab, line feed, carriage return
   comment_sign = 8,     // "#", where a token may begin
   key_terminator = 16,  // blanks, "(", ")", "="
@@ -40,7 +40,7 @@ constexpr bool is_any_of(char c, unsigned classes) {
 // The type of the token that begins with a character.
 constexpr KZCITnsTokenType token_type(char c) {
   return static_cast<KZCITnsTokenType>(character_classes[static_cast<unsigned char>(c)] &
-                                       token_type_bits);
+                                       token_type_mask);
 }
 
 }  // namespace kzoci::tns

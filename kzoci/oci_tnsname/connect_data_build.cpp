@@ -1,8 +1,8 @@
 // CONNECT_DATA.
 //
-//   connect data := { "(" SERVICE_NAME|SID "=" text ")"
-//                   | "(" KZ_USER_EXTRA_INFO|SESSION_VARIABLE "=" text ")"
-//                   | "(" KZ_MODE|USE_DEFAULT_SID "=" integer ")" }
+//   connect data := one or more of
+//                     "(" SERVICE_NAME|SID|KZ_USER_EXTRA_INFO|SESSION_VARIABLE "=" text ")"
+//                     "(" KZ_MODE|USE_DEFAULT_SID "=" integer ")"
 #include "new_record.h"
 
 using namespace kzoci::tns;

@@ -1,10 +1,14 @@
 // DESCRIPTION.
 //
-//   description := { "(" KZLB "=" ON|OFF ")" | "(" KZLB_GROUP_STRATEGY "=" ROTATION ")"
-//                  | "(" KZLB_RETRY_ALL_DOWNS|KZLB_RETRY_TIMEOUT|KZLB_CONNECT_TIMEOUT
+//   description := one or more of
+//                    "(" KZLB "=" ON|OFF ")"
+//                    "(" KZLB_GROUP_STRATEGY "=" ROTATION ")"
+//                    "(" KZLB_RETRY_ALL_DOWNS|KZLB_RETRY_TIMEOUT|KZLB_CONNECT_TIMEOUT
 //                        |KZLB_READ_TIMEOUT|KZLB_WRITE_TIMEOUT|RETRY_DELAY "=" integer ")"
-//                  | "(" KZLB_BLACKLIST "=" blacklist ")" | "(" ADDRESS_LIST "=" address list ")"
-//                  | "(" ADDRESS "=" address ")" | "(" CONNECT_DATA "=" connect data ")" }
+//                    "(" KZLB_BLACKLIST "=" blacklist ")"
+//                    "(" ADDRESS_LIST "=" address list ")"
+//                    "(" ADDRESS "=" address ")"
+//                    "(" CONNECT_DATA "=" connect data ")"
 #include "address_list_kind.h"
 #include "children.h"
 

@@ -2,7 +2,7 @@
 // field that keeps them. The builders read by it, the Inits take their defaults from it,
 // the dump prints by it.
 //
-// To add a key: its identifier and its field in the public headers, its row here.
+// docs/design.md says what else a new key needs.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +13,8 @@
 #include "messages.h"
 
 namespace kzoci::tns {
+
+constexpr Field not_kept = {};
 
 // A number, a word or a text of a record.
 #define KZ_FIELD(storage, record, field) \
@@ -27,9 +29,16 @@ constexpr ub4 max_port = 6;
 constexpr ub4 max_protocol = 6;
 constexpr ub4 max_log_text = 1025;  // beyond what one key can be
 
-// Beyond these LOG_SIZE counts as the smallest, LOG_COUNT as 0.
+// What is kept of LOG_SIZE, at least a mebibyte, and of LOG_COUNT, which counts as 0 when it is
+// too large.
 constexpr sb8 smallest_log_size = 0x100000;
 constexpr sb8 largest_log_count = 4294967295;
+constexpr sb8 stored_log_size(sb8 number) {
+  return number > smallest_log_size ? number : smallest_log_size;
+}
+constexpr ub4 stored_log_count(sb8 number) {
+  return number <= largest_log_count ? static_cast<ub4>(number) : 0;
+}
 
 #pragma GCC visibility push(hidden)
 inline constexpr Word switch_word[] = {{"ON", 1}, {"OFF", 0}};
@@ -100,8 +109,8 @@ inline constexpr Key grammar[] = {
      integer(KZ_FIELD(number, KZCIDescription, read_timout)), "read_timeout", "read_timeout"},
     {"KZLB_WRITE_TIMEOUT", LB_WRITE_TIMEOUT, Block::description,
      integer(KZ_FIELD(number, KZCIDescription, write_timout)), "write_timeout", "write_timeout"},
-    // Accepted because files are shared with other readers; not kept.
-    {"RETRY_DELAY", LB_RETRY_DELAY, Block::description, integer({})},
+    // Accepted because files are shared with other readers.
+    {"RETRY_DELAY", LB_RETRY_DELAY, Block::description, integer(not_kept)},
 
     {"REMOVE_STRATEGY", LB_REMOVE_STRATEGY, Block::blacklist, block(Block::remove_strategy)},
     {"APPEND_STRATEGY", LB_APPEND_STRATEGY, Block::blacklist, block(Block::append_strategy)},

@@ -25,6 +25,7 @@ enum class ValueKind : unsigned char { block, word, integer, text };
 
 // How a field keeps a number.
 enum class Storage : unsigned char {
+  nowhere,  // not kept
   number,   // sb8
   seconds,  // time_t
   count,    // ub4, the value's low 32 bits
@@ -50,7 +51,7 @@ struct Words {
 // A field of the record of the key's block: a number, or characters with a length beside
 // them.
 struct Field {
-  Storage storage = Storage::number;
+  Storage storage = Storage::nowhere;
   std::size_t at = 0;
   std::size_t length_at = 0;
   ub4 capacity = 0;  // of the characters' array

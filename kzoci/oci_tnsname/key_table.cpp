@@ -79,27 +79,28 @@ constexpr auto tns_keys = [] {
     }
   return words;
 }();
-static_assert(tns_keys.back().text.size() == longest_key_word, "a word is longer");
+static_assert(tns_keys.back().text.size() == longest_key_word,
+              "longest_key_word is the length of the longest word of the grammar");
 
 // Number of key words of each length.
-constexpr auto tns_key_array_size = [] {
+constexpr auto count_of_length = [] {
   std::array<ub4, longest_key_word + 1> sizes{};
   for (const KeyWord &word : tns_keys) ++sizes[word.text.size()];
   return sizes;
 }();
 
 // Index of the first key word of each length.
-constexpr auto tns_key_array = [] {
-  std::array<ub4, longest_key_word + 1> rows{};
+constexpr auto first_of_length = [] {
+  std::array<ub4, longest_key_word + 1> first{};
   for (ub4 length = 1; length <= longest_key_word; ++length)
-    rows[length] = rows[length - 1] + tns_key_array_size[length - 1];
-  return rows;
+    first[length] = first[length - 1] + count_of_length[length - 1];
+  return first;
 }();
 
 // A lookup compares only against the words of the key's own length.
 KZCILBKeyType key_type_of(const char *key, ub4 length) {
-  const KeyWord *const first = tns_keys.data() + tns_key_array[length];
-  for (const KeyWord *word = first; word != first + tns_key_array_size[length]; ++word)
+  const KeyWord *const first = tns_keys.data() + first_of_length[length];
+  for (const KeyWord *word = first; word != first + count_of_length[length]; ++word)
     if (word->is_spelt(key)) return word->type;
   return LB_ERROR_KEY;
 }

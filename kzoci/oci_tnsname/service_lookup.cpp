@@ -43,11 +43,12 @@ sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   return success;
 }
 
-// The name sought, as it is compared and logged. Unless it holds a zero byte, at which the
-// comparison ends, a name with another last character is another one.
+// The name sought, as it is compared and logged.
 struct SoughtName {
   const char *text;
   ub4 length;
+  // Whether the last characters may be compared first: not where the name holds a zero byte,
+  // at which the comparison ends.
   bool compare_last = length > 0 && std::find(text, text + length, '\0') == text + length;
 
   int text_precision() const { return precision(length); }

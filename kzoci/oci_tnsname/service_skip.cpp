@@ -30,9 +30,10 @@ sword begin_body(KZCITnsParseParams *params) {
 // Consumes characters until the depth is 0 (true) or the buffer's end (false).
 bool pass_balanced(KZCITnsParseParams &params, sb8 &depth) {
   const char *const end = params.tns_buffer + params.buffer_len;
-  const char *const closing = find_close(params.tns_buffer + params.buffer_pos, end, depth);
-  params.buffer_pos = static_cast<ub4>((closing != nullptr ? closing : end) - params.tns_buffer);
-  return closing != nullptr;
+  const char *const after_close = find_close(params.tns_buffer + params.buffer_pos, end, depth);
+  params.buffer_pos =
+      static_cast<ub4>((after_close != nullptr ? after_close : end) - params.tns_buffer);
+  return after_close != nullptr;
 }
 
 }  // namespace

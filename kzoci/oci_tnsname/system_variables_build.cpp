@@ -4,8 +4,6 @@
 //               "=" integer
 //             | SESSION_VARIABLE|LOG_LEVEL|LOG_PATH "=" text
 //             | any other key "=" value, which is passed over
-#include <algorithm>
-
 #include "items.h"
 #include "record_fields.h"
 
@@ -14,14 +12,11 @@ using namespace kzoci::tns;
 namespace {
 
 sword read_log_size(KZCISystemVariables &vars, KZCITnsParseParams *params) {
-  return read_integer(params,
-                      [&](sb8 number) { vars.log_size = std::max(number, smallest_log_size); });
+  return read_integer(params, [&](sb8 number) { vars.log_size = stored_log_size(number); });
 }
 
 sword read_log_count(KZCISystemVariables &vars, KZCITnsParseParams *params) {
-  return read_integer(params, [&](sb8 number) {
-    vars.log_count = number <= largest_log_count ? static_cast<ub4>(number) : 0;
-  });
+  return read_integer(params, [&](sb8 number) { vars.log_count = stored_log_count(number); });
 }
 
 sword read_variable(const Key &key, KZCISystemVariables &vars, KZCITnsParseParams *params) {

@@ -224,8 +224,8 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
   return next_token(parse_params, expect_type);
 }
 
-// Every key that the builders read comes through here, so nothing but the longer ways is
-// called.
+// Every key that the builders read comes through here: flatten makes the usual case one
+// function, in which only the noinline ones remain calls.
 [[gnu::flatten]] sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
   return reported(next_token(params, type), message::token_failed);
 }

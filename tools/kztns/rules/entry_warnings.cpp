@@ -37,9 +37,9 @@ std::optional<std::string> narrowed(const Key &key, sb8 value) {
     return std::to_string(handed_out) + " is handed out";
   }
   sb8 stored = value;
-  if (key.type == LB_LOG_SIZE) stored = std::max(value, kzoci::tns::smallest_log_size);
-  if (key.type == LB_LOG_COUNT && value > kzoci::tns::largest_log_count) stored = 0;
-  if (key.value.field.storage == Storage::count) stored = static_cast<ub4>(stored);
+  if (key.value.field.storage == Storage::count) stored = static_cast<ub4>(value);
+  if (key.type == LB_LOG_SIZE) stored = kzoci::tns::stored_log_size(value);
+  if (key.type == LB_LOG_COUNT) stored = kzoci::tns::stored_log_count(value);
   if (value == stored) return std::nullopt;
   return std::to_string(stored) + " is stored";
 }
@@ -137,12 +137,19 @@ class EntryWarnings {
     if (host.find_first_of("<>'") != std::string_view::npos ||
         host.find("${") != std::string_view::npos)
       add(Rule::placeholder, item, value_of(item) + ", no name of a host");
-    else if (!trace_.slice(item.value).starts_with('"') && !odd_character(host).empty() &&
-             findings_.wanted(Rule::odd_bytes, Severity::warning))
-      findings_.add(
-          {Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
-           "the invisible character " + visible(odd_character(host)) + " is part of the host"},
-          Severity::warning);
+    else
+      check_odd_host(item, host);
+  }
+
+  // Elsewhere such a character is an error; a quoted one is meant.
+  void check_odd_host(const Item &item, std::string_view host) {
+    if (trace_.slice(item.value).starts_with('"') || odd_character(host).empty() ||
+        !findings_.wanted(Rule::odd_bytes, Severity::warning))
+      return;
+    findings_.add(
+        {Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
+         "the invisible character " + visible(odd_character(host)) + " is part of the host"},
+        Severity::warning);
   }
 
   void add_dropped(const Item &item, const Key &key) {
