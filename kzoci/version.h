@@ -1,6 +1,6 @@
 /*
- * The version of the library, written here and nowhere else: the build, the
- * command and the man pages take it from these lines.
+ * The version of the library: the build, the command and the man pages take it
+ * from these lines.
  *
  * Within one minor version, programs need no change when the library is replaced
  * by one of a higher patch.

@@ -28,6 +28,7 @@ is "kztns check --format sarif" "$("$kztns" check --format sarif /dev/null |
   sed -n '/"driver"/,$ s/^ *"version": "\(.*\)",$/\1/p')"
 is "packaging/debian/changelog" "$(sed -nE '1 s/^kzoci \((.*)-[0-9]+\) .*/\1/p' "$project/packaging/debian/changelog")"
 is "editors/vscode/package.json" "$(sed -nE 's/^  "version": "(.*)",$/\1/p' "$project/editors/vscode/package.json")"
+is "web/package.json" "$(sed -nE 's/^  "version": "(.*)",$/\1/p' "$project/web/package.json")"
 is "docs/editors.md" "$(sed -nE 's/.*kztns-([0-9.]+)\.vsix.*/\1/p' "$project/docs/editors.md" | sort -u)"
 is "CHANGELOG.md" "$(sed -nE 's/^## \[([0-9].*)\]$/\1/p' "$project/CHANGELOG.md" | head -n 1)"
 exit $failed
