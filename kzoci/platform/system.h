@@ -15,7 +15,8 @@ void unlock_logger();
 
 // Has the logger's lock held around each fork, and calls a function in the child before it is
 // given back: a child has only the thread that forked, so a lock that another one held would
-// stay locked there for ever. Returns 0. Where no process forks it does nothing.
+// stay locked there for ever. Returns 0, or an error number when there is no memory for that.
+// On Windows it does nothing.
 int guard_forks(void (*in_child)());
 
 // Coordinated universal time.
@@ -38,7 +39,8 @@ bool write_whole(int descriptor, const char *text, std::size_t length);
 int open_for_appending(const char *path);
 void close_file(int descriptor);
 
-// What the logger looks at of a file. Two are the same file when they have the same identity.
+// What the logger needs to know about a file. Two are the same file when they have the same
+// identity.
 struct FileState {
   sb8 size;
   std::uint64_t identity[2];
@@ -61,8 +63,8 @@ bool rename_file(const char *from, const char *to);
 bool lock_file(int descriptor);
 void unlock_file(int descriptor);
 
-// Writes the path to buffer as it means the same file in every working directory, terminated.
-// The path, which need not be terminated, has no zero byte. False when buffer is too small.
+// Makes a path absolute and writes it, terminated, to buffer. The path, which need not be
+// terminated, has no zero byte. False when buffer is too small.
 bool make_absolute(const char *path, std::size_t length, char *buffer, std::size_t size);
 
 }  // namespace kzoci::platform

@@ -7,7 +7,7 @@
 
 #include <stdint.h>
 
-typedef int sword;             /* status of an operation: 0, -1, -2 or 100 */
+typedef int sword;             /* a status; each function lists its own */
 typedef uint32_t ub4;          /* unsigned 32-bit integer */
 typedef int32_t sb4;           /* signed 32-bit integer */
 typedef int64_t sb8;           /* signed 64-bit integer */

@@ -6,9 +6,9 @@
 # A build with KZOCI_INSTRUMENTED set also needs its instrumentation's runtime.
 set -euo pipefail
 platform='kzoci_log_inner|kzci_malloc|kzci_free|my_strtoll10'
-module_libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy|ncasecmp)|mem(cmp|cpy|move|set)|stdout)(64)?'
+module_libc='(f?open|fclose|fread|fwrite|fprintf|fputc|fputs|v?snprintf|getenv|setvbuf|str(len|ncmp|ncpy)|mem(cmp|cpy|move|set)|stdout)(64)?'
 files='(open|fcntl|[fl]stat|ftruncate)(64)?|__(fcntl|[fl]stat64)_time64|close|write|rename|flock|getcwd'
-platform_libc="$files|malloc|free|v?snprintf|strlen|strncasecmp|mem(chr|cmp|cpy|move|set)|(__)?clock_gettime(64)?|__errno_location|pthread_(mutex_(un)?lock|atfork)"
+platform_libc="$files|malloc|free|v?snprintf|strlen|mem(chr|cmp|cpy|move|set)|(__)?clock_gettime(64)?|__errno_location|pthread_(mutex_(un)?lock|atfork)"
 # Besides what the code asks for: what the compiler calls for arithmetic that the processor
 # lacks, and instead of some of the above when it fortifies.
 compiler='__stack_chk_fail(_local)?|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0|__[a-z]+_chk|__(ctz|u?div|u?mod|u?divmod)di[234]|__x86.get_pc_thunk.[a-z]+'

@@ -2,7 +2,7 @@
 // reader, the checks of fuzzed trees and the tests of single builders go by. A test
 // compares it with the module's own grammar row by row.
 //
-// To add a key: its row here, and its word in fuzz/names_file.dict.
+// docs/design.md says what else a new key needs.
 #pragma once
 
 #include <algorithm>

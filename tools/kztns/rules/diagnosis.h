@@ -19,7 +19,8 @@ struct Subject {
   std::function<bool(std::string_view)> is_free = {};
 };
 
-// A finding on its way: the rule, the place and the words.
+// What is wrong in an entry, before it is a finding of the file: the rule, the place and the
+// words.
 struct Diagnosis {
   Rule rule;
   Offset at;

@@ -5,7 +5,8 @@
 
 namespace kztns {
 
-// A finding on its way. An empty remedy means the rule's own.
+// A finding as a rule reports it, before it gets its position and source line. An empty remedy
+// means the rule's own.
 struct NewFinding {
   Rule rule;
   Offset at;

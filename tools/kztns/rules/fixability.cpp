@@ -12,8 +12,10 @@ constexpr bool follows(Rule next, Rule rule) {
 
 // The rules about lookups stand between those about entries: a new one at either end of
 // them has to be put on its side here.
-static_assert(follows(Rule::byte_order_mark, Rule::unexplained));
-static_assert(follows(Rule::duplicate, Rule::gave_up));
+static_assert(follows(Rule::byte_order_mark, Rule::unexplained),
+              "is the rule between these two about an entry?");
+static_assert(follows(Rule::duplicate, Rule::gave_up),
+              "is the rule between these two about an entry?");
 
 // The one of two that may do less.
 Applicability weaker(Applicability left, Applicability right) {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
+#include "kzoci/oci_tnsname/status.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/skip_mismatches.h"
@@ -109,7 +110,7 @@ class Walk {
     const Offset from = here(params_);
     sword status = KZCITnsParse(&params_, TNS_KEY);
     const Offset at = std::min(pass_module_blanks(from), scan_.text_.size());
-    if (status == 100)
+    if (status == kzoci::tns::no_data)
       return stop(at == scan_.text_.size() ? StopKind::end : StopKind::lost_name, at, at,
                   listener.met);
     if (status != 0)
@@ -118,8 +119,8 @@ class Walk {
     const Offset name_end = here(params_);
     status = KZCITnsParse(&params_, TNS_EQUAL_SIGN);
     if (status != 0)
-      return stop(status == 100 ? StopKind::lost_name : StopKind::no_equal, here(params_), at,
-                  listener.met);
+      return stop(status == kzoci::tns::no_data ? StopKind::lost_name : StopKind::no_equal,
+                  here(params_), at, listener.met);
     begin_entry(at, name_end);
     return true;
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kzoci/oci_tnsname/status.h"
 #include "text/characters.h"
 
 namespace kztns {
@@ -68,7 +69,9 @@ void Trace::take_token(LogEvent event, std::va_list arguments) {
       break;
     case LogEvent::key_unfinished:
       pass_to_token();
-      fail(va_arg(again, int) == 100 ? FaultKind::key_unended : FaultKind::key_too_long, cursor_);
+      fail(va_arg(again, int) == kzoci::tns::no_data ? FaultKind::key_unended
+                                                     : FaultKind::key_too_long,
+           cursor_);
       break;
     case LogEvent::key_word:
       begin_item(static_cast<KZCILBKeyType>(va_arg(again, int)));
