@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Every link of the documents leads to a file, and to a heading where it names one.
-# Every file that the design document or its drawing names exists, and the drawing's
-# source and picture name the same files.
+# Every file that the documents for developers name exists, and the drawing's source and
+# picture name the same files.
 #   links.sh PROJECT_DIR
 set -euo pipefail
 cd "$1"
@@ -44,19 +44,21 @@ done
 sources=$(find . \( -path './build*' -o -path ./.git \) -prune -o -print)
 
 # A name with a folder is a path of the project or ends one; without, it is a file
-# anywhere. "*" means any characters.
+# anywhere. "*" and "NAME" mean any characters.
 exists() {
   local pattern=${1%/}
   pattern=${pattern//./\\.}
+  pattern=${pattern//NAME/*}
   grep -qE "/${pattern//\*/[^/]*}\$" <<<"$sources"
 }
 
 # The files and folders that a text names, one a line.
 named_files() {
-  grep -oE '[A-Za-z0-9_./*-]+(\.(c|h|cpp|hpp|def|md|dot|svg|json|dict|txt|cmake|sh)|/)' "$@" | sort -u
+  grep -oE '[A-Za-z0-9_./*-]+(\.(c|h|cpp|hpp|def|in|md|dot|svg|json|tsv|dict|txt|golden|cmake|sh)|/)' "$@" | sort -u
 }
 
-in_quotes() { grep -o '`[^`]*`' "$1" | tr -d '`'; }
+# What a document quotes, without its table of mutants, which quotes code.
+in_quotes() { sed '/^## Mutants/,/^## /{/^|/d}' "$1" | grep -o '`[^`]*`' | tr -d '`'; }
 
 # check_names FILE NAMES
 check_names() {
@@ -68,7 +70,9 @@ check_names() {
 }
 
 set -f
-check_names docs/design.md "$(in_quotes docs/design.md | named_files)"
+for document in docs/design.md docs/testing.md CONTRIBUTING.md; do
+  check_names "$document" "$(in_quotes "$document" | named_files)"
+done
 drawn=$(grep label docs/design.dot | sed 's/\\n/ /g' | named_files)
 check_names docs/design.dot "$drawn"
 pictured=$(grep '<text' docs/design.svg | sed 's/<[^>]*>/ /g' | named_files)

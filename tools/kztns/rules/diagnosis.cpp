@@ -239,7 +239,7 @@ std::string quoted_token(const Subject &subject, Offset at) {
     const std::size_t close = text.find('"', 1);
     return excerpt(text.substr(0, close == std::string_view::npos ? 40 : close + 1));
   }
-  const std::size_t length = text.find_first_of(" \t\r\n()=");
+  const std::size_t length = text.find_first_of(word_ends);
   return quoted(excerpt(text.substr(0, std::max<std::size_t>(length, 1))));
 }
 

@@ -4,6 +4,7 @@
 
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
@@ -171,8 +172,7 @@ Offset end_of_word(std::string_view text, Offset begin) {
   bool in_quotes = false;
   for (Offset i = 0; i < word.size(); ++i) {
     if (word[i] == '"') in_quotes = !in_quotes;
-    if (!in_quotes && std::string_view(" \t\r\n()=").find(word[i]) != std::string_view::npos)
-      return begin + i;
+    if (!in_quotes && word_ends.find(word[i]) != std::string_view::npos) return begin + i;
   }
   return begin + static_cast<Offset>(word.size());
 }

@@ -1,11 +1,10 @@
 #include "scan/tokens.h"
 
 #include "scan/written_entries.h"
+#include "text/characters.h"
 
 namespace kztns {
 namespace {
-
-constexpr std::string_view ends_word = " \t\r\n()=";
 
 TokenKind kind_of(char c) {
   switch (c) {
@@ -32,7 +31,7 @@ Token TokenReader::next() {
   for (; at_ < text_.size(); ++at_) {
     const char c = text_[at_];
     if (c == '"') in_quotes = !in_quotes;
-    if (!in_quotes && ends_word.find(c) != std::string_view::npos) break;
+    if (!in_quotes && word_ends.find(c) != std::string_view::npos) break;
   }
   return {kind, {begin, at_}};
 }

@@ -8,6 +8,8 @@ namespace kztns {
 // What separates tokens, and what does so on a line of its own.
 inline constexpr std::string_view blanks = " \t\r\n";
 inline constexpr std::string_view blanks_of_line = " \t\r";
+// What ends a word that is not in quotes.
+inline constexpr std::string_view word_ends = " \t\r\n()=";
 
 inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
