@@ -271,6 +271,34 @@ TEST(Format, LaysOutTheEntriesOfARange) {
             "\n\n" + one + "\n\n\na =\n  (DESCRIPTION = (KZLB = ON))\n\n\n" + one + "\n");
 }
 
+// Five entries, a line each; what is selected, and the names of those that are laid out.
+TEST(Format, LaysOutOnlyWhatASelectionHolds) {
+  const std::string line = "a=(DESCRIPTION=(KZLB=ON))\n";
+  const auto begin_of = [&](std::size_t number) { return number * line.size(); };
+  const auto laid_out_names = [&](std::size_t begin, std::size_t end, const std::string &between) {
+    std::string text;
+    for (char name = 'a'; name <= 'e'; ++name) text += name + line.substr(1) + between;
+    const Formatted formatted = kztns::format_file(
+        kztns::NamesText(text), {},
+        kztns::Span{static_cast<kztns::Offset>(begin), static_cast<kztns::Offset>(end)});
+    const std::string result = applied(text, formatted);
+    std::string names;
+    for (char name = 'a'; name <= 'e'; ++name)
+      if (result.find(std::string(1, name) + " =\n") != std::string::npos) names += name;
+    return names;
+  };
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(2) + 3, ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(3), ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(3) - 2, begin_of(3) + 1, ""), "cd");
+  // A cursor, before the name and after the last ")".
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(2), ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(3) - 1, begin_of(3) - 1, ""), "c");
+  // An empty line between two entries.
+  EXPECT_EQ(laid_out_names(line.size(), line.size() + 1, "\n"), "");
+  EXPECT_EQ(laid_out_names(line.size(), line.size(), "\n"), "");
+  EXPECT_EQ(laid_out_names(line.size() + 2, line.size() + 8, "# comment\n"), "");
+}
+
 TEST(FormatProperty, FilesOfTheGrammar) {
   for_seeds([](Random &random) {
     const support::Layout layout{

@@ -71,11 +71,27 @@ class Layouter {
 
  private:
   void take(const SeenEntry &entry) {
-    if (range_ && (entry.end < range_->begin || entry.at > range_->end)) return;
+    if (range_ && !is_touched(entry)) return;
     const std::optional<KeptBecause> kept = lay_out(entry);
     if (kept) result_.kept.push_back({entry.at, *kept});
     clean_ = !kept;
     from_ = std::max(from_, entry.at + 1);
+  }
+
+  // A selection has to hold some of the entry's text; a cursor may stand at its end, too.
+  bool is_touched(const SeenEntry &entry) const {
+    if (entry.at > range_->end || entry.end < range_->begin) return false;
+    const std::vector<Piece> pieces = pieces_of_entry(entry);
+    const Offset end = pieces.empty() ? entry.at : pieces.back().span.end;
+    if (range_->begin >= range_->end) return range_->begin <= end;
+    return entry.at < range_->end && range_->begin < end;
+  }
+
+  // Up to its last token.
+  std::vector<Piece> pieces_of_entry(const SeenEntry &entry) const {
+    std::vector<Piece> pieces = pieces_of(text_, entry.at, entry.end);
+    while (!pieces.empty() && pieces.back().kind == PieceKind::comment) pieces.pop_back();
+    return pieces;
   }
 
   std::optional<KeptBecause> lay_out(const SeenEntry &entry) {
@@ -86,8 +102,7 @@ class Layouter {
     const bool comes_after_blanks = clean_ && is_clean(before, entry.at);
     if (!entry.single || (!comes_after_blanks && !begins_line(entry.at)))
       return KeptBecause::unclear;
-    std::vector<Piece> pieces = pieces_of(text_, entry.at, entry.end);
-    while (!pieces.empty() && pieces.back().kind == PieceKind::comment) pieces.pop_back();
+    const std::vector<Piece> pieces = pieces_of_entry(entry);
     const std::vector<std::string> gaps = layout_of(text_, pieces, options_);
     if (gaps.empty()) return KeptBecause::unclear;
     if (ignores_findings_of_line(pieces)) return KeptBecause::ignores;
