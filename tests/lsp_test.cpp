@@ -254,6 +254,61 @@ TEST(Lsp, CompletesBeforeAnEqualSign) {
   EXPECT_EQ(labels_of(words), (Labels{"TCP"}));
 }
 
+namespace {
+
+// What is offered at the "|" of a text that ends with a line.
+Json offered_at(std::string text) {
+  const auto at = static_cast<unsigned>(text.find('|'));
+  text.erase(at, 1);
+  LspClient client;
+  with(client, text);
+  return client.request("textDocument/completion", client.about(0, at))["result"];
+}
+
+// The text after the choice of an offer.
+std::string completed(std::string text, const std::string &label) {
+  for (const Json &item : offered_at(text))
+    if (item["label"] == label) {
+      text.erase(text.find('|'), 1);
+      return applied(text, Json::array({item["textEdit"]}));
+    }
+  return "not offered";
+}
+
+}  // namespace
+
+TEST(Lsp, CompletesTheWholeWordAtTheCursor) {
+  EXPECT_EQ(completed("a = (DESCRIPTION = (ADDRESS = (PR|OTOCOL = TCP)))", "PROTOCOL"),
+            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (ADDRESS = (|PROTOCOL = TCP)))", "PORT"),
+            "a = (DESCRIPTION = (ADDRESS = (PORT = TCP)))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = O|N))", "ON"), "a = (DESCRIPTION = (KZLB = ON))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = |ON))", "OFF"),
+            "a = (DESCRIPTION = (KZLB = OFF))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"o|\"))", "OFF"),
+            "a = (DESCRIPTION = (KZLB = \"OFF\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"|on\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = \"ON\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"o|))", "ON"),
+            "a = (DESCRIPTION = (KZLB = \"ON))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = |\"o n\")(X = \"y\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON)(X = \"y\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"on\"|)(X = \"y\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON)(X = \"y\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (\"KZ|\" = ON)", "KZLB"),
+            "a = (DESCRIPTION = (\"KZLB\" = ON)");
+  // A comment is no part of the word.
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = | # PROTOCOL", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON # PROTOCOL");
+}
+
+TEST(Lsp, OffersAKeyOnce) {
+  EXPECT_EQ(offered_at("a = (DESCRIPTION |"), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION | = "), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION | = (KZLB = ON))"), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION = (KZLB = ON |"), Json::array());
+}
+
 TEST(Lsp, OffersNothingForWhatItDoesNotKnow) {
   LspClient client;
   with(client, "a = (DESCRIPTION = (NOTHING = (\nb = (DESCRIPTION = (NOTHING = \n");
@@ -355,11 +410,24 @@ TEST(Lsp, Renames) {
   const Json edits = rename(0, "Verkauf")["result"]["changes"][LspClient::uri];
   EXPECT_EQ(edits, (Json{{{"range", range(0, 0, 5)}, {"newText", "Verkauf"}}}));
   EXPECT_TRUE(rename(0, "sales").contains("result"));
-  for (const char *const name : {"", "a b", "a(", "a\"", "KZCI", "other"})
+  for (const char *const name : {"", "a b", "a(", "a\"", "KZCI", "kz", "k", "kzciSystem", "other"})
     EXPECT_EQ(rename(0, name)["error"]["code"], -32803) << name;
   EXPECT_EQ(rename(0, std::string(256, 'x'))["error"]["code"], -32803);
   EXPECT_TRUE(rename(0, std::string(255, 'x')).contains("result"));
   EXPECT_EQ(rename(2, "x")["error"]["code"], -32803);
+}
+
+TEST(Lsp, RenamesNoReservedNameAndNoIncludedFile) {
+  LspClient client;
+  with(client, "ifile = more.ora\n" + good_entry + "KZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n");
+  for (const unsigned line : {0u, 6u}) {
+    Json params = client.about(line, 1);
+    EXPECT_TRUE(client.request("textDocument/prepareRename", params)["result"].is_null()) << line;
+    params["newName"] = "x";
+    EXPECT_EQ(client.request("textDocument/rename", params)["error"]["code"], -32803) << line;
+  }
+  EXPECT_FALSE(
+      client.request("textDocument/prepareRename", client.about(1, 1))["result"].is_null());
 }
 
 TEST(Lsp, Formats) {

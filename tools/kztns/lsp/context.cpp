@@ -39,13 +39,14 @@ class ContextReader {
       if (key_.empty() && last_ != PieceKind::open && contents_.size() > 1) contents_.pop_back();
       key_ = {};
     }
-    if (piece.kind == PieceKind::word && last_ == PieceKind::open) key_ = slice(piece.span);
-    if (piece.kind != PieceKind::word) last_ = piece.kind;
+    after_word_ = piece.kind == PieceKind::word;
+    if (after_word_ && last_ == PieceKind::open) key_ = slice(piece.span);
+    if (!after_word_) last_ = piece.kind;
   }
 
   // What a word is that comes next, or the one that came last.
   Place place(Span word) const {
-    Place place{PlaceKind::item, word, key_, contents_.back()};
+    Place place{PlaceKind::item, word, key_, contents_.back(), after_word_};
     if (last_ == PieceKind::open) place.kind = PlaceKind::key;
     if (last_ == PieceKind::equal && !key_.empty()) {
       const Content::Kind kind = placement().content.kind;
@@ -66,6 +67,7 @@ class ContextReader {
   std::vector<Content> contents_;  // of the blocks around
   std::string_view key_;           // of the item at hand, which is no block so far
   PieceKind last_ = PieceKind::equal;
+  bool after_word_ = false;
 };
 
 bool is_reserved(std::string_view name) {

@@ -91,4 +91,11 @@ LinePosition Document::position(Offset at) const {
   return {static_cast<std::uint32_t>(line), character};
 }
 
+std::string_view Document::line_at(Offset at) const {
+  const std::string_view text = text_;
+  const std::size_t before = at == 0 ? std::string_view::npos : text.rfind('\n', at - 1);
+  const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+  return text.substr(begin, std::min(text.find('\n', begin), text.size()) - begin);
+}
+
 }  // namespace kztns::lsp

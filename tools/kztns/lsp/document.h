@@ -46,6 +46,9 @@ class Document {
   Offset offset(LinePosition position) const;
   LinePosition position(Offset at) const;
 
+  // The line that a place is on, up to its line feed.
+  std::string_view line_at(Offset at) const;
+
   Span span(LineRange range) const { return {offset(range.begin), offset(range.end)}; }
   LineRange range(Span span) const { return {position(span.begin), position(span.end)}; }
 
