@@ -21,7 +21,10 @@ void Document::set(std::string text) {
 }
 
 bool Document::has_crlf() const {
-  if (!has_crlf_) has_crlf_ = text_.find("\r\n") != std::string::npos;
+  if (!has_crlf_) {
+    const std::size_t feed = text_.find('\n');
+    has_crlf_ = feed != std::string::npos && feed > 0 && text_[feed - 1] == '\r';
+  }
   return *has_crlf_;
 }
 

@@ -35,7 +35,7 @@ class Document {
   std::int64_t version() const { return version_; }
   void set_version(std::int64_t version) { version_ = version; }
 
-  // Whether a line ends with both a carriage return and a line feed.
+  // Whether its first line feed comes after a carriage return, so that new ones do, too.
   bool has_crlf() const;
 
   // Replaces all of it, or a part.
