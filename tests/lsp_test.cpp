@@ -471,10 +471,14 @@ TEST(Lsp, ListsOfManyEntriesTheirNamesAlone) {
     std::string text;
     for (std::size_t i = 0; i < count; ++i)
       text += "s" + std::to_string(i) + " = (DESCRIPTION = (KZLB = ON))\n";
-    LspClient client;
-    with(client, text);
+    const kztns::lsp::Document document(text, 1, kztns::lsp::Encoding::utf_16);
+    kztns::lsp::ClientFeatures client;
+    client.nested_symbols = true;
+    std::optional<kztns::lsp::Failure> failure;
+    const Json params;
+    const std::string uri = LspClient::uri;
     const Json symbols =
-        client.request("textDocument/documentSymbol", client.about(0, 0))["result"];
+        kztns::lsp::document_symbols({params, uri, document, client, "", {}, failure});
     ASSERT_EQ(symbols.size(), count);
     EXPECT_EQ(symbols[0]["name"], "s0");
     EXPECT_EQ(symbols[0].contains("children"), count == kztns::lsp::most_nested_entries);
