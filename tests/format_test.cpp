@@ -140,6 +140,10 @@ const Row rows[] = {
      "KZCISYSTEMVARIABLES =\n  (LOG_LEVEL = WARN)\n  (OTHER = 1)\n"},
     {"carriage returns", "sales=(DESCRIPTION=(KZLB=ON))\r\n\r\n\r\n# end\r\n",
      "sales =\r\n  (DESCRIPTION = (KZLB = ON))\r\n\r\n# end\r\n"},
+    {"carriage returns after the first line", "\nsales=(DESCRIPTION=(KZLB=ON))\r\n\n# end\n",
+     "sales =\r\n  (DESCRIPTION = (KZLB = ON))\r\n\r\n# end\r\n"},
+    {"carriage returns before everything", "\r\nsales=(DESCRIPTION=(KZLB=ON))",
+     "sales =\r\n  (DESCRIPTION = (KZLB = ON))\r\n"},
     {"a blacklist",
      "a=(DESCRIPTION=(KZLB_BLACKLIST=(REMOVE_STRATEGY=(NAME=TIMEOUT)(TIMEOUT=5))))\n",
      "a =\n  (DESCRIPTION =\n    (KZLB_BLACKLIST =\n"
@@ -188,10 +192,31 @@ TEST(Format, KeepsTextOfEntries) {
   }
 }
 
-TEST(Format, LaysOutAfterARefusedEntry) {
-  const std::string refused = "  a=(DESCRIPTION=(SERVER=DEDICATED))\n\n\n";
-  EXPECT_EQ(laid_out(refused + "b=(DESCRIPTION=(KZLB=ON))\n"),
-            refused + "b =\n  (DESCRIPTION = (KZLB = ON))\n");
+// Of a refused entry only the text stays, from its name to its last ")".
+TEST(Format, LaysOutAroundARefusedEntry) {
+  const std::string refused = "bad=(DESCRIPTION=\n      (PROT=TCP))(DESCRIPTION=(KZLB=ON))";
+  const std::string laid_out_entry = "b =\n  (DESCRIPTION = (KZLB = ON))\n";
+  EXPECT_EQ(laid_out("\n\n  " + refused + "\n\n\n\n   b=(DESCRIPTION=(KZLB=ON))\n"),
+            "  " + refused + "\n\n" + laid_out_entry);
+  EXPECT_EQ(laid_out("a=(DESCRIPTION=(KZLB=ON))\n\n\n\n\t" + refused +
+                     "   # about it\n\n\n # alone\nb=(DESCRIPTION=(KZLB=ON))"),
+            "a =\n  (DESCRIPTION = (KZLB = ON))\n\n\t" + refused + " # about it\n\n# alone\n" +
+                laid_out_entry);
+  EXPECT_EQ(laid_out(refused + "\n\n\n"), refused + "\n");
+}
+
+// Where a refused entry ends is not certain, so neither is what the blanks after it mean:
+// the blocks of the next one stand as far in as its name.
+TEST(Format, IndentsAfterARefusedEntryWithoutEnd) {
+  const std::string refused = "bad=(DESCRIPTION=(PROT=TCP)\n\n\n\n";
+  EXPECT_EQ(laid_out(refused + "   b=(DESCRIPTION=(KZLB=ON))\n"),
+            refused + "   b =\n     (DESCRIPTION = (KZLB = ON))\n");
+}
+
+TEST(Format, IndentsASelectedEntryAsItsNameIs) {
+  const std::string text = "\t b=(DESCRIPTION=(KZLB=ON))\n";
+  const Formatted formatted = kztns::format_file(kztns::NamesText(text), {}, kztns::Span{3, 4});
+  EXPECT_EQ(applied(text, formatted), "\t b =\n\t   (DESCRIPTION = (KZLB = ON))\n");
 }
 
 // At 100 characters a block stays on its line, at 101 it is broken.
@@ -269,6 +294,34 @@ TEST(Format, LaysOutTheEntriesOfARange) {
   const Formatted formatted = kztns::format_file(kztns::NamesText(text), {}, kztns::Span{at, at});
   EXPECT_EQ(applied(text, formatted),
             "\n\n" + one + "\n\n\na =\n  (DESCRIPTION = (KZLB = ON))\n\n\n" + one + "\n");
+}
+
+// Five entries, a line each; what is selected, and the names of those that are laid out.
+TEST(Format, LaysOutOnlyWhatASelectionHolds) {
+  const std::string line = "a=(DESCRIPTION=(KZLB=ON))\n";
+  const auto begin_of = [&](std::size_t number) { return number * line.size(); };
+  const auto laid_out_names = [&](std::size_t begin, std::size_t end, const std::string &between) {
+    std::string text;
+    for (char name = 'a'; name <= 'e'; ++name) text += name + line.substr(1) + between;
+    const Formatted formatted = kztns::format_file(
+        kztns::NamesText(text), {},
+        kztns::Span{static_cast<kztns::Offset>(begin), static_cast<kztns::Offset>(end)});
+    const std::string result = applied(text, formatted);
+    std::string names;
+    for (char name = 'a'; name <= 'e'; ++name)
+      if (result.find(std::string(1, name) + " =\n") != std::string::npos) names += name;
+    return names;
+  };
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(2) + 3, ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(3), ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(3) - 2, begin_of(3) + 1, ""), "cd");
+  // A cursor, before the name and after the last ")".
+  EXPECT_EQ(laid_out_names(begin_of(2), begin_of(2), ""), "c");
+  EXPECT_EQ(laid_out_names(begin_of(3) - 1, begin_of(3) - 1, ""), "c");
+  // An empty line between two entries.
+  EXPECT_EQ(laid_out_names(line.size(), line.size() + 1, "\n"), "");
+  EXPECT_EQ(laid_out_names(line.size(), line.size(), "\n"), "");
+  EXPECT_EQ(laid_out_names(line.size() + 2, line.size() + 8, "# comment\n"), "");
 }
 
 TEST(FormatProperty, FilesOfTheGrammar) {

@@ -129,13 +129,15 @@ TEST(LspDocument, KeepsItsLinesOverChanges) {
 }
 
 TEST(LspDocument, KnowsHowItsLinesEnd) {
-  Document document("a\nb\r\n", 1, Encoding::utf_16);
+  Document document("a\r\nb\n", 1, Encoding::utf_16);
   EXPECT_TRUE(document.has_crlf());
-  document.replace({{1, 1}, {2, 0}}, "\n");
+  document.replace({{0, 1}, {1, 0}}, "\n");
   EXPECT_FALSE(document.has_crlf());
   document.replace({{0, 1}, {0, 1}}, "\r");
   EXPECT_TRUE(document.has_crlf());
   document.set("a\rb\n");
+  EXPECT_FALSE(document.has_crlf());
+  document.set("a\nb\r\n");
   EXPECT_FALSE(document.has_crlf());
 }
 

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "io/exit_status.h"
+#include "lsp/capabilities.h"
 #include "lsp/framing.h"
 #include "lsp/serve.h"
 #include "rules/mend_file.h"
@@ -180,6 +181,19 @@ TEST(Lsp, FixesAll) {
   EXPECT_FALSE(client.request("codeAction/resolve", actions[0])["result"].contains("edit"));
 }
 
+// A guess has to be made first, so that the entry stays refused, and nothing is mended.
+TEST(Lsp, OffersNoFixOfAllThatMendsNothing) {
+  LspClient client;
+  with(client,
+       "a = (DESCRIPTION = (ADDRESS = (PROT = TCP)(HOST = h)(PORT = 1))\n"
+       "  (CONNECT_DATA = (SID = s)(SERVER = DEDICATED)))\n");
+  ASSERT_EQ(client.diagnostics().size(), 2u);
+  Json params = client.about(0, 0);
+  params["range"] = range(0, 0, 0);
+  params["context"] = {{"only", {"source.fixAll"}}};
+  EXPECT_EQ(client.request("textDocument/codeAction", params)["result"], Json::array());
+}
+
 // The edits of "fix all" make what kztns fix makes.
 TEST(Lsp, FixesAllAsTheCommandDoes) {
   std::size_t fixed = 0;
@@ -194,11 +208,12 @@ TEST(Lsp, FixesAllAsTheCommandDoes) {
     params["range"] = range(0, 0, 0);
     params["context"] = {{"only", {"source.fixAll"}}};
     const Json actions = client.request("textDocument/codeAction", params)["result"];
-    if (actions.empty()) return;
-    ++fixed;
     const kztns::NamesText original(text);
     kztns::Mender mender(original, {"names"});
     mender.apply_fixes();
+    if (actions.empty()) return;
+    ++fixed;
+    EXPECT_NE(mender.text().text(), text);
     EXPECT_EQ(applied(text, actions[0]["edit"]["changes"][LspClient::uri]), mender.text().text());
   };
   // What is moved comes after what it was before.
@@ -211,6 +226,21 @@ TEST(Lsp, FixesAllAsTheCommandDoes) {
     expect_same(file.text);
   }
   EXPECT_GT(fixed, files / 10);
+}
+
+// As in the file that kztns fix writes, new lines end as the first one does.
+TEST(Lsp, FixesLinesThatEndAsTheFirstOne) {
+  const std::string broken = "# one\n# two\r\nKZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n" + good_entry;
+  LspClient client;
+  with(client, broken);
+  Json params = client.about(0, 0);
+  params["range"] = range(0, 0, 0);
+  params["context"] = {{"only", {"source.fixAll"}}};
+  const Json actions = client.request("textDocument/codeAction", params)["result"];
+  ASSERT_EQ(actions.size(), 1u);
+  const Json resolved = client.request("codeAction/resolve", actions[0])["result"];
+  const std::string text = applied(broken, resolved["edit"]["changes"][LspClient::uri]);
+  EXPECT_EQ(text.find('\r'), text.rfind('\r')) << text;
 }
 
 TEST(Lsp, NamesTheDiagnosticsThatAFixMends) {
@@ -252,6 +282,71 @@ TEST(Lsp, CompletesBeforeAnEqualSign) {
   EXPECT_EQ(items[0]["textEdit"]["range"], range(0, 36, 38));
   const Json words = client.request("textDocument/completion", client.about(1, 34))["result"];
   EXPECT_EQ(labels_of(words), (Labels{"TCP"}));
+}
+
+namespace {
+
+// What is offered at the "|" of a text that ends with a line.
+Json offered_at(std::string text) {
+  const auto at = static_cast<unsigned>(text.find('|'));
+  text.erase(at, 1);
+  LspClient client;
+  with(client, text);
+  return client.request("textDocument/completion", client.about(0, at))["result"];
+}
+
+// The text after the choice of an offer.
+std::string completed(std::string text, const std::string &label) {
+  for (const Json &item : offered_at(text))
+    if (item["label"] == label) {
+      text.erase(text.find('|'), 1);
+      return applied(text, Json::array({item["textEdit"]}));
+    }
+  return "not offered";
+}
+
+}  // namespace
+
+TEST(Lsp, CompletesTheWholeWordAtTheCursor) {
+  EXPECT_EQ(completed("a = (DESCRIPTION = (ADDRESS = (PR|OTOCOL = TCP)))", "PROTOCOL"),
+            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (ADDRESS = (|PROTOCOL = TCP)))", "PORT"),
+            "a = (DESCRIPTION = (ADDRESS = (PORT = TCP)))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = O|N))", "ON"), "a = (DESCRIPTION = (KZLB = ON))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = |ON))", "OFF"),
+            "a = (DESCRIPTION = (KZLB = OFF))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"o|\"))", "OFF"),
+            "a = (DESCRIPTION = (KZLB = \"OFF\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"|on\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = \"ON\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"o|))", "ON"),
+            "a = (DESCRIPTION = (KZLB = \"ON))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = |\"o n\")(X = \"y\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON)(X = \"y\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = \"on\"|)(X = \"y\"))", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON)(X = \"y\"))");
+  EXPECT_EQ(completed("a = (DESCRIPTION = (\"KZ|\" = ON)", "KZLB"),
+            "a = (DESCRIPTION = (\"KZLB\" = ON)");
+  // A comment is no part of the word.
+  EXPECT_EQ(completed("a = (DESCRIPTION = (KZLB = | # PROTOCOL", "ON"),
+            "a = (DESCRIPTION = (KZLB = ON # PROTOCOL");
+}
+
+TEST(Lsp, CompletesAnEntryThatBegins) {
+  EXPECT_EQ(completed("a = |", "DESCRIPTION"), "a = (DESCRIPTION = ");
+  EXPECT_EQ(completed("a = |\nb = (DESCRIPTION = (KZLB = ON))\n", "DESCRIPTION"),
+            "a = (DESCRIPTION = \nb = (DESCRIPTION = (KZLB = ON))\n");
+  EXPECT_EQ(completed("KZCISYSTEMVARIABLES =|", "LOG_COUNT"), "KZCISYSTEMVARIABLES =(LOG_COUNT = ");
+  EXPECT_EQ(offered_at("# a = |"), Json::array());
+  EXPECT_EQ(offered_at("a |"), Json::array());
+  EXPECT_EQ(offered_at("a = x|"), Json::array());
+}
+
+TEST(Lsp, OffersAKeyOnce) {
+  EXPECT_EQ(offered_at("a = (DESCRIPTION |"), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION | = "), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION | = (KZLB = ON))"), Json::array());
+  EXPECT_EQ(offered_at("a = (DESCRIPTION = (KZLB = ON |"), Json::array());
 }
 
 TEST(Lsp, OffersNothingForWhatItDoesNotKnow) {
@@ -302,6 +397,40 @@ TEST(Lsp, TellsOfEntriesKeysAndWords) {
   EXPECT_EQ(text(9, 0), "");
 }
 
+TEST(Lsp, TellsWhatKeepsLookupsFromAnEntry) {
+  const auto hover_of = [](const std::string &text, unsigned line) -> std::string {
+    LspClient client;
+    with(client, text);
+    return client.request("textDocument/hover",
+                          client.about(line, 1))["result"]["contents"]["value"];
+  };
+  const auto has = [](const std::string &whole, const std::string &part) {
+    EXPECT_NE(whole.find(part), std::string::npos) << whole;
+  };
+  const std::string other = "other = (DESCRIPTION = (KZLB = ON))\n";
+  has(hover_of(good_entry + "stray\n" + other, 6),
+      "\nThe cause is at 6:1: \"stray\" is read as a name, but no \"=\" follows: "
+      "the entry after it is lost: other [stray-text]\n");
+  has(hover_of("KZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n" + other, 1),
+      "\nThe cause is at 1:1: KZCISYSTEMVARIABLES ends every lookup [after-reserved]\n");
+  // Lookups count the parenthesis in a comment, pass over the entry after it, and go on.
+  has(hover_of("a = (DESCRIPTION = (KZLB = ON) # (\n)\n" + other +
+                   "c = (DESCRIPTION = (KZLB = ON)) # )\n" + good_entry,
+               2),
+      "\nThe cause is at 1:34: lookups of later names count this parenthesis");
+  // Nothing of it is said of an entry that lookups find.
+  EXPECT_EQ(hover_of(good_entry + "stray\n" + other, 0).find("The cause"), std::string::npos);
+}
+
+TEST(Lsp, TellsWhatIsWrongWithAnIncludedFile) {
+  LspClient client;
+  with(client, "IFILE = x.ora\n");
+  const std::string text =
+      client.request("textDocument/hover", client.about(0, 2))["result"]["contents"]["value"];
+  EXPECT_NE(text.find("included files are not supported"), std::string::npos) << text;
+  EXPECT_NE(text.find("[ifile]"), std::string::npos) << text;
+}
+
 TEST(Lsp, ListsTheFirstServersOnly) {
   std::string list = "a = (DESCRIPTION = (ADDRESS_LIST = ";
   for (int i = 0; i < 23; ++i) list += "(ADDRESS = (HOST = h" + std::to_string(i) + ")(PORT = 1))";
@@ -328,9 +457,53 @@ TEST(Lsp, ListsSymbolsAndFolds) {
                          {{"startLine", 0}, {"endLine", 1}, {"kind", "comment"}}}));
 }
 
+TEST(Lsp, FoldsTheSameLinesOnce) {
+  LspClient client;
+  with(client, "a = (DESCRIPTION =\n  (ADDRESS = (HOST = h)\n    (PORT = 1)))\n");
+  const Json folds = client.request("textDocument/foldingRange", client.about(0, 0))["result"];
+  EXPECT_EQ(folds, (Json{{{"startLine", 0}, {"endLine", 2}}, {{"startLine", 1}, {"endLine", 2}}}));
+}
+
+// The blocks of thousands of entries are more than an outline shows, or an editor waits for.
+TEST(Lsp, ListsOfManyEntriesTheirNamesAlone) {
+  for (const std::size_t count :
+       {kztns::lsp::most_nested_entries, kztns::lsp::most_nested_entries + 1}) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i)
+      text += "s" + std::to_string(i) + " = (DESCRIPTION = (KZLB = ON))\n";
+    const kztns::lsp::Document document(text, 1, kztns::lsp::Encoding::utf_16);
+    kztns::lsp::ClientFeatures client;
+    client.nested_symbols = true;
+    std::optional<kztns::lsp::Failure> failure;
+    const Json params;
+    const std::string uri = LspClient::uri;
+    const Json symbols =
+        kztns::lsp::document_symbols({params, uri, document, client, "", {}, failure});
+    ASSERT_EQ(symbols.size(), count);
+    EXPECT_EQ(symbols[0]["name"], "s0");
+    EXPECT_EQ(symbols[0].contains("children"), count == kztns::lsp::most_nested_entries);
+  }
+}
+
+TEST(Lsp, ListsIncludedFilesAmongTheSymbols) {
+  LspClient client;
+  with(client, good_entry + "IFILE = more.ora\n" + good_entry + "  ifile=\"a b.ora\"\n");
+  const Json symbols = client.request("textDocument/documentSymbol", client.about(0, 0))["result"];
+  ASSERT_EQ(symbols.size(), 4u);
+  EXPECT_EQ(symbols[0]["name"], "sales");
+  expect_has(symbols[1], {{"name", "IFILE = more.ora"},
+                          {"kind", 1},
+                          {"range", range(5, 0, 16)},
+                          {"selectionRange", range(5, 0, 16)}});
+  EXPECT_EQ(symbols[2]["name"], "sales");
+  EXPECT_EQ(symbols[3]["name"], "IFILE = a b.ora");
+}
+
 TEST(Lsp, GoesToTheFirstEntryAndToIncludedFiles) {
   LspClient client;
-  with(client, good_entry + good_entry + "IFILE = more names.ora\nIFILE=/etc/x.ora\n");
+  with(client, good_entry + good_entry +
+                   "IFILE = more names.ora\nIFILE=/etc/x.ora\n"
+                   "IFILE = ../x.ora\nIFILE = /etc/./a/../../b/x.ora\n");
   const auto target = [&](unsigned line) {
     return client.request("textDocument/definition", client.about(line, 1))["result"];
   };
@@ -338,6 +511,8 @@ TEST(Lsp, GoesToTheFirstEntryAndToIncludedFiles) {
   expect_has(target(0), {{"range", range(0, 0, 5)}});
   EXPECT_EQ(target(10)["uri"], "file:///names/more%20names.ora");
   EXPECT_EQ(target(11)["uri"], "file:///etc/x.ora");
+  EXPECT_EQ(target(12)["uri"], "file:///x.ora");
+  EXPECT_EQ(target(13)["uri"], "file:///b/x.ora");
   EXPECT_TRUE(target(2).is_null());
 }
 
@@ -355,11 +530,24 @@ TEST(Lsp, Renames) {
   const Json edits = rename(0, "Verkauf")["result"]["changes"][LspClient::uri];
   EXPECT_EQ(edits, (Json{{{"range", range(0, 0, 5)}, {"newText", "Verkauf"}}}));
   EXPECT_TRUE(rename(0, "sales").contains("result"));
-  for (const char *const name : {"", "a b", "a(", "a\"", "KZCI", "other"})
+  for (const char *const name : {"", "a b", "a(", "a\"", "KZCI", "kz", "k", "kzciSystem", "other"})
     EXPECT_EQ(rename(0, name)["error"]["code"], -32803) << name;
   EXPECT_EQ(rename(0, std::string(256, 'x'))["error"]["code"], -32803);
   EXPECT_TRUE(rename(0, std::string(255, 'x')).contains("result"));
   EXPECT_EQ(rename(2, "x")["error"]["code"], -32803);
+}
+
+TEST(Lsp, RenamesNoReservedNameAndNoIncludedFile) {
+  LspClient client;
+  with(client, "ifile = more.ora\n" + good_entry + "KZCISYSTEMVARIABLES = (LOG_COUNT = 2)\n");
+  for (const unsigned line : {0u, 6u}) {
+    Json params = client.about(line, 1);
+    EXPECT_TRUE(client.request("textDocument/prepareRename", params)["result"].is_null()) << line;
+    params["newName"] = "x";
+    EXPECT_EQ(client.request("textDocument/rename", params)["error"]["code"], -32803) << line;
+  }
+  EXPECT_FALSE(
+      client.request("textDocument/prepareRename", client.about(1, 1))["result"].is_null());
 }
 
 TEST(Lsp, Formats) {

@@ -58,44 +58,97 @@ class Layouter {
   Layouter(const NamesText &text, const FormatOptions &options, const std::optional<Span> &range,
            const std::set<Offset> &excluded)
       : text_(text.text()), options_(options), range_(range), excluded_(excluded) {
-    const std::size_t first = text_.find('\n');
+    // Those before everything else are removed, and say little about what stays.
+    std::size_t first = text_.find('\n', text_.find_first_not_of(blanks));
+    if (first == std::string_view::npos) first = text_.find('\n');
     crlf_ = first != std::string_view::npos && first > 0 && text_[first - 1] == '\r';
   }
 
   Formatted run(const std::vector<SeenEntry> &entries) {
-    for (const SeenEntry &entry : entries)
-      if (entry.at >= from_) take(entry);
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      const bool is_last = i + 1 == entries.size();
+      const Offset next = is_last ? static_cast<Offset>(text_.size()) : entries[i + 1].at;
+      if (entries[i].at >= from_) take(entries[i], next);
+    }
     if (clean_ && !range_) end_file();
     return std::move(result_);
   }
 
  private:
-  void take(const SeenEntry &entry) {
-    if (range_ && (entry.end < range_->begin || entry.at > range_->end)) return;
+  void take(const SeenEntry &entry, Offset next) {
+    if (range_ && !is_touched(entry)) return;
     const std::optional<KeptBecause> kept = lay_out(entry);
-    if (kept) result_.kept.push_back({entry.at, *kept});
-    clean_ = !kept;
-    from_ = std::max(from_, entry.at + 1);
+    if (!kept) {
+      clean_ = true;
+      return;
+    }
+    result_.kept.push_back({entry.at, *kept});
+    const std::optional<Offset> end = end_of_kept(entry.at, next);
+    clean_ = end.has_value();
+    from_ = std::max(from_, end.value_or(entry.at + 1));
+  }
+
+  // A selection has to hold some of the entry's text; a cursor may stand at its end, too.
+  bool is_touched(const SeenEntry &entry) const {
+    if (entry.at > range_->end || entry.end < range_->begin) return false;
+    const std::vector<Piece> pieces = pieces_of_entry(entry);
+    const Offset end = pieces.empty() ? entry.at : pieces.back().span.end;
+    if (range_->begin >= range_->end) return range_->begin <= end;
+    return entry.at < range_->end && range_->begin < end;
+  }
+
+  // Up to its last token.
+  std::vector<Piece> pieces_of_entry(const SeenEntry &entry) const {
+    std::vector<Piece> pieces = pieces_of(text_, entry.at, entry.end);
+    while (!pieces.empty() && pieces.back().kind == PieceKind::comment) pieces.pop_back();
+    return pieces;
   }
 
   std::optional<KeptBecause> lay_out(const SeenEntry &entry) {
-    if (!entry.built) return KeptBecause::refused;
     if (excluded_.count(entry.at) > 0) return KeptBecause::would_differ;
     const std::vector<Piece> before =
         clean_ ? pieces_of(text_, from_, entry.at) : std::vector<Piece>{};
     const bool comes_after_blanks = clean_ && is_clean(before, entry.at);
+    const bool moves = comes_after_blanks && !range_;
+    const std::string_view indentation = indentation_of(entry.at);
+    const auto keep = [&](KeptBecause reason) {
+      const auto line = static_cast<Offset>(entry.at - indentation.size());
+      if (moves && begins_line(entry.at)) lay_out_gap(before, line, true);
+      return reason;
+    };
+    if (!entry.built) return keep(KeptBecause::refused);
     if (!entry.single || (!comes_after_blanks && !begins_line(entry.at)))
       return KeptBecause::unclear;
-    std::vector<Piece> pieces = pieces_of(text_, entry.at, entry.end);
-    while (!pieces.empty() && pieces.back().kind == PieceKind::comment) pieces.pop_back();
+    const std::vector<Piece> pieces = pieces_of_entry(entry);
     const std::vector<std::string> gaps = layout_of(text_, pieces, options_);
     if (gaps.empty()) return KeptBecause::unclear;
-    if (ignores_findings_of_line(pieces)) return KeptBecause::ignores;
-    if (comes_after_blanks && !range_) lay_out_gap(before, entry.at, true);
+    if (ignores_findings_of_line(pieces)) return keep(KeptBecause::ignores);
+    if (moves) lay_out_gap(before, entry.at, true);
     for (std::size_t i = 1; i < pieces.size(); ++i)
-      replace(pieces[i - 1].span.end, pieces[i].span.begin, gaps[i]);
+      replace(pieces[i - 1].span.end, pieces[i].span.begin,
+              further_in(gaps[i], moves ? "" : indentation));
     from_ = pieces.back().span.end;
     return std::nullopt;
+  }
+
+  // Where the text of an entry ends that keeps it. Absent where that is not certain: unless
+  // nothing but comments is between its last ")" and the next entry.
+  std::optional<Offset> end_of_kept(Offset at, Offset next) const {
+    std::vector<Piece> pieces = pieces_of(text_, at, next);
+    std::erase_if(pieces, [](const Piece &piece) { return piece.kind == PieceKind::comment; });
+    if (pieces.size() < 3 || pieces[0].kind != PieceKind::word ||
+        pieces[1].kind != PieceKind::equal)
+      return std::nullopt;
+    std::size_t depth = 0;
+    for (std::size_t i = 2; i < pieces.size(); ++i) {
+      if (pieces[i].kind == PieceKind::open)
+        ++depth;
+      else if (depth == 0)
+        return std::nullopt;
+      else if (pieces[i].kind == PieceKind::close)
+        --depth;
+    }
+    return depth == 0 ? std::optional(pieces.back().span.end) : std::nullopt;
   }
 
   // Whether nothing but comments comes before a place.
@@ -108,6 +161,20 @@ class Layouter {
   bool begins_line(Offset at) const {
     while (at > 0 && blanks_of_line.find(text_[at - 1]) != std::string_view::npos) --at;
     return at == 0 || text_[at - 1] == '\n';
+  }
+
+  // The blanks before a place that begins its line; empty for another one.
+  std::string_view indentation_of(Offset at) const {
+    Offset begin = at;
+    while (begin > 0 && (text_[begin - 1] == ' ' || text_[begin - 1] == '\t')) --begin;
+    const bool begins = begin == 0 || text_[begin - 1] == '\n';
+    return begins ? text_.substr(begin, at - begin) : std::string_view();
+  }
+
+  static std::string further_in(std::string blanks, std::string_view indentation) {
+    const std::size_t feed = blanks.rfind('\n');
+    if (feed != std::string::npos) blanks.insert(feed + 1, indentation);
+    return blanks;
   }
 
   // Such a comment is about what stands on its line now.
@@ -170,7 +237,7 @@ class Layouter {
   const std::set<Offset> &excluded_;  // entries that keep their text
   bool crlf_ = false;
   Offset from_ = 0;    // after the last entry
-  bool clean_ = true;  // whether that one is laid out, so that its end is known
+  bool clean_ = true;  // whether it is certain that this one ends there
   Formatted result_;
 };
 

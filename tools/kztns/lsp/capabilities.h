@@ -23,6 +23,10 @@ Json completion(const Question &question);
 // What a verdict means, in the words of hover.
 std::string_view meaning_of(Verdict verdict);
 Json hover(const Question &question);
+
+// Of more entries an outline has the names alone: with their blocks it is megabytes, and
+// editors ask for it after each change.
+constexpr std::size_t most_nested_entries = 5000;
 Json document_symbols(const Question &question);
 Json folding_ranges(const Question &question);
 Json definition(const Question &question);

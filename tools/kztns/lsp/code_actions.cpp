@@ -48,24 +48,28 @@ bool is_on_lines_of(const Document &document, LineRange range, Offset at) {
   return range.begin.line <= line && line <= range.end.line;
 }
 
+// Whether kztns fix applies a fix without guesses.
 bool has_safe_fix(const Analysis &analysis) {
   return std::any_of(
       analysis.report.findings.begin(), analysis.report.findings.end(),
-      [](const Finding &finding) { return finding.fix.applicability == Applicability::safe; });
+      [](const Finding &finding) { return finding.applied_among == Applicability::safe; });
 }
 
-Json edit_of_all(const Question &question) {
-  return workspace_edit(question.uri,
-                        json_of(edits_of_mending(question.document.text()), question.document));
+Json edit_of_all(const Question &question, const std::vector<Edit> &edits) {
+  return workspace_edit(question.uri, json_of(edits, question.document));
 }
 
-Json action_of_all(const Question &question) {
+// Adds the action that mends all; where its edits are asked for at once, not without any.
+void offer_all(const Question &question, Json &actions) {
   Json action = {{"title", "Fix all that kztns fix mends safely"}, {"kind", fix_all}};
-  if (question.client.resolves_edits)
+  if (question.client.resolves_edits) {
     action["data"] = {{"uri", question.uri}, {"version", question.document.version()}};
-  else
-    action["edit"] = edit_of_all(question);
-  return action;
+  } else {
+    const std::vector<Edit> edits = edits_of_mending(question.document.text());
+    if (edits.empty()) return;
+    action["edit"] = edit_of_all(question, edits);
+  }
+  actions.push_back(std::move(action));
 }
 
 }  // namespace
@@ -111,15 +115,14 @@ Json code_actions(const Question &question) {
     for (const Finding &finding : analysis->report.findings)
       if (finding.fix && is_on_lines_of(question.document, *range, finding.at))
         actions.push_back(fix_of(question, finding));
-  if (is_wanted(question.params, fix_all) && has_safe_fix(*analysis))
-    actions.push_back(action_of_all(question));
+  if (is_wanted(question.params, fix_all) && has_safe_fix(*analysis)) offer_all(question, actions);
   return actions;
 }
 
 Json resolved_action(const Question &question) {
   Json action = question.params;
   if (integer_in(member(action, "data", "version")) == question.document.version())
-    action["edit"] = edit_of_all(question);
+    action["edit"] = edit_of_all(question, edits_of_mending(question.document.text()));
   return action;
 }
 

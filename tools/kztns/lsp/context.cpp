@@ -39,13 +39,14 @@ class ContextReader {
       if (key_.empty() && last_ != PieceKind::open && contents_.size() > 1) contents_.pop_back();
       key_ = {};
     }
-    if (piece.kind == PieceKind::word && last_ == PieceKind::open) key_ = slice(piece.span);
-    if (piece.kind != PieceKind::word) last_ = piece.kind;
+    after_word_ = piece.kind == PieceKind::word;
+    if (after_word_ && last_ == PieceKind::open) key_ = slice(piece.span);
+    if (!after_word_) last_ = piece.kind;
   }
 
   // What a word is that comes next, or the one that came last.
   Place place(Span word) const {
-    Place place{PlaceKind::item, word, key_, contents_.back()};
+    Place place{PlaceKind::item, word, key_, contents_.back(), after_word_};
     if (last_ == PieceKind::open) place.kind = PlaceKind::key;
     if (last_ == PieceKind::equal && !key_.empty()) {
       const Content::Kind kind = placement().content.kind;
@@ -66,17 +67,21 @@ class ContextReader {
   std::vector<Content> contents_;  // of the blocks around
   std::string_view key_;           // of the item at hand, which is no block so far
   PieceKind last_ = PieceKind::equal;
+  bool after_word_ = false;
 };
 
 bool is_reserved(std::string_view name) {
   return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
 }
 
-Place place_in_entry(std::string_view text, const WrittenEntry &entry, Offset at, bool whole_word) {
+Content content_of_entry(std::string_view text, const WrittenEntry &entry) {
   const std::string name =
       unquoted(text.substr(entry.name_begin, entry.name_end - entry.name_begin));
-  ContextReader reader(text,
-                       content_of(is_reserved(name) ? Block::system_variables : Block::entry));
+  return content_of(is_reserved(name) ? Block::system_variables : Block::entry);
+}
+
+Place place_in_entry(std::string_view text, const WrittenEntry &entry, Offset at, bool whole_word) {
+  ContextReader reader(text, content_of_entry(text, entry));
   const std::string_view read = whole_word ? text : text.substr(0, at);
   for (const Piece &piece : pieces_of(read, entry.body, at)) {
     if (reader.ends_before(piece)) return {};
@@ -87,9 +92,15 @@ Place place_in_entry(std::string_view text, const WrittenEntry &entry, Offset at
   return reader.place({at, at});
 }
 
-}  // namespace
+// After "NAME =", where the value of an entry is due: a "(" would begin it.
+Place place_of_value(std::string_view text, Offset at) {
+  const std::string begun = std::string(text.substr(0, at)) + '(';
+  const std::optional<WrittenEntry> entry = entry_before(begun, at);
+  if (!entry || pass_blanks(begun, entry->body) != at) return {};
+  return {PlaceKind::item, {at, at}, {}, content_of_entry(begun, *entry)};
+}
 
-Place place_at(std::string_view text, Offset at, bool whole_word) {
+Place place_of_written(std::string_view text, Offset at, bool whole_word) {
   const std::optional<WrittenEntry> entry = entry_before(text, at);
   if (!entry) return {};
   if (at <= entry->name_end) return {PlaceKind::name, {entry->name_begin, entry->name_end}};
@@ -97,6 +108,13 @@ Place place_at(std::string_view text, Offset at, bool whole_word) {
   // The character under a cursor is the one after it.
   const bool before_word = whole_word && at < text.size();
   return place_in_entry(text, *entry, before_word ? at + 1 : at, whole_word);
+}
+
+}  // namespace
+
+Place place_at(std::string_view text, Offset at, bool whole_word) {
+  const Place place = place_of_written(text, at, whole_word);
+  return place.kind == PlaceKind::none && !whole_word ? place_of_value(text, at) : place;
 }
 
 const Key *row_of(std::string_view key, Content around) {

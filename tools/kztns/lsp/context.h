@@ -22,6 +22,7 @@ struct Place {
   Span word = {};             // what is there of it; empty for nothing
   std::string_view key = {};  // of a value
   Content around = {};        // what the item stands in
+  bool after_word = false;    // where another word of the item ends, so that none is due
 };
 
 // The place of a cursor between two characters. With whole_word the word goes on after it.

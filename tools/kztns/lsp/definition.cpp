@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <filesystem>
 
 #include <nlohmann/json.hpp>
 
@@ -9,10 +9,8 @@
 namespace kztns::lsp {
 namespace {
 
-std::string_view line_at(std::string_view text, Offset at) {
-  const std::size_t before = at == 0 ? std::string_view::npos : text.rfind('\n', at - 1);
-  const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
-  return text.substr(begin, std::min(text.find('\n', begin), text.size()) - begin);
+std::string without_dots(const std::string &path) {
+  return std::filesystem::path(path).lexically_normal().string();
 }
 
 }  // namespace
@@ -21,10 +19,10 @@ Json definition(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return question.refuse(invalid_params, "expected a position");
   const Offset at = question.document.offset(*position);
-  const std::string included(included_file(line_at(question.document.text(), at)));
+  const std::string included(included_file(question.document.line_at(at)));
   const std::optional<std::string> path = path_of(question.uri);
   if (!included.empty() && path)
-    return location_of(uri_of(from_folder_of(*path, included)), LineRange{});
+    return location_of(uri_of(without_dots(from_folder_of(*path, included))), LineRange{});
   const std::shared_ptr<const Analysis> analysis = question.analyse();
   const AnalysedEntry *const entry = analysis->entry_at_or_before(at);
   if (entry == nullptr || at > entry->name_span.end) return nullptr;

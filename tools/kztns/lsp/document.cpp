@@ -21,7 +21,10 @@ void Document::set(std::string text) {
 }
 
 bool Document::has_crlf() const {
-  if (!has_crlf_) has_crlf_ = text_.find("\r\n") != std::string::npos;
+  if (!has_crlf_) {
+    const std::size_t feed = text_.find('\n');
+    has_crlf_ = feed != std::string::npos && feed > 0 && text_[feed - 1] == '\r';
+  }
   return *has_crlf_;
 }
 
@@ -89,6 +92,13 @@ LinePosition Document::position(Offset at) const {
     for (Offset i = begin; i < at; ++i) character += units(text_[i]);
   }
   return {static_cast<std::uint32_t>(line), character};
+}
+
+std::string_view Document::line_at(Offset at) const {
+  const std::string_view text = text_;
+  const std::size_t before = at == 0 ? std::string_view::npos : text.rfind('\n', at - 1);
+  const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+  return text.substr(begin, std::min(text.find('\n', begin), text.size()) - begin);
 }
 
 }  // namespace kztns::lsp

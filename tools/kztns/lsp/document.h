@@ -35,7 +35,7 @@ class Document {
   std::int64_t version() const { return version_; }
   void set_version(std::int64_t version) { version_ = version; }
 
-  // Whether a line ends with both a carriage return and a line feed.
+  // Whether its first line feed comes after a carriage return, so that new ones do, too.
   bool has_crlf() const;
 
   // Replaces all of it, or a part.
@@ -45,6 +45,9 @@ class Document {
   // A place after the end of a line is the line's end; one in a character, its beginning.
   Offset offset(LinePosition position) const;
   LinePosition position(Offset at) const;
+
+  // The line that a place is on, up to its line feed.
+  std::string_view line_at(Offset at) const;
 
   Span span(LineRange range) const { return {offset(range.begin), offset(range.end)}; }
   LineRange range(Span span) const { return {position(span.begin), position(span.end)}; }

@@ -4,6 +4,7 @@
 #include "lsp/context.h"
 #include "lsp/key_documents.h"
 #include "report/tree_walk.h"
+#include "rules/stop_causes.h"
 #include "scan/file_scan.h"
 #include "scan/written_items.h"
 #include "text/escape.h"
@@ -66,11 +67,16 @@ std::string tree_of(KZCITnsService &service) {
   return text;
 }
 
+// What IFILE begins is no entry, as findings see it.
+bool is_said_of(const Finding &finding, const AnalysedEntry &entry) {
+  return finding.entry == entry.name || finding.rule == Rule::ifile;
+}
+
 // Why an entry is refused, or what else is said of it.
 std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
   std::string text;
   for (const Finding &finding : analysis.report.findings)
-    if (finding.entry == entry.name && analysis.entry_at_or_before(finding.at) == &entry)
+    if (is_said_of(finding, entry) && analysis.entry_at_or_before(finding.at) == &entry)
       text.append("\n")
           .append(name_of(finding.severity))
           .append(": ")
@@ -81,12 +87,50 @@ std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
   return text;
 }
 
+class NoVisitor : public EntryVisitor {
+ public:
+  void visit(const EntryView &) override {}
+  void progress(Offset) override {}
+};
+
+// What keeps lookups from a place: what ends them before it, or leads them past it.
+std::optional<StopCause> cause_before(const FileScan &scan, Offset at) {
+  const Entry *const last = scan.last_reached();
+  if (last != nullptr && last->at > at) {
+    const Entry *before = nullptr;
+    for (const Entry &entry : scan.entries())
+      if (entry.reached && entry.at < at) before = &entry;
+    for (const SkipMismatch &mismatch : scan.skip_mismatches())
+      if (before != nullptr && mismatch.body == before->body)
+        return cause_of_skip_mismatch(scan.text(), mismatch);
+    return std::nullopt;
+  }
+  if (scan.stop().kind == StopKind::end) return std::nullopt;
+  StopCause cause = cause_of_stop(scan);
+  if (cause.rule == Rule::reserved_part) cause.rule = Rule::after_reserved;
+  return cause;
+}
+
+std::string cause_of_loss(const Question &question, const Analysis &analysis, Offset at) {
+  const NamesText text(question.document.text());
+  NoVisitor visitor;
+  const std::optional<StopCause> cause = cause_before(FileScan(text, visitor), at);
+  if (!cause) return {};
+  std::string words = cause->text;
+  for (const Finding &finding : analysis.report.findings)
+    if (finding.rule == cause->rule && finding.at == cause->at) words = finding.text;
+  return "\nThe cause is at " + text.place(cause->at) + ": " + words + " [" +
+         std::string(row_of(cause->rule).id) + "]\n";
+}
+
 std::string text_of_entry(const Question &question, const Analysis &analysis,
                           const AnalysedEntry &entry) {
   std::string text = "**" + code(entry.name) + "**: ";
   text.append(name_of(entry.verdict)).append(": ").append(meaning_of(entry.verdict)).append("\n");
   if (!entry.link.empty()) text += "\nLink string: " + code(entry.link) + "\n";
   text += findings_of(analysis, entry);
+  if (entry.verdict == Verdict::unreachable)
+    text += cause_of_loss(question, analysis, entry.name_span.begin);
   if (entry.built)
     with_service(question.document.text(), entry.body, entry.name, [&](KZCITnsService &service) {
       text += entry.verdict == Verdict::reserved

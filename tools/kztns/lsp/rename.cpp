@@ -2,20 +2,33 @@
 
 #include <nlohmann/json.hpp>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lsp/capabilities.h"
-#include "scan/file_scan.h"
+#include "rules/inline_files.h"
 #include "text/escape.h"
+#include "text/spelling.h"
 
 namespace kztns::lsp {
 namespace {
 
-// The entry whose name is at the position that is asked about; null for none.
+// The name of the system variables means them, and that of an IFILE line is none.
+bool has_name_to_change(const Document &document, const AnalysedEntry &entry) {
+  return !equal_but_for_case(entry.name, kzoci::tns::reserved_name) &&
+         included_file(document.line_at(entry.name_span.begin)).empty();
+}
+
+// The entry to rename at the position that is asked about; null for none.
 const AnalysedEntry *entry_of(const Question &question, const Analysis &analysis) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return nullptr;
   const Offset at = question.document.offset(*position);
   const AnalysedEntry *const entry = analysis.entry_at_or_before(at);
-  return entry == nullptr || at > entry->name_span.end ? nullptr : entry;
+  if (entry == nullptr || at > entry->name_span.end) return nullptr;
+  return has_name_to_change(question.document, *entry) ? entry : nullptr;
+}
+
+bool is_reserved(const std::string &name) {
+  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
 }
 
 // Why an entry cannot have a name; empty for nothing.
@@ -24,13 +37,14 @@ std::string fault_of(const std::string &name, const Analysis &analysis) {
   if (name.size() >= longest_token) return "a name has at most 255 characters";
   if (name.find_first_of(std::string_view(" \t\r\n()=\"#\0", 10)) != std::string::npos)
     return "a name has no blanks, parentheses, quotes, \"=\" and \"#\"";
-  if (ends_lookups(name)) return kztns::quoted(name) + " is reserved: it would end every lookup";
+  if (is_reserved(name))
+    return kztns::quoted(name) + " is reserved: the entry would be read as system variables";
   if (analysis.first_of(name) != nullptr)
     return "there is an entry " + kztns::quoted(name) + " already";
   return {};
 }
 
-constexpr char no_name[] = "there is no name of an entry here";
+constexpr char no_name[] = "there is no name of an entry here that could be another one";
 
 }  // namespace
 
