@@ -47,6 +47,16 @@ onPage('says of a refused entry why it is', async (page) => {
   assert.equal(await page.tab.$eval('.detail .choice', (node) => node.hidden), true);
 });
 
+onPage('the reason why an entry is refused is an error, not a warning before it', async (page) => {
+  await replaceText(page, entry('sales') + entry('Sales', '(SERVER = X)'));
+  await waitForText(page.tab, '#entry-1 .second', 'unknown key SERVER');
+  await page.tab.click('#entry-1');
+  await waitForText(page.tab, '.detail h2', 'Sales');
+  const reasons = await textsOf(page.tab, '.detail .reason');
+  assert.match(reasons[0], /unknown key SERVER/);
+  assert.match(reasons[1], /differs only in case/);
+});
+
 onPage('tells of the first findings of an entry, and how many there are', async (page) => {
   await replaceText(page, entry('a', '(W = 1)(X = 2)(Y = 3)(Z = 4)') + entry('b', '(W = 1)'));
   await page.tab.click('#entry-0');
