@@ -7,7 +7,7 @@ import { Text } from '@codemirror/state';
 import { byId, element, pluralised } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
-import { changesOf, positionOfPlace } from './editor/positions';
+import { changesOf, positionOfPlace, replacesAll } from './editor/positions';
 import { EngineClient } from './engine/client';
 import type { Checked, Diagnostic, Fixed, Formatted, Listed, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
@@ -24,7 +24,15 @@ import { Tabs } from './views/tabs';
 import type { Tree } from './views/tree_model';
 import { WhyView } from './views/why';
 
-const exampleFile: OpenedFile = { name: 'example.ora', text: example, lineEnd: '\n', remark: '' };
+const exampleFile: OpenedFile = {
+  name: 'example.ora',
+  text: example,
+  lineEnd: '\n',
+  remark: '',
+  isExample: true,
+};
+const exampleNotice = 'This is an example. Open, drop or paste a names file of your own.';
+const nameOfOwn = 'tnsnames.ora'; // of a file that was typed or pasted
 
 const client = new EngineClient();
 const notice = new Notice(byId('notice'));
@@ -93,23 +101,30 @@ function offerWayBack(): void {
   );
 }
 
+function callFile(named: OpenedFile): void {
+  file = named;
+  byId('file-name').textContent = visible(shownName(named));
+}
+
 // isKept: whether the text is somewhere else, too
 function open(opened: OpenedFile, isKept = true): void {
   if (isEdited()) edited.push({ ...file, text: editor.text });
-  file = opened;
-  byId('file-name').textContent = visible(shownName(opened));
+  callFile(opened);
   editor.open(opened.text);
   listed = null;
   entries.clear();
   entries.expect();
   kept = isKept ? editor.view.state.doc : Text.empty;
   offerWayBack();
-  const isExample = opened.text === example;
-  const words = isExample
-    ? 'This is an example. Open, drop or paste a names file of your own.'
-    : opened.remark;
+  const words = opened.text === example ? exampleNotice : opened.remark;
   if (words === '') return notice.hide();
   notice.show(words, opened.remark === '' ? 'note' : 'warning');
+}
+
+// What is typed or pasted in place of the whole example is no example.
+function leaveExample(): void {
+  callFile({ ...file, name: nameOfOwn, isExample: undefined });
+  notice.retract(exampleNotice);
 }
 
 async function openFile(chosen: File | null | undefined): Promise<void> {
@@ -189,6 +204,10 @@ function goToEntry(index: number): void {
   const start = listed?.starts[index];
   if (start) editor.goTo(start[0], start[1]);
 }
+
+editor.onChange = (before, changes) => {
+  if (file.isExample && replacesAll(before, changes)) leaveExample();
+};
 
 client.onChecked = (result) => {
   checked = result;
