@@ -1,6 +1,8 @@
 // What a page asks of the command's parts: messages in, messages out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "page/page.h"
@@ -181,9 +183,27 @@ TEST_F(PageAnswers, FormatTellsWhatItKeeps) {
   const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
   const Json formatted = result("kztns/format", params);
   EXPECT_FALSE(formatted["edits"].empty());
-  EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":2,"reason":"the library refuses it"}])"));
+  EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":6,"reason":"the library refuses it"}])"));
   open(entry("bad", "(SERVER=X)"));
   EXPECT_EQ(result("kztns/format", params)["edits"], Json::array());
+}
+
+TEST_F(PageAnswers, FormatTellsTheLinesAfterItsEdits) {
+  const std::string one_line = "(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))";
+  const std::string text = "\n\n\n\n\na=" + one_line + " " + entry("x", "(SERVER=X)") + "b=" +
+                           one_line + "\n\n\n\n\n" + entry("y", "(SERVER=X)");
+  open(text);
+  const Json formatted = result("kztns/format",
+                                {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
+  const std::string after = support::applied(text, formatted["edits"]);
+  ASSERT_EQ(formatted["kept"].size(), 2u);
+  for (const std::size_t i : {0u, 1u}) {
+    const std::size_t at = after.find(i == 0 ? "x = " : "y = ");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(formatted["kept"][i]["line"],
+              1 + std::count(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  }
+  EXPECT_NE(after, text);
 }
 
 TEST_F(PageAnswers, ManyEditsAreJoinedWhereNobodyLooks) {

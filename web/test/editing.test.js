@@ -152,6 +152,19 @@ onPage('says which entries keep their layout, and why', async (page) => {
   );
 });
 
+onPage('names the lines at which the entries that keep their layout stand now', async (page) => {
+  const crowded = 'a=(description=(address=(host=h)(port=1))(connect_data=(sid=s)))\n';
+  await replaceText(
+    page,
+    crowded + entry('b', '(SERVER = X)') + crowded + entry('c', '(SERVER = X)'),
+  );
+  await untilChecked(page, () => page.tab.click('#format'));
+  const lines = (await shownText(page.tab)).split('\n');
+  const [b, c] = ['b', 'c'].map((name) => 1 + lines.indexOf(entry(name, '(SERVER = X)').trim()));
+  assert.ok(2 < b && b < c);
+  assert.match(await textOf(page.tab, '#notice'), new RegExp(`\\(line ${b}, ${c}\\)`));
+});
+
 onPage('lays out and downloads by keys, wherever the focus is', async (page) => {
   await replaceText(page, '# note\n');
   await page.tab.focus('#tab-entries');

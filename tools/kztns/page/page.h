@@ -16,8 +16,9 @@
 //                 with its "digits"; null for one that is not there or not built, or when
 //                 the text has changed since
 //   kztns/format  {"textDocument", "shown"}: {"edits", "kept"}, what kztns format would
-//                 change, and {"line", "reason"} for each entry whose text it keeps. Of many
-//                 edits, neighbours are joined outside of the range that is shown
+//                 change, and {"line", "reason"} for each entry whose text it keeps, the line
+//                 being that after the edits. Of many edits, neighbours are joined outside of
+//                 the range that is shown
 //   kztns/fix     {"textDocument", "shown"}: {"edits", "count"}, what kztns fix would change
 //                 without guesses, with the edits joined likewise, and how many they were
 //   kztns/why     {"textDocument", "identifier"}: what kztns why says

@@ -1,5 +1,7 @@
 #include "page/views.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <initializer_list>
 #include <set>
 #include <span>
@@ -129,9 +131,32 @@ std::vector<Edit> joined_edits(const std::vector<Edit> &edits, const std::string
   return joined;
 }
 
-std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
-  return lsp::text_of({{"line", document.position(kept.at).line + 1},
-                       {"reason", std::string(name_of(kept.reason))}});
+// On which line each of some places is, in their order, when sorted edits have been applied
+// that leave the places as they are.
+class LinesAfterEdits {
+ public:
+  LinesAfterEdits(const lsp::Document &document, const std::vector<Edit> &edits)
+      : document_(document), edits_(edits) {}
+
+  std::int64_t next(Offset at) {
+    for (; !edits_.empty() && edits_.front().end <= at; edits_ = edits_.subspan(1)) {
+      const Edit &edit = edits_.front();
+      added_ += std::count(edit.text.begin(), edit.text.end(), '\n');
+      added_ -= line(edit.end) - line(edit.begin);
+    }
+    return line(at) + added_;
+  }
+
+ private:
+  std::int64_t line(Offset at) const { return document_.position(at).line; }
+
+  const lsp::Document &document_;
+  std::span<const Edit> edits_;  // those after the last place
+  std::int64_t added_ = 0;       // lines, by the edits before it
+};
+
+std::string kept_of(const KeptEntry &kept, std::int64_t line) {
+  return lsp::text_of({{"line", line + 1}, {"reason", std::string(name_of(kept.reason))}});
 }
 
 }  // namespace
@@ -171,7 +196,8 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
 std::string format_json(const lsp::Document &document, Span shown) {
   const Formatted formatted = format_file(NamesText(document.text()), FormatOptions());
   const std::vector<Edit> edits = joined_edits(formatted.edits, document.text(), shown);
-  const auto kept = [&](const KeptEntry &one) { return kept_of(one, document); };
+  LinesAfterEdits lines(document, formatted.edits);
+  const auto kept = [&](const KeptEntry &one) { return kept_of(one, lines.next(one.at)); };
   return joined({"{\"edits\":", lsp::text_of(lsp::json_of(edits, document)),
                  ",\"kept\":", array_of(formatted.kept, kept), "}"});
 }

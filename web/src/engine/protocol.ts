@@ -68,7 +68,7 @@ export interface CompletionItem {
 // What kztns/format answers.
 export interface Formatted {
   edits: TextEdit[];
-  kept: { line: number; reason: string }[]; // the entries that keep their text
+  kept: { line: number; reason: string }[]; // the entries that keep their text; their lines after the edits
 }
 
 // What kztns/fix answers.
