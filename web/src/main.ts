@@ -167,13 +167,11 @@ async function format(): Promise<void> {
 
 async function fixAll(): Promise<void> {
   const before = editor.view.state.doc;
-  const { edits, count } = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
+  const fixed = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
   if (editor.view.state.doc !== before) return;
+  const { edits } = fixed;
   if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
-  const isLeft = (index: number) =>
-    checked?.diagnostics[index]?.severity === 1 && !checked.fixes[index]?.safe;
-  const errorsLeft = checked?.diagnostics.filter((_one, index) => isLeft(index)).length ?? 0;
-  offerFixes(before, { edits, count }, errorsLeft, () => {
+  offerFixes(before, fixed, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
   });

@@ -142,6 +142,24 @@ onPage('fixes all after it has shown what would change', async (page) => {
   assert.equal(await shownText(page.tab), entry('a') + entry('b') + entry('c'));
 });
 
+// Its first fault needs a guess: the second one is not mended either.
+const needsGuess = entry('a', '(SERVER = X)').replace('(HOST', '(PROT = TCP)(HOST');
+
+onPage('tells how many findings all fixes mend, and how many errors they leave', async (page) => {
+  await replaceText(page, needsGuess + entry('b', '(SERVER = X)'));
+  await page.tab.click('#fix-all');
+  await waitForText(page.tab, 'dialog header', '1 finding is mended;');
+  assert.match(await textOf(page.tab, 'dialog header'), / 2 errors are left\.$/);
+  await untilChecked(page, () => clickButton(page.tab, 'Apply', 'dialog'));
+  assert.match(await textOf(page.tab, '#status'), /^2 errors/);
+  assert.equal(await shownText(page.tab), needsGuess + entry('b'));
+  // Two quotes are one finding.
+  await replaceText(page, entry('a').replace('(', '"(').replace('\n', '"\n'));
+  await page.tab.click('#fix-all');
+  await waitForText(page.tab, 'dialog header', '1 finding is mended;');
+  assert.match(await textOf(page.tab, 'dialog header'), / stays\.$/);
+});
+
 onPage('says which entries keep their layout, and why', async (page) => {
   await replaceText(page, entry('a', '(SERVER = X)'));
   await page.tab.click('#format');

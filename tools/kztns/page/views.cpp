@@ -17,7 +17,9 @@
 #include "lsp/capabilities.h"
 #include "report/tree_json.h"
 #include "report/tree_walk.h"
+#include "rules/mend_file.h"
 #include "scan/file_scan.h"
+#include "text/original_edits.h"
 
 namespace kztns {
 namespace {
@@ -88,6 +90,7 @@ std::string fix_of(const Finding &finding, const lsp::Document &document) {
   if (!finding.fix) return "null";
   return lsp::text_of({{"title", lsp::title_of_fix(finding)},
                        {"safe", finding.fix.applicability == Applicability::safe},
+                       {"applied", finding.applied_among == Applicability::safe},
                        {"edits", lsp::json_of(finding.fix.edits, document)}});
 }
 
@@ -203,9 +206,15 @@ std::string format_json(const lsp::Document &document, Span shown) {
 }
 
 std::string fix_json(const lsp::Document &document, Span shown) {
-  const std::vector<Edit> edits = lsp::edits_of_mending(document.text());
-  const std::vector<Edit> joined = joined_edits(edits, document.text(), shown);
-  return lsp::text_of({{"edits", lsp::json_of(joined, document)}, {"count", edits.size()}});
+  const NamesText text(document.text());
+  Mender mender(text, {"names"});
+  mender.apply_fixes();
+  std::vector<Edit> edits;
+  if (mender.edited() != nullptr) edits = original_edits(*mender.edited(), document.size());
+  edits = joined_edits(edits, document.text(), shown);
+  return lsp::text_of({{"edits", lsp::json_of(edits, document)},
+                       {"mended", mender.mended().size()},
+                       {"errors", count(mender.report(), Severity::error)}});
 }
 
 std::string why_json(const std::string &identifier, const std::string &text) {
