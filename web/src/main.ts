@@ -9,12 +9,12 @@ import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
 import { changesOf, positionOfPlace, replacesAll } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, Diagnostic, Fixed, Formatted, Listed, Why } from './engine/protocol';
+import type { Checked, Diagnostic, Entry, Fixed, Formatted, Listed, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
 import { findingsByEntry } from './findings_by_entry';
 import { visible, withEscapedBackslashes } from './invisible';
 import { Notice } from './views/notice';
-import { EntryDetail } from './views/detail';
+import { EntryDetail, type LookupEnd } from './views/detail';
 import { showDialog } from './views/dialog';
 import { offerFixes } from './views/difference';
 import { EntryList } from './views/entries';
@@ -185,12 +185,24 @@ function relateFindings(): void {
   entries.tell(byEntry.map(([first]) => (first === undefined ? '' : known!.texts[first]!)));
 }
 
+// What ends the lookups before they come to the entry, if it is that.
+async function endBefore({ name, verdict }: Entry): Promise<LookupEnd | null> {
+  if (verdict !== 'unreachable') return null;
+  const { doc } = editor.view.state;
+  const { literal, fault } = await client.ask<Why>('kztns/why', { identifier: name });
+  if (literal || fault === null) return null;
+  return { remark: fault, position: positionOfPlace(doc, fault) };
+}
+
 async function showEntry(index: number | null): Promise<void> {
   const of = listed;
   const entry = index === null ? undefined : of?.entries[index];
   if (entry === undefined || of === null || index === null) return detail.clear();
-  const built = await client.ask<Tree | null>('kztns/entry', { index });
-  if (listed === of && isCurrent(of)) detail.show(entry, said[index] ?? [], built);
+  const [built, end] = await Promise.all([
+    client.ask<Tree | null>('kztns/entry', { index }),
+    endBefore(entry),
+  ]);
+  if (listed === of && isCurrent(of)) detail.show(entry, said[index] ?? [], built, end);
 }
 
 // What cannot be asked any more is said of the checker already.
@@ -231,6 +243,7 @@ client.onFailure = offerStart;
 entries.onSelect = showEntryOrNothing;
 entries.onOpen = goToEntry;
 detail.onGoTo = (entry) => goToEntry(listed?.entries.indexOf(entry) ?? -1);
+detail.onGoToEnd = ({ line, character }) => editor.goTo(line, character);
 findings.onGoTo = ({ line, character }) => editor.goTo(line, character);
 findings.onFix = (fix) => {
   if (isCurrent(checked)) applyFix(editor.view, fix);
