@@ -165,12 +165,15 @@ async function format(): Promise<void> {
     notice.show(`${edits.length === 0 ? 'Nothing to lay out. ' : ''}${wordsOfKept(kept)}`);
 }
 
+const nothingFixed =
+  'Nothing here can be fixed without a guess: an entry with a fault that needs one is left as it is, and no fix is applied with which lookups would lose a name.';
+
 async function fixAll(): Promise<void> {
   const before = editor.view.state.doc;
   const fixed = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
   if (editor.view.state.doc !== before) return;
   const { edits } = fixed;
-  if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
+  if (edits.length === 0) return notice.show(nothingFixed);
   offerFixes(before, fixed, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
@@ -223,7 +226,7 @@ client.onChecked = (result) => {
   checked = result;
   showFindings(editor.view, result, () => checked === result && isCurrent(result));
   showStatus(result);
-  byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.safe);
+  byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.applied);
   if (listed?.version !== result.version) {
     entries.expect();
   } else {

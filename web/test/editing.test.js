@@ -160,6 +160,16 @@ onPage('tells how many findings all fixes mend, and how many errors they leave',
   assert.match(await textOf(page.tab, 'dialog header'), / stays\.$/);
 });
 
+onPage('offers to fix all where that changes something', async (page) => {
+  const isDisabled = () => page.tab.$eval('#fix-all', (button) => button.disabled);
+  await replaceText(page, needsGuess);
+  assert.equal(await isDisabled(), true);
+  await replaceText(page, entry('b', '(SERVER = X)') + needsGuess);
+  assert.equal(await isDisabled(), false);
+  await replaceText(page, entry('b'));
+  assert.equal(await isDisabled(), true);
+});
+
 onPage('says which entries keep their layout, and why', async (page) => {
   await replaceText(page, entry('a', '(SERVER = X)'));
   await page.tab.click('#format');
