@@ -190,11 +190,11 @@ TEST_F(PageAnswers, FormatTellsWhatItKeeps) {
 
 TEST_F(PageAnswers, FormatTellsTheLinesAfterItsEdits) {
   const std::string one_line = "(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))";
-  const std::string text = "\n\n\n\n\na=" + one_line + " " + entry("x", "(SERVER=X)") + "b=" +
-                           one_line + "\n\n\n\n\n" + entry("y", "(SERVER=X)");
+  const std::string text = "\n\n\n\n\na=" + one_line + " " + entry("x", "(SERVER=X)") +
+                           "b=" + one_line + "\n\n\n\n\n" + entry("y", "(SERVER=X)");
   open(text);
-  const Json formatted = result("kztns/format",
-                                {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
+  const Json formatted =
+      result("kztns/format", {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
   const std::string after = support::applied(text, formatted["edits"]);
   ASSERT_EQ(formatted["kept"].size(), 2u);
   for (const std::size_t i : {0u, 1u}) {
@@ -271,8 +271,7 @@ TEST_F(PageAnswers, FixTellsWhatItLeaves) {
   const Json fixed = result("kztns/fix", params);
   EXPECT_EQ(fixed["mended"], 1u);
   EXPECT_EQ(fixed["errors"], 2u);
-  EXPECT_EQ(support::applied(guess + entry("b", "(SERVER=X)"), fixed["edits"]),
-            guess + entry("b"));
+  EXPECT_EQ(support::applied(guess + entry("b", "(SERVER=X)"), fixed["edits"]), guess + entry("b"));
   // A finding may take several edits.
   open("a = \"(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\"\n");
   const Json unquoted = result("kztns/fix", params);
