@@ -279,6 +279,16 @@ TEST_F(PageAnswers, FixTellsWhatItLeaves) {
   EXPECT_EQ(unquoted["mended"], 1u);
 }
 
+TEST_F(PageAnswers, FixTellsWhatItMoves) {
+  const std::string reserved = "KZCISYSTEMVARIABLES = (SLOWSQL_THRESHOLD = 1)\n";
+  const std::string text = entry("a") + reserved + entry("b");
+  open(text);
+  const Json fixed =
+      result("kztns/fix", {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
+  EXPECT_EQ(support::applied(text, fixed["edits"]), entry("a") + entry("b") + reserved);
+  EXPECT_EQ(fixed["mended"], 1u);
+}
+
 TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {
   EXPECT_TRUE(result("kztns/entries").is_null());
   EXPECT_TRUE(result("kztns/entry", {{"index", 0}}).is_null());
