@@ -1,6 +1,8 @@
 // What a page asks of the command's parts: messages in, messages out.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <nlohmann/json.hpp>
 
 #include "page/page.h"
@@ -181,9 +183,27 @@ TEST_F(PageAnswers, FormatTellsWhatItKeeps) {
   const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
   const Json formatted = result("kztns/format", params);
   EXPECT_FALSE(formatted["edits"].empty());
-  EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":2,"reason":"the library refuses it"}])"));
+  EXPECT_EQ(formatted["kept"], Json::parse(R"([{"line":6,"reason":"the library refuses it"}])"));
   open(entry("bad", "(SERVER=X)"));
   EXPECT_EQ(result("kztns/format", params)["edits"], Json::array());
+}
+
+TEST_F(PageAnswers, FormatTellsTheLinesAfterItsEdits) {
+  const std::string one_line = "(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))";
+  const std::string text = "\n\n\n\n\na=" + one_line + " " + entry("x", "(SERVER=X)") +
+                           "b=" + one_line + "\n\n\n\n\n" + entry("y", "(SERVER=X)");
+  open(text);
+  const Json formatted =
+      result("kztns/format", {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
+  const std::string after = support::applied(text, formatted["edits"]);
+  ASSERT_EQ(formatted["kept"].size(), 2u);
+  for (const std::size_t i : {0u, 1u}) {
+    const std::size_t at = after.find(i == 0 ? "x = " : "y = ");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(formatted["kept"][i]["line"],
+              1 + std::count(after.begin(), after.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  }
+  EXPECT_NE(after, text);
 }
 
 TEST_F(PageAnswers, ManyEditsAreJoinedWhereNobodyLooks) {
@@ -220,18 +240,53 @@ TEST_F(PageAnswers, FixTellsWhatItChanges) {
   open(text);
   const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
   const Json fixed = result("kztns/fix", params);
-  EXPECT_EQ(fixed["count"], 2u);
+  EXPECT_EQ(fixed["mended"], 2u);
+  EXPECT_EQ(fixed["errors"], 0u);
   EXPECT_EQ(support::applied(text, fixed["edits"]), entry("a") + entry("b") + entry("c"));
   open(entry("a"));
-  EXPECT_EQ(result("kztns/fix", params), Json::parse(R"({"count":0,"edits":[]})"));
+  EXPECT_EQ(result("kztns/fix", params), Json::parse(R"({"edits":[],"errors":0,"mended":0})"));
 
   constexpr unsigned count = 3000;
   text.clear();
   for (unsigned i = 0; i < count; ++i) text += entry("n" + std::to_string(i), "(SERVER=X)");
   open(text);
   const Json many = result("kztns/fix", params);
-  EXPECT_EQ(many["count"], count);
+  EXPECT_EQ(many["mended"], count);
   EXPECT_LE(many["edits"].size(), 1001u);
+}
+
+TEST_F(PageAnswers, FixTellsWhatItLeaves) {
+  const std::string guess =
+      "a = (DESCRIPTION = (ADDRESS = (PROT = TCP)(HOST = h)(PORT = 1))"
+      "(CONNECT_DATA = (SID = s)(SERVER = X)))\n";
+  const Json params = {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}};
+  // An entry that would be refused all the same keeps what has a safe fix.
+  open(guess + entry("b", "(SERVER=X)"));
+  const Json fixes = result("kztns/check")["fixes"];
+  ASSERT_EQ(fixes.size(), 3u);
+  EXPECT_EQ(fixes[0]["applied"], false);
+  EXPECT_EQ(fixes[1]["safe"], true);
+  EXPECT_EQ(fixes[1]["applied"], false);
+  EXPECT_EQ(fixes[2]["applied"], true);
+  const Json fixed = result("kztns/fix", params);
+  EXPECT_EQ(fixed["mended"], 1u);
+  EXPECT_EQ(fixed["errors"], 2u);
+  EXPECT_EQ(support::applied(guess + entry("b", "(SERVER=X)"), fixed["edits"]), guess + entry("b"));
+  // A finding may take several edits.
+  open("a = \"(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\"\n");
+  const Json unquoted = result("kztns/fix", params);
+  EXPECT_EQ(unquoted["edits"].size(), 2u);
+  EXPECT_EQ(unquoted["mended"], 1u);
+}
+
+TEST_F(PageAnswers, FixTellsWhatItMoves) {
+  const std::string reserved = "KZCISYSTEMVARIABLES = (SLOWSQL_THRESHOLD = 1)\n";
+  const std::string text = entry("a") + reserved + entry("b");
+  open(text);
+  const Json fixed =
+      result("kztns/fix", {{"textDocument", {{"uri", uri}}}, {"shown", lines(0, 0)}});
+  EXPECT_EQ(support::applied(text, fixed["edits"]), entry("a") + entry("b") + reserved);
+  EXPECT_EQ(fixed["mended"], 1u);
 }
 
 TEST_F(PageAnswers, EntriesOfAnEarlierTextAreNone) {

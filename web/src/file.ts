@@ -5,6 +5,7 @@ export interface OpenedFile {
   text: string; // with line feeds alone
   lineEnd: '\n' | '\r\n';
   remark: string; // what of the file is not as it was; empty for nothing
+  isExample?: true; // whether it is the page's own
 }
 
 const lineEndings = /\r\n?|\n/g;

@@ -15,11 +15,13 @@ function countUpTo(starts: Starts, line: number, character: number): number {
   return low;
 }
 
-// For each entry, which of the diagnostics.
+// For each entry, which of the diagnostics: its errors first, since these are why it is refused.
 export function findingsByEntry(diagnostics: Diagnostic[], starts: Starts): number[][] {
   const found: number[][] = starts.map(() => []);
   diagnostics.forEach(({ range: { start } }, index) =>
     found[countUpTo(starts, start.line, start.character) - 1]?.push(index),
   );
+  for (const all of found)
+    all.sort((left, right) => diagnostics[left]!.severity - diagnostics[right]!.severity);
   return found;
 }

@@ -7,14 +7,14 @@ import { Text } from '@codemirror/state';
 import { byId, element, pluralised } from './dom';
 import { Editor } from './editor/editor';
 import { applyFix, showFindings } from './editor/findings';
-import { changesOf, positionOfPlace } from './editor/positions';
+import { changesOf, positionOfPlace, replacesAll } from './editor/positions';
 import { EngineClient } from './engine/client';
-import type { Checked, Diagnostic, Fixed, Formatted, Listed, Why } from './engine/protocol';
+import type { Checked, Diagnostic, Entry, Fixed, Formatted, Listed, Why } from './engine/protocol';
 import { download, type OpenedFile, readFile } from './file';
 import { findingsByEntry } from './findings_by_entry';
 import { visible, withEscapedBackslashes } from './invisible';
 import { Notice } from './views/notice';
-import { EntryDetail } from './views/detail';
+import { EntryDetail, type LookupEnd } from './views/detail';
 import { showDialog } from './views/dialog';
 import { offerFixes } from './views/difference';
 import { EntryList } from './views/entries';
@@ -24,7 +24,15 @@ import { Tabs } from './views/tabs';
 import type { Tree } from './views/tree_model';
 import { WhyView } from './views/why';
 
-const exampleFile: OpenedFile = { name: 'example.ora', text: example, lineEnd: '\n', remark: '' };
+const exampleFile: OpenedFile = {
+  name: 'example.ora',
+  text: example,
+  lineEnd: '\n',
+  remark: '',
+  isExample: true,
+};
+const exampleNotice = 'This is an example. Open, drop or paste a names file of your own.';
+const nameOfOwn = 'tnsnames.ora'; // of a file that was typed or pasted
 
 const client = new EngineClient();
 const notice = new Notice(byId('notice'));
@@ -93,23 +101,30 @@ function offerWayBack(): void {
   );
 }
 
+function callFile(named: OpenedFile): void {
+  file = named;
+  byId('file-name').textContent = visible(shownName(named));
+}
+
 // isKept: whether the text is somewhere else, too
 function open(opened: OpenedFile, isKept = true): void {
   if (isEdited()) edited.push({ ...file, text: editor.text });
-  file = opened;
-  byId('file-name').textContent = visible(shownName(opened));
+  callFile(opened);
   editor.open(opened.text);
   listed = null;
   entries.clear();
   entries.expect();
   kept = isKept ? editor.view.state.doc : Text.empty;
   offerWayBack();
-  const isExample = opened.text === example;
-  const words = isExample
-    ? 'This is an example. Open, drop or paste a names file of your own.'
-    : opened.remark;
+  const words = opened.text === example ? exampleNotice : opened.remark;
   if (words === '') return notice.hide();
   notice.show(words, opened.remark === '' ? 'note' : 'warning');
+}
+
+// What is typed or pasted in place of the whole example is no example.
+function leaveExample(): void {
+  callFile({ ...file, name: nameOfOwn, isExample: undefined });
+  notice.retract(exampleNotice);
 }
 
 async function openFile(chosen: File | null | undefined): Promise<void> {
@@ -150,15 +165,16 @@ async function format(): Promise<void> {
     notice.show(`${edits.length === 0 ? 'Nothing to lay out. ' : ''}${wordsOfKept(kept)}`);
 }
 
+const nothingFixed =
+  'Nothing here can be fixed without a guess: an entry with a fault that needs one is left as it is, and no fix is applied with which lookups would lose a name.';
+
 async function fixAll(): Promise<void> {
   const before = editor.view.state.doc;
-  const { edits, count } = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
+  const fixed = await client.ask<Fixed>('kztns/fix', { shown: editor.shown });
   if (editor.view.state.doc !== before) return;
-  if (edits.length === 0) return notice.show('There is nothing that can be fixed without a guess.');
-  const isLeft = (index: number) =>
-    checked?.diagnostics[index]?.severity === 1 && !checked.fixes[index]?.safe;
-  const errorsLeft = checked?.diagnostics.filter((_one, index) => isLeft(index)).length ?? 0;
-  offerFixes(before, { edits, count }, errorsLeft, () => {
+  const { edits } = fixed;
+  if (edits.length === 0) return notice.show(nothingFixed);
+  offerFixes(before, fixed, () => {
     if (editor.view.state.doc === before)
       editor.view.dispatch({ changes: changesOf(before, edits), userEvent: 'input.fix' });
   });
@@ -172,12 +188,24 @@ function relateFindings(): void {
   entries.tell(byEntry.map(([first]) => (first === undefined ? '' : known!.texts[first]!)));
 }
 
+// What ends the lookups before they come to the entry, if it is that.
+async function endBefore({ name, verdict }: Entry): Promise<LookupEnd | null> {
+  if (verdict !== 'unreachable') return null;
+  const { doc } = editor.view.state;
+  const { literal, fault } = await client.ask<Why>('kztns/why', { identifier: name });
+  if (literal || fault === null) return null;
+  return { remark: fault, position: positionOfPlace(doc, fault) };
+}
+
 async function showEntry(index: number | null): Promise<void> {
   const of = listed;
   const entry = index === null ? undefined : of?.entries[index];
   if (entry === undefined || of === null || index === null) return detail.clear();
-  const built = await client.ask<Tree | null>('kztns/entry', { index });
-  if (listed === of && isCurrent(of)) detail.show(entry, said[index] ?? [], built);
+  const [built, end] = await Promise.all([
+    client.ask<Tree | null>('kztns/entry', { index }),
+    endBefore(entry),
+  ]);
+  if (listed === of && isCurrent(of)) detail.show(entry, said[index] ?? [], built, end);
 }
 
 // What cannot be asked any more is said of the checker already.
@@ -190,11 +218,15 @@ function goToEntry(index: number): void {
   if (start) editor.goTo(start[0], start[1]);
 }
 
+editor.onChange = (before, changes) => {
+  if (file.isExample && replacesAll(before, changes)) leaveExample();
+};
+
 client.onChecked = (result) => {
   checked = result;
   showFindings(editor.view, result, () => checked === result && isCurrent(result));
   showStatus(result);
-  byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.safe);
+  byId<HTMLButtonElement>('fix-all').disabled = !result.fixes.some((fix) => fix?.applied);
   if (listed?.version !== result.version) {
     entries.expect();
   } else {
@@ -214,6 +246,7 @@ client.onFailure = offerStart;
 entries.onSelect = showEntryOrNothing;
 entries.onOpen = goToEntry;
 detail.onGoTo = (entry) => goToEntry(listed?.entries.indexOf(entry) ?? -1);
+detail.onGoToEnd = ({ line, character }) => editor.goTo(line, character);
 findings.onGoTo = ({ line, character }) => editor.goTo(line, character);
 findings.onFix = (fix) => {
   if (isCurrent(checked)) applyFix(editor.view, fix);

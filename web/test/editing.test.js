@@ -142,6 +142,34 @@ onPage('fixes all after it has shown what would change', async (page) => {
   assert.equal(await shownText(page.tab), entry('a') + entry('b') + entry('c'));
 });
 
+// Its first fault needs a guess: the second one is not mended either.
+const needsGuess = entry('a', '(SERVER = X)').replace('(HOST', '(PROT = TCP)(HOST');
+
+onPage('tells how many findings all fixes mend, and how many errors they leave', async (page) => {
+  await replaceText(page, needsGuess + entry('b', '(SERVER = X)'));
+  await page.tab.click('#fix-all');
+  await waitForText(page.tab, 'dialog header', '1 finding is mended;');
+  assert.match(await textOf(page.tab, 'dialog header'), / 2 errors are left\.$/);
+  await untilChecked(page, () => clickButton(page.tab, 'Apply', 'dialog'));
+  assert.match(await textOf(page.tab, '#status'), /^2 errors/);
+  assert.equal(await shownText(page.tab), needsGuess + entry('b'));
+  // Two quotes are one finding.
+  await replaceText(page, entry('a').replace('(', '"(').replace('\n', '"\n'));
+  await page.tab.click('#fix-all');
+  await waitForText(page.tab, 'dialog header', '1 finding is mended;');
+  assert.match(await textOf(page.tab, 'dialog header'), / stays\.$/);
+});
+
+onPage('offers to fix all where that changes something', async (page) => {
+  const isDisabled = () => page.tab.$eval('#fix-all', (button) => button.disabled);
+  await replaceText(page, needsGuess);
+  assert.equal(await isDisabled(), true);
+  await replaceText(page, entry('b', '(SERVER = X)') + needsGuess);
+  assert.equal(await isDisabled(), false);
+  await replaceText(page, entry('b'));
+  assert.equal(await isDisabled(), true);
+});
+
 onPage('says which entries keep their layout, and why', async (page) => {
   await replaceText(page, entry('a', '(SERVER = X)'));
   await page.tab.click('#format');
@@ -150,6 +178,19 @@ onPage('says which entries keep their layout, and why', async (page) => {
     '#notice',
     'Nothing to lay out. 1 entry keeps its layout: the library refuses it (line 1).',
   );
+});
+
+onPage('names the lines at which the entries that keep their layout stand now', async (page) => {
+  const crowded = 'a=(description=(address=(host=h)(port=1))(connect_data=(sid=s)))\n';
+  await replaceText(
+    page,
+    crowded + entry('b', '(SERVER = X)') + crowded + entry('c', '(SERVER = X)'),
+  );
+  await untilChecked(page, () => page.tab.click('#format'));
+  const lines = (await shownText(page.tab)).split('\n');
+  const [b, c] = ['b', 'c'].map((name) => 1 + lines.indexOf(entry(name, '(SERVER = X)').trim()));
+  assert.ok(2 < b && b < c);
+  assert.match(await textOf(page.tab, '#notice'), new RegExp(`\\(line ${b}, ${c}\\)`));
 });
 
 onPage('lays out and downloads by keys, wherever the focus is', async (page) => {

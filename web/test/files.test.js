@@ -5,10 +5,12 @@ import path from 'node:path';
 
 import {
   clickButton,
+  endWorker,
   entry,
   names,
   onPage,
   openFile,
+  pressTogether,
   replaceText,
   scratchFolder,
   shownText,
@@ -80,6 +82,43 @@ onPage('takes a text that is pasted, whatever its lines end with', async (page) 
   );
   assert.deepEqual(await names(page.tab), ['a', 'b']);
   assert.equal(await shownText(page.tab), `# empty\n${entry('a')}${entry('b')}`);
+});
+
+onPage('what takes the place of the whole example is a file of its own', async (page) => {
+  await waitForText(page.tab, '#notice', 'This is an example.');
+  await replaceText(page, entry('mine'));
+  assert.equal(await textOf(page.tab, '#file-name'), 'tnsnames.ora');
+  assert.equal(await page.tab.$eval('#notice', (notice) => notice.hidden), true);
+  // In another file of that name nothing is the example's.
+  await openFile(page, 'example.ora', entry('other'));
+  await replaceText(page, entry('mine'));
+  assert.equal(await textOf(page.tab, '#file-name'), 'example.ora');
+});
+
+onPage('an example that is changed is still an example', async (page) => {
+  await untilChecked(page, async () => {
+    await page.tab.focus('.cm-content');
+    await pressTogether(page.tab, 'Control', 'End');
+    await page.tab.keyboard.sendCharacter(entry('more'));
+  });
+  assert.equal(await textOf(page.tab, '#file-name'), 'example.ora');
+  await waitForText(page.tab, '#notice', 'This is an example.');
+  assert.equal(await page.tab.$eval('#notice', (notice) => notice.hidden), false);
+  // What is cut is replaced by what is pasted next.
+  await untilChecked(page, async () => {
+    await pressTogether(page.tab, 'Control', 'a');
+    await page.tab.keyboard.press('Delete');
+  });
+  assert.equal(await textOf(page.tab, '#file-name'), 'tnsnames.ora');
+});
+
+onPage('what is said of the checker stays when the example is replaced', async (page) => {
+  await endWorker(page);
+  await page.tab.focus('.cm-content');
+  await pressTogether(page.tab, 'Control', 'a');
+  await page.tab.keyboard.sendCharacter(entry('mine'));
+  await waitForText(page.tab, '#file-name', 'tnsnames.ora');
+  assert.equal(await page.tab.$eval('#notice', (notice) => notice.hidden), false);
 });
 
 // Whether the page lets itself be closed without a question.

@@ -155,7 +155,7 @@ for (const [label, size] of sizes)
     await tab.click('#fix-all');
     await tab.waitForSelector('dialog .cm-merge-b', { timeout: patience });
     const offered = Math.round(performance.now() - begin);
-    assert.match(await textOf(tab, 'dialog header'), new RegExp(`${count} changes`));
+    assert.match(await textOf(tab, 'dialog header'), new RegExp(`${count} findings are mended`));
     const fixed = await timed(page, () => clickButton(tab, 'Apply', 'dialog'));
     await statusOf(page, 'nothing wrong');
     const undone = await timed(page, () => undo(tab));

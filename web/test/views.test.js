@@ -47,6 +47,35 @@ onPage('says of a refused entry why it is', async (page) => {
   assert.equal(await page.tab.$eval('.detail .choice', (node) => node.hidden), true);
 });
 
+onPage('the reason why an entry is refused is an error, not a warning before it', async (page) => {
+  await replaceText(page, entry('sales') + entry('Sales', '(SERVER = X)'));
+  await waitForText(page.tab, '#entry-1 .second', 'unknown key SERVER');
+  await page.tab.click('#entry-1');
+  await waitForText(page.tab, '.detail h2', 'Sales');
+  const reasons = await textsOf(page.tab, '.detail .reason');
+  assert.match(reasons[0], /unknown key SERVER/);
+  assert.match(reasons[1], /differs only in case/);
+});
+
+onPage('says of an unreachable entry what ends the lookups, and goes there', async (page) => {
+  await replaceText(page, `${entry('a')}ä = \n${entry('b')}${entry('c')}`);
+  await page.tab.click('#entry-3');
+  await waitForText(page.tab, '.detail h2', 'c');
+  assert.equal(
+    await textOf(page.tab, '.detail .reason'),
+    'lookups end at 3:1: expected "(" after "=", found "b"; write NAME = (DESCRIPTION = ...) [no-block]',
+  );
+  await clickButton(page.tab, '3:1', '.detail');
+  assert.equal(await textOf(page.tab, '.cm-activeLine'), entry('b').trim());
+  // A block that is not closed takes the entries after it with it.
+  await replaceText(page, entry('a').replace('))\n', ')\n') + entry('b'));
+  await page.tab.click('#entry-1');
+  await waitForText(page.tab, '.detail .reason', 'lookups end at 1:5: DESCRIPTION is not closed');
+  await page.tab.click('#entry-0');
+  await waitForText(page.tab, '.detail h2', 'a');
+  assert.doesNotMatch(await textOf(page.tab, '.detail'), /lookups end at/);
+});
+
 onPage('tells of the first findings of an entry, and how many there are', async (page) => {
   await replaceText(page, entry('a', '(W = 1)(X = 2)(Y = 3)(Z = 4)') + entry('b', '(W = 1)'));
   await page.tab.click('#entry-0');

@@ -6,9 +6,10 @@
 //   kztns/check   checks the text that changed last. The findings are published as the
 //                 server publishes them; the result is null when nothing was left to check,
 //                 otherwise {"complete", "fixes", "texts", "severities", "verdicts"}: whether
-//                 the findings are all; for each its fix, {"title", "safe", "edits"}, or null;
-//                 of its message what is wrong alone; how many errors, warnings and notes there
-//                 are; how many entries of each verdict
+//                 the findings are all; for each its fix, {"title", "safe", "applied",
+//                 "edits"}, or null, applied being whether kztns fix would take it without
+//                 guesses; of its message what is wrong alone; how many errors, warnings and
+//                 notes there are; how many entries of each verdict
 //   kztns/entries what was checked last: {"entries", "starts"}, the entries as kztns list has
 //                 them, and where their names begin, [line, character]; null when the text has
 //                 changed since
@@ -16,10 +17,12 @@
 //                 with its "digits"; null for one that is not there or not built, or when
 //                 the text has changed since
 //   kztns/format  {"textDocument", "shown"}: {"edits", "kept"}, what kztns format would
-//                 change, and {"line", "reason"} for each entry whose text it keeps. Of many
-//                 edits, neighbours are joined outside of the range that is shown
-//   kztns/fix     {"textDocument", "shown"}: {"edits", "count"}, what kztns fix would change
-//                 without guesses, with the edits joined likewise, and how many they were
+//                 change, and {"line", "reason"} for each entry whose text it keeps, the line
+//                 being that after the edits. Of many edits, neighbours are joined outside of
+//                 the range that is shown
+//   kztns/fix     {"textDocument", "shown"}: {"edits", "mended", "errors"}, what kztns fix would
+//                 change without guesses, with the edits joined likewise, how many findings
+//                 that mends, and how many errors are left in the result
 //   kztns/why     {"textDocument", "identifier"}: what kztns why says
 //   kztns/words   {"blocks", "keys", "verdicts"}: the keys of blocks; of the fields of a tree,
 //                 their keys in a names file; of the verdicts, their meanings

@@ -1,5 +1,7 @@
 #include "page/views.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <initializer_list>
 #include <set>
 #include <span>
@@ -15,7 +17,9 @@
 #include "lsp/capabilities.h"
 #include "report/tree_json.h"
 #include "report/tree_walk.h"
+#include "rules/mend_file.h"
 #include "scan/file_scan.h"
+#include "text/original_edits.h"
 
 namespace kztns {
 namespace {
@@ -86,6 +90,7 @@ std::string fix_of(const Finding &finding, const lsp::Document &document) {
   if (!finding.fix) return "null";
   return lsp::text_of({{"title", lsp::title_of_fix(finding)},
                        {"safe", finding.fix.applicability == Applicability::safe},
+                       {"applied", finding.applied_among == Applicability::safe},
                        {"edits", lsp::json_of(finding.fix.edits, document)}});
 }
 
@@ -129,9 +134,32 @@ std::vector<Edit> joined_edits(const std::vector<Edit> &edits, const std::string
   return joined;
 }
 
-std::string kept_of(const KeptEntry &kept, const lsp::Document &document) {
-  return lsp::text_of({{"line", document.position(kept.at).line + 1},
-                       {"reason", std::string(name_of(kept.reason))}});
+// On which line each of some places is, in their order, when sorted edits have been applied
+// that leave the places as they are.
+class LinesAfterEdits {
+ public:
+  LinesAfterEdits(const lsp::Document &document, const std::vector<Edit> &edits)
+      : document_(document), edits_(edits) {}
+
+  std::int64_t next(Offset at) {
+    for (; !edits_.empty() && edits_.front().end <= at; edits_ = edits_.subspan(1)) {
+      const Edit &edit = edits_.front();
+      added_ += std::count(edit.text.begin(), edit.text.end(), '\n');
+      added_ -= line(edit.end) - line(edit.begin);
+    }
+    return line(at) + added_;
+  }
+
+ private:
+  std::int64_t line(Offset at) const { return document_.position(at).line; }
+
+  const lsp::Document &document_;
+  std::span<const Edit> edits_;  // those after the last place
+  std::int64_t added_ = 0;       // lines, by the edits before it
+};
+
+std::string kept_of(const KeptEntry &kept, std::int64_t line) {
+  return lsp::text_of({{"line", line + 1}, {"reason", std::string(name_of(kept.reason))}});
 }
 
 }  // namespace
@@ -171,15 +199,22 @@ std::string entry_json(const lsp::AnalysedEntry &entry, const std::string &text)
 std::string format_json(const lsp::Document &document, Span shown) {
   const Formatted formatted = format_file(NamesText(document.text()), FormatOptions());
   const std::vector<Edit> edits = joined_edits(formatted.edits, document.text(), shown);
-  const auto kept = [&](const KeptEntry &one) { return kept_of(one, document); };
+  LinesAfterEdits lines(document, formatted.edits);
+  const auto kept = [&](const KeptEntry &one) { return kept_of(one, lines.next(one.at)); };
   return joined({"{\"edits\":", lsp::text_of(lsp::json_of(edits, document)),
                  ",\"kept\":", array_of(formatted.kept, kept), "}"});
 }
 
 std::string fix_json(const lsp::Document &document, Span shown) {
-  const std::vector<Edit> edits = lsp::edits_of_mending(document.text());
-  const std::vector<Edit> joined = joined_edits(edits, document.text(), shown);
-  return lsp::text_of({{"edits", lsp::json_of(joined, document)}, {"count", edits.size()}});
+  const NamesText text(document.text());
+  Mender mender(text, {"names"});
+  mender.apply_fixes();
+  std::vector<Edit> edits;
+  if (mender.edited() != nullptr) edits = original_edits(*mender.edited(), document.size());
+  edits = joined_edits(edits, document.text(), shown);
+  return lsp::text_of({{"edits", lsp::json_of(edits, document)},
+                       {"mended", mender.mended().size()},
+                       {"errors", count(mender.report(), Severity::error)}});
 }
 
 std::string why_json(const std::string &identifier, const std::string &text) {

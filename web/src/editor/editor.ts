@@ -10,7 +10,7 @@ import {
 } from '@codemirror/language';
 import { lintGutter, nextDiagnostic, previousDiagnostic } from '@codemirror/lint';
 import { highlightSelectionMatches, searchKeymap } from '@codemirror/search';
-import { EditorState, type Extension } from '@codemirror/state';
+import { type ChangeSet, EditorState, type Extension, type Text } from '@codemirror/state';
 import {
   drawSelection,
   dropCursor,
@@ -52,6 +52,7 @@ const foldByIndentation = foldService.of((state, from) => {
 
 export class Editor {
   readonly view: EditorView;
+  onChange: (before: Text, changes: ChangeSet) => void = () => {};
 
   constructor(
     parent: HTMLElement,
@@ -136,6 +137,7 @@ export class Editor {
         if (!update.docChanged) return;
         const edits = editsOf(update.startState.doc, update.changes);
         this.client.change(edits ?? wellFormed(update.state.doc.toString()));
+        this.onChange(update.startState.doc, update.changes);
       }),
     ];
   }

@@ -44,6 +44,19 @@ export function editsOf(before: Text, changes: ChangeSet): TextEdit[] | null {
   return edits.reverse();
 }
 
+// Whether nothing but blanks is left of the text before.
+export function replacesAll(before: Text, changes: ChangeSet): boolean {
+  let isAll = true;
+  let from = 0;
+  const keep = (to: number) => (isAll &&= before.sliceString(from, to).trim() === '');
+  changes.iterChangedRanges((fromBefore, toBefore) => {
+    keep(fromBefore);
+    from = toBefore;
+  });
+  keep(before.length);
+  return isAll;
+}
+
 // A place of the command, which counts lines and columns from 1, and columns in bytes of UTF-8.
 export function positionOfPlace(
   text: Text,

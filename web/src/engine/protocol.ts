@@ -28,6 +28,7 @@ export const severityNames = { 1: 'error', 2: 'warning', 3: 'note' } as const;
 export interface Fix {
   title: string;
   safe: boolean;
+  applied: boolean; // whether "fix all" takes it
   edits: TextEdit[];
 }
 
@@ -68,13 +69,14 @@ export interface CompletionItem {
 // What kztns/format answers.
 export interface Formatted {
   edits: TextEdit[];
-  kept: { line: number; reason: string }[]; // the entries that keep their text
+  kept: { line: number; reason: string }[]; // the entries that keep their text; their lines after the edits
 }
 
 // What kztns/fix answers.
 export interface Fixed {
   edits: TextEdit[];
-  count: number; // of the changes; the edits may be fewer
+  mended: number; // how many findings
+  errors: number; // those that are left
 }
 
 export interface Remark {

@@ -2,15 +2,28 @@
 import { verdicts as meanings } from 'words';
 
 import { element, pluralised } from '../dom';
-import { type Diagnostic, type Entry, severityNames } from '../engine/protocol';
+import {
+  type Diagnostic,
+  type Entry,
+  type Position,
+  type Remark,
+  severityNames,
+} from '../engine/protocol';
 import { showDialog } from './dialog';
 import { drawPicture } from './picture';
+import { placeButton, wordsOf } from './remark';
 import { drawTree } from './tree';
 import { type Tree, type TreeNode, treeOf } from './tree_model';
 
 const mostTold = 3; // of what is found in the entry
 
 type View = 'tree' | 'picture';
+
+// What ends the lookups before they come to the entry.
+export interface LookupEnd {
+  remark: Remark;
+  position: Position;
+}
 
 function framed(service: TreeNode): HTMLElement {
   return element(
@@ -22,6 +35,7 @@ function framed(service: TreeNode): HTMLElement {
 
 export class EntryDetail {
   onGoTo: (entry: Entry) => void = () => {};
+  onGoToEnd: (position: Position) => void = () => {};
 
   private view: View = 'tree';
   private withDefaults = false;
@@ -50,16 +64,20 @@ export class EntryDetail {
     this.shownFacts = this.shownTree = '';
   }
 
-  // findings: what is said of the entry. What is the same stays as it is: the focus, and the
-  // blocks that were opened.
-  show(entry: Entry, findings: Diagnostic[], built: Tree | null): void {
+  // findings: what is said of the entry; end: of one that no lookup comes to. What is the same
+  // stays as it is: the focus, and the blocks that were opened.
+  show(entry: Entry, findings: Diagnostic[], built: Tree | null, end: LookupEnd | null): void {
     this.root.hidden = false;
     this.entry = entry;
     const said = findings.map(({ message, severity }) => ({ message, severity }));
-    const facts = JSON.stringify([entry, said]);
+    const facts = JSON.stringify([entry, said, end]);
     const tree = JSON.stringify(built);
     if (facts !== this.shownFacts)
-      this.top.replaceChildren(this.head(entry), ...this.facts(entry, findings));
+      this.top.replaceChildren(
+        this.head(entry),
+        ...(end === null ? [] : [this.endLine(end)]),
+        ...this.facts(entry, findings),
+      );
     if (tree !== this.shownTree) {
       this.service = treeOf(built);
       this.drawChoice();
@@ -100,6 +118,16 @@ export class EntryDetail {
       );
     if (entry.link !== '') facts.unshift(this.linkLine(entry.link));
     return facts;
+  }
+
+  private endLine({ remark, position }: LookupEnd): HTMLElement {
+    return element(
+      'p',
+      { class: 'reason is-error' },
+      'lookups end at ',
+      placeButton(position, (place) => this.onGoToEnd(place)),
+      `: ${wordsOf(remark)}`,
+    );
   }
 
   private linkLine(link: string): HTMLElement {

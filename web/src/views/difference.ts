@@ -51,20 +51,19 @@ function compare(parent: HTMLElement, before: Text, after: Text): { destroy(): v
   });
 }
 
-// errorsLeft: how many of the errors have no fix
 export function offerFixes(
   before: Text,
-  { edits, count }: Fixed,
-  errorsLeft: number,
+  { edits, mended, errors }: Fixed,
   apply: () => void,
 ): void {
-  const rest = errorsLeft === 0 ? '' : ` ${pluralised(errorsLeft, 'error is', 'errors are')} left.`;
+  const done = pluralised(mended, 'finding is mended', 'findings are mended');
+  const rest = errors === 0 ? '' : ` ${pluralised(errors, 'error is', 'errors are')} left.`;
   const changes = ChangeSet.of(changesOf(before, edits), before.length, '\n');
   const two = window.innerWidth >= roomForTwo;
   const parent = element('div', { class: 'difference' });
   const dialog = showDialog(
     'Fix all',
-    `${pluralised(count, 'change', 'changes')}; no guesses; every name that lookups find stays.${rest}`,
+    `${done}; no guesses; every name that lookups find stays.${rest}`,
     [
       ...(two
         ? [

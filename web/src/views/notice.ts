@@ -35,4 +35,9 @@ export class Notice {
   hide(): void {
     this.root.hidden = true;
   }
+
+  // Hides it if this is what it says.
+  retract(text: string): void {
+    if (this.root.querySelector('p')?.textContent === text) this.hide();
+  }
 }

@@ -1,6 +1,7 @@
 // One lookup, step by step, as kztns why tells it.
 import { element, pluralised } from '../dom';
 import type { Position, Remark, Why } from '../engine/protocol';
+import { placeButton, wordsOf } from './remark';
 
 type Place = { line: number; column: number };
 type Ask = (identifier: string) => Promise<Why>;
@@ -100,23 +101,13 @@ export class WhyView {
     return steps;
   }
 
-  private remark(why: Why, { line, column, text, remedy, rule }: Remark): (Node | string)[] {
-    const words = `${text}${remedy === '' ? '' : `; ${remedy}`}${rule === '' ? '' : ` [${rule}]`}`;
-    const at = why.literal ? `${line}:${column}` : this.place({ line, column });
-    return [at, `: ${words}`];
+  private remark(why: Why, remark: Remark): (Node | string)[] {
+    const { line, column } = remark;
+    const at = why.literal ? `${line}:${column}` : this.place(remark);
+    return [at, `: ${wordsOf(remark)}`];
   }
 
-  // Columns as the list of findings counts them.
   private place(at: Place): HTMLElement {
-    const position = this.positionOf(at);
-    return element(
-      'button',
-      {
-        type: 'button',
-        class: 'link',
-        click: () => this.onGoTo(position),
-      },
-      `${position.line + 1}:${position.character + 1}`,
-    );
+    return placeButton(this.positionOf(at), (position) => this.onGoTo(position));
   }
 }
