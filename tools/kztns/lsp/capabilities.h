@@ -1,4 +1,4 @@
-// What the server does for editors; each answer is in the file of its name.
+// What the server does for editors, a file each; symbols.cpp has folding, too.
 #pragma once
 
 #include "lsp/question.h"
@@ -11,9 +11,6 @@ Json diagnostics_of(const Analysis &analysis, const std::string &uri, const Docu
 
 // What the action is called that applies a finding's fix.
 std::string title_of_fix(const Finding &finding);
-
-// What kztns fix changes in a text, without guesses: sorted.
-std::vector<Edit> edits_of_mending(const std::string &content);
 
 Json code_actions(const Question &question);
 // The edit of an action that was chosen; of another document than before it has none.

@@ -4,6 +4,7 @@
 
 #include "lsp/capabilities.h"
 #include "rules/mend_file.h"
+#include "text/original_edits.h"
 
 namespace kztns::lsp {
 namespace {
@@ -55,6 +56,15 @@ bool has_safe_fix(const Analysis &analysis) {
       [](const Finding &finding) { return finding.applied_among == Applicability::safe; });
 }
 
+// What kztns fix changes in a text, without guesses: sorted.
+std::vector<Edit> edits_of_mending(const std::string &content) {
+  const NamesText text(content);
+  Mender mender(text, {"names"});
+  mender.apply_fixes();
+  if (mender.edited() == nullptr) return {};
+  return original_edits(*mender.edited(), static_cast<Offset>(content.size()));
+}
+
 Json edit_of_all(const Question &question, const std::vector<Edit> &edits) {
   return workspace_edit(question.uri, json_of(edits, question.document));
 }
@@ -78,31 +88,6 @@ std::string title_of_fix(const Finding &finding) {
   const bool guesses = finding.fix.applicability == Applicability::unsafe;
   return std::string(guesses ? "Fix (a guess): " : "Fix: ") + finding.remedy + " [" +
          std::string(row_of(finding.rule).id) + "]";
-}
-
-// What was kept of the text, and what is there instead.
-std::vector<Edit> edits_of_mending(const std::string &content) {
-  const NamesText text(content);
-  Mender mender(text, {"names"});
-  mender.apply_fixes();
-  std::vector<Edit> edits;
-  if (mender.edited() == nullptr) return edits;
-  const std::string &result = mender.edited()->text();
-  Offset from = 0;
-  Offset in_result = 0;
-  const auto add = [&](Offset to, Offset to_in_result) {
-    if (to > from || to_in_result > in_result)
-      edits.push_back({from, to, result.substr(in_result, to_in_result - in_result)});
-  };
-  for (const EditedText::Kept &kept : mender.edited()->kept()) {
-    // What was moved is not where it was.
-    if (kept.origin < from) continue;
-    add(kept.origin, kept.at);
-    from = kept.origin + kept.length;
-    in_result = kept.at + kept.length;
-  }
-  add(static_cast<Offset>(content.size()), static_cast<Offset>(result.size()));
-  return edits;
 }
 
 Json code_actions(const Question &question) {
