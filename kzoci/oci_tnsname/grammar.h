@@ -14,6 +14,7 @@
 
 namespace kzoci::tns {
 
+// For a key whose builder reads it without storing it.
 constexpr Field not_kept = {};
 
 // A number, a word or a text of a record.

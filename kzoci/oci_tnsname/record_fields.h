@@ -18,14 +18,12 @@ inline const void *field_of(const void *record, const Field &field) {
   return static_cast<const char *>(record) + field.at;
 }
 
-// Stores a number in a field of a record, in the field's type; nothing where there is none.
+// Stores a number in a field of a record, in the field's type.
 inline void store_number(void *record, const Field &field, sb8 number) {
   const auto store = [&](auto as_stored) {
     std::memcpy(field_of(record, field), &as_stored, sizeof as_stored);
   };
   switch (field.storage) {
-    case Storage::nowhere:
-      return;
     case Storage::seconds:
       return store(static_cast<std::time_t>(number));
     case Storage::count:
@@ -44,11 +42,9 @@ sb8 stored_number(const void *record, const Field &field) {
   return static_cast<sb8>(stored);
 }
 
-// The number that a field of a record holds; 0 where there is none.
+// The number that a field of a record holds.
 inline sb8 number_of(const void *record, const Field &field) {
   switch (field.storage) {
-    case Storage::nowhere:
-      return 0;
     case Storage::seconds:
       return stored_number<std::time_t>(record, field);
     case Storage::count:
