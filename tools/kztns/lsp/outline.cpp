@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "format/pieces.h"
-#include "rules/inline_files.h"
 #include "scan/item_words.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
@@ -84,22 +83,6 @@ std::vector<Outline> outline_of(std::string_view text) {
     outlines.push_back(reader.finish());
   }
   return outlines;
-}
-
-std::vector<IncludeLine> include_lines_of(std::string_view text) {
-  std::vector<IncludeLine> lines;
-  for (std::size_t begin = 0; begin < text.size();) {
-    const std::size_t end = std::min(text.find('\n', begin), text.size());
-    const std::string_view line = text.substr(begin, end - begin);
-    const std::string_view file = included_file(line);
-    if (!file.empty()) {
-      const std::string_view shown = trimmed(line);
-      const auto from = static_cast<Offset>(shown.data() - text.data());
-      lines.push_back({{from, from + static_cast<Offset>(shown.size())}, file});
-    }
-    begin = end + 1;
-  }
-  return lines;
 }
 
 std::vector<Span> comment_runs(std::string_view text) {

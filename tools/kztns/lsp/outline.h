@@ -22,15 +22,6 @@ constexpr std::size_t most_depth = 16;
 // The entries of a text, in its order.
 std::vector<Outline> outline_of(std::string_view text);
 
-// An IFILE line, and the file that it names.
-struct IncludeLine {
-  Span whole;  // without the blanks around it
-  std::string_view file;
-};
-
-// The IFILE lines of a text, in its order.
-std::vector<IncludeLine> include_lines_of(std::string_view text);
-
 // Lines of comments that follow each other.
 std::vector<Span> comment_runs(std::string_view text);
 

@@ -2,6 +2,7 @@
 
 #include "lsp/capabilities.h"
 #include "lsp/outline.h"
+#include "rules/inline_files.h"
 #include "scan/written_items.h"
 #include "text/escape.h"
 
@@ -63,7 +64,7 @@ void add_folds(const Document &document, const Outline &outline, const LineRange
 Json document_symbols(const Question &question) {
   const Document &document = question.document;
   const std::vector<Outline> entries = outline_of(document.text());
-  const std::vector<IncludeLine> lines = include_lines_of(document.text());
+  const std::vector<IncludeLine> lines = include_lines(document.text());
   const bool nested = question.client.nested_symbols && entries.size() <= most_nested_entries;
   Json symbols = Json::array();
   const auto add = [&](Json symbol) {

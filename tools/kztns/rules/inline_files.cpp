@@ -19,28 +19,6 @@ constexpr std::size_t most_depth = 16;
 // A few files that include the next one several times make millions.
 constexpr std::size_t most_files = 1000;
 
-// An IFILE line, without its end, and the file that it names.
-struct IncludeLine {
-  Offset begin;
-  Offset end;
-  std::string file;
-};
-
-std::vector<IncludeLine> include_lines(std::string_view text) {
-  std::vector<IncludeLine> lines;
-  for (std::size_t begin = 0; begin < text.size();) {
-    const std::size_t end = std::min(text.find('\n', begin), text.size());
-    const std::string_view line = text.substr(begin, end - begin);
-    const std::string_view file = included_file(line);
-    const std::size_t line_end = end - (line.ends_with('\r') ? 1 : 0);
-    if (!file.empty())
-      lines.push_back(
-          {static_cast<Offset>(begin), static_cast<Offset>(line_end), std::string(file)});
-    begin = end + 1;
-  }
-  return lines;
-}
-
 class Inliner {
  public:
   Inliner(std::uint64_t max_size, InlinedFiles &result) : room_(max_size), result_(result) {}
@@ -53,7 +31,7 @@ class Inliner {
       if (files_ > most_files) break;
       if (std::optional<std::string> inlined = text_of(path, text, line)) {
         if (open_.size() == 1) tell(text, line);
-        edits.push_back({line.begin, line.end, std::move(*inlined)});
+        edits.push_back({line.whole.begin, line.whole.end, std::move(*inlined)});
       }
     }
     open_.pop_back();
@@ -63,10 +41,10 @@ class Inliner {
  private:
   std::optional<std::string> text_of(const std::string &path, const NamesText &text,
                                      const IncludeLine &line) {
-    const std::string included = from_folder_of(path, line.file);
+    const std::string included = from_folder_of(path, std::string(line.file));
     const auto refuse = [&](const std::string &why) {
-      result_.faults.push_back(visible(path) + ":" + text.place(line.begin) + ": error: IFILE " +
-                               quoted(visible(included)) + " " + why + " [" +
+      result_.faults.push_back(visible(path) + ":" + text.place(line.whole.begin) +
+                               ": error: IFILE " + quoted(visible(included)) + " " + why + " [" +
                                std::string(row_of(Rule::ifile).id) + "]");
       return std::nullopt;
     };
@@ -100,8 +78,8 @@ class Inliner {
     Finding finding = {};
     finding.rule = Rule::ifile;
     finding.severity = Severity::error;
-    finding.at = line.begin;
-    finding.position = text.position(line.begin);
+    finding.at = line.whole.begin;
+    finding.position = text.position(line.whole.begin);
     finding.text = "included files are not supported";
     finding.fix.applicability = Applicability::safe;
     result_.inlined.push_back(
@@ -124,6 +102,20 @@ std::string_view included_file(std::string_view line) {
   if (quoted) return value.substr(1, value.find(value[0], 1) - 1);
   value = trimmed(value.substr(0, value.find('#')));
   return value.starts_with('(') ? std::string_view() : value;
+}
+
+std::vector<IncludeLine> include_lines(std::string_view text) {
+  std::vector<IncludeLine> lines;
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    const std::string_view line = text.substr(begin, end - begin);
+    const std::string_view file = included_file(line);
+    const std::size_t line_end = end - (line.ends_with('\r') ? 1 : 0);
+    if (!file.empty())
+      lines.push_back({{static_cast<Offset>(begin), static_cast<Offset>(line_end)}, file});
+    begin = end + 1;
+  }
+  return lines;
 }
 
 std::string from_folder_of(const std::string &path, const std::string &file) {

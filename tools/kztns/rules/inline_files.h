@@ -13,6 +13,15 @@ namespace kztns {
 // The file that an IFILE line names; empty for another line.
 std::string_view included_file(std::string_view line);
 
+// An IFILE line, without its end, and the file that it names.
+struct IncludeLine {
+  Span whole;
+  std::string_view file;
+};
+
+// The IFILE lines of a text, in its order.
+std::vector<IncludeLine> include_lines(std::string_view text);
+
 // A file that a line of another one names, by its own path.
 std::string from_folder_of(const std::string &path, const std::string &file);
 
