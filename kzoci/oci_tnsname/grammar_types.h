@@ -1,6 +1,7 @@
 // What a row of the grammar says of a key.
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "kzoci/oci_tnsname.h"
