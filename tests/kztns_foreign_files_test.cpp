@@ -7,7 +7,6 @@
 
 #include "rules/apply_fixes.h"
 #include "rules/check_file.h"
-#include "rules/fixability.h"
 #include "support/foreign_lookups.h"
 
 using support::for_foreign_files;
@@ -109,7 +108,7 @@ TEST(ForeignFiles, FixesAreOfTheKindsThatRulesSay) {
     for (const kztns::Finding &finding : findings_of(file.text)) {
       if (!finding.fix) continue;
       const bool safe = finding.fix.applicability == kztns::Applicability::safe;
-      const kztns::FixKinds kinds = kztns::fix_kinds_of(finding.rule);
+      const kztns::FixKinds kinds = row_of(finding.rule).fixes;
       EXPECT_TRUE(kinds == kztns::FixKinds::both ||
                   kinds == (safe ? kztns::FixKinds::safe : kztns::FixKinds::unsafe))
           << row_of(finding.rule).id;

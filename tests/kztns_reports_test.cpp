@@ -245,7 +245,7 @@ TEST(RuleText, TellsWhichFixesThereAre) {
   for (std::size_t i = 0; i < kztns::rule_count; ++i) {
     const auto rule = static_cast<Rule>(i);
     const std::string_view section = kztns::section_of(rule);
-    const kztns::FixKinds kinds = kztns::fix_kinds_of(rule);
+    const kztns::FixKinds kinds = row_of(rule).fixes;
     const bool safe = kinds == kztns::FixKinds::safe || kinds == kztns::FixKinds::both;
     const bool unsafe = kinds == kztns::FixKinds::unsafe || kinds == kztns::FixKinds::both;
     EXPECT_TRUE(safe || section.find("```fixed\n") == section.npos) << row_of(rule).id;

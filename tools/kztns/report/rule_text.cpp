@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "rules/fixability.h"
 #include "rules/rule_sections.h"
 
 namespace kztns {
@@ -103,8 +102,8 @@ std::string rule_list() {
     const RuleRow &rule = row_of(static_cast<Rule>(i));
     text += padded(rule.id, width) +
             padded(name_of(rule.severity), name_of(Severity::warning).size()) +
-            padded(words_of(fix_kinds_of(static_cast<Rule>(i))), words_of(FixKinds::both).size()) +
-            std::string(rule.text) + "\n";
+            padded(words_of(rule.fixes), words_of(FixKinds::both).size()) + std::string(rule.text) +
+            "\n";
   }
   return text;
 }

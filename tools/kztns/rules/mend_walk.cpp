@@ -11,16 +11,7 @@ namespace kztns {
 namespace {
 
 // Whether what is wrong is the name itself, which its fix changes.
-bool is_about_name(Rule rule) {
-  return rule == Rule::byte_order_mark || rule == Rule::odd_bytes || rule == Rule::comma_list ||
-         rule == Rule::stray_comma || rule == Rule::reserved_part || rule == Rule::ifile ||
-         rule == Rule::utf_16;
-}
-
-// Whether the fix is applied together with the others of its entry.
-bool is_of_unit(const Finding &finding) {
-  return is_of_entry(finding.rule) && !is_of_parentheses(finding.rule);
-}
+bool is_about_name(const Finding &finding) { return row_of(finding.rule).concern == Concern::name; }
 
 }  // namespace
 
@@ -47,7 +38,7 @@ bool Mender::Walk::is_wanted(std::size_t i) const {
   const bool wanted =
       finding.applied_among == Applicability::safe ||
       (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);
-  if (!wanted || !is_of_unit(finding)) return wanted;
+  if (!wanted || !is_mended_with_entry(finding)) return wanted;
   const std::optional<Offset> entry = start_of_entry(i);
   return !entry || mender_.left_alone_.count(*entry) == 0;
 }
@@ -58,8 +49,8 @@ void Mender::Walk::make_units() {
     const Finding &finding = report_.findings[i];
     if (!is_wanted(i)) continue;
     std::size_t unit = units_.size();
-    if (is_of_unit(finding)) unit = of_entries.emplace(entries_[i], unit).first->second;
-    if (unit == units_.size()) units_.push_back({entries_[i], is_of_unit(finding)});
+    if (is_mended_with_entry(finding)) unit = of_entries.emplace(entries_[i], unit).first->second;
+    if (unit == units_.size()) units_.push_back({entries_[i], is_mended_with_entry(finding)});
     units_[unit].findings.push_back(i);
     if (finding.fix.applicability == Applicability::unsafe) units_[unit].unsafe = true;
   }
@@ -134,7 +125,7 @@ Mender::Walk::Units Mender::Walk::to_blame_in(std::size_t entry, const Units &op
 
 bool Mender::Walk::is_renamed(std::size_t entry) const {
   for (std::size_t i = 0; i < applied_.size(); ++i)
-    if (applied_[i] && entries_[i] == entry && is_about_name(report_.findings[i].rule)) return true;
+    if (applied_[i] && entries_[i] == entry && is_about_name(report_.findings[i])) return true;
   return false;
 }
 
@@ -198,7 +189,7 @@ void Mender::Walk::take(Trial trial) {
   for (std::size_t i = 0; i < report_.findings.size(); ++i) {
     if (!applied_[i]) continue;
     const Finding &finding = report_.findings[i];
-    if (const auto entry = start_of_entry(i); entry && is_of_unit(finding))
+    if (const auto entry = start_of_entry(i); entry && is_mended_with_entry(finding))
       mender_.mended_entries_.insert(*entry);
     mender_.add_mended({finding, describe(finding.fix.edits, text)});
   }

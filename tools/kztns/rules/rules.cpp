@@ -3,12 +3,12 @@
 namespace kztns {
 namespace {
 
-constexpr Severity error = Severity::error;
-constexpr Severity warning = Severity::warning;
-constexpr Severity note = Severity::note;
+using enum Severity;
+using enum Concern;
+using enum FixKinds;
 
 constexpr RuleRow rows[] = {
-#define RULE(rule, id, severity, text, remedy) {id, severity, text, remedy},
+#define RULE(rule, ...) {__VA_ARGS__},
 #include "rules/rules.def"
 };
 

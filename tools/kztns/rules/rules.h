@@ -11,6 +11,18 @@ namespace kztns {
 
 enum class Severity { error, warning, note };
 
+// What a rule is about, by which fixes are applied together.
+enum class Concern {
+  entry,        // what stands in one entry
+  parentheses,  // those of one entry, by which lookups pass over it
+  name,         // an entry's name, which the fix changes
+  lookups,      // what else keeps lookups from entries
+  comments,     // those that are for check
+};
+
+// Which fixes the findings of a rule may have.
+enum class FixKinds { none, safe, unsafe, both };
+
 enum class Rule {
 #define RULE(rule, ...) rule,
 #include "rules/rules.def"
@@ -20,6 +32,8 @@ enum class Rule {
 struct RuleRow {
   std::string_view id;  // as in "[unknown-key]"
   Severity severity;
+  Concern concern;
+  FixKinds fixes;
   std::string_view text;    // what it is about, in general
   std::string_view remedy;  // what to do
 };
