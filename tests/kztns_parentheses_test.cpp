@@ -265,6 +265,19 @@ TEST(Parentheses, AreToldByTheKeysThatABlockAllows) {
   for (const Row &row : rows) expect_told(row);
 }
 
+// As in an editor: what was begun is to be closed, not to be taken away.
+TEST(Parentheses, AreMissingWhereAnEntryIsNotWrittenToItsEnd) {
+  const Row rows[] = {
+      {"a = ^(", Rule::unclosed_block, "a = ()"},
+      {"a = ^(DESCRIPTION", Rule::unclosed_block, "a = (DESCRIPTION)"},
+      {"a = ^(DESCRIPTION =", Rule::unclosed_block, "a = (DESCRIPTION =)"},
+      {"a = (DESCRIPTION = ^(ADDRESS", Rule::unclosed_block, "a = (DESCRIPTION = (ADDRESS)"},
+      {"a = (DESCRIPTION = (ADDRESS = ^(HOST =", Rule::unclosed_block,
+       "a = (DESCRIPTION = (ADDRESS = (HOST =)"},
+  };
+  for (const Row &row : rows) expect_told(row);
+}
+
 TEST(Parentheses, AreToldByTheIndentationWhereTheKeysFitBothBlocks) {
   const std::string begin = "a =\n  (DESCRIPTION =\n    ";
   const std::string end = "\n    (CONNECT_DATA = (SID = s))\n  )\n";

@@ -89,13 +89,16 @@ class Search {
     }
   }
 
-  // At the end all that is open is closed.
+  // At the end all that is open is closed, the item that is not written to its end as well.
   void close_all(std::size_t i) {
-    for (Reading &reading : readings_)
-      while (can_close(reading) && reading.changes < most_parenthesis_changes) {
+    for (Reading &reading : readings_) {
+      while (reading.top.around != none && reading.changes < most_parenthesis_changes) {
         reading = changed(reading, ParenthesisEdit::add_close, i);
+        reading.cost += cost_of_unfinished(reading.phase);
         close(reading);
       }
+      if (reading.phase == Phase::valued) reading.cost += cost::wrong_value;  // no block at all
+    }
   }
 
   static bool can_close(const Reading &reading) {
@@ -156,11 +159,15 @@ class Search {
   }
 
   void take_close(Reading &reading, std::size_t i) {
-    if (reading.phase == Phase::opened || reading.phase == Phase::keyed)
-      reading.cost += cost::empty;
-    if (reading.phase == Phase::valued) reading.cost += cost::missing_word;
+    reading.cost += cost_of_unfinished(reading.phase);
     reading.cost += cost_of_layout(reading.top, tokens_[i]);
     close(reading);
+  }
+
+  // Of an item that is closed in this phase.
+  static int cost_of_unfinished(Phase phase) {
+    if (phase == Phase::opened || phase == Phase::keyed) return cost::empty;
+    return phase == Phase::valued ? cost::missing_word : 0;
   }
 
   int cost_of_layout(const Opened &block, const EntryToken &close) const {
