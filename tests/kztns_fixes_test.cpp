@@ -110,6 +110,16 @@ std::vector<Row> key_rows() {
   return {
       unsafe("unknown-key", "(ADDRESS=(HSOT=h)(PORT=1))" + data, address + data),
       unsafe("unknown-key", address + data + "(COLOR=red)", address + data),
+      // A server is not lost to a slip.
+      unsafe("unknown-key", "(ADDRESS_LIST=" + address + "(ADRESS=(HOST=i)(PORT=1)))" + data,
+             "(ADDRESS_LIST=" + address + "(ADDRESS=(HOST=i)(PORT=1)))" + data),
+      unsafe("unknown-key", "(ADDRESS_LIST=" + address + ")(ADRESS_LIST=" + address + ")" + data,
+             "(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
+      unsafe("unknown-key", "(ADDRESS=(HOST=h)(PORT=1)(HSOT=i))" + data, address + data),
+      unsafe("unknown-key", address + "(CONNECT DATA=(SID=s))", address + data),
+      unsafe("unknown-key", address + "(Connect\t Data=(SID=s))", address + data),
+      unsafe("unknown-key", address + "(CONNECT_DATA=(SERVICE NAME=s))",
+             address + "(CONNECT_DATA=(SERVICE_NAME=s))"),
       unsafe("misplaced-key", address + "(CONNECT_DATA=(KZLB_READ_TIMEOUT=5)(SID=s))",
              address + "(CONNECT_DATA=(SID=s))(KZLB_READ_TIMEOUT=5)"),
       unsafe("misplaced-key", "(ADDRESS=(HOST=h)(PORT=1)(SID=s))(CONNECT_DATA=(KZ_MODE=1))",
@@ -126,6 +136,15 @@ std::vector<Row> key_rows() {
       safe("missing-equal", address + "(CONNECT_DATA=(SID s))",
            address + "(CONNECT_DATA=(SID = s))"),
       unsafe("missing-equal", address + "(CONNECT_DATA=(SID=s)(KZ_MODE))", address + data),
+      safe("missing-equal", "(ADDRESS=(HOST=h)(PORT : 1))" + data,
+           "(ADDRESS=(HOST=h)(PORT = 1))" + data),
+      safe("missing-equal", "(ADDRESS=(HOST=h)(PORT := 1))" + data,
+           "(ADDRESS=(HOST=h)(PORT = 1))" + data),
+      safe("missing-equal", "(ADDRESS=(HOST=h)(PORT :1))" + data,
+           "(ADDRESS=(HOST=h)(PORT =1))" + data),
+      safe("missing-equal", address + "(CONNECT_DATA : (SID=s))",
+           address + "(CONNECT_DATA = (SID=s))"),
+      unsafe("missing-equal", address + "(CONNECT_DATA=(SID=s)(KZ_MODE : a b))", address + data),
       safe("missing-key", address + "(CONNECT_DATA=()(SID=s))", address + data),
       unsafe("missing-key", address + "(CONNECT_DATA=(=1)(SID=s))", address + data),
       safe("odd-bytes", "(ADDRESS=(\xC2\xA0HOST=h)(PORT\xA0=1))" + data,
@@ -143,6 +162,9 @@ std::vector<Row> value_rows() {
       unsafe("unquoted-value", "(KZLB_CONNECT_TIMEOUT=5 s)" + address + data,
              "(KZLB_CONNECT_TIMEOUT=5)" + address + data),
       none("unquoted-value", "(ADDRESS=(HOST=h PORT=1))" + data),
+      // Such a host would be served, and never be found.
+      none("unquoted-value", "(ADDRESS=(HOST=h i)(PORT=1))" + data),
+      none("unquoted-value", "(ADDRESS=(HOST=h)(PORT=15 21))" + data),
       unsafe("comment-in-value", address + "(CONNECT_DATA=(SID=s #1))",
              address + "(CONNECT_DATA=(SID=\"s #1\"))"),
       unsafe("missing-value", address + "(CONNECT_DATA=(KZ_MODE=)(SID=s))", address + data),
@@ -161,6 +183,7 @@ std::vector<Row> value_rows() {
       unsafe("bad-number", "(KZLB_READ_TIMEOUT=-5s)" + address + data,
              "(KZLB_READ_TIMEOUT=-5)" + address + data),
       none("bad-number", "(KZLB_READ_TIMEOUT=2.5)" + address + data),
+      none("bad-number", "(ADDRESS=(HOST=h)(PORT=1)(WEIGHT=5m))" + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPS)(HOST=h)(PORT=1))" + data),
       // What may have been meant as encryption is never made plain.
       none("bad-protocol", "(ADDRESS=(PROTOCOL=TCSP)(HOST=h)(PORT=1))" + data),
@@ -169,6 +192,9 @@ std::vector<Row> value_rows() {
       none("bad-protocol", "(ADDRESS=(PROTOCOL=TCPP)(HOST=h)(PORT=1))" + data),
       none("bad-protocol",
            "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCSP)(HOST=h)(PORT=1))" + address + ")" + data),
+      unsafe("bad-protocol", "(ADDRESS=(PROTOCOL='tcp')(HOST=h)(PORT=1))" + data,
+             "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
+      none("bad-protocol", "(ADDRESS=(PROTOCOL='TCPS')(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=\"TCP \")(HOST=h)(PORT=1))" + data,
@@ -278,6 +304,51 @@ TEST(Fixes, CloseAQuoteInItsEntry) {
   EXPECT_EQ(to_string(found->position), "1:31");
   EXPECT_EQ(edited(before, found->fix.edits),
             "x=" + in_description("(ADDRESS=(HOST=\"h\")(PORT=1))" + data) + other);
+}
+
+TEST(Faults, SayWhatToDo) {
+  const struct {
+    std::string items;
+    std::string rule;
+    std::string remedy;
+  } rows[] = {
+      {address + "(CONNECT_DATA=(SERVICE=t)(SID=s))", "unknown-key",
+       "remove the item: SID is set here, too"},
+      {address + "(CONNECT DATA=(SID=s))", "unknown-key", "did you mean CONNECT_DATA?"},
+      {"(ADDRESS=(HOST=h i)(PORT=1))" + data, "unquoted-value", "write the host's name or address"},
+      {"(ADDRESS=(HOST=h)(PORT=15 21))" + data, "unquoted-value", "write the port's number"},
+      {"(KZLB_READ_TIMEOUT=10 min)" + address + data, "unquoted-value",
+       "write decimal digits, with a sign or without"},
+      {"(ADDRESS=(PROTOCOL='TCP')(HOST=h)(PORT=1))" + data, "bad-protocol", "did you mean TCP?"},
+  };
+  for (const auto &row : rows) {
+    const kztns::CheckReport report = report_of("x=" + in_description(row.items) + "\n");
+    const kztns::Finding *const found = finding_of(report, row.rule);
+    ASSERT_NE(found, nullptr) << row.items;
+    EXPECT_EQ(found->remedy, row.remedy) << row.items;
+  }
+}
+
+// Bytes are no minutes.
+TEST(Faults, OfASizeWithAUnitHaveNoFix) {
+  for (const std::string value : {"10M", "64 MB"}) {
+    const kztns::CheckReport report = report_of("KZCISYSTEMVARIABLES=((LOG_SIZE=" + value + "))\n");
+    for (const kztns::Finding &finding : report.findings) EXPECT_FALSE(finding.fix) << value;
+  }
+}
+
+TEST(Faults, OfAColonAfterANameAreMendedByAnEqualSign) {
+  const std::string entry = " " + in_description(address + data) + "\n";
+  for (const std::string before : {"x :", "x :=", "x:"}) {
+    const kztns::CheckReport report = report_of(before + entry);
+    ASSERT_EQ(report.findings.size(), 1u) << before;
+    const kztns::Finding &found = report.findings[0];
+    EXPECT_EQ(kztns::row_of(found.rule).id, "missing-equal") << before;
+    EXPECT_TRUE(found.text.starts_with("expected \"=\" after the name \"x\", found \":\": "))
+        << found.text;
+    EXPECT_EQ(found.remedy, "put \"=\" instead of it");
+    EXPECT_EQ(edited(before + entry, found.fix.edits), "x =" + entry) << before;
+  }
 }
 
 TEST(Faults, OfASecondDescriptionAreNoStrayText) {

@@ -14,9 +14,9 @@ using kztns::NamesText;
 
 const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
 
-std::string entry(const std::string &name, const std::string &host = "h") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
-         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+std::string entry(const std::string &name, const std::string &sid = "s") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = " + sid +
+         ")))\n";
 }
 
 // Lookups of other names pass over the first of these two as if it were both: a ")" is missing

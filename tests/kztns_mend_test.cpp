@@ -21,9 +21,9 @@ using kztns::NamesText;
 using kztns::Offset;
 using kztns::ValueKind;
 
-std::string entry(const std::string &name, const std::string &host = "h") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
-         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+std::string entry(const std::string &name, const std::string &sid = "s") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = " + sid +
+         ")))\n";
 }
 
 struct Result {
@@ -195,7 +195,7 @@ TEST(Mend, LeavesAnEntryWhoseFaultIsIgnoredAsItIs) {
 TEST(Mend, LeavesWhatCommentsIgnore) {
   const std::string ignored =
       "# kztns: ignore unquoted-value -- a test\n" + entry("a", "x y") +
-      "b = (DESCRIPTION = (ADDRESS = (HOST = u v)(PORT = 1))) # kztns: ignore unquoted-value\n";
+      "b = (DESCRIPTION = (CONNECT_DATA = (SID = u v))) # kztns: ignore unquoted-value\n";
   EXPECT_EQ(mend(ignored).text, ignored);
   EXPECT_EQ(mend(ignored + entry("c", "x y")).text, ignored + entry("c", "\"x y\""));
 }
@@ -253,8 +253,8 @@ TEST(TryEdits, ChangesTheTreesOfWhatIsExempt) {
   const std::string text = entry("a") + entry("b");
   const NamesText original(text);
   Mender mender(original, {"names.ora"});
-  const auto host = static_cast<Offset>(text.find("h)"));
-  EXPECT_TRUE(mender.try_edits({{host, host + 1, "x"}}, {0}));
+  const auto sid = static_cast<Offset>(text.find("s)"));
+  EXPECT_TRUE(mender.try_edits({{sid, sid + 1, "x"}}, {0}));
   EXPECT_EQ(mender.text().text(), entry("a", "x") + entry("b"));
 }
 

@@ -36,7 +36,9 @@ bool ends_value(std::string_view text, Offset at) {
 }  // namespace
 
 void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
-  const std::string_view protocol = trimmed(place.value());
+  std::string_view protocol = trimmed(place.value());
+  if (protocol.size() > 1 && protocol.starts_with('\'') && protocol.ends_with('\''))
+    protocol = protocol.substr(1, protocol.size() - 2);
   // Of two that are equally near, the encrypted one: encryption is not given up in silence.
   const std::string_view near = near_word(protocol, {"TCPS", "WSS", "HTTPS", "TCP"});
   const bool plain = near == "TCP" || is_one_of(protocol, {"TCPIP", "TCP/IP", "TCP4", "TCP6"});

@@ -46,6 +46,7 @@ Fix fix_of_closes(std::string_view text, Offset at) {
 }
 
 Fix fix_of_missing_equal(std::string_view text, Offset at) {
+  if (text[at] == ':') return unsafe_fix({equal_for_colon(text, at)});
   const bool after_blank = at > 0 && is_blank(text[at - 1]);
   return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
 }
@@ -106,6 +107,15 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
 }
 
 }  // namespace
+
+Offset end_of_colon(std::string_view text, Offset colon) {
+  return colon + (text.substr(colon).starts_with(":=") ? 2 : 1);
+}
+
+Edit equal_for_colon(std::string_view text, Offset colon) {
+  const bool after_blank = colon > 0 && is_blank(text[colon - 1]);
+  return {colon, end_of_colon(text, colon), after_blank ? "=" : " ="};
+}
 
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause) {
   const std::string_view text = scan.text().text();

@@ -20,4 +20,9 @@ std::optional<Offset> hiding_carriage_return(std::string_view text);
 // Carriage returns without a line feed become line feeds.
 Fix fix_of_line_ends(std::string_view text);
 
+// A ":" or ":=" at a place, which other notations have for "=": where it ends, and the edit
+// that makes it one.
+Offset end_of_colon(std::string_view text, Offset colon);
+Edit equal_for_colon(std::string_view text, Offset colon);
+
 }  // namespace kztns

@@ -4,7 +4,10 @@
 #include "rules/file_fixes.h"
 #include "rules/foreign_keys.h"
 #include "rules/value_fixes.h"
+#include "scan/further_stops.h"
+#include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/escape.h"
 
 namespace kztns {
 namespace {
@@ -16,14 +19,29 @@ std::string text_of(const FaultPlace &place, const WrittenItem &item) {
   return std::string(place.slice({item.open, item.end}));
 }
 
-// Another key instead of the one at fault; removes the item when that one is written
-// already.
+// The key of the item that sets the same as a key in the block at fault; empty for none.
+std::string_view set_by(const FaultPlace &place, std::string_view key) {
+  for (const WrittenItem &item : place.items_of(place.frame()))
+    if (place.is_set({item}, key)) return place.key_of(item);
+  return {};
+}
+
+// Whether a block may have several items of a key, and each counts.
+bool may_repeat(const Key &key) {
+  return key.value.kind == ValueKind::block &&
+         (key.value.opens == Block::address || key.value.opens == Block::address_list);
+}
+
+// Another key instead of the one at fault, which is at a place; removes the item when that
+// one is written already.
+Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
+  const Key *const row = key_named(place.block(), key);
+  const bool fits = row != nullptr && (may_repeat(*row) || set_by(place, key).empty());
+  if (!fits) return place.removal(place.item()->open);
+  return {applicability, {{at.begin, at.end, std::string(key)}}};
+}
 Fix renamed(const FaultPlace &place, std::string_view key, Applicability applicability) {
-  const Item &item = *place.item();
-  const bool fits =
-      key_named(place.block(), key) != nullptr && !place.is_set(place.items_of(place.frame()), key);
-  if (!fits) return place.removal(item.open);
-  return {applicability, {{item.key.begin, item.key.end, std::string(key)}}};
+  return renamed(place, place.item()->key, key, applicability);
 }
 
 // Whether a fix writes another key, and does not remove the item.
@@ -50,19 +68,20 @@ Fix renamed_switch(const FaultPlace &place, std::string_view key) {
   return fix;
 }
 
-// The number that a value with a unit begins with; none for another value.
-Fix number_at(const FaultPlace &place) {
+// The number that a value with a unit begins with, for a key; none for another value.
+Fix number_at(const FaultPlace &place, std::string_view key) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  if (!item) return {};
+  const Key *const row = key_named(place.block(), key);
+  if (!item || row == nullptr) return {};
   const std::string_view value = trimmed(place.slice({item->value, item->end - 1}));
   const auto begin = static_cast<Offset>(value.data() - place.text().data());
-  return fix_of_number(value, {begin, begin + static_cast<Offset>(value.size())});
+  return fix_of_number(*row, value, {begin, begin + static_cast<Offset>(value.size())});
 }
 
 // A key of a number that other readers take with a unit, too.
 Fix renamed_number(const FaultPlace &place, std::string_view key) {
   Fix fix = renamed(place, key, Applicability::unsafe);
-  const Fix number = number_at(place);
+  const Fix number = number_at(place, key);
   if (renames(fix) && number) fix.edits.push_back(number.edits[0]);
   return fix;
 }
@@ -165,20 +184,41 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   return safe_fix(std::move(edits));
 }
 
+// A key that is written as two words: CONNECT DATA.
+struct SplitKey {
+  Span span;
+  std::string_view key;
+};
+
+std::optional<SplitKey> split_key(const FaultPlace &place) {
+  const Span first = place.item()->key;
+  const Offset next = pass_blanks(place.text(), first.end);
+  const Span second = {next, end_of_word(place.text(), next)};
+  const std::string word = std::string(place.slice(first)) + '_' + std::string(place.slice(second));
+  const Key *const key = key_named(place.block(), word);
+  if (key == nullptr) return std::nullopt;
+  return SplitKey{{first.begin, second.end}, key->word};
+}
+
 }  // namespace
 
 void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
   const std::string_view word = place.trace().key_word_of(*place.item());
+  if (const std::optional<SplitKey> split = split_key(place)) {
+    diagnosis.remedy = "did you mean " + std::string(split->key) + "?";
+    diagnosis.fix = renamed(place, split->span, split->key, Applicability::unsafe);
+    return;
+  }
   if (const ForeignKey *const foreign = foreign_key(word)) {
     diagnosis.remedy = remedy_of(*foreign);
     diagnosis.fix = foreign_fix(place, name, *foreign);
-    const bool set_already = !foreign->target.empty() &&
-                             key_named(place.block(), foreign->target) &&
-                             place.is_set(place.items_of(place.frame()), foreign->target);
+    const bool has_target =
+        !foreign->target.empty() && key_named(place.block(), foreign->target) != nullptr;
+    const std::string_view setter = has_target ? set_by(place, foreign->target) : "";
     if (diagnosis.fix.edits.size() > 1 && is_number(place, foreign->target))
       diagnosis.remedy = remedy_of(*foreign, "it takes a number without a unit, so check it");
-    if (set_already)
-      diagnosis.remedy = "remove the item: " + std::string(foreign->target) + " is set here, too";
+    if (!setter.empty())
+      diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
     return;
   }
   const std::string_view near = near_key(word, place.block());

@@ -4,6 +4,7 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/diagnosis.h"
+#include "rules/file_fixes.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
@@ -152,10 +153,27 @@ class StopExplainer {
         name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
     if (comma) return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
     if (is_invisible(stop_.name)) return invisible();
+    if (const auto colon = colon_after_name()) return *colon;
     const std::string word = quoted_token(subject_, stop_.name);
     if (stop_.met == TNS_LEFT_PARENTHESES && (begins_block(stop_.at) || begins_settings(name)))
-      return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word};
+      return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word,
+              "put \"=\" after the name"};
     return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows"};
+  }
+
+  // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION" and "NAME: (DESCRIPTION".
+  std::optional<StopCause> colon_after_name() const {
+    Offset name_end = end_of_word(text(), stop_.name);
+    Offset colon = pass_blanks(text(), name_end);
+    if (name_end > stop_.name + 1 && text()[name_end - 1] == ':') colon = --name_end;
+    if (colon >= text().size() || text()[colon] != ':') return std::nullopt;
+    const Offset open = pass_blanks(text(), end_of_colon(text(), colon));
+    if (open >= text().size() || text()[open] != '(' || !begins_block(open)) return std::nullopt;
+    return StopCause{Rule::missing_equal, colon,
+                     "expected \"=\" after the name " +
+                         quoted(excerpt(text().substr(stop_.name, name_end - stop_.name))) +
+                         ", found \":\"",
+                     "put \"=\" instead of it"};
   }
 
   // Whether the word at a place is made of invisible characters.

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "rules/address_fixes.h"
+#include "rules/file_fixes.h"
 #include "rules/foreign_keys.h"
+#include "scan/further_stops.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
@@ -31,6 +33,21 @@ bool holds_item(std::string_view value) {
   return false;
 }
 
+// Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
+// entry would be served, and no server found.
+bool may_have_any_character(const Key &key) {
+  return key.value.kind == ValueKind::text && key.type != LB_HOST && key.type != LB_PORT;
+}
+
+// What to do about a value that goes on after its first word.
+std::string remedy_of_more(const Key &key) {
+  const auto remedy = [](Rule rule) { return std::string(row_of(rule).remedy); };
+  if (key.value.kind == ValueKind::integer) return remedy(Rule::bad_number);
+  if (key.type == LB_HOST) return remedy(Rule::placeholder);
+  if (key.type == LB_PORT) return remedy(Rule::bad_port);
+  return {};
+}
+
 // A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
 Fix whole_value(const FaultPlace &place, Applicability applicability) {
   const Key *const key = place.trace().row_of(*place.item());
@@ -43,8 +60,8 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if (value.find_first_of("(\"") != std::string_view::npos || value.size() >= longest_token)
     return {};
   const Offset end = begin + static_cast<Offset>(value.size());
-  if (key->value.kind == ValueKind::integer) return fix_of_number(value, {begin, end});
-  if (key->value.kind != ValueKind::text || holds_item(value)) return {};
+  if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
+  if (!may_have_any_character(*key) || holds_item(value)) return {};
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
 
@@ -75,10 +92,26 @@ Fix switched_word(const FaultPlace &place) {
   return near.empty() ? Fix() : place.with_value(Applicability::unsafe, near);
 }
 
+// "(KEY : value)" and "(KEY := value)": where the value is to begin.
+std::optional<Offset> value_after_colon(const FaultPlace &place) {
+  const Offset at = place.fault().at;
+  if (at >= place.text().size() || place.text()[at] != ':') return std::nullopt;
+  return pass_blanks(place.text(), end_of_colon(place.text(), at));
+}
+
+bool is_value(const FaultPlace &place, const Key &key, Offset at) {
+  if (key.value.kind == ValueKind::block) return place.text().substr(at).starts_with('(');
+  const Offset end = end_of_word(place.text(), at);
+  return end > at && place.text().substr(pass_blanks(place.text(), end)).starts_with(')');
+}
+
 // Only "=" can stand between a key and what follows.
 Fix with_equal(const FaultPlace &place) {
   const Item &item = *place.item();
   const Key *const key = place.trace().row_of(item);
+  const std::optional<Offset> value = value_after_colon(place);
+  if (key != nullptr && value && is_value(place, *key, *value))
+    return {Applicability::safe, {equal_for_colon(place.text(), place.fault().at)}};
   const std::optional<WrittenItem> written = item_at(place.text(), item.open);
   if (key == nullptr || !written) return place.removal(item.open);
   const bool is_block = key->value.kind == ValueKind::block;
@@ -111,7 +144,18 @@ Fix without_inner_parentheses(const FaultPlace &place) {
 
 }  // namespace
 
-Fix fix_of_number(std::string_view text, Span span) {
+namespace {
+
+// Whether a number is a time, which people write with a unit.
+bool is_time(const Key &key) {
+  return key.word == std::string_view("RETRY_DELAY") ||
+         std::string_view(key.word).ends_with("TIMEOUT") ||
+         is_one_of(key.word, {"DURATION", "SLOWSQL_THRESHOLD", "SLOWSQL_FLUSH_SECOND"});
+}
+
+}  // namespace
+
+Fix fix_of_number(const Key &key, std::string_view text, Span span) {
   const std::string_view value = trimmed(text);
   const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
   const auto end =
@@ -120,7 +164,8 @@ Fix fix_of_number(std::string_view text, Span span) {
   if (digits.size() == sign) return {};
   const std::string_view unit = trimmed(value.substr(digits.size()));
   if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
-  if (is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
+  if (is_time(key) &&
+      is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
     return unsafe_fix({{span.begin, span.end, digits}});
   return {};
 }
@@ -146,6 +191,8 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
   switch (diagnosis.rule) {
     case Rule::unquoted_value:
       diagnosis.fix = whole_value(place, Applicability::safe);
+      if (const Key *const key = place.trace().row_of(*place.item()))
+        diagnosis.remedy = remedy_of_more(*key);
       return;
     case Rule::comment_in_value:
       diagnosis.fix = whole_value(place, Applicability::unsafe);
@@ -154,7 +201,8 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
       diagnosis.fix = switched_word(place);
       return;
     case Rule::bad_number:
-      diagnosis.fix = fix_of_number(place.value(), place.item()->value);
+      diagnosis.fix =
+          fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
       return;
     case Rule::bad_protocol:
       return mend_protocol(place, diagnosis);
