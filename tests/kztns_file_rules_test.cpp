@@ -294,6 +294,44 @@ TEST_F(FileRules, AListWhoseNamesComeLaterStaysAsItIs) {
   EXPECT_EQ(safely_fixed(list + entry("x")), entry("y") + entry("x"));
 }
 
+TEST_F(FileRules, AListHasAtMost256Names) {
+  std::string list = "n0";
+  std::string entries = entry("n0");
+  for (int i = 1; i < 256; ++i) {
+    list += ", n" + std::to_string(i);
+    entries += entry("n" + std::to_string(i));
+  }
+  EXPECT_EQ(safely_fixed(list + " = " + block + "\n"), entries);
+  const std::string longer = list + ", n256 = " + block + "\n";
+  EXPECT_EQ(safely_fixed(longer), longer);
+}
+
+TEST_F(FileRules, ANameThatFillsTheBufferToItsEndIsTold) {
+  const std::string comment = "#" + std::string(766, 'c') + "\n";
+  const std::string told_of = told(comment + entry(std::string(256, 'x')));
+  EXPECT_TRUE(told_of.starts_with(
+      "2:1 key-refused: a name of 256 characters ends at a 1024-byte read boundary: "))
+      << told_of;
+}
+
+TEST_F(FileRules, AByteOrderMarkIsAtTheBeginning) {
+  const kztns::CheckReport report =
+      kztns::check_once(kztns::NamesText("\xEF\xBB\xBF" + entry("a")), {.file = "names"});
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].rule, kztns::Rule::byte_order_mark);
+  EXPECT_EQ(report.findings[0].at, 0u);
+}
+
+// Its parentheses are not searched then.
+TEST_F(FileRules, AnEntryOfTooManyTokensIsToldByWhereItEnds) {
+  std::string text = "a = (DESCRIPTION = (ADDRESS_LIST = ";
+  for (int i = 0; i < 6000; ++i) text += "(ADDRESS = (HOST = h)(PORT = 1))";
+  text += "(ADDRESS = (HOST = h";
+  const std::string told_of = told(text);
+  EXPECT_NE(told_of.find(" unclosed-block: the file ends with \"h\"; "), std::string::npos)
+      << told_of;
+}
+
 TEST_F(FileRules, CommasInQuotesStay) {
   for (const std::string name : {"\"x,y\"", "\",x\"", "\"x,\""}) {
     EXPECT_NE(told(entry(name)), "") << name;

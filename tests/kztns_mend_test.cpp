@@ -436,6 +436,12 @@ TEST(UnifiedDiff, CountsFromTheLineBeforeAnEmptyRange) {
   EXPECT_EQ(diff("a\n", {{0, 2, ""}}), "--- f\n+++ f\n@@ -1,1 +0,0 @@\n-a\n");
 }
 
+TEST(UnifiedDiff, TakesOneOfTwoPartsThatChangedPlacesForMoved) {
+  std::vector<Edit> edits = {{0, 0, "g\n", 12}, {12, 14, ""}};
+  EXPECT_EQ(diff("a\nb\nc\nd\ne\nf\ng\nh\n", edits),
+            "--- f\n+++ f\n@@ -1,8 +1,8 @@\n+g\n a\n b\n c\n d\n e\n f\n-g\n h\n");
+}
+
 TEST(UnifiedDiff, EndsANameWithBlanksAtATab) {
   EXPECT_EQ(diff("a\n", {{0, 2, ""}}, "a b").substr(0, 18), "--- a b\t\n+++ a b\t\n");
 }

@@ -278,6 +278,27 @@ TEST(Parentheses, AreMissingWhereAnEntryIsNotWrittenToItsEnd) {
   for (const Row &row : rows) expect_told(row);
 }
 
+TEST(Parentheses, AreToldByTheHomesOfForeignKeys) {
+  for (const std::string word : {"SECURITY", "ENABLE", "SDU", "RETRY_COUNT", "CONNECT_TIMEOUT"})
+    expect_told({"a = (DESCRIPTION = ^(ADDRESS = (HOST = h)(PORT = 1) (" + word + " = 1))",
+                 Rule::unclosed_block,
+                 "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) (" + word + " = 1))"});
+  for (const std::string word : {"SERVER", "INSTANCE_NAME", "FAILOVER_MODE", "UR"})
+    expect_told({"a = (DESCRIPTION = (CONNECT_DATA = (SID = s)^)(" + word + " = 1)))",
+                 Rule::extra_close,
+                 "a = (DESCRIPTION = (CONNECT_DATA = (SID = s)(" + word + " = 1)))"});
+}
+
+TEST(EntryTokens, KnowTheirColumns) {
+  const std::string text = "a = (B\n \t(C = d))\n";
+  const auto tokens = kztns::entry_tokens(text, 3, static_cast<kztns::Offset>(text.size()));
+  ASSERT_TRUE(tokens);
+  std::vector<std::uint32_t> columns;
+  for (const kztns::EntryToken &token : *tokens) columns.push_back(token.column);
+  // A tab goes on to column 8.
+  EXPECT_EQ(columns, (std::vector<std::uint32_t>{4, 5, 8, 9, 11, 13, 14, 15, 0}));
+}
+
 TEST(Parentheses, AreToldByTheIndentationWhereTheKeysFitBothBlocks) {
   const std::string begin = "a =\n  (DESCRIPTION =\n    ";
   const std::string end = "\n    (CONNECT_DATA = (SID = s))\n  )\n";

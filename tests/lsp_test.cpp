@@ -532,6 +532,7 @@ TEST(Lsp, Renames) {
   EXPECT_TRUE(rename(0, "sales").contains("result"));
   for (const char *const name : {"", "a b", "a(", "a\"", "KZCI", "kz", "k", "kzciSystem", "other"})
     EXPECT_EQ(rename(0, name)["error"]["code"], -32803) << name;
+  EXPECT_EQ(rename(0, "other")["error"]["message"], "there is an entry \"other\" already");
   EXPECT_EQ(rename(0, std::string(256, 'x'))["error"]["code"], -32803);
   EXPECT_TRUE(rename(0, std::string(255, 'x')).contains("result"));
   EXPECT_EQ(rename(2, "x")["error"]["code"], -32803);
