@@ -52,5 +52,19 @@ TEST(Warnings, OfHostsThatNobodyFilledIn) {
   for (const std::string host : {"<host>", "${HOST}", "'h'"})
     EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
         << host;
+  for (const std::string host : {"\u201Cdb1\u201D", "\u2018db1\u2019"})
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=h\xC2\xA0i)(PORT=1))" + data), Rules{"odd-bytes"});
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=\"h\xC2\xA0\")(PORT=1))" + data), Rules{});
+}
+
+TEST(Warnings, OfInvisibleCharactersAtTheEndsOfTexts) {
+  const auto of_sid = [](const std::string &sid) {
+    return rules_of(address + "(CONNECT_DATA=(SID=" + sid + "))");
+  };
+  EXPECT_EQ(of_sid("s\xC2\xA0"), Rules{"odd-bytes"});
+  EXPECT_EQ(of_sid("\xE2\x80\x8Bs"), Rules{"odd-bytes"});
+  EXPECT_EQ(of_sid("s\xC2\xA0t"), Rules{});
+  EXPECT_EQ(of_sid("\"s\xC2\xA0\""), Rules{});
 }

@@ -16,6 +16,10 @@ namespace {
 
 constexpr sb8 largest_port = 65535;  // TCP's
 
+// Of templates, and quotes that quote nothing here: the last four are those of word processors.
+constexpr std::string_view not_of_hosts[] = {"<",      ">",      "'",      "${",
+                                             "\u2018", "\u2019", "\u201C", "\u201D"};
+
 std::optional<sb8> number(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
   sb8 value = 0;
@@ -97,6 +101,7 @@ class EntryWarnings {
     check_repeated(item, *key);
     if (!item.has_value) return;
     if (item.dropped) return add_dropped(item, *key);
+    check_odd_text(item, *key);
 #define RULE(...)
 #define BLOCK_RULE(...)
 #define VALUE_RULE(rule, ...) check_##rule(item, *key);
@@ -134,22 +139,26 @@ class EntryWarnings {
   void check_placeholder(const Item &item, const Key &) {
     if (item.type != LB_HOST) return;
     const std::string_view host = trace_.value_of(item);
-    if (host.find_first_of("<>'") != std::string_view::npos ||
-        host.find("${") != std::string_view::npos)
-      add(Rule::placeholder, item, value_of(item) + ", no name of a host");
-    else
-      check_odd_host(item, host);
+    const bool is_odd =
+        std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
+                    [&](std::string_view sign) { return host.find(sign) != host.npos; });
+    if (is_odd) add(Rule::placeholder, item, value_of(item) + ", no name of a host");
   }
 
-  // Elsewhere such a character is an error; a quoted one is meant.
-  void check_odd_host(const Item &item, std::string_view host) {
-    if (trace_.slice(item.value).starts_with('"') || odd_character(host).empty() ||
+  // Elsewhere such a character is an error. A quoted one is meant, and so may be one within a
+  // text; a host has none.
+  void check_odd_text(const Item &item, const Key &key) {
+    const std::string_view value = trace_.value_of(item);
+    const std::string_view odd = odd_character(value);
+    const bool at_end = value.starts_with(odd) || value.ends_with(odd);
+    if (key.value.kind != ValueKind::text || odd.empty() || (item.type != LB_HOST && !at_end) ||
+        trace_.slice(item.value).starts_with('"') ||
         !findings_.wanted(Rule::odd_bytes, Severity::warning))
       return;
-    findings_.add(
-        {Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
-         "the invisible character " + visible(odd_character(host)) + " is part of the host"},
-        Severity::warning);
+    findings_.add({Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
+                   "the invisible character " + visible(odd) + " is part of the value of " +
+                       excerpt(trace_.key_word_of(item))},
+                  Severity::warning);
   }
 
   void add_dropped(const Item &item, const Key &key) {
