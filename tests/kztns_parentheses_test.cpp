@@ -274,8 +274,22 @@ TEST(Parentheses, AreMissingWhereAnEntryIsNotWrittenToItsEnd) {
       {"a = (DESCRIPTION = ^(ADDRESS", Rule::unclosed_block, "a = (DESCRIPTION = (ADDRESS)"},
       {"a = (DESCRIPTION = (ADDRESS = ^(HOST =", Rule::unclosed_block,
        "a = (DESCRIPTION = (ADDRESS = (HOST =)"},
+      {"a = (DESCRIPTION = ^(ADDRESS = (HOST = h)", Rule::unclosed_block,
+       "a = (DESCRIPTION = (ADDRESS = (HOST = h))"},
   };
   for (const Row &row : rows) expect_told(row);
+}
+
+TEST(Parentheses, ThatAreMissingAtTheEndAreAllTold) {
+  for (const std::string entry :
+       {"a = (DESCRIPTION = (ADDRESS = (HOST =", "a = (DESCRIPTION = (ADDRESS = (HOST = h",
+        "a = (DESCRIPTION = (ADDRESS = (HOST = h \n"}) {
+    std::string unclosed;
+    for (const Finding &finding : report_of(entry).findings)
+      if (finding.rule == Rule::unclosed_block)
+        unclosed += to_string(finding.position) + (finding.fix ? " fixed\n" : "\n");
+    EXPECT_EQ(unclosed, "1:5 fixed\n1:20 fixed\n1:31 fixed\n") << entry;
+  }
 }
 
 TEST(Parentheses, AreToldByTheHomesOfForeignKeys) {

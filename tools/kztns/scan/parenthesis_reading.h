@@ -66,6 +66,7 @@ struct Reading {
   int changes = 0;
   std::size_t last_change = none;
   std::size_t last_changed = 0;  // its token
+  std::size_t changed = 0;       // the sum of the changes' tokens
 
   auto key() const {
     return std::make_tuple(top.open, top.around, phase, top.keys, top.child_column,
@@ -73,10 +74,11 @@ struct Reading {
   }
 };
 
-// At the same cost the later change is the better one: what precedes it may stay.
+// At the same cost the later changes are the better ones: what precedes them may stay.
 inline bool is_better(const Reading &left, const Reading &right) {
   if (left.cost != right.cost) return left.cost < right.cost;
-  return left.last_changed > right.last_changed;
+  if (left.last_changed != right.last_changed) return left.last_changed > right.last_changed;
+  return left.changed > right.changed;
 }
 
 }  // namespace kztns::parenthesis_reading

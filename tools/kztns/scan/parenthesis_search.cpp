@@ -110,6 +110,7 @@ class Search {
     changes_.push_back({reading.last_change, edit, i, reading.top});
     reading.last_change = changes_.size() - 1;
     reading.last_changed = i;
+    reading.changed += i;
     reading.cost += cost::change;
     ++reading.changes;
     return reading;
