@@ -436,6 +436,14 @@ TEST(UnifiedDiff, CountsFromTheLineBeforeAnEmptyRange) {
   EXPECT_EQ(diff("a\n", {{0, 2, ""}}), "--- f\n+++ f\n@@ -1,1 +0,0 @@\n-a\n");
 }
 
+TEST(UnifiedDiff, CountsTheLinesBeforeEachHunk) {
+  std::string text;
+  for (char c = 'a'; c <= 't'; ++c) text += {c, '\n'};
+  EXPECT_EQ(diff(text, {{8, 9, "E"}, {28, 29, "O"}}),
+            "--- f\n+++ f\n@@ -2,7 +2,7 @@\n b\n c\n d\n-e\n+E\n f\n g\n h\n"
+            "@@ -12,7 +12,7 @@\n l\n m\n n\n-o\n+O\n p\n q\n r\n");
+}
+
 TEST(UnifiedDiff, TakesOneOfTwoPartsThatChangedPlacesForMoved) {
   std::vector<Edit> edits = {{0, 0, "g\n", 12}, {12, 14, ""}};
   EXPECT_EQ(diff("a\nb\nc\nd\ne\nf\ng\nh\n", edits),
