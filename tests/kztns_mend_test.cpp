@@ -7,7 +7,6 @@
 #include "report/tree_json.h"
 #include "report/unified_diff.h"
 #include "rules/check_file.h"
-#include "rules/comment_out.h"
 #include "rules/describe_edits.h"
 #include "rules/mend_file.h"
 #include "scan/tree_digest.h"
@@ -39,20 +38,6 @@ Result mend(const std::string &content, bool with_unsafe = false) {
   for (const kztns::MendedFinding &one : mender.mended())
     result.done.push_back(to_string(one.finding.position) + " " + one.done);
   return result;
-}
-
-std::string comment_out(const std::string &content) {
-  const NamesText original(content);
-  Mender mender(original, {"names.ora"});
-  kztns::comment_out_unserved(mender);
-  return mender.text().text();
-}
-
-std::string keep(const std::string &content, kztns::Keep which) {
-  const NamesText original(content);
-  Mender mender(original, {"names.ora"});
-  kztns::comment_out_duplicates(mender, which);
-  return mender.text().text();
 }
 
 // The only service of a text, as JSON and as a digest.
@@ -277,108 +262,6 @@ TEST(Mender, TellsWhatIsLostAndNew) {
   const kztns::ServedNames other = kztns::served_names(NamesText(entry("b")));
   ASSERT_EQ(mender.lost_in(other).size(), 1u);
   EXPECT_EQ(mender.lost_in(other)[0].name, kztns::digest_of_name("a"));
-}
-
-TEST(CommentOut, MakesCommentsOfWhatIsRefused) {
-  EXPECT_EQ(
-      comment_out(entry("a") + "b = (DESCRIPTION =\n  (NOBODY_KNOWS = x))\n# c\n" + entry("c")),
-      entry("a") +
-          "# unknown key NOBODY_KNOWS [unknown-key]\n"
-          "# b = (DESCRIPTION =\n#   (NOBODY_KNOWS = x))\n# c\n" +
-          entry("c"));
-}
-
-TEST(CommentOut, MakesCommentsOfStrayText) {
-  EXPECT_EQ(
-      comment_out(entry("a") + "stray text\n" + entry("b")),
-      entry("a") +
-          "# \"stray\" is read as a name, but no \"=\" follows: the entry after it is lost: b "
-          "[stray-text]\n# stray text\n" +
-          entry("b"));
-}
-
-TEST(CommentOut, MakesCommentsOfWhatEndsLookupsAfterTheReservedEntry) {
-  const std::string result = comment_out("KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
-                                         "IFILE = x\n" + entry("b"));
-  EXPECT_NE(result.find("\n# IFILE = x\n"), std::string::npos) << result;
-  EXPECT_NE(result.find("\n# b = "), std::string::npos) << result;
-}
-
-TEST(CommentOut, TellsNothingOfTheCheckInTheReason) {
-  const std::string result = comment_out("a = h:1/s (HOST = x)\n" + entry("b"));
-  EXPECT_EQ(result.substr(0, 1), "#");
-  EXPECT_EQ(result.find("not checked"), std::string::npos) << result;
-}
-
-TEST(CommentOut, IsNoFixOfTheFinding) {
-  const NamesText original(entry("a") + "stray text\n" + entry("b"));
-  Mender mender(original, {"names.ora"});
-  kztns::comment_out_unserved(mender);
-  ASSERT_EQ(mender.mended().size(), 1u);
-  EXPECT_FALSE(mender.mended()[0].finding.fix);
-}
-
-TEST(CommentOut, LeavesWhatIsServed) {
-  const std::string text = entry("a") + entry("a", "i") + entry("b");
-  EXPECT_EQ(comment_out(text), text);
-}
-
-TEST(CommentOut, BeginsALineWhereAnotherEntryStands) {
-  const std::string good = "a = (DESCRIPTION = (ADDRESS = (HOST = h)))";
-  const std::string result = comment_out(good + ") " + entry("b"));
-  EXPECT_EQ(result.substr(0, good.size() + 3), good + "\n# ");
-}
-
-TEST(AsComments, TakeEachLineOfAPart) {
-  const std::string text = "a b\nc\nd e";
-  kztns::EditedText edited(text);
-  edited.apply(kztns::as_comments(text, {{2, 5, "why"}, {6, 7, "too"}}));
-  EXPECT_EQ(edited.text(), "a \n# why\n# b\n# c\n# too\n# d\n e");
-}
-
-// To the library a comment ends there.
-TEST(AsComments, EscapeZeroBytes) {
-  const std::string text("a\0b", 3);
-  kztns::EditedText edited(text);
-  edited.apply(kztns::as_comments(text, {{0, 3, "why"}}));
-  EXPECT_EQ(edited.text(), "# why\n# a\\x00b");
-}
-
-TEST(KeepOfDuplicates, CommentsTheOthersOut) {
-  const std::string text = entry("a", "1") + entry("b") + entry("a", "2") + entry("a", "3");
-  const std::string first = keep(text, kztns::Keep::first);
-  EXPECT_EQ(first, entry("a", "1") + entry("b") + "# duplicate name: the entry at 1:1 is kept\n# " +
-                       entry("a", "2") + "# duplicate name: the entry at 1:1 is kept\n# " +
-                       entry("a", "3"));
-  EXPECT_EQ(keep(text, kztns::Keep::last), "# duplicate name: the entry at 4:1 is kept\n# " +
-                                               entry("a", "1") + entry("b") +
-                                               "# duplicate name: the entry at 4:1 is kept\n# " +
-                                               entry("a", "2") + entry("a", "3"));
-  EXPECT_EQ(keep(first, kztns::Keep::last), first);
-}
-
-// A lookup that found an entry finds one afterwards.
-TEST(KeepOfDuplicates, LastIsTheLastThatIsBuilt) {
-  const std::string refused = "a = (DESCRIPTION = (NOBODY_KNOWS = x))\n";
-  EXPECT_EQ(keep(entry("a", "1") + entry("a", "2") + refused, kztns::Keep::last),
-            "# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "1") + entry("a", "2") +
-                "# duplicate name: the entry at 2:1 is kept\n# " + refused);
-}
-
-// Lookups come to the last entry once the first one, which ends them, is a comment.
-TEST(KeepOfDuplicates, LastMayComeIntoReach) {
-  const std::string block =
-      "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))";
-  const std::string stop = "a = " + block + " " + block + "\n";
-  EXPECT_EQ(keep(stop + entry("a", "2"), kztns::Keep::last),
-            "# duplicate name: the entry at 2:1 is kept\n# " + stop + entry("a", "2"));
-}
-
-TEST(KeepOfDuplicates, LastIsReachedWhereTheOtherStaysOutOfReach) {
-  const std::string text = entry("a", "1") + entry("a", "2") + "stray\n" + entry("a", "3");
-  EXPECT_EQ(keep(text, kztns::Keep::last),
-            "# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "1") + entry("a", "2") +
-                "stray\n# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "3"));
 }
 
 TEST(Description, OfEdits) {

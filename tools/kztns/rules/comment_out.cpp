@@ -73,7 +73,7 @@ class Unserved {
   std::vector<Candidate> unreachable() {
     std::vector<Candidate> found;
     for (const Entry &entry : scan_.entries())
-      if (entry.verdict == Verdict::unreachable) add(entry.at, found);
+      if (entry.verdict == Verdict::unreachable) add(entry.at, found, unreachable_at(entry.at));
     return found;
   }
 
@@ -122,18 +122,34 @@ class Unserved {
     return at;
   }
 
-  void add(Offset begin, std::vector<Candidate> &found) {
+  // A part without an error stays unless there is another reason: what is wrong is ignored.
+  void add(Offset begin, std::vector<Candidate> &found, std::optional<Finding> reason = {}) const {
     if (!found.empty() && begin < found.back().part.end) return;
     const Offset end = end_of_part(begin);
-    if (end == begin) return;
-    Finding finding = finding_in(begin, end);
-    found.push_back({{begin, end, reason_of(finding)}, std::move(finding)});
+    if (const Finding *const error = first_error(begin, end)) reason = *error;
+    if (end == begin || !reason) return;
+    found.push_back({{begin, end, reason_of(*reason)}, std::move(*reason)});
   }
 
-  Finding finding_in(Offset begin, Offset end) const {
-    for (const Finding &finding : mender_.report().findings)
-      if (finding.at >= begin && finding.at < end && finding.severity == Severity::error)
-        return finding;
+  // Null for none. An entry that goes on into what comes after its part has its error there.
+  const Finding *first_error(Offset begin, Offset end) const {
+    for (const Finding &finding : mender_.report().findings) {
+      if (finding.severity != Severity::error || finding.at < begin) continue;
+      if (finding.at < end || start_of_named(finding) == begin) return &finding;
+    }
+    return nullptr;
+  }
+
+  // Where the entry begins that a finding names; absent for none.
+  std::optional<Offset> start_of_named(const Finding &finding) const {
+    if (finding.entry.empty()) return std::nullopt;
+    for (auto next = scan_.first_after(finding.at); next != scan_.entries().begin();)
+      if (scan_.name(*--next) == finding.entry) return next->at;
+    return std::nullopt;
+  }
+
+  // Only the first of the entries that a stop hides may have a finding.
+  Finding unreachable_at(Offset begin) const {
     Finding finding = {};
     finding.rule = Rule::unreachable;
     finding.at = begin;
@@ -255,7 +271,8 @@ void comment_out_duplicates(Mender &mender, Keep keep) {
 }
 
 void comment_out_unserved(Mender &mender) {
-  while (mender.may_go_on()) {
+  // Where no error is left, what keeps lookups from entries is ignored, too.
+  while (mender.may_go_on() && count(mender.report(), Severity::error) > 0) {
     Unserved unserved(mender);
     std::vector<Candidate> found = unserved.faulty();
     if (found.empty()) found = unserved.unreachable();
