@@ -6,6 +6,7 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/apply_fixes.h"
+#include "rules/conflicts.h"
 #include "rules/entry_faults.h"
 #include "rules/entry_warnings.h"
 #include "rules/file_fixes.h"
@@ -211,6 +212,7 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   EntryChecker checker(text, request, findings);
   const FileScan scan(text, checker);
   apply_file_rules(scan, checker.reported_stop(), checker.closed_early(), findings);
+  report_conflicts(text, findings, report);
   for (const Entry &entry : scan.entries())
     ++report.verdicts[static_cast<std::size_t>(entry.verdict)];
   report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty() ||

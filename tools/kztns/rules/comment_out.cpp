@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 
+#include "rules/conflicts.h"
 #include "rules/entry_faults.h"
 #include "scan/file_scan.h"
 #include "scan/tokens.h"
@@ -284,6 +285,8 @@ void comment_out_unserved(Mender &mender) {
 void mend(Mender &mender, const Commenting &commenting) {
   mender.apply_fixes();
   if (!commenting.keep && !commenting.unserved) return;
+  // Of a conflict's two versions one would be served, and nobody said which.
+  if (!Conflicts(mender.text().text()).all().empty()) return;
   // What is a comment now may have kept other fixes from being applied.
   std::size_t steps = 0;
   do {
