@@ -99,7 +99,7 @@ class Fixer {
     left_ = check_selected_once(text, request, options_.disabled);
     served_.sort();
     request.visit = {};
-    if (left_.lookups_end || !writes_file())
+    if (left_.lookups_end || left_.splits || !writes_file())
       left_ = check_selected(writes_file() ? text : mender_.text(), request, options_.disabled);
   }
 

@@ -5,7 +5,7 @@ namespace kztns {
 namespace {
 
 constexpr char fix_statuses[] =
-    "0 no error is left: check has none for the result, 1 errors are left";
+    "0 no error is left but ignored or disabled ones, 1 errors are left";
 
 constexpr Choice<Keep> kept_entries[] = {{"first", Keep::first}, {"last", Keep::last}};
 
