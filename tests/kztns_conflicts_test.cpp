@@ -16,6 +16,12 @@ std::string entry(const std::string &name, const std::string &host = "h") {
          ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
 }
 
+// Its value has to be in quotes.
+std::string unquoted(const std::string &name, const std::string &value = "web shop") {
+  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)" +
+         "(KZ_USER_EXTRA_INFO = " + value + ")))\n";
+}
+
 std::string conflict(const std::string &ours, const std::string &theirs) {
   return "<<<<<<< HEAD\n" + ours + "=======\n" + theirs + ">>>>>>> topic\n";
 }
@@ -96,16 +102,16 @@ TEST(Conflicts, AreNotWhatOnlyLooksLikeThem) {
 }
 
 TEST(Conflicts, AreNotMended) {
-  const std::string text = conflict(entry("a", "x y"), entry("b", "x #y")) + "stray\n";
-  const std::vector<Finding> findings = findings_in(entry("c", "x y") + text);
+  const std::string text = conflict(unquoted("a"), entry("b")) + "stray\n";
+  const std::vector<Finding> findings = findings_in(unquoted("c") + text);
   ASSERT_GE(findings.size(), 3u);
   EXPECT_EQ(findings[0].rule, Rule::unquoted_value);
   EXPECT_TRUE(findings[0].fix);
   EXPECT_EQ(findings[1].rule, Rule::conflict_marker);
   EXPECT_EQ(findings[2].rule, Rule::unquoted_value);
   EXPECT_FALSE(findings[2].fix);
-  const std::string markers = conflict(entry("a", "x y"), entry("b"));
-  EXPECT_EQ(mend(entry("c", "x y") + markers), entry("c", "\"x y\"") + markers);
+  const std::string markers = conflict(unquoted("a"), entry("b"));
+  EXPECT_EQ(mend(unquoted("c") + markers), unquoted("c", "\"web shop\"") + markers);
 }
 
 // An item before a conflict may go on to after it.
