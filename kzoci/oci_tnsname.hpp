@@ -198,7 +198,7 @@ constexpr sword invalid_handle = -2;
 constexpr sword no_data = 100;
 
 /* Of the stream over a names file, as large as KZCITnsBuild's; on the stack. */
-constexpr std::size_t stream_buffer_size = 16384;
+constexpr std::size_t stream_buffer_size = 12288;
 
 inline bool is_name_at_hand(const KZCITnsParseParams &params, const Identifier &name) noexcept {
   return params.tns_key_len == name.size() &&
@@ -287,7 +287,7 @@ class Tns {
    *
    * A file that cannot be opened is Outcome::not_found, with the reason in file_error; so
    * is one that can be opened and not read, as a directory (EISDIR).
-   * A null argument is Outcome::failed with status -2. The call takes about 20 KB of
+   * A null argument is Outcome::failed with status -2. The call takes about 16 KB of
    * stack. After anything but Outcome::found the container is as it was.
    */
   Result look_up_in(const char *path, const Identifier &identifier) noexcept {

@@ -164,7 +164,7 @@ TEST_F(ScanCost, TwoLogCallsForAnEntryPassedAndOneForARefill) {
 #if defined(KZOCI_SANITIZED)
 constexpr std::size_t stack_limit = 128 * 1024;  // instrumented frames are larger
 #else
-constexpr std::size_t stack_limit = 20 * 1024;
+constexpr std::size_t stack_limit = 16 * 1024;
 #endif
 
 constexpr unsigned char paint = 0xC3;

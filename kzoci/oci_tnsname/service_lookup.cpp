@@ -24,7 +24,7 @@ constexpr std::size_t descriptor_prefix_length = sizeof descriptor_prefix - 1;
 
 // Large enough to make system calls rare, small enough for the stack and for a
 // lookup that ends at the first entry.
-constexpr std::size_t stream_buffer_size = 16384;
+constexpr std::size_t stream_buffer_size = 12288;
 
 sword KZCITnsBuildGetFile(KZCITnsParseParams *params) {
   const NamesFile file = choose_names_file();
