@@ -68,3 +68,13 @@ TEST(Warnings, OfInvisibleCharactersAtTheEndsOfTexts) {
   EXPECT_EQ(of_sid("s\xC2\xA0t"), Rules{});
   EXPECT_EQ(of_sid("\"s\xC2\xA0\""), Rules{});
 }
+
+TEST(Warnings, OfNumbersThatBecomeNegative) {
+  const auto of_timeout = [](const std::string &number) {
+    return rules_of("(KZLB_READ_TIMEOUT=" + number + ")" + address + data);
+  };
+  EXPECT_EQ(of_timeout("18446744073709551615"), Rules{"narrowed-number"});
+  EXPECT_EQ(of_timeout("9223372036854775808"), Rules{"narrowed-number"});
+  EXPECT_EQ(of_timeout("9223372036854775807"), Rules{});
+  EXPECT_EQ(of_timeout("\" 5\""), Rules{});
+}
