@@ -306,6 +306,19 @@ TEST_F(FileRules, AListHasAtMost256Names) {
   EXPECT_EQ(safely_fixed(longer), longer);
 }
 
+TEST_F(FileRules, AListIsSplitAsLongAsItsCopiesHaveAMegabyte) {
+  std::string long_block = "(DESCRIPTION = (ADDRESS_LIST =";
+  for (int i = 0; i < 200; ++i) long_block += " (ADDRESS = (HOST = h)(PORT = 1))";
+  long_block += ")(CONNECT_DATA = (SID = s)))";
+  const auto list_of = [&](int names) {
+    std::string list = "n0";
+    for (int i = 1; i < names; ++i) list += ", n" + std::to_string(i);
+    return list + " = " + long_block + "\n";
+  };
+  EXPECT_NE(safely_fixed(list_of(155)), list_of(155));
+  EXPECT_EQ(safely_fixed(list_of(160)), list_of(160));
+}
+
 TEST_F(FileRules, ANameThatFillsTheBufferToItsEndIsTold) {
   const std::string comment = "#" + std::string(766, 'c') + "\n";
   const std::string told_of = told(comment + entry(std::string(256, 'x')));

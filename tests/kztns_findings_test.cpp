@@ -99,6 +99,9 @@ TEST(EditDistance, CountsSlips) {
   EXPECT_EQ(kztns::edit_distance("", "AB", 3), 2u);
   EXPECT_EQ(kztns::edit_distance("HOST", "WEIGHT", 2), 3u);
   EXPECT_EQ(kztns::edit_distance("A", std::string(100, 'A'), 2), 3u);
+  // Longer words are near none, not even themselves.
+  EXPECT_EQ(kztns::edit_distance(std::string(24, 'A'), std::string(24, 'A'), 2), 0u);
+  EXPECT_EQ(kztns::edit_distance(std::string(25, 'A'), std::string(25, 'A'), 2), 3u);
 }
 
 TEST(NearKey, PrefersTheKeysOfTheBlock) {
