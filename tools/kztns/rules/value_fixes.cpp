@@ -142,10 +142,6 @@ Fix without_inner_parentheses(const FaultPlace &place) {
   return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
 }
 
-}  // namespace
-
-namespace {
-
 // Whether a number is a time, which people write with a unit.
 bool is_time(const Key &key) {
   return key.word == std::string_view("RETRY_DELAY") ||
