@@ -3,16 +3,13 @@
 
 #include "rules/comment_out.h"
 #include "rules/mend_file.h"
+#include "support/names_entry.h"
 
 namespace {
 
 using kztns::Mender;
 using kztns::NamesText;
-
-std::string entry(const std::string &name, const std::string &host = "h") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
-         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
-}
+using support::entry;
 
 std::string bad(const std::string &name) {
   return name + " = (DESCRIPTION = (NOBODY_KNOWS = x))\n";

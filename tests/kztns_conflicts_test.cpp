@@ -4,17 +4,14 @@
 #include "rules/check_file.h"
 #include "rules/comment_out.h"
 #include "rules/mend_file.h"
+#include "support/names_entry.h"
 
 namespace {
 
 using kztns::Finding;
 using kztns::NamesText;
 using kztns::Rule;
-
-std::string entry(const std::string &name, const std::string &host = "h") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = " + host +
-         ")(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
-}
+using support::entry;
 
 // Its value has to be in quotes.
 std::string unquoted(const std::string &name, const std::string &value = "web shop") {

@@ -6,18 +6,15 @@
 
 #include "rules/comment_out.h"
 #include "rules/mend_file.h"
+#include "support/names_entry.h"
 
 namespace {
 
 using kztns::Mender;
 using kztns::NamesText;
+using support::entry;
 
 const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
-
-std::string entry(const std::string &name, const std::string &sid = "s") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = " + sid +
-         ")))\n";
-}
 
 // Lookups of other names pass over the first of these two as if it were both: a ")" is missing
 // in it, and one is too many in the second.

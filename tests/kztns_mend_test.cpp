@@ -10,6 +10,7 @@
 #include "rules/describe_edits.h"
 #include "rules/mend_file.h"
 #include "scan/tree_digest.h"
+#include "support/names_entry.h"
 
 namespace {
 
@@ -19,11 +20,7 @@ using kztns::Mender;
 using kztns::NamesText;
 using kztns::Offset;
 using kztns::ValueKind;
-
-std::string entry(const std::string &name, const std::string &sid = "s") {
-  return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = " + sid +
-         ")))\n";
-}
+using support::entry;
 
 struct Result {
   std::string text;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "lookup/lookup.h"
+#include "names_entry.h"
 #include "parsing.h"
 #include "report/check_text.h"
 #include "rules/apply_fixes.h"
@@ -17,8 +18,6 @@ namespace support {
 
 inline const std::string block =
     "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))";
-
-inline std::string entry(const std::string &name) { return name + " = " + block + "\n"; }
 
 // "PLACE RULE: TEXT", a line a finding.
 inline std::string told(const std::string &content) {
