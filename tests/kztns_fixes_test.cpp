@@ -194,6 +194,8 @@ std::vector<Row> value_rows() {
            "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCSP)(HOST=h)(PORT=1))" + address + ")" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL='tcp')(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
+      unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TCP,)(HOST=h)(PORT=1))" + data,
+             "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL='TCPS')(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
@@ -213,6 +215,70 @@ std::vector<Row> value_rows() {
       {"no-block", Applicability::unsafe, "//h:1/s",
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
       {"no-block", Applicability::none, "h/s", "h/s"},
+  };
+}
+
+// Text where none belongs.
+std::vector<Row> stray_rows() {
+  const std::string all = in_description(address + data);
+  const std::string lists = "(ADDRESS_LIST=" + address + address + ")" + data;
+  return {
+      {"no-block", Applicability::safe, "= " + all, " " + all},
+      {"no-block", Applicability::safe, " = " + all, " " + all},
+      {"no-block", Applicability::safe, "> " + all, " " + all},
+      {"no-block", Applicability::safe, "\\\n " + all, "\n " + all},
+      {"no-block", Applicability::unsafe, "db:@" + all, all},
+      {"no-block", Applicability::none, "db:@(X=1)", "db:@(X=1)"},
+      {"no-block", Applicability::none, "z=" + all, "z=" + all},
+      {"no-block", Applicability::unsafe, "DESCRIPTION=" + address + data, all},
+      {"no-block", Applicability::unsafe,
+       "{DESCRIPTION={ADDRESS={HOST=h}{PORT=1}}{CONNECT_DATA={SID=s}}}", all},
+      {"no-block", Applicability::unsafe, "[DESCRIPTION=" + address + data + "]", all},
+      {"no-block", Applicability::unsafe,
+       "\xEF\xBC\x88"
+       "DESCRIPTION=" +
+           address + data + "\xEF\xBC\x89",
+       all},
+      {"no-block", Applicability::none, "[SALES=" + address + data + "]",
+       "[SALES=" + address + data + "]"},
+      safe("value-for-block", address + "(CONNECT_DATA==(SID=s))", address + data),
+      safe("value-for-block", "// main\n" + address + data, "# // main\n" + address + data),
+      safe("value-for-block", "\\\n" + address + " \\ \n" + data, "\n" + address + " \n" + data),
+      unsafe("value-for-block", address + "(CONNECT_DATA=SID=s)", address + data),
+      unsafe("value-for-block", "(ADDRESS_LIST=ADDRESS=(HOST=h)(PORT=1))" + data,
+             "(ADDRESS_LIST=" + address + ")" + data),
+      unsafe("value-for-block", address + "(CONNECT_DATA={SID=s})", address + data),
+      unsafe("value-for-block", "(ADDRESS_LIST=two " + address + ")" + data,
+             "(ADDRESS_LIST=" + address + ")" + data),
+      // The word may be the host, the key of another block, or no item at all.
+      none("value-for-block", "(ADDRESS=h (PORT=1))" + data),
+      none("value-for-block", address + "(CONNECT_DATA=HOST=s)"),
+      none("value-for-block", address + "(CONNECT_DATA=SID=s t)"),
+      safe("missing-value", address + "(CONNECT_DATA=(SID==s))", address + data),
+      safe("unquoted-value", address + "(CONNECT_DATA=(SID=> s))",
+           address + "(CONNECT_DATA=(SID= s))"),
+      safe("unquoted-value", address + "(CONNECT_DATA=(SID = > s))",
+           address + "(CONNECT_DATA=(SID = s))"),
+      safe("missing-close", address + "," + data, address + data),
+      safe("missing-close", address + " ; " + data, address + "  " + data),
+      safe("missing-close", address + data + ",", address + data),
+      safe("missing-close", address + " -- main\n" + data, address + " # -- main\n" + data),
+      safe("missing-close", address + " ; main\n" + data, address + " # ; main\n" + data),
+      // In a comment its parentheses would be counted.
+      none("missing-close", address + " -- (main)\n" + data),
+      none("missing-close", address + " -- \"main\"\n" + data),
+      unsafe("missing-close", address + " and so on " + data, address + " " + data),
+      unsafe("missing-close", address + data + " etc.", address + data + " "),
+      unsafe("missing-close", address + " CONNECT_DATA=(SID=s)", address + " " + data),
+      unsafe("missing-close", address + "[CONNECT_DATA=[SID=s]]", address + data),
+      none("missing-close", address + "[CONNECT_DATA=[SID=s]"),
+      none("missing-close", address + " PORT 1 " + data),
+      safe("missing-key", "(" + address + ")" + data, address + data),
+      safe("missing-key", "(ADDRESS_LIST=( " + address + address + " ))" + data,
+           "(ADDRESS_LIST= " + address + address + " )" + data),
+      {"missing-key", Applicability::safe, "(" + all + ")", all},
+      {"missing-key", Applicability::safe, in_description("(" + lists + ")"),
+       in_description(lists)},
   };
 }
 
@@ -250,6 +316,7 @@ TEST_P(Fixes, LeaveWhatIsServed) {
 INSTANTIATE_TEST_SUITE_P(OfKeysOfOthers, Fixes, testing::ValuesIn(foreign_rows()));
 INSTANTIATE_TEST_SUITE_P(OfKeys, Fixes, testing::ValuesIn(key_rows()));
 INSTANTIATE_TEST_SUITE_P(OfValues, Fixes, testing::ValuesIn(value_rows()));
+INSTANTIATE_TEST_SUITE_P(OfStrayText, Fixes, testing::ValuesIn(stray_rows()));
 INSTANTIATE_TEST_SUITE_P(OfBlocks, Fixes, testing::ValuesIn(block_rows()));
 
 TEST(Fixes, WriteAbbreviationsOut) {
@@ -320,6 +387,15 @@ TEST(Faults, SayWhatToDo) {
       {"(KZLB_READ_TIMEOUT=10 min)" + address + data, "unquoted-value",
        "write decimal digits, with a sign or without"},
       {"(ADDRESS=(PROTOCOL='TCP')(HOST=h)(PORT=1))" + data, "bad-protocol", "did you mean TCP?"},
+      {address + "(CONNECT_DATA=(SID==s))", "missing-value", "remove \"=\""},
+      {address + ",;" + data, "missing-close", "remove \",;\""},
+      {address + " and so on " + data, "missing-close", "remove \"and so on\""},
+      {address + " -- main\n" + data, "missing-close", "begin the comment with \"#\""},
+      {address + " \\\n" + data, "missing-close", "remove \"\\\": an entry goes on by itself"},
+      {address + "{CONNECT_DATA={SID=s}}", "missing-close",
+       "write parentheses instead of brackets"},
+      {address + "(CONNECT_DATA=SID=s)", "value-for-block", "put the item in parentheses"},
+      {"(" + address + ")" + data, "missing-key", "remove the outer parentheses"},
   };
   for (const auto &row : rows) {
     const kztns::CheckReport report = report_of("x=" + in_description(row.items) + "\n");
@@ -332,8 +408,9 @@ TEST(Faults, SayWhatToDo) {
 // Bytes are no minutes.
 TEST(Faults, OfASizeWithAUnitHaveNoFix) {
   for (const std::string value : {"10M", "64 MB"}) {
-    const kztns::CheckReport report = report_of("KZCISYSTEMVARIABLES=((LOG_SIZE=" + value + "))\n");
-    for (const kztns::Finding &finding : report.findings) EXPECT_FALSE(finding.fix) << value;
+    const kztns::CheckReport report = report_of("KZCISYSTEMVARIABLES=(LOG_SIZE=" + value + ")\n");
+    ASSERT_EQ(report.findings.size(), 1u) << value;
+    EXPECT_FALSE(report.findings[0].fix) << value;
   }
 }
 

@@ -37,6 +37,7 @@ bool ends_value(std::string_view text, Offset at) {
 
 void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
   std::string_view protocol = trimmed(place.value());
+  protocol = protocol.substr(0, protocol.find_last_not_of(",;") + 1);
   if (protocol.size() > 1 && protocol.starts_with('\'') && protocol.ends_with('\''))
     protocol = protocol.substr(1, protocol.size() - 2);
   // Of two that are equally near, the encrypted one: encryption is not given up in silence.

@@ -4,8 +4,10 @@
 
 #include "rules/invisible_fixes.h"
 #include "scan/further_stops.h"
+#include "scan/item_words.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "scan/written_items.h"
 #include "text/characters.h"
 
 namespace kztns {
@@ -27,10 +29,35 @@ std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end)
   return edits;
 }
 
+// "(NAME = (DESCRIPTION = ...))"
+Fix without_parentheses_of_entry(std::string_view text, Offset open) {
+  const std::optional<WrittenItem> entry = item_at(text, open);
+  if (!entry || entry->key.begin == entry->key.end) return {};
+  const std::vector<WrittenItem> items = items_from(text, entry->value);
+  if (items.empty() || pass_blanks(text, items.back().end) + 1 != entry->end) return {};
+  const Span key = items[0].key;
+  if (!opens_block(item_word(text.substr(key.begin, key.end - key.begin)))) return {};
+  return unsafe_fix({{open, open + 1, {}}, {entry->end - 1, entry->end, {}}});
+}
+
+// "/* ... */"; what comes after it on its line begins a line of its own.
+Fix fix_of_long_comment(std::string_view text, Offset at) {
+  const std::optional<Offset> end = end_of_long_comment(text, at);
+  if (!end) return {};
+  std::vector<Edit> edits = comment_lines(text, at, *end);
+  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, *end), text.size());
+  if (next < text.size() && text[next] != '\n')
+    edits.push_back({*end, static_cast<Offset>(next), "\n"});
+  return unsafe_fix(std::move(edits));
+}
+
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   const Offset line_end = end_of_line(text, at);
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
+  if (Fix fix = fix_of_long_comment(text, at)) return fix;
+  if (text[at] == '(')
+    if (Fix fix = without_parentheses_of_entry(text, at)) return fix;
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.

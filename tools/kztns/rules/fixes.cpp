@@ -4,6 +4,7 @@
 #include "rules/fault_place.h"
 #include "rules/invisible_fixes.h"
 #include "rules/key_fixes.h"
+#include "rules/stray_fixes.h"
 #include "rules/value_fixes.h"
 
 namespace kztns {
@@ -25,7 +26,9 @@ bool is_within(const FaultPlace &place, const Diagnosis &diagnosis) {
 void add_fix(const Subject &subject, const Trace &trace, std::string_view name,
              Diagnosis &diagnosis) {
   const FaultPlace place(subject, trace);
-  if (!is_within(place, diagnosis) || mend_invisible(place, diagnosis)) return;
+  if (!is_within(place, diagnosis) || mend_invisible(place, diagnosis) ||
+      mend_stray_text(place, diagnosis))
+    return;
   switch (diagnosis.rule) {
     case Rule::unknown_key:
       return mend_unknown_key(place, name, diagnosis);

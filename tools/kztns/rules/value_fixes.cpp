@@ -121,15 +121,30 @@ Fix with_equal(const FaultPlace &place) {
   return safe_fix({{item.key.end, item.key.end, " ="}});
 }
 
+// "((KEY = ...))": the outer parentheses of the items say nothing.
+Fix without_outer_parentheses(const FaultPlace &place, Offset open) {
+  const std::optional<WrittenItem> outer = item_at(place.text(), open);
+  const std::vector<WrittenItem> inner = items_from(place.text(), open + 1);
+  if (!outer || inner.empty() || pass_blanks(place.text(), inner.back().end) + 1 != outer->end)
+    return {};
+  return safe_fix({{open, open + 1, {}}, {outer->end - 1, outer->end, {}}});
+}
+
 // "()" says nothing; more than that is lost.
-Fix without_key(const FaultPlace &place) {
-  const std::size_t open = place.text().find_last_not_of(blanks, place.fault().at - 1);
-  if (open == std::string_view::npos || place.text()[open] != '(') return {};
-  Fix fix = place.removal(static_cast<Offset>(open));
-  if (fix &&
-      place.slice({fix.edits[0].begin, fix.edits[0].end}).find('=') == std::string_view::npos)
-    fix.applicability = Applicability::safe;
-  return fix;
+void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
+  if (last == std::string_view::npos || place.text()[last] != '(') return;
+  const auto open = static_cast<Offset>(last);
+  diagnosis.fix = without_outer_parentheses(place, open);
+  if (diagnosis.fix) {
+    diagnosis.remedy = "remove the outer parentheses";
+    return;
+  }
+  diagnosis.fix = place.removal(open);
+  if (!diagnosis.fix) return;
+  const Edit &removal = diagnosis.fix.edits[0];
+  if (place.slice({removal.begin, removal.end}).find('=') == std::string_view::npos)
+    diagnosis.fix.applicability = Applicability::safe;
 }
 
 // "(KEY = (value))"
@@ -178,8 +193,7 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
       diagnosis.fix = closed_quote(place, diagnosis.at);
       return;
     case Rule::missing_key:
-      diagnosis.fix = without_key(place);
-      return;
+      return mend_missing_key(place, diagnosis);
     default:
       break;
   }

@@ -3,7 +3,9 @@
 #include <algorithm>
 
 #include "scan/item_text.h"
+#include "scan/item_words.h"
 #include "scan/written_entries.h"
+#include "scan/written_items.h"
 #include "text/characters.h"
 
 namespace kztns {
@@ -93,11 +95,20 @@ class FurtherStops {
     const Offset limit = next_entry(entry.body);
     const std::string_view before = text_.substr(0, limit);
     const Offset open = pass_blanks(before, entry.body);
-    if (type_at(before, open) != TNS_LEFT_PARENTHESES)
-      return std::min(end_of_line(text_, open), limit);
+    if (type_at(before, open) != TNS_LEFT_PARENTHESES) return after_words(open, limit);
     const auto end = ends_lookups(scan_.name(entry)) ? end_of_items(before, entry.body)
                                                      : end_of_item(before, open);
     return end.value_or(limit);
+  }
+
+  // After a line that is no value, and the value that may follow it.
+  Offset after_words(Offset at, Offset limit) const {
+    const Offset end = std::min(end_of_line(text_, at), limit);
+    const std::vector<WrittenItem> items = items_from(text_.substr(0, limit), end);
+    if (items.empty()) return end;
+    const Span key = items[0].key;
+    const bool is_value = opens_block(item_word(text_.substr(key.begin, key.end - key.begin)));
+    return is_value ? items.back().end : end;
   }
 
   // Where the text after a stop begins that is between entries.
@@ -110,7 +121,7 @@ class FurtherStops {
       default:
         break;
     }
-    if (stop.kind == StopKind::no_open) return end_of_line(text_, stop.at);
+    if (stop.kind == StopKind::no_open) return after_words(stop.at, limit);
     return end_of_stray_text(text_, stop.name, limit);
   }
 
@@ -153,7 +164,7 @@ class FurtherStops {
     if (type_at(text_, value) == TNS_LEFT_PARENTHESES)
       return end_of_item(text_.substr(0, to), value).value_or(to);
     add(StopKind::no_open, value, name);
-    return std::min(end_of_line(text_, value), to);
+    return after_words(value, to);
   }
 
   const FileScan &scan_;
@@ -186,6 +197,7 @@ bool is_foreign_comment(std::string_view word) {
 Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
   std::int64_t depth = 0;
   if (is_foreign_comment(text.substr(at, 2))) return std::min(end_of_line(text, at), limit);
+  if (const auto end = end_of_long_comment(text.substr(0, limit), at)) return *end;
   for (Offset from = at; from < limit;) {
     const Offset end = std::min(end_of_line(text, from), limit);
     const std::string_view line = text.substr(from, end - from);

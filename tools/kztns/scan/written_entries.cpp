@@ -18,7 +18,7 @@ class Scanner {
 
   void run() {
     while (at_ < text_.size())
-      if (!take_entry()) take_token();
+      if (!pass_long_comment() && !take_entry()) take_token();
   }
 
  private:
@@ -46,13 +46,14 @@ class Scanner {
   // Whether an entry begins here; if so, visits it and goes past its "=".
   bool take_entry() {
     if (!at_line_start() && !indentation_only()) return false;
-    if (last_ == '(' || ends_name(text_[at_]) || at_ < no_entry_before_) return false;
+    if (ends_name(text_[at_]) || at_ < no_entry_before_) return false;
     std::vector<WrittenEntry> names;
     const Offset equal = read_names(at_, names);
     if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
     const Offset open = pass_blanks(text_, equal + 1);
     if (open >= text_.size() || text_[open] != '(') return false;
     if (is_item(names.front())) return false;
+    if (last_ == '(' && !(at_line_start() && begins_value(open))) return false;
     if (!at_line_start() && depth_ > 0 && !opens_block(key_after(open))) return false;
     for (WrittenEntry &name : names) {
       name.body = equal + 1;
@@ -71,12 +72,27 @@ class Scanner {
            item_word(text_.substr(name.name_begin, name.name_end - name.name_begin));
   }
 
+  // Who puts entries into such a comment wants them no more.
+  bool pass_long_comment() {
+    if (depth_ > 0 || no_long_comment_ || !indentation_only()) return false;
+    if (!text_.substr(at_).starts_with("/*")) return false;
+    const std::optional<Offset> end = end_of_long_comment(text_, at_);
+    no_long_comment_ = !end;
+    if (end) at_ = line_ = *end;
+    return end.has_value();
+  }
+
   // The key of the item that begins at a "(".
   ItemWord key_after(Offset open) const {
     const Offset begin = pass_blanks(text_, open + 1);
     Offset end = begin;
     while (end < text_.size() && !ends_name(text_[end])) ++end;
     return item_word(text_.substr(begin, end - begin));
+  }
+
+  // Whether the "(" at a place begins what only an entry has as its value.
+  bool begins_value(Offset open) const {
+    return placement_of(key_after(open), content_of(Block::entry)).fit == Fit::good;
   }
 
   bool indentation_only() const {
@@ -128,6 +144,7 @@ class Scanner {
   Offset at_ = 0;
   Offset line_ = 0;  // where the line begins; after at_ when it has tokens already
   Offset no_entry_before_ = 0;
+  bool no_long_comment_ = false;  // whether none is closed from here on
   std::int64_t depth_ = 0;
   char last_ = '\0';
 };
@@ -145,6 +162,13 @@ Offset pass_blanks(std::string_view text, Offset from) {
       break;
   }
   return at;
+}
+
+std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
+  if (!text.substr(at).starts_with("/*")) return std::nullopt;
+  const std::size_t close = text.find("*/", at + 2);
+  if (close == std::string_view::npos) return std::nullopt;
+  return static_cast<Offset>(close + 2);
 }
 
 void for_each_written_entry(std::string_view text,

@@ -1,0 +1,215 @@
+#include "rules/stray_fixes.h"
+
+#include <algorithm>
+
+#include "scan/further_stops.h"
+#include "scan/item_words.h"
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+struct Brackets {
+  std::string_view open;
+  std::string_view close;
+};
+
+constexpr Brackets other_brackets[] = {
+    {"{", "}"}, {"[", "]"}, {"\xEF\xBC\x88", "\xEF\xBC\x89"}};  // the last ones are full-width
+
+ItemWord word_at(std::string_view text, Offset at) {
+  return item_word(text.substr(at, end_of_word(text, at) - at));
+}
+
+bool stands_at(std::string_view text, Offset at, char sign) {
+  return at < text.size() && text[at] == sign;
+}
+
+class StrayText {
+ public:
+  StrayText(const FaultPlace &place, Diagnosis &diagnosis)
+      : place_(place), text_(place.text()), diagnosis_(diagnosis), at_(place.fault().at) {}
+
+  bool mend() {
+    if (at_ >= text_.size() || (place_.item() == nullptr && !is_of_entry())) return false;
+    switch (diagnosis_.rule) {
+      case Rule::unquoted_value:
+        // Of "=> VALUE" the sign is taken for the value.
+        at_ = place_.item()->value.begin;
+        return mend_signs();
+      case Rule::missing_value:
+        return mend_signs();
+      case Rule::no_block:
+      case Rule::value_for_block:
+      case Rule::missing_close:
+        return mend_continuations() || mend_signs() || mend_separators() || mend_comment() ||
+               mend_brackets() || mend_bare_item() || mend_words();
+      default:
+        return false;
+    }
+  }
+
+ private:
+  bool is_of_entry() const { return diagnosis_.rule == Rule::no_block; }
+  bool is_between_items() const { return diagnosis_.rule == Rule::missing_close; }
+
+  bool mended(std::string remedy, Fix fix) {
+    diagnosis_.remedy = std::move(remedy);
+    diagnosis_.fix = std::move(fix);
+    return true;
+  }
+
+  // Where the text goes on after some characters; the end where it has only those.
+  Offset after(std::string_view characters) const {
+    return static_cast<Offset>(std::min(text_.find_first_not_of(characters, at_), text_.size()));
+  }
+
+  std::string remedy_of_removal(Offset end) const {
+    return "remove " + quoted(excerpt(trimmed(text_.substr(at_, end - at_))));
+  }
+
+  // Whether the word at a place ends a line on which a shell would go on.
+  bool is_continuation(Span word) const {
+    if (place_.slice(word) != "\\") return false;
+    const std::size_t next = text_.find_first_not_of(blanks_of_line, word.end);
+    return next == std::string_view::npos || text_[next] == '\n';
+  }
+
+  Edit without_blanks_before(Span word) const {
+    const std::size_t last = text_.substr(0, word.begin).find_last_not_of(" \t");
+    return {static_cast<Offset>(last + 1), word.end, {}};
+  }
+
+  // All of the entry at once: who writes one writes them on each line.
+  bool mend_continuations() {
+    std::vector<Edit> edits;
+    TokenReader tokens(text_, at_);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+      if (is_continuation(token.span)) edits.push_back(without_blanks_before(token.span));
+    if (edits.empty() || edits[0].end != at_ + 1) return false;
+    return mended("remove \"\\\": an entry goes on by itself", safe_fix(std::move(edits)));
+  }
+
+  // "==" and "=>", which other notations have for "=".
+  bool mend_signs() {
+    const Offset end = after("=>");
+    const Offset value = pass_blanks(text_, end);
+    if (end == at_ || is_between_items() || !fits(value)) return false;
+    const bool after_blank = is_blank(text_[at_ - 1]);
+    const Offset next = after("=> \t");
+    return mended(remedy_of_removal(end), safe_fix({{at_, after_blank ? next : end, {}}}));
+  }
+
+  // Whether what begins at a place may be the value at hand.
+  bool fits(Offset value) const {
+    const Key *const key = is_of_entry() ? nullptr : place_.trace().row_of(*place_.item());
+    if (key == nullptr || key->value.kind == ValueKind::block) return stands_at(text_, value, '(');
+    const Offset end = end_of_word(text_, value);
+    return end > value && stands_at(text_, pass_blanks(text_, end), ')');
+  }
+
+  // Commas and semicolons between items.
+  bool mend_separators() {
+    const Offset end = after(",;");
+    const Offset next = pass_blanks(text_, end);
+    if (end == at_ || !(stands_at(text_, next, '(') || stands_at(text_, next, ')'))) return false;
+    return mended(remedy_of_removal(end), safe_fix({{at_, end, {}}}));
+  }
+
+  bool mend_comment() {
+    if (!is_foreign_comment(text_.substr(at_, 2))) return false;
+    const Offset end = end_of_line(text_, at_);
+    const bool has_signs =
+        text_.substr(at_, end - at_).find_first_of("()\"") != std::string_view::npos;
+    const Offset next = pass_blanks(text_, end);
+    if (has_signs || next >= text_.size() || (text_[next] != '(' && text_[next] != ')'))
+      return false;
+    return mended("begin the comment with \"#\"", safe_fix({{at_, at_, "# "}}));
+  }
+
+  // "{KEY = ...}"
+  bool mend_brackets() {
+    for (const Brackets &brackets : other_brackets) {
+      if (!text_.substr(at_).starts_with(brackets.open)) continue;
+      Offset key = at_ + static_cast<Offset>(brackets.open.size());
+      key = pass_blanks(text_, key);
+      std::vector<Edit> edits = parentheses_for(brackets);
+      if (!word_at(text_, key) || edits.empty()) return false;
+      return mended("write parentheses instead of brackets", unsafe_fix(std::move(edits)));
+    }
+    return false;
+  }
+
+  // For the bracket at hand, those in it and its partner; empty when it has none.
+  std::vector<Edit> parentheses_for(const Brackets &brackets) const {
+    std::vector<Edit> edits;
+    std::size_t depth = 0;
+    const auto take = [&](Offset at, std::string_view bracket, const char *parenthesis) {
+      if (!text_.substr(at).starts_with(bracket)) return false;
+      edits.push_back({at, at + static_cast<Offset>(bracket.size()), parenthesis});
+      return true;
+    };
+    for (Offset at = at_; at < text_.size(); ++at) {
+      if (take(at, brackets.open, "(")) ++depth;
+      if (take(at, brackets.close, ")") && --depth == 0) return edits;
+    }
+    return {};
+  }
+
+  // "KEY = VALUE" without both parentheses, where an item is due.
+  bool mend_bare_item() {
+    const Offset equal = pass_blanks(text_, end_of_word(text_, at_));
+    if (!stands_at(text_, equal, '=') || !may_be_here(word_at(text_, at_))) return false;
+    const Offset value = pass_blanks(text_, equal + 1);
+    const std::optional<Offset> end =
+        stands_at(text_, value, '(') ? end_of_items(text_, value) : end_of_word(text_, value);
+    if (!end || *end == value) return false;
+    const Offset next = pass_blanks(text_, *end);
+    if (next < text_.size() && text_[next] != ')') return false;
+    return mended("put the item in parentheses", unsafe_fix({{at_, at_, "("}, {*end, *end, ")"}}));
+  }
+
+  // Whether an item of that key belongs to the block that is due here.
+  bool may_be_here(ItemWord word) const {
+    if (is_of_entry()) return opens_block(word);
+    Content around = content_of(place_.block());
+    if (!is_between_items()) around = placement_of({place_.item()->type}, around).content;
+    return placement_of(word, around).fit == Fit::good;
+  }
+
+  // Words that say nothing here. Before a first item they may be its value: "(ADDRESS = h (".
+  bool mend_words() {
+    const std::size_t sign = text_.find_first_of("()=\"#", at_);
+    if (sign == std::string_view::npos) return false;
+    const auto end = static_cast<Offset>(sign);
+    const bool before_item = text_[end] == '(';
+    if (!before_item && !(text_[end] == ')' && is_between_items())) return false;
+    if (!is_between_items() && !opens_block(word_at(text_, pass_blanks(text_, end + 1))))
+      return false;
+    if (has_key(end) || is_foreign_comment(text_.substr(at_, 2))) return false;
+    return mended(remedy_of_removal(end), unsafe_fix({{at_, end, {}}}));
+  }
+
+  // Whether one of the words is a key: an item without parentheses.
+  bool has_key(Offset end) const {
+    TokenReader tokens(text_.substr(0, end), at_);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+      if (item_word(place_.slice(token.span))) return true;
+    return false;
+  }
+
+  const FaultPlace &place_;
+  std::string_view text_;
+  Diagnosis &diagnosis_;
+  Offset at_;
+};
+
+}  // namespace
+
+bool mend_stray_text(const FaultPlace &place, Diagnosis &diagnosis) {
+  return StrayText(place, diagnosis).mend();
+}
+
+}  // namespace kztns
