@@ -84,7 +84,7 @@ std::vector<Row> key_rows() {
       unchanged("(DESCRIPTION=(SID=s)(CONNECT_DATA=(KZ_MODE=1))(CONNECT_DATA=(KZ_MODE=2))" +
                 address + ")"),
       // Another item may begin in a value.
-      unchanged("(DESCRIPTION=(ADDRESS=(HOST=h SDU=1))" + data + ")"),
+      unchanged("(DESCRIPTION=(ADDRESS=(HOST=h SDU = 1 (PORT=1)))" + data + ")"),
   };
 }
 

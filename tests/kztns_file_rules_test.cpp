@@ -264,6 +264,14 @@ TEST_F(FileRules, AnEntryThatIsOnlyOpenedEndsBeforeTheNextOne) {
   expect_served(unsafely_fixed(text), {"b", "c"});
 }
 
+TEST_F(FileRules, OfTwoOpenBlocksTheSecondIsNotSaidToEndWithTheFile) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(CONNECT_DATA = (SID = s))\n" + entry("b");
+  EXPECT_EQ(count_of(told(text), "DESCRIPTION is not closed: expected \")\" before the next entry"),
+            1u);
+  expect_served(unsafely_fixed(text), {"a", "b"});
+}
+
 TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
   const std::string text = "a = \\\n  " + block + "\n" + entry("b");
   EXPECT_EQ(count_of(told(text), "stray-text"), 0u);

@@ -49,7 +49,7 @@ TEST(Warnings, OfAddressesSeenTogether) {
 }
 
 TEST(Warnings, OfHostsThatNobodyFilledIn) {
-  for (const std::string host : {"<host>", "${HOST}", "'h'"})
+  for (const std::string host : {"<host>", "${HOST}", "'h'", "h,", "h;"})
     EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
         << host;
   for (const std::string host : {"\u201Cdb1\u201D", "\u2018db1\u2019"})

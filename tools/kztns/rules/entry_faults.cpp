@@ -60,17 +60,19 @@ bool has_rest(std::string_view text, const Fault &fault) {
 // The copy of one entry that is mended step by step.
 class EntryCopy {
  public:
-  EntryCopy(const NamesText &text, const Entry &entry, std::string_view name, Offset end)
+  EntryCopy(const NamesText &text, const Entry &entry, std::string_view name,
+            const EntryRange &range)
       : base_(entry.at),
         body_(entry.body - entry.at),
         name_(name),
-        edited_(std::string_view(text.text()).substr(entry.at, end - entry.at), entry.at),
+        last_(range.last),
+        edited_(std::string_view(text.text()).substr(entry.at, range.end - entry.at), entry.at),
         text_(edited_, text),
         trace_(edited_.text()) {}
 
   const Trace &trace() const { return trace_; }
   const NamesText &text() const { return text_; }
-  EntryRange range() const { return {body_, text_.size()}; }
+  EntryRange range() const { return {body_, text_.size(), last_}; }
   std::string_view name() const { return name_; }
 
   // Edits of the whole text as those of the copy.
@@ -105,6 +107,7 @@ class EntryCopy {
   Offset base_;
   Offset body_;
   std::string_view name_;
+  bool last_;  // whether no entry comes after it
   EditedText edited_;
   EditedText before_ = edited_;  // the last edits
   NamesText text_;
@@ -143,7 +146,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
                          const std::string &consequence) {
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
-  EntryCopy copy(text_, view.entry, view.name, range_.end);
+  EntryCopy copy(text_, view.entry, view.name, range_);
   const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
   std::optional<Found> found = {{first, copy.of_whole(first.fix.edits),
                                  copy.of_whole(without_item(text, view.trace)),
@@ -179,8 +182,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
 }
 
 Subject EntryFaults::subject(const NamesText &text, Offset end) {
-  return {text, "file", end, range_.end == text_.size(),
-          [this](std::string_view name) { return is_free(name); }};
+  return {text, "file", end, range_.last, [this](std::string_view name) { return is_free(name); }};
 }
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {

@@ -11,9 +11,10 @@ namespace {
 
 class ParenthesisExplainer {
  public:
+  // last says whether no entry comes after this one.
   ParenthesisExplainer(const NamesText &text, const std::vector<EntryToken> &tokens,
-                       const ParenthesisChange &change)
-      : text_(text), tokens_(tokens), change_(change), at_(tokens[change.token]) {}
+                       const ParenthesisChange &change, bool last)
+      : text_(text), tokens_(tokens), change_(change), at_(tokens[change.token]), last_(last) {}
 
   Diagnosis diagnose() const {
     switch (change_.edit) {
@@ -72,7 +73,7 @@ class ParenthesisExplainer {
     if (at_.kind == '(' && key_of(change_.token) != nullptr)
       return "before " + word(*key_of(change_.token)) + place;
     if (at_.kind != '\0') return "before \"" + word(at_) + "\"" + place;
-    if (at_.at == text_.size()) return "before the end of the file" + place;
+    if (last_) return "before the end of the file" + place;
     return "before the next entry" + place;
   }
 
@@ -94,6 +95,7 @@ class ParenthesisExplainer {
   const std::vector<EntryToken> &tokens_;
   const ParenthesisChange &change_;
   const EntryToken &at_;
+  bool last_;
 };
 
 // What the library does not read as parentheses do not balance either where a comment or
@@ -115,7 +117,7 @@ std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRang
   const auto change = first_parenthesis_change(text.text(), *tokens,
                                                reserved ? Block::system_variables : Block::entry);
   if (!change) return std::nullopt;
-  return ParenthesisExplainer(text, *tokens, *change).diagnose();
+  return ParenthesisExplainer(text, *tokens, *change, range.last).diagnose();
 }
 
 Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
@@ -149,7 +151,8 @@ EntryRange EntryRanges::range_of(Offset body) {
   const auto next = std::upper_bound(names_.begin(), names_.end(), body);
   const Offset end = next == names_.end() ? text_.size() : *next;
   spent_ += end - body;
-  return {body, spent_ > most_times_over * text_.size() ? body : end};
+  const bool overlaps = spent_ > most_times_over * text_.size();
+  return {body, overlaps ? body : end, next == names_.end()};
 }
 
 }  // namespace kztns

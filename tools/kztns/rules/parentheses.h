@@ -13,6 +13,7 @@ namespace kztns {
 struct EntryRange {
   Offset body;
   Offset end;
+  bool last = true;  // whether no entry comes after it
 };
 
 // Whether the parentheses of an entry's text balance, and if not, what is wrong first. The

@@ -33,6 +33,26 @@ bool holds_item(std::string_view value) {
   return false;
 }
 
+// "(KEY = a, KEY = b)": several items in one pair of parentheses.
+Fix separate_items(const FaultPlace &place) {
+  std::vector<Edit> edits;
+  TokenReader tokens(place.text(), place.item()->value.begin);
+  for (Token value = tokens.next(); value.kind == TokenKind::word; value = tokens.next()) {
+    const std::string_view word = place.slice(value.span);
+    const std::size_t length = word.find_last_not_of(",;") + 1;
+    Token next = tokens.next();
+    if (next.kind == TokenKind::close && length == word.size() && !edits.empty())
+      return unsafe_fix(std::move(edits));
+    if (next.kind == TokenKind::word && is_one_of(place.slice(next.span), {",", ";"}))
+      next = tokens.next();
+    if (next.kind != TokenKind::word || !is_key(place.slice(next.span)) || length == 0) return {};
+    const Offset end = value.span.begin + static_cast<Offset>(length);
+    edits.push_back({end, next.span.begin, ")("});
+    if (tokens.next().kind != TokenKind::equal) return {};
+  }
+  return {};
+}
+
 // Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
 // entry would be served, and no server found.
 bool may_have_any_character(const Key &key) {
@@ -63,6 +83,22 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
   if (!may_have_any_character(*key) || holds_item(value)) return {};
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
+}
+
+// Whether that is what is wrong.
+bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
+  Fix fix = separate_items(place);
+  if (!fix) return false;
+  diagnosis.fix = std::move(fix);
+  diagnosis.remedy = "put each item in parentheses of its own";
+  return true;
+}
+
+void mend_unquoted_value(const FaultPlace &place, Diagnosis &diagnosis) {
+  if (mend_joined_items(place, diagnosis)) return;
+  diagnosis.fix = whole_value(place, Applicability::safe);
+  if (const Key *const key = place.trace().row_of(*place.item()))
+    diagnosis.remedy = remedy_of_more(*key);
 }
 
 // The end of the line or the first ")" on it.
@@ -200,10 +236,7 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
   if (place.item() == nullptr) return;
   switch (diagnosis.rule) {
     case Rule::unquoted_value:
-      diagnosis.fix = whole_value(place, Applicability::safe);
-      if (const Key *const key = place.trace().row_of(*place.item()))
-        diagnosis.remedy = remedy_of_more(*key);
-      return;
+      return mend_unquoted_value(place, diagnosis);
     case Rule::comment_in_value:
       diagnosis.fix = whole_value(place, Applicability::unsafe);
       return;
@@ -215,7 +248,8 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
           fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
       return;
     case Rule::bad_protocol:
-      return mend_protocol(place, diagnosis);
+      if (!mend_joined_items(place, diagnosis)) mend_protocol(place, diagnosis);
+      return;
     case Rule::missing_equal:
       diagnosis.fix = with_equal(place);
       return;
