@@ -309,6 +309,17 @@ TEST_F(FileRules, ManyParenthesesAreOneFindingAndOneEdit) {
 }
 
 // From so many on, one edit takes less memory.
+// Reading the rest of the file for each of them would take minutes.
+TEST_F(FileRules, OfManyLinesThatAreNoValueEachIsReadOnce) {
+  for (const std::string line :
+       {"a = \\\n", "a = DESCRIPTION = (X\n", "a = {DESCRIPTION\n", "/*\n"}) {
+    std::string text;
+    for (int i = 0; i < 100'000; ++i) text += line;
+    const kztns::NamesText names(text);
+    EXPECT_GE(kztns::check_once(names, {.file = "names"}).findings.size(), 1000u) << line;
+  }
+}
+
 TEST_F(FileRules, ManyLineEndsAreOneEdit) {
   constexpr std::size_t most = 100'000;
   const std::string ends(most, '\r');

@@ -57,7 +57,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
   if (Fix fix = fix_of_long_comment(text, at)) return fix;
   if (text[at] == '(')
-    if (Fix fix = without_parentheses_of_entry(text, at)) return fix;
+    if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.

@@ -206,7 +206,9 @@ class StopExplainer {
     if (is_foreign_comment(name)) return foreign_comment();
     Trace trace(subject_.text.text());
     build_entry(subject_.text.text(), equal + 1, name, trace);
-    Diagnosis found = diagnose(subject_, trace, name);
+    Subject subject = subject_;
+    subject.end = end_of_bare_value(text(), stop_.at);
+    Diagnosis found = diagnose(subject, trace, name);
     return {found.rule, found.at, std::move(found.text), std::move(found.remedy),
             std::move(found.fix)};
   }

@@ -85,10 +85,17 @@ class StrayText {
   // All of the entry at once: who writes one writes them on each line.
   bool mend_continuations() {
     std::vector<Edit> edits;
+    std::int64_t depth = 0;
     TokenReader tokens(text_, at_);
-    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
-      if (is_continuation(token.span)) edits.push_back(without_blanks_before(token.span));
-    if (edits.empty() || edits[0].end != at_ + 1) return false;
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+      if (is_continuation(token.span))
+        edits.push_back(without_blanks_before(token.span));
+      else if (edits.empty() || (is_of_entry() && depth == 0 && token.kind != TokenKind::open))
+        break;
+      if (token.kind == TokenKind::open) ++depth;
+      if (token.kind == TokenKind::close) --depth;
+    }
+    if (edits.empty()) return false;
     return mended("remove \"\\\": an entry goes on by itself", safe_fix(std::move(edits)));
   }
 
@@ -151,7 +158,9 @@ class StrayText {
       edits.push_back({at, at + static_cast<Offset>(bracket.size()), parenthesis});
       return true;
     };
-    for (Offset at = at_; at < text_.size(); ++at) {
+    // Open ones that go deeper are of other entries.
+    constexpr std::size_t most = 100;
+    for (Offset at = at_; at < text_.size() && depth < most; ++at) {
       if (take(at, brackets.open, "(")) ++depth;
       if (take(at, brackets.close, ")") && --depth == 0) return edits;
     }

@@ -208,6 +208,19 @@ Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
   return limit;
 }
 
+Offset end_of_bare_value(std::string_view text, Offset at) {
+  for (Offset line = end_of_line(text, at); line < text.size(); line = end_of_line(text, line)) {
+    const auto name =
+        static_cast<Offset>(std::min(text.find_first_not_of(blanks_of_line, ++line), text.size()));
+    const Offset end = end_of_word(text, name);
+    const std::size_t equal = text.find_first_not_of(" \t", end);
+    if (end > name && equal < text.size() && text[equal] == '=' &&
+        !item_word(text.substr(name, end - name)))
+      return line;
+  }
+  return static_cast<Offset>(text.size());
+}
+
 std::optional<Offset> end_of_items(std::string_view text, Offset body) {
   std::optional<Offset> end;
   for (Offset open = pass_blanks(text, body); open < text.size() && text[open] == '(';

@@ -22,6 +22,10 @@ Offset end_of_word(std::string_view text, Offset begin);
 // most a limit.
 Offset end_of_stray_text(std::string_view text, Offset at, Offset limit);
 
+// The end of a value that begins at a place and is no block: where a line begins that seems to
+// begin another entry.
+Offset end_of_bare_value(std::string_view text, Offset at);
+
 // After all items of an entry's value, "(...) (...)"; absent when one is not closed
 // before the end of the text.
 std::optional<Offset> end_of_items(std::string_view text, Offset body);

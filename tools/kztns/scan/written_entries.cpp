@@ -74,10 +74,8 @@ class Scanner {
 
   // Who puts entries into such a comment wants them no more.
   bool pass_long_comment() {
-    if (depth_ > 0 || no_long_comment_ || !indentation_only()) return false;
-    if (!text_.substr(at_).starts_with("/*")) return false;
+    if (depth_ > 0 || !indentation_only()) return false;
     const std::optional<Offset> end = end_of_long_comment(text_, at_);
-    no_long_comment_ = !end;
     if (end) at_ = line_ = *end;
     return end.has_value();
   }
@@ -144,7 +142,6 @@ class Scanner {
   Offset at_ = 0;
   Offset line_ = 0;  // where the line begins; after at_ when it has tokens already
   Offset no_entry_before_ = 0;
-  bool no_long_comment_ = false;  // whether none is closed from here on
   std::int64_t depth_ = 0;
   char last_ = '\0';
 };
@@ -166,9 +163,13 @@ Offset pass_blanks(std::string_view text, Offset from) {
 
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
   if (!text.substr(at).starts_with("/*")) return std::nullopt;
-  const std::size_t close = text.find("*/", at + 2);
-  if (close == std::string_view::npos) return std::nullopt;
-  return static_cast<Offset>(close + 2);
+  // One in which another one begins was forgotten to be closed.
+  for (std::size_t star = text.find('*', at + 2); star != std::string_view::npos;
+       star = text.find('*', star + 1)) {
+    if (text.substr(star + 1).starts_with('/')) return static_cast<Offset>(star + 2);
+    if (text[star - 1] == '/') return std::nullopt;
+  }
+  return std::nullopt;
 }
 
 void for_each_written_entry(std::string_view text,
