@@ -83,6 +83,9 @@ std::vector<Row> key_rows() {
       // Of two blocks that could take the item none is the right one.
       unchanged("(DESCRIPTION=(SID=s)(CONNECT_DATA=(KZ_MODE=1))(CONNECT_DATA=(KZ_MODE=2))" +
                 address + ")"),
+      // Nothing is lost with the parentheses around several items.
+      in_description("(" + address + "," + address + ")" + data,
+                     "(ADDRESS_LIST = " + address + address + ")" + data),
       // Another item may begin in a value.
       unchanged("(DESCRIPTION=(ADDRESS=(HOST=h SDU = 1 (PORT=1)))" + data + ")"),
   };

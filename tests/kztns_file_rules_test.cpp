@@ -36,6 +36,14 @@ TEST_F(FileRules, OneLineTellsWhatIsLost) {
             "it\n");
 }
 
+TEST_F(FileRules, WhatAnEntryHidesIsNotLostToTheNextStop) {
+  const std::string text = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) # (\n" +
+                           "  (CONNECT_DATA = (SID = s)))\n"s + entry("b") + "# )\nstray\n" +
+                           entry("c");
+  EXPECT_EQ(count_of(told(text), "the entry after it is lost: b"), 1u);
+  EXPECT_EQ(count_of(told(text), "the entry after it is lost: c"), 1u);
+}
+
 TEST_F(FileRules, AfterTheReservedEntryOneLineIsEnough) {
   const std::string reserved = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
   EXPECT_EQ(
@@ -237,47 +245,6 @@ TEST_F(FileRules, StrayTextBecomesAComment) {
   expect_served(unsafely_fixed(text), {"a", "b"});
 }
 
-TEST_F(FileRules, ACommentOfSeveralLinesHidesItsEntries) {
-  const std::string comment = "/* old:\n" + entry("b") + "*/\n";
-  EXPECT_EQ(told(entry("a") + comment + entry("c")),
-            "2:1 stray-text: \"/*\" is read as a name, but no \"=\" follows: the entry after it is "
-            "lost: c\n");
-  EXPECT_EQ(unsafely_fixed(entry("a") + comment + entry("c")),
-            entry("a") + "# /* old:\n# " + entry("b") + "# */\n" + entry("c"));
-  // An entry on its last line, and one that has no end.
-  EXPECT_EQ(unsafely_fixed("/* one */ " + entry("a")), "# /* one */\n" + entry("a"));
-  EXPECT_EQ(unsafely_fixed("/* one\n" + entry("a")), "# /* one\n" + entry("a"));
-}
-
-TEST_F(FileRules, ParenthesesAroundAnEntryAreRemoved) {
-  const std::string rest = entry("b");
-  EXPECT_EQ(told("(a = " + block + ")\n" + rest),
-            "1:1 stray-text: expected a name, found \"(\": the entry after it is lost: b\n");
-  EXPECT_EQ(unsafely_fixed("(a = " + block + ")\n" + rest), "a = " + block + "\n" + rest);
-  EXPECT_EQ(unsafely_fixed("(a = 1)\n" + rest), "# (a = 1)\n" + rest);
-  EXPECT_EQ(unsafely_fixed("(a)\n" + rest), "# (a)\n" + rest);
-}
-
-TEST_F(FileRules, AnEntryThatIsOnlyOpenedEndsBeforeTheNextOne) {
-  const std::string text = "a = (\n" + entry("b") + entry("c");
-  EXPECT_EQ(count_of(told(text), "expected \")\" before the next entry at 2:1"), 1u);
-  expect_served(unsafely_fixed(text), {"b", "c"});
-}
-
-TEST_F(FileRules, OfTwoOpenBlocksTheSecondIsNotSaidToEndWithTheFile) {
-  const std::string text =
-      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(CONNECT_DATA = (SID = s))\n" + entry("b");
-  EXPECT_EQ(count_of(told(text), "DESCRIPTION is not closed: expected \")\" before the next entry"),
-            1u);
-  expect_served(unsafely_fixed(text), {"a", "b"});
-}
-
-TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
-  const std::string text = "a = \\\n  " + block + "\n" + entry("b");
-  EXPECT_EQ(count_of(told(text), "stray-text"), 0u);
-  expect_served(safely_fixed(text), {"a", "b"});
-}
-
 TEST_F(FileRules, AWordAtTheEndBecomesAComment) {
   EXPECT_EQ(unsafely_fixed(entry("a") + "b"), entry("a") + "# b");
   EXPECT_EQ(safely_fixed(entry("a") + "b"), entry("a") + "b");
@@ -309,17 +276,6 @@ TEST_F(FileRules, ManyParenthesesAreOneFindingAndOneEdit) {
 }
 
 // From so many on, one edit takes less memory.
-// Reading the rest of the file for each of them would take minutes.
-TEST_F(FileRules, OfManyLinesThatAreNoValueEachIsReadOnce) {
-  for (const std::string line :
-       {"a = \\\n", "a = DESCRIPTION = (X\n", "a = {DESCRIPTION\n", "/*\n"}) {
-    std::string text;
-    for (int i = 0; i < 100'000; ++i) text += line;
-    const kztns::NamesText names(text);
-    EXPECT_GE(kztns::check_once(names, {.file = "names"}).findings.size(), 1000u) << line;
-  }
-}
-
 TEST_F(FileRules, ManyLineEndsAreOneEdit) {
   constexpr std::size_t most = 100'000;
   const std::string ends(most, '\r');

@@ -110,6 +110,11 @@ TEST(TreeDigest, TellsEveryFieldThatTheJsonTells) {
   }
 }
 
+TEST(TreeDigest, TellsTheName) {
+  EXPECT_NE(OneTree("a = (DESCRIPTION = (ADDRESS = (HOST = h)))").digest,
+            OneTree("b = (DESCRIPTION = (ADDRESS = (HOST = h)))").digest);
+}
+
 TEST(TreeDigest, TellsTheShapeOfTheTree) {
   const std::vector<std::string> entries = {
       entry_with(Block::address, "(HOST = h)"),

@@ -18,7 +18,7 @@ constexpr sb8 largest_port = 65535;  // TCP's
 
 // Of templates, what separates values elsewhere, and quotes that quote nothing here: the last
 // four are those of word processors.
-constexpr std::string_view not_of_hosts[] = {"<", ">",      "${",     ",",      ";",
+constexpr std::string_view not_of_hosts[] = {"<", ">",      "{",      "}",      ",",     ";",
                                              "'", "\u2018", "\u2019", "\u201C", "\u201D"};
 
 std::optional<sb8> number(std::string_view text) {

@@ -35,25 +35,32 @@ Fix without_parentheses_of_entry(std::string_view text, Offset open) {
   if (!entry || entry->key.begin == entry->key.end) return {};
   const std::vector<WrittenItem> items = items_from(text, entry->value);
   if (items.empty() || pass_blanks(text, items.back().end) + 1 != entry->end) return {};
-  const Span key = items[0].key;
-  if (!opens_block(item_word(text.substr(key.begin, key.end - key.begin)))) return {};
+  const auto word_of = [&](const WrittenItem &item) {
+    return item_word(text.substr(item.key.begin, item.key.end - item.key.begin));
+  };
+  if (word_of(*entry) || !opens_block(word_of(items[0]))) return {};
   return unsafe_fix({{open, open + 1, {}}, {entry->end - 1, entry->end, {}}});
 }
 
-// "/* ... */"; what comes after it on its line begins a line of its own.
-Fix fix_of_long_comment(std::string_view text, Offset at) {
-  const std::optional<Offset> end = end_of_long_comment(text, at);
-  if (!end) return {};
-  std::vector<Edit> edits = comment_lines(text, at, *end);
-  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, *end), text.size());
-  if (next < text.size() && text[next] != '\n')
-    edits.push_back({*end, static_cast<Offset>(next), "\n"});
-  return unsafe_fix(std::move(edits));
+// After semicolons before an item or an entry on their line; absent for others, which begin a
+// comment for other readers.
+std::optional<Offset> end_of_separator(std::string_view text, Offset at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
+  if (text[at] != ';' || before == std::string_view::npos || text[before] == '\n')
+    return std::nullopt;
+  const std::string_view line = text.substr(0, end_of_line(text, at));
+  const std::size_t end = std::min(line.find_first_not_of(';', at), line.size());
+  std::size_t open = std::min(line.find_first_not_of(" \t", end), line.size());
+  if (line.substr(open).find('=') < line.substr(open).find('('))
+    open = line.find_first_not_of("= \t", end_of_word(line, static_cast<Offset>(open)));
+  if (open >= line.size() || line[open] != '(') return std::nullopt;
+  return static_cast<Offset>(end);
 }
 
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   const Offset line_end = end_of_line(text, at);
+  if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
   if (Fix fix = fix_of_long_comment(text, at)) return fix;
   if (text[at] == '(')
@@ -61,7 +68,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.
-  if (end == limit && limit < line_end) return {};
+  if (value_on_line(text, at) || (end == limit && limit < line_end)) return {};
   return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
 }
 
@@ -134,6 +141,16 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
 }
 
 }  // namespace
+
+Fix fix_of_long_comment(std::string_view text, Offset at) {
+  const std::optional<Offset> end = end_of_long_comment(text, at);
+  if (!end) return {};
+  std::vector<Edit> edits = comment_lines(text, at, *end);
+  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, *end), text.size());
+  if (next < text.size() && text[next] != '\n')
+    edits.push_back({*end, static_cast<Offset>(next), "\n"});
+  return unsafe_fix(std::move(edits));
+}
 
 Offset end_of_colon(std::string_view text, Offset colon) {
   return colon + (text.substr(colon).starts_with(":=") ? 2 : 1);

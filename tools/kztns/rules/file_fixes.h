@@ -9,6 +9,10 @@ namespace kztns {
 // Of what ends lookups between entries; none where another fix is for it.
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, const StopCause &cause);
 
+// Makes comments of the lines of a comment in "/*" and "*/" at a place; what comes after it on its
+// line begins a line of its own. None where it is not closed.
+Fix fix_of_long_comment(std::string_view text, Offset at);
+
 // Parentheses in the comments of an entry that have no partner in the same comment become
 // brackets.
 Fix fix_of_comments(std::string_view text, Offset body, Offset end);

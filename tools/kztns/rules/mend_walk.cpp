@@ -10,8 +10,12 @@
 namespace kztns {
 namespace {
 
-// Whether what is wrong is the name itself, which its fix changes.
-bool is_about_name(const Finding &finding) { return row_of(finding.rule).concern == Concern::name; }
+// Whether what is wrong is the name itself, which its fix changes. A comma may be before a name or
+// after the entry.
+bool is_about_name(const Finding &finding, Offset entry) {
+  if (finding.rule == Rule::stray_comma && finding.at != entry) return false;
+  return row_of(finding.rule).concern == Concern::name;
+}
 
 }  // namespace
 
@@ -125,7 +129,9 @@ Mender::Walk::Units Mender::Walk::to_blame_in(std::size_t entry, const Units &op
 
 bool Mender::Walk::is_renamed(std::size_t entry) const {
   for (std::size_t i = 0; i < applied_.size(); ++i)
-    if (applied_[i] && entries_[i] == entry && is_about_name(report_.findings[i])) return true;
+    if (applied_[i] && entries_[i] == entry &&
+        is_about_name(report_.findings[i], mender_.served().start_of(entry)))
+      return true;
   return false;
 }
 

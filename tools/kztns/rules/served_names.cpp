@@ -40,7 +40,8 @@ void ServedNames::take(const EntryView &view) {
   if (view.service == nullptr) return;
   const bool served = view.entry.verdict == Verdict::ok || view.entry.verdict == Verdict::reserved;
   std::vector<ServedName> &names = served ? names_ : unserved_;
-  names.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at});
+  names.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at,
+                   view.entry.verdict == Verdict::reserved});
 }
 
 void ServedNames::sort() {
@@ -62,6 +63,9 @@ std::vector<ServedName> ServedNames::not_in(const ServedNames &others) const {
   std::vector<ServedName> missing;
   std::set_difference(names_.begin(), names_.end(), others.names_.begin(), others.names_.end(),
                       std::back_inserter(missing), comes_before);
+  // Settings that a fault kept from the reserved entry may come to it.
+  std::erase_if(missing,
+                [&](const ServedName &one) { return one.reserved && others.has(one.name); });
   return missing;
 }
 

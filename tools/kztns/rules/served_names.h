@@ -14,6 +14,7 @@ struct ServedName {
   std::uint64_t name;
   std::uint64_t tree;
   Offset at;
+  bool reserved;  // whether it is the entry of settings
 };
 
 class ServedNames {
@@ -33,7 +34,8 @@ class ServedNames {
   // Whether a name is served, given as a digest.
   bool has(std::uint64_t name) const;
 
-  // Those that are not served, or not with the same tree, by others.
+  // Those that are not served, or not with the same tree, by others. The reserved entry may have
+  // other settings there.
   std::vector<ServedName> not_in(const ServedNames &others) const;
 
   // Where the entry that is so counted begins.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "rules/file_fixes.h"
 #include "scan/further_stops.h"
 #include "scan/item_words.h"
 #include "scan/tokens.h"
@@ -36,10 +37,12 @@ class StrayText {
     if (at_ >= text_.size() || (place_.item() == nullptr && !is_of_entry())) return false;
     switch (diagnosis_.rule) {
       case Rule::unquoted_value:
-        // Of "=> VALUE" the sign is taken for the value.
-        at_ = place_.item()->value.begin;
-        return mend_signs();
       case Rule::missing_value:
+      case Rule::bad_protocol:
+      case Rule::bad_word:
+      case Rule::bad_number:
+        // Of "=> VALUE" the sign is taken for the value, of "== VALUE" nothing.
+        at_ = begin_of_value();
         return mend_signs();
       case Rule::no_block:
       case Rule::value_for_block:
@@ -54,6 +57,12 @@ class StrayText {
  private:
   bool is_of_entry() const { return diagnosis_.rule == Rule::no_block; }
   bool is_between_items() const { return diagnosis_.rule == Rule::missing_close; }
+
+  // Where the value of the item at hand begins as it is written.
+  Offset begin_of_value() const {
+    const std::optional<WrittenItem> item = item_at(text_, place_.item()->open);
+    return item ? pass_blanks(text_, item->value) : static_cast<Offset>(text_.size());
+  }
 
   bool mended(std::string remedy, Fix fix) {
     diagnosis_.remedy = std::move(remedy);
@@ -99,41 +108,96 @@ class StrayText {
     return mended("remove \"\\\": an entry goes on by itself", safe_fix(std::move(edits)));
   }
 
-  // "==" and "=>", which other notations have for "=".
+  // "==" and "=>", which other notations have for "=": all of the entry at once, too.
   bool mend_signs() {
     const Offset end = after("=>");
-    const Offset value = pass_blanks(text_, end);
-    if (end == at_ || is_between_items() || !fits(value)) return false;
-    const bool after_blank = is_blank(text_[at_ - 1]);
-    const Offset next = after("=> \t");
-    return mended(remedy_of_removal(end), safe_fix({{at_, after_blank ? next : end, {}}}));
+    if (end == at_ || is_between_items() || !is_value(pass_blanks(text_, end))) return false;
+    std::vector<Edit> edits;
+    std::int64_t depth = 0;
+    Token before = {TokenKind::equal, {at_, at_}};
+    TokenReader tokens(text_, at_);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+      if (is_of_entry() && depth == 0 && token.span.begin >= end && token.kind != TokenKind::open)
+        break;
+      if (before.kind == TokenKind::equal && is_sign_of_equal(token))
+        edits.push_back(without_signs(token.span.begin));
+      else
+        before = token;
+      if (token.kind == TokenKind::open) ++depth;
+      if (token.kind == TokenKind::close) --depth;
+    }
+    return mended(remedy_of_removal(end), safe_fix(joined(std::move(edits))));
   }
 
-  // Whether what begins at a place may be the value at hand.
-  bool fits(Offset value) const {
-    const Key *const key = is_of_entry() ? nullptr : place_.trace().row_of(*place_.item());
-    if (key == nullptr || key->value.kind == ValueKind::block) return stands_at(text_, value, '(');
-    const Offset end = end_of_word(text_, value);
-    return end > value && stands_at(text_, pass_blanks(text_, end), ')');
+  bool is_sign_of_equal(const Token &token) const {
+    return token.kind == TokenKind::equal ||
+           (token.kind == TokenKind::word && text_[token.span.begin] == '>');
   }
 
-  // Commas and semicolons between items.
+  // The blanks after them, too, where there are some before them.
+  Edit without_signs(Offset at) const {
+    const std::size_t end = text_.find_first_not_of("=>", at);
+    const std::size_t next = text_.find_first_not_of("=> \t", at);
+    const std::size_t last = is_blank(text_[at - 1]) ? next : end;
+    return {at, static_cast<Offset>(std::min(last, text_.size())), {}};
+  }
+
+  // Those that another one covers are left out.
+  static std::vector<Edit> joined(std::vector<Edit> edits) {
+    std::vector<Edit> apart;
+    for (Edit &edit : edits)
+      if (apart.empty() || edit.begin >= apart.back().end) apart.push_back(std::move(edit));
+    return apart;
+  }
+
+  // Whether a value, or a block, begins at a place.
+  bool is_value(Offset at) const {
+    return stands_at(text_, at, '(') || (!is_of_entry() && end_of_word(text_, at) > at);
+  }
+
+  // Commas and semicolons between items. What comes after a semicolon on its line is a comment to
+  // other readers, and all of a line that begins with it.
   bool mend_separators() {
     const Offset end = after(",;");
     const Offset next = pass_blanks(text_, end);
     if (end == at_ || !(stands_at(text_, next, '(') || stands_at(text_, next, ')'))) return false;
-    return mended(remedy_of_removal(end), safe_fix({{at_, end, {}}}));
+    const bool may_be_comment = text_[at_] == ';' && next < end_of_line(text_, at_);
+    if (may_be_comment && begins_line()) return false;
+    const Applicability applicability =
+        may_be_comment ? Applicability::unsafe : Applicability::safe;
+    return mended(remedy_of_removal(end), {applicability, {{at_, end, {}}}});
+  }
+
+  bool begins_line() const {
+    const std::size_t before = text_.substr(0, at_).find_last_not_of(" \t");
+    return before == std::string_view::npos || text_[before] == '\n';
   }
 
   bool mend_comment() {
+    if (end_of_long_comment(text_, at_)) return mend_long_comment();
     if (!is_foreign_comment(text_.substr(at_, 2))) return false;
     const Offset end = end_of_line(text_, at_);
-    const bool has_signs =
-        text_.substr(at_, end - at_).find_first_of("()\"") != std::string_view::npos;
     const Offset next = pass_blanks(text_, end);
-    if (has_signs || next >= text_.size() || (text_[next] != '(' && text_[next] != ')'))
-      return false;
+    const bool goes_on = stands_at(text_, next, '(') || stands_at(text_, next, ')');
+    if (!goes_on || !is_balanced(end)) return false;
     return mended("begin the comment with \"#\"", safe_fix({{at_, at_, "# "}}));
+  }
+
+  // Without a fix, the words before its items would be removed, and those mean something then.
+  bool mend_long_comment() {
+    const Offset end = *end_of_long_comment(text_, at_);
+    return mended("begin each line of the comment with \"#\"",
+                  is_balanced(end) ? fix_of_long_comment(text_, at_) : Fix());
+  }
+
+  // Whether the parentheses up to a place match: lookups count those of comments.
+  bool is_balanced(Offset end) const {
+    std::int64_t depth = 0;
+    for (const char c : text_.substr(at_, end - at_)) {
+      depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+      if (depth < 0) return false;
+    }
+    return depth == 0;
   }
 
   // "{KEY = ...}"
@@ -176,7 +240,8 @@ class StrayText {
         stands_at(text_, value, '(') ? end_of_items(text_, value) : end_of_word(text_, value);
     if (!end || *end == value) return false;
     const Offset next = pass_blanks(text_, *end);
-    if (next < text_.size() && text_[next] != ')') return false;
+    const bool before_item = is_between_items() && stands_at(text_, next, '(');
+    if (next < text_.size() && text_[next] != ')' && !before_item) return false;
     return mended("put the item in parentheses", unsafe_fix({{at_, at_, "("}, {*end, *end, ")"}}));
   }
 
@@ -197,8 +262,13 @@ class StrayText {
     if (!before_item && !(text_[end] == ')' && is_between_items())) return false;
     if (!is_between_items() && !opens_block(word_at(text_, pass_blanks(text_, end + 1))))
       return false;
-    if (has_key(end) || is_foreign_comment(text_.substr(at_, 2))) return false;
+    if (has_key(end) || is_comment()) return false;
     return mended(remedy_of_removal(end), unsafe_fix({{at_, end, {}}}));
+  }
+
+  // Of other readers; what is in it is not to come to life.
+  bool is_comment() const {
+    return is_foreign_comment(text_.substr(at_, 2)) || text_.substr(at_).starts_with("/*");
   }
 
   // Whether one of the words is a key: an item without parentheses.

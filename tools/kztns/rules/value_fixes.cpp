@@ -161,9 +161,10 @@ Fix with_equal(const FaultPlace &place) {
 Fix without_outer_parentheses(const FaultPlace &place, Offset open) {
   const std::optional<WrittenItem> outer = item_at(place.text(), open);
   const std::vector<WrittenItem> inner = items_from(place.text(), open + 1);
-  if (!outer || inner.empty() || pass_blanks(place.text(), inner.back().end) + 1 != outer->end)
-    return {};
-  return safe_fix({{open, open + 1, {}}, {outer->end - 1, outer->end, {}}});
+  if (!outer || inner.empty()) return {};
+  const bool only_items = pass_blanks(place.text(), inner.back().end) + 1 == outer->end;
+  return {only_items ? Applicability::safe : Applicability::unsafe,
+          {{open, open + 1, {}}, {outer->end - 1, outer->end, {}}}};
 }
 
 // "()" says nothing; more than that is lost.

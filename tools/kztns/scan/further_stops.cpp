@@ -95,20 +95,32 @@ class FurtherStops {
     const Offset limit = next_entry(entry.body);
     const std::string_view before = text_.substr(0, limit);
     const Offset open = pass_blanks(before, entry.body);
-    if (type_at(before, open) != TNS_LEFT_PARENTHESES) return after_words(open, limit);
+    if (type_at(before, open) != TNS_LEFT_PARENTHESES)
+      return after_words(scan_.name(entry), open, limit);
     const auto end = ends_lookups(scan_.name(entry)) ? end_of_items(before, entry.body)
                                                      : end_of_item(before, open);
     return end.value_or(limit);
   }
 
-  // After a line that is no value, and the value that may follow it.
-  Offset after_words(Offset at, Offset limit) const {
+  // After words that are no value, and the value that may follow them, on their line or the next.
+  Offset after_words(std::string_view name, Offset at, Offset limit) const {
     const Offset end = std::min(end_of_line(text_, at), limit);
-    const std::vector<WrittenItem> items = items_from(text_.substr(0, limit), end);
-    if (items.empty()) return end;
-    const Span key = items[0].key;
-    const bool is_value = opens_block(item_word(text_.substr(key.begin, key.end - key.begin)));
-    return is_value ? items.back().end : end;
+    const std::string_view value = text_.substr(0, std::min(limit, end_of_bare_value(text_, at)));
+    const std::size_t first = value.substr(0, end).find('(', at);
+    const Offset open =
+        first == std::string_view::npos ? pass_blanks(value, end) : static_cast<Offset>(first);
+    const std::vector<WrittenItem> items = items_from(value, open);
+    const bool is_value = !items.empty() && (opens_block(word_of(items[0])) ||
+                                             (ends_lookups(name) && is_setting(items[0])));
+    return is_value ? std::max(items.back().end, end) : end;
+  }
+
+  ItemWord word_of(const WrittenItem &item) const {
+    return item_word(text_.substr(item.key.begin, item.key.end - item.key.begin));
+  }
+
+  bool is_setting(const WrittenItem &item) const {
+    return placement_of(word_of(item), content_of(Block::system_variables)).fit == Fit::good;
   }
 
   // Where the text after a stop begins that is between entries.
@@ -121,7 +133,9 @@ class FurtherStops {
       default:
         break;
     }
-    if (stop.kind == StopKind::no_open) return after_words(stop.at, limit);
+    if (stop.kind == StopKind::no_open)
+      return after_words(text_.substr(stop.name, end_of_word(text_, stop.name) - stop.name),
+                         stop.at, limit);
     return end_of_stray_text(text_, stop.name, limit);
   }
 
@@ -139,7 +153,10 @@ class FurtherStops {
   // Text between entries: all of it would end lookups.
   void pass_gap(Offset from, Offset to) {
     for (Offset at = pass_blanks(text_, from); at < to; at = pass_blanks(text_, from)) {
-      if (type_at(text_, at) != TNS_KEY) {
+      const std::vector<WrittenItem> settings = settings_from(at, to);
+      if (!settings.empty()) {
+        from = settings.back().end;
+      } else if (type_at(text_, at) != TNS_KEY) {
         const bool block = after_entry_ && text_[at] == '(';
         add(block ? StopKind::after_block : StopKind::no_name, at, at);
         from = after({StopKind::no_name, at, at, type_at(text_, at)}, to);
@@ -148,6 +165,15 @@ class FurtherStops {
       }
       after_entry_ = false;
     }
+  }
+
+  // Those that are the reserved entry's once what is before them is mended.
+  std::vector<WrittenItem> settings_from(Offset at, Offset to) const {
+    if (scan_.stop().kind != StopKind::reserved || type_at(text_, at) != TNS_LEFT_PARENTHESES)
+      return {};
+    std::vector<WrittenItem> items = items_from(text_.substr(0, to), at);
+    if (items.empty() || !is_setting(items[0])) items.clear();
+    return items;
   }
 
   // A word, with what follows: no entry stands at the beginning of a line.
@@ -164,7 +190,7 @@ class FurtherStops {
     if (type_at(text_, value) == TNS_LEFT_PARENTHESES)
       return end_of_item(text_.substr(0, to), value).value_or(to);
     add(StopKind::no_open, value, name);
-    return after_words(value, to);
+    return after_words(text_.substr(name, end_of_word(text_, name) - name), value, to);
   }
 
   const FileScan &scan_;
@@ -194,10 +220,20 @@ bool is_foreign_comment(std::string_view word) {
                      [&](std::string_view begin) { return word.starts_with(begin); });
 }
 
+std::optional<Offset> value_on_line(std::string_view text, Offset at) {
+  const std::size_t sign = text.substr(0, end_of_line(text, at)).find_first_of("()=", at);
+  if (sign == std::string_view::npos || text[sign] != '=') return std::nullopt;
+  const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
+  if (open >= text.size() || text[open] != '(') return std::nullopt;
+  return open;
+}
+
 Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
   std::int64_t depth = 0;
   if (is_foreign_comment(text.substr(at, 2))) return std::min(end_of_line(text, at), limit);
   if (const auto end = end_of_long_comment(text.substr(0, limit), at)) return *end;
+  if (const auto open = value_on_line(text.substr(0, limit), at))
+    return end_of_item(text.substr(0, limit), *open).value_or(limit);
   for (Offset from = at; from < limit;) {
     const Offset end = std::min(end_of_line(text, from), limit);
     const std::string_view line = text.substr(from, end - from);

@@ -17,6 +17,10 @@ bool is_foreign_comment(std::string_view word);
 // The end of a word that begins at a place, as far as the library reads it.
 Offset end_of_word(std::string_view text, Offset begin);
 
+// The "(" of an entry whose name is on the line of a place, before any parenthesis; absent for
+// none.
+std::optional<Offset> value_on_line(std::string_view text, Offset at);
+
 // The end of text that begins at a place and is no entry: of its line or, when
 // parentheses are open there and it is no comment, of the line where they are closed; at
 // most a limit.

@@ -114,7 +114,7 @@ class Scanner {
       last_ = 'k';
     }
     // Blanks after another token are no indentation.
-    if (!is_blank(c)) line_ = at_ + 1;
+    if (!is_blank(c)) line_ = static_cast<Offset>(text_.size());
   }
 
   void pass_key() {

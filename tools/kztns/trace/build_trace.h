@@ -153,7 +153,9 @@ class Trace : public LogListener {
 
   Frame &top() { return frames_[static_cast<std::size_t>(top_)]; }
   Offset last_key() const { return items_.empty() ? here() : items_.back().key.begin; }
-  Offset last_value() const { return items_.empty() ? here() : items_.back().value.begin; }
+  Offset last_value() const {
+    return items_.empty() || !items_.back().has_value ? here() : items_.back().value.begin;
+  }
 
   const std::string &text_;
   const KZCITnsParseParams *params_ = nullptr;

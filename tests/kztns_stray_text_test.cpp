@@ -1,0 +1,101 @@
+// Text where none belongs, in entries and between them: what is told of it, and what fix leaves.
+#include "rules/mend_file.h"
+#include "support/checked_file.h"
+
+using namespace std::string_literals;
+using namespace support;
+
+namespace {
+
+std::string left_by_mender(const std::string &content, bool with_unsafe) {
+  const kztns::NamesText original(content);
+  kztns::Mender mender(original, {"names.ora", with_unsafe});
+  mender.apply_fixes();
+  return mender.text().text();
+}
+
+}  // namespace
+
+TEST_F(FileRules, ACommentOfSeveralLinesHidesItsEntries) {
+  const std::string comment = "/* old:\n" + entry("b") + "*/\n";
+  EXPECT_EQ(told(entry("a") + comment + entry("c")),
+            "2:1 stray-text: \"/*\" is read as a name, but no \"=\" follows: the entry after it is "
+            "lost: c\n");
+  EXPECT_EQ(unsafely_fixed(entry("a") + comment + entry("c")),
+            entry("a") + "# /* old:\n# " + entry("b") + "# */\n" + entry("c"));
+  // An entry on its last line, and one that has no end.
+  EXPECT_EQ(unsafely_fixed("/* one */ " + entry("a")), "# /* one */\n" + entry("a"));
+  EXPECT_EQ(unsafely_fixed("/* one\n" + entry("a")), "# /* one\n" + entry("a"));
+}
+
+TEST_F(FileRules, ParenthesesAroundAnEntryAreRemoved) {
+  const std::string rest = entry("b");
+  EXPECT_EQ(told("(a = " + block + ")\n" + rest),
+            "1:1 stray-text: expected a name, found \"(\": the entry after it is lost: b\n");
+  EXPECT_EQ(unsafely_fixed("(a = " + block + ")\n" + rest), "a = " + block + "\n" + rest);
+  EXPECT_EQ(unsafely_fixed("(a = 1)\n" + rest), "# (a = 1)\n" + rest);
+  EXPECT_EQ(unsafely_fixed("(a)\n" + rest), "# (a)\n" + rest);
+}
+
+TEST_F(FileRules, AnEntryThatIsOnlyOpenedEndsBeforeTheNextOne) {
+  const std::string text = "a = (\n" + entry("b") + entry("c");
+  EXPECT_EQ(count_of(told(text), "expected \")\" before the next entry at 2:1"), 1u);
+  expect_served(unsafely_fixed(text), {"b", "c"});
+}
+
+TEST_F(FileRules, OfTwoOpenBlocksTheSecondIsNotSaidToEndWithTheFile) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(CONNECT_DATA = (SID = s))\n" + entry("b");
+  EXPECT_EQ(count_of(told(text), "DESCRIPTION is not closed: expected \")\" before the next entry"),
+            1u);
+  expect_served(unsafely_fixed(text), {"a", "b"});
+}
+
+TEST_F(FileRules, SettingsComeToTheReservedEntryAgain) {
+  const std::string first = "KZCISYSTEMVARIABLES = (LOG_LEVEL = WARN)";
+  const std::string second = "(LOG_COUNT = 3)\n";
+  EXPECT_EQ(left_by_mender(first + ", " + second, false), first + " " + second);
+  EXPECT_EQ(left_by_mender(first + "\n// c\n" + second, false), first + "\n# // c\n" + second);
+  EXPECT_EQ(left_by_mender(first + ";" + second, true), first + second);
+  EXPECT_EQ(left_by_mender(first + ")" + second, true), first + second);
+  EXPECT_EQ(left_by_mender("KZCISYSTEMVARIABLES = \\\n(LOG_LEVEL = WARN) \\\n" + second, true),
+            "KZCISYSTEMVARIABLES =\n(LOG_LEVEL = WARN)\n" + second);
+  // Those in force are not given up for one that is refused.
+  EXPECT_EQ(left_by_mender(first + ", (LOG_COUNT = x)\n", true), first + ", (LOG_COUNT = x)\n");
+}
+
+TEST_F(FileRules, AColonMakesNoEntryOfItsOwn) {
+  EXPECT_EQ(left_by_mender("a := " + block + "\n", true), "a = " + block + "\n");
+  EXPECT_EQ(left_by_mender("a = (DESCRIPTION := (SID = s))\n", false).find("\n:"),
+            std::string::npos);
+}
+
+TEST_F(FileRules, ASemicolonBeforeAnEntryOnItsLineIsRemoved) {
+  EXPECT_EQ(left_by_mender("a = " + block + "; b = " + block + "\n", true),
+            "a = " + block + " b = " + block + "\n");
+  EXPECT_EQ(left_by_mender("a = " + block + " ; b\n" + entry("c"), false),
+            "a = " + block + " # ; b\n" + entry("c"));
+}
+
+TEST_F(FileRules, OfTextBeforeABlockTheBlockIsNotToldToo) {
+  EXPECT_EQ(
+      told("a = = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n (CONNECT_DATA = (SID = s)))\n"),
+      "1:5 no-block: expected \"(\" after \"=\", found \"=\"; no lookup gets past it\n");
+}
+
+TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
+  const std::string text = "a = \\\n  " + block + "\n" + entry("b");
+  EXPECT_EQ(count_of(told(text), "stray-text"), 0u);
+  expect_served(safely_fixed(text), {"a", "b"});
+}
+
+// Reading the rest of the file for each of them would take minutes.
+TEST_F(FileRules, OfManyLinesThatAreNoValueEachIsReadOnce) {
+  for (const std::string line :
+       {"a = \\\n", "a = DESCRIPTION = (X\n", "a = {DESCRIPTION\n", "/*\n"}) {
+    std::string text;
+    for (int i = 0; i < 100'000; ++i) text += line;
+    const kztns::NamesText names(text);
+    EXPECT_GE(kztns::check_once(names, {.file = "names"}).findings.size(), 1000u) << line;
+  }
+}
