@@ -33,6 +33,8 @@ TEST_F(FileRules, ParenthesesAroundAnEntryAreRemoved) {
   EXPECT_EQ(told("(a = " + block + ")\n" + rest),
             "1:1 stray-text: expected a name, found \"(\": the entry after it is lost: b\n");
   EXPECT_EQ(unsafely_fixed("(a = " + block + ")\n" + rest), "a = " + block + "\n" + rest);
+  const std::string settings = "KZCISYSTEMVARIABLES = (LOG_LEVEL = WARN)(LOG_COUNT = 3)";
+  EXPECT_EQ(unsafely_fixed("(" + settings + ")\n"), settings + "\n");
   EXPECT_EQ(unsafely_fixed("(a = 1)\n" + rest), "# (a = 1)\n" + rest);
   EXPECT_EQ(unsafely_fixed("(a)\n" + rest), "# (a)\n" + rest);
 }

@@ -35,10 +35,11 @@ Fix without_parentheses_of_entry(std::string_view text, Offset open) {
   if (!entry || entry->key.begin == entry->key.end) return {};
   const std::vector<WrittenItem> items = items_from(text, entry->value);
   if (items.empty() || pass_blanks(text, items.back().end) + 1 != entry->end) return {};
-  const auto word_of = [&](const WrittenItem &item) {
-    return item_word(text.substr(item.key.begin, item.key.end - item.key.begin));
+  const auto key_of = [&](const WrittenItem &item) {
+    return text.substr(item.key.begin, item.key.end - item.key.begin);
   };
-  if (word_of(*entry) || !opens_block(word_of(items[0]))) return {};
+  const std::string_view name = key_of(*entry);
+  if (item_word(name) || !may_be_value(name, item_word(key_of(items[0])))) return {};
   return unsafe_fix({{open, open + 1, {}}, {entry->end - 1, entry->end, {}}});
 }
 

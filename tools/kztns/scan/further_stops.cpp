@@ -28,6 +28,10 @@ KZCITnsTokenType type_at(std::string_view text, Offset at) {
   }
 }
 
+bool is_setting(ItemWord key) {
+  return placement_of(key, content_of(Block::system_variables)).fit == Fit::good;
+}
+
 class FurtherStops {
  public:
   explicit FurtherStops(const FileScan &scan) : scan_(scan), text_(scan.text().text()) {}
@@ -110,17 +114,12 @@ class FurtherStops {
     const Offset open =
         first == std::string_view::npos ? pass_blanks(value, end) : static_cast<Offset>(first);
     const std::vector<WrittenItem> items = items_from(value, open);
-    const bool is_value = !items.empty() && (opens_block(word_of(items[0])) ||
-                                             (ends_lookups(name) && is_setting(items[0])));
+    const bool is_value = !items.empty() && may_be_value(name, word_of(items[0]));
     return is_value ? std::max(items.back().end, end) : end;
   }
 
   ItemWord word_of(const WrittenItem &item) const {
     return item_word(text_.substr(item.key.begin, item.key.end - item.key.begin));
-  }
-
-  bool is_setting(const WrittenItem &item) const {
-    return placement_of(word_of(item), content_of(Block::system_variables)).fit == Fit::good;
   }
 
   // Where the text after a stop begins that is between entries.
@@ -172,7 +171,7 @@ class FurtherStops {
     if (scan_.stop().kind != StopKind::reserved || type_at(text_, at) != TNS_LEFT_PARENTHESES)
       return {};
     std::vector<WrittenItem> items = items_from(text_.substr(0, to), at);
-    if (items.empty() || !is_setting(items[0])) items.clear();
+    if (items.empty() || !is_setting(word_of(items[0]))) items.clear();
     return items;
   }
 
@@ -212,6 +211,10 @@ Offset end_of_word(std::string_view text, Offset begin) {
     if (!in_quotes && word_ends.find(word[i]) != std::string_view::npos) return begin + i;
   }
   return begin + static_cast<Offset>(word.size());
+}
+
+bool may_be_value(std::string_view name, ItemWord key) {
+  return opens_block(key) || (ends_lookups(name) && is_setting(key));
 }
 
 bool is_foreign_comment(std::string_view word) {
