@@ -85,6 +85,20 @@ TEST_F(FileRules, OfTextBeforeABlockTheBlockIsNotToldToo) {
       "1:5 no-block: expected \"(\" after \"=\", found \"=\"; no lookup gets past it\n");
 }
 
+TEST_F(FileRules, AValueAfterCommentsOfOthersIsNoStrayText) {
+  const std::string rest = block + "\n" + entry("b");
+  EXPECT_EQ(left_by_mender("a =\n-- c\n-- d\n" + rest, true), "a =\n# -- c\n# -- d\n" + rest);
+  EXPECT_EQ(count_of(told("a = x # (1)\n" + rest), "stray-text"), 0u);
+  EXPECT_EQ(count_of(told("/* (x) */\n" + entry("b")), "stray-text"), 1u);
+}
+
+TEST_F(FileRules, ANameWithBlanksKeepsItsEntry) {
+  for (const std::string name : {"my db =\n", "my db = ", "my db\n= "}) {
+    const std::string text = name + block + "\n" + entry("b");
+    EXPECT_EQ(left_by_mender(text, true), text);
+  }
+}
+
 TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
   const std::string text = "a = \\\n  " + block + "\n" + entry("b");
   EXPECT_EQ(count_of(told(text), "stray-text"), 0u);
@@ -93,8 +107,8 @@ TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
 
 // Reading the rest of the file for each of them would take minutes.
 TEST_F(FileRules, OfManyLinesThatAreNoValueEachIsReadOnce) {
-  for (const std::string line :
-       {"a = \\\n", "a = DESCRIPTION = (X\n", "a = {DESCRIPTION\n", "/*\n"}) {
+  for (const std::string line : {"a = \\\n", "a = DESCRIPTION = (X\n", "a = {DESCRIPTION\n", "/*\n",
+                                 "HOST = x\n", "a\n= x\n"}) {
     std::string text;
     for (int i = 0; i < 100'000; ++i) text += line;
     const kztns::NamesText names(text);

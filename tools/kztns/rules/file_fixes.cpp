@@ -35,11 +35,8 @@ Fix without_parentheses_of_entry(std::string_view text, Offset open) {
   if (!entry || entry->key.begin == entry->key.end) return {};
   const std::vector<WrittenItem> items = items_from(text, entry->value);
   if (items.empty() || pass_blanks(text, items.back().end) + 1 != entry->end) return {};
-  const auto key_of = [&](const WrittenItem &item) {
-    return text.substr(item.key.begin, item.key.end - item.key.begin);
-  };
-  const std::string_view name = key_of(*entry);
-  if (item_word(name) || !may_be_value(name, item_word(key_of(items[0])))) return {};
+  const std::string_view name = text.substr(entry->key.begin, entry->key.end - entry->key.begin);
+  if (item_word(name) || !may_be_value(name, key_word(text, items[0]))) return {};
   return unsafe_fix({{open, open + 1, {}}, {entry->end - 1, entry->end, {}}});
 }
 
@@ -53,8 +50,10 @@ std::optional<Offset> end_of_separator(std::string_view text, Offset at) {
   const std::size_t end = std::min(line.find_first_not_of(';', at), line.size());
   std::size_t open = std::min(line.find_first_not_of(" \t", end), line.size());
   if (line.substr(open).find('=') < line.substr(open).find('('))
-    open = line.find_first_not_of("= \t", end_of_word(line, static_cast<Offset>(open)));
-  if (open >= line.size() || line[open] != '(') return std::nullopt;
+    open = std::min(line.find_first_not_of("= \t", end_of_word(line, static_cast<Offset>(open))),
+                    line.size());
+  const std::vector<WrittenItem> items = items_from(line, static_cast<Offset>(open));
+  if (items.empty() || !key_word(text, items[0])) return std::nullopt;
   return static_cast<Offset>(end);
 }
 
@@ -69,7 +68,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.
-  if (value_on_line(text, at) || (end == limit && limit < line_end)) return {};
+  if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
   return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
 }
 

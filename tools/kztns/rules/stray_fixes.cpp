@@ -41,13 +41,11 @@ class StrayText {
       case Rule::bad_protocol:
       case Rule::bad_word:
       case Rule::bad_number:
-        // Of "=> VALUE" the sign is taken for the value, of "== VALUE" nothing.
-        at_ = begin_of_value();
-        return mend_signs();
+        return mend_signs(begin_of_value());
       case Rule::no_block:
       case Rule::value_for_block:
       case Rule::missing_close:
-        return mend_continuations() || mend_signs() || mend_separators() || mend_comment() ||
+        return mend_continuations() || mend_signs(at_) || mend_separators() || mend_comment() ||
                mend_brackets() || mend_bare_item() || mend_words();
       default:
         return false;
@@ -58,7 +56,7 @@ class StrayText {
   bool is_of_entry() const { return diagnosis_.rule == Rule::no_block; }
   bool is_between_items() const { return diagnosis_.rule == Rule::missing_close; }
 
-  // Where the value of the item at hand begins as it is written.
+  // Where the value of the item at hand begins as it is written, signs at its beginning included.
   Offset begin_of_value() const {
     const std::optional<WrittenItem> item = item_at(text_, place_.item()->open);
     return item ? pass_blanks(text_, item->value) : static_cast<Offset>(text_.size());
@@ -71,12 +69,12 @@ class StrayText {
   }
 
   // Where the text goes on after some characters; the end where it has only those.
-  Offset after(std::string_view characters) const {
-    return static_cast<Offset>(std::min(text_.find_first_not_of(characters, at_), text_.size()));
+  Offset after(std::string_view characters, Offset at) const {
+    return static_cast<Offset>(std::min(text_.find_first_not_of(characters, at), text_.size()));
   }
 
-  std::string remedy_of_removal(Offset end) const {
-    return "remove " + quoted(excerpt(trimmed(text_.substr(at_, end - at_))));
+  std::string remedy_of_removal(Offset at, Offset end) const {
+    return "remove " + quoted(excerpt(trimmed(text_.substr(at, end - at))));
   }
 
   // Whether the word at a place ends a line on which a shell would go on.
@@ -108,25 +106,31 @@ class StrayText {
     return mended("remove \"\\\": an entry goes on by itself", safe_fix(std::move(edits)));
   }
 
-  // "==" and "=>", which other notations have for "=": all of the entry at once, too.
-  bool mend_signs() {
-    const Offset end = after("=>");
-    if (end == at_ || is_between_items() || !is_value(pass_blanks(text_, end))) return false;
-    std::vector<Edit> edits;
+  // "==" and "=>", which other notations have for "=": after each key of the entry.
+  bool mend_signs(Offset at) {
+    const Offset end = after("=>", at);
+    if (end == at || is_between_items() || !begins_value(pass_blanks(text_, end))) return false;
+    Fix fix = safe_fix({});
     std::int64_t depth = 0;
-    Token before = {TokenKind::equal, {at_, at_}};
-    TokenReader tokens(text_, at_);
-    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
-      if (is_of_entry() && depth == 0 && token.span.begin >= end && token.kind != TokenKind::open)
-        break;
-      if (before.kind == TokenKind::equal && is_sign_of_equal(token))
-        edits.push_back(without_signs(token.span.begin));
-      else
-        before = token;
+    Token before[2] = {{TokenKind::open, {at, at}}, {TokenKind::word, {at, at}}};
+    Token token = {TokenKind::equal, {at, at}};
+    TokenReader tokens(text_, at);
+    while (token.kind != TokenKind::end) {
+      const bool after_key = token.kind == TokenKind::equal && before[1].kind == TokenKind::word &&
+                             before[0].kind == TokenKind::open;
       if (token.kind == TokenKind::open) ++depth;
       if (token.kind == TokenKind::close) --depth;
+      before[0] = std::exchange(before[1], token);
+      token = tokens.next();
+      if (after_key && is_sign_of_equal(token)) {
+        add_removal_of_signs(token.span.begin, fix);
+        while (token.kind != TokenKind::end && token.span.begin < fix.edits.back().end)
+          token = tokens.next();
+      }
+      const bool entry_ends = is_of_entry() && depth == 0 && token.kind != TokenKind::open;
+      if (entry_ends && token.span.begin >= end) break;
     }
-    return mended(remedy_of_removal(end), safe_fix(joined(std::move(edits))));
+    return mended(remedy_of_removal(at, end), std::move(fix));
   }
 
   bool is_sign_of_equal(const Token &token) const {
@@ -134,38 +138,31 @@ class StrayText {
            (token.kind == TokenKind::word && text_[token.span.begin] == '>');
   }
 
-  // The blanks after them, too, where there are some before them.
-  Edit without_signs(Offset at) const {
-    const std::size_t end = text_.find_first_not_of("=>", at);
-    const std::size_t next = text_.find_first_not_of("=> \t", at);
-    const std::size_t last = is_blank(text_[at - 1]) ? next : end;
-    return {at, static_cast<Offset>(std::min(last, text_.size())), {}};
+  // The blanks after them, too, where there are some before them. A ">" may belong to a value that
+  // touches it.
+  void add_removal_of_signs(Offset at, Fix &fix) const {
+    const Offset end = after("=>", at);
+    const Offset next = after("=> \t", at);
+    fix.edits.push_back({at, is_blank(text_[at - 1]) ? next : end, {}});
+    const bool touches = end < text_.size() && !is_blank(text_[end]) && text_[end] != '(';
+    if (touches && text_[end - 1] == '>') fix.applicability = Applicability::unsafe;
   }
 
-  // Those that another one covers are left out.
-  static std::vector<Edit> joined(std::vector<Edit> edits) {
-    std::vector<Edit> apart;
-    for (Edit &edit : edits)
-      if (apart.empty() || edit.begin >= apart.back().end) apart.push_back(std::move(edit));
-    return apart;
-  }
-
-  // Whether a value, or a block, begins at a place.
-  bool is_value(Offset at) const {
+  bool begins_value(Offset at) const {
     return stands_at(text_, at, '(') || (!is_of_entry() && end_of_word(text_, at) > at);
   }
 
   // Commas and semicolons between items. What comes after a semicolon on its line is a comment to
   // other readers, and all of a line that begins with it.
   bool mend_separators() {
-    const Offset end = after(",;");
+    const Offset end = after(",;", at_);
     const Offset next = pass_blanks(text_, end);
     if (end == at_ || !(stands_at(text_, next, '(') || stands_at(text_, next, ')'))) return false;
     const bool may_be_comment = text_[at_] == ';' && next < end_of_line(text_, at_);
     if (may_be_comment && begins_line()) return false;
     const Applicability applicability =
         may_be_comment ? Applicability::unsafe : Applicability::safe;
-    return mended(remedy_of_removal(end), {applicability, {{at_, end, {}}}});
+    return mended(remedy_of_removal(at_, end), {applicability, {{at_, end, {}}}});
   }
 
   bool begins_line() const {
@@ -177,13 +174,14 @@ class StrayText {
     if (end_of_long_comment(text_, at_)) return mend_long_comment();
     if (!is_foreign_comment(text_.substr(at_, 2))) return false;
     const Offset end = end_of_line(text_, at_);
-    const Offset next = pass_blanks(text_, end);
+    const Offset next = pass_comments(text_, end);
     const bool goes_on = stands_at(text_, next, '(') || stands_at(text_, next, ')');
     if (!goes_on || !is_balanced(end)) return false;
     return mended("begin the comment with \"#\"", safe_fix({{at_, at_, "# "}}));
   }
 
-  // Without a fix, the words before its items would be removed, and those mean something then.
+  // Where there is no fix, none that removes the words of the comment may be made: the items in it
+  // would count.
   bool mend_long_comment() {
     const Offset end = *end_of_long_comment(text_, at_);
     return mended("begin each line of the comment with \"#\"",
@@ -225,10 +223,18 @@ class StrayText {
     // Open ones that go deeper are of other entries.
     constexpr std::size_t most = 100;
     for (Offset at = at_; at < text_.size() && depth < most; ++at) {
+      if (text_[at] == '"') at = end_of_quotes(at);
+      if (text_[at] == '#') at = end_of_line(text_, at);
+      if (at >= text_.size()) break;
       if (take(at, brackets.open, "(")) ++depth;
       if (take(at, brackets.close, ")") && --depth == 0) return edits;
     }
     return {};
+  }
+
+  // The second quote of a pair, or the end.
+  Offset end_of_quotes(Offset at) const {
+    return static_cast<Offset>(std::min(text_.find('"', at + 1), text_.size() - 1));
   }
 
   // "KEY = VALUE" without both parentheses, where an item is due.
@@ -253,7 +259,8 @@ class StrayText {
     return placement_of(word, around).fit == Fit::good;
   }
 
-  // Words that say nothing here. Before a first item they may be its value: "(ADDRESS = h (".
+  // Words that say nothing here. Before a first item they may be its value, "(ADDRESS = h (", and
+  // in an address its host or port.
   bool mend_words() {
     const std::size_t sign = text_.find_first_of("()=\"#", at_);
     if (sign == std::string_view::npos) return false;
@@ -262,20 +269,28 @@ class StrayText {
     if (!before_item && !(text_[end] == ')' && is_between_items())) return false;
     if (!is_between_items() && !opens_block(word_at(text_, pass_blanks(text_, end + 1))))
       return false;
-    if (has_key(end) || is_comment()) return false;
-    return mended(remedy_of_removal(end), unsafe_fix({{at_, end, {}}}));
+    if (has_key(end) || is_comment() || (is_between_items() && lacks_host_or_port())) return false;
+    return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
   }
 
-  // Of other readers; what is in it is not to come to life.
+  // Of other readers.
   bool is_comment() const {
     return is_foreign_comment(text_.substr(at_, 2)) || text_.substr(at_).starts_with("/*");
   }
 
-  // Whether one of the words is a key: an item without parentheses.
+  bool lacks_host_or_port() const {
+    const std::vector<WrittenItem> items = place_.items_of(place_.frame());
+    return place_.block() == Block::address &&
+           !(place_.is_set(items, "HOST") && place_.is_set(items, "PORT"));
+  }
+
+  // Whether one of the words is a key, "PORT: 1" for example: an item without parentheses.
   bool has_key(Offset end) const {
     TokenReader tokens(text_.substr(0, end), at_);
-    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
-      if (item_word(place_.slice(token.span))) return true;
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+      const std::string_view word = place_.slice(token.span);
+      if (item_word(word.substr(0, word.find(':')))) return true;
+    }
     return false;
   }
 

@@ -33,6 +33,10 @@ bool holds_item(std::string_view value) {
   return false;
 }
 
+bool may_be_in(Block block, std::string_view word) {
+  return key_named(block, word) != nullptr || foreign_key(word) != nullptr;
+}
+
 // "(KEY = a, KEY = b)": several items in one pair of parentheses.
 Fix separate_items(const FaultPlace &place) {
   std::vector<Edit> edits;
@@ -41,11 +45,16 @@ Fix separate_items(const FaultPlace &place) {
     const std::string_view word = place.slice(value.span);
     const std::size_t length = word.find_last_not_of(",;") + 1;
     Token next = tokens.next();
-    if (next.kind == TokenKind::close && length == word.size() && !edits.empty())
+    if (next.kind == TokenKind::close && length > 0 && !edits.empty()) {
+      const Offset end = value.span.begin + static_cast<Offset>(length);
+      if (end < value.span.end) edits.push_back({end, value.span.end, {}});
       return unsafe_fix(std::move(edits));
+    }
     if (next.kind == TokenKind::word && is_one_of(place.slice(next.span), {",", ";"}))
       next = tokens.next();
-    if (next.kind != TokenKind::word || !is_key(place.slice(next.span)) || length == 0) return {};
+    if (next.kind != TokenKind::word || !may_be_in(place.block(), place.slice(next.span)) ||
+        length == 0)
+      return {};
     const Offset end = value.span.begin + static_cast<Offset>(length);
     edits.push_back({end, next.span.begin, ")("});
     if (tokens.next().kind != TokenKind::equal) return {};
@@ -242,11 +251,12 @@ void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
       diagnosis.fix = whole_value(place, Applicability::unsafe);
       return;
     case Rule::bad_word:
-      diagnosis.fix = switched_word(place);
+      if (!mend_joined_items(place, diagnosis)) diagnosis.fix = switched_word(place);
       return;
     case Rule::bad_number:
-      diagnosis.fix =
-          fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
+      if (!mend_joined_items(place, diagnosis))
+        diagnosis.fix =
+            fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
       return;
     case Rule::bad_protocol:
       if (!mend_joined_items(place, diagnosis)) mend_protocol(place, diagnosis);

@@ -4,6 +4,7 @@
 
 #include "scan/item_text.h"
 #include "scan/item_words.h"
+#include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
@@ -110,20 +111,23 @@ class FurtherStops {
   Offset after_words(std::string_view name, Offset at, Offset limit) const {
     const Offset end = std::min(end_of_line(text_, at), limit);
     const std::string_view value = text_.substr(0, std::min(limit, end_of_bare_value(text_, at)));
-    const std::size_t first = value.substr(0, end).find('(', at);
-    const Offset open =
-        first == std::string_view::npos ? pass_blanks(value, end) : static_cast<Offset>(first);
-    const std::vector<WrittenItem> items = items_from(value, open);
-    const bool is_value = !items.empty() && may_be_value(name, word_of(items[0]));
+    const std::vector<WrittenItem> items = items_from(value, next_open(value, at, end));
+    const bool is_value = !items.empty() && may_be_value(name, key_word(text_, items[0]));
     return is_value ? std::max(items.back().end, end) : end;
   }
 
-  ItemWord word_of(const WrittenItem &item) const {
-    return item_word(text_.substr(item.key.begin, item.key.end - item.key.begin));
+  // The first "(" on a line or, where there is none, what comes after it.
+  static Offset next_open(std::string_view text, Offset at, Offset line_end) {
+    TokenReader tokens(text.substr(0, line_end), at);
+    Token token = tokens.next();
+    while (token.kind != TokenKind::open && token.kind != TokenKind::end) token = tokens.next();
+    return token.kind == TokenKind::open ? token.span.begin : pass_comments(text, line_end);
   }
 
   // Where the text after a stop begins that is between entries.
   Offset after(const Stop &stop, Offset limit) const {
+    if (is_foreign_comment(text_.substr(stop.name, 2)) || end_of_long_comment(text_, stop.name))
+      return end_of_stray_text(text_, stop.name, limit);
     switch (stop.met) {
       case TNS_RIGHT_PARENTHESES:
         return after_closes(stop.at, limit);
@@ -171,7 +175,7 @@ class FurtherStops {
     if (scan_.stop().kind != StopKind::reserved || type_at(text_, at) != TNS_LEFT_PARENTHESES)
       return {};
     std::vector<WrittenItem> items = items_from(text_.substr(0, to), at);
-    if (items.empty() || !is_setting(word_of(items[0]))) items.clear();
+    if (items.empty() || !is_setting(key_word(text_, items[0]))) items.clear();
     return items;
   }
 
@@ -203,6 +207,13 @@ class FurtherStops {
 
 std::vector<Stop> find_further_stops(const FileScan &scan) { return FurtherStops(scan).find(); }
 
+Offset pass_comments(std::string_view text, Offset from) {
+  Offset at = pass_blanks(text, from);
+  while (at < text.size() && is_foreign_comment(text.substr(at, 2)))
+    at = pass_blanks(text, end_of_line(text, at));
+  return at;
+}
+
 Offset end_of_word(std::string_view text, Offset begin) {
   const std::string_view word = text.substr(begin, longest_token);
   bool in_quotes = false;
@@ -224,7 +235,10 @@ bool is_foreign_comment(std::string_view word) {
 }
 
 std::optional<Offset> value_on_line(std::string_view text, Offset at) {
-  const std::size_t sign = text.substr(0, end_of_line(text, at)).find_first_of("()=", at);
+  const Offset line_end = end_of_line(text, at);
+  const std::string_view lines =
+      text.substr(0, line_end < text.size() ? end_of_line(text, line_end + 1) : line_end);
+  const std::size_t sign = lines.find_first_of("()=", at);
   if (sign == std::string_view::npos || text[sign] != '=') return std::nullopt;
   const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
   if (open >= text.size() || text[open] != '(') return std::nullopt;
@@ -248,7 +262,11 @@ Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
 }
 
 Offset end_of_bare_value(std::string_view text, Offset at) {
-  for (Offset line = end_of_line(text, at); line < text.size(); line = end_of_line(text, line)) {
+  // Nobody writes a longer one.
+  constexpr int most_lines = 100;
+  Offset line = end_of_line(text, at);
+  for (int lines = 0; line < text.size(); line = end_of_line(text, line), ++lines) {
+    if (lines == most_lines) return line;
     const auto name =
         static_cast<Offset>(std::min(text.find_first_not_of(blanks_of_line, ++line), text.size()));
     const Offset end = end_of_word(text, name);

@@ -19,11 +19,14 @@ bool may_be_value(std::string_view name, ItemWord key);
 // Whether a word begins a comment of other readers of such files.
 bool is_foreign_comment(std::string_view word);
 
+// After the blanks and all comments from a place on, those of other readers too.
+Offset pass_comments(std::string_view text, Offset from);
+
 // The end of a word that begins at a place, as far as the library reads it.
 Offset end_of_word(std::string_view text, Offset begin);
 
-// The "(" of an entry whose name is on the line of a place, before any parenthesis; absent for
-// none.
+// The "(" of an entry whose "=" is on the line of a place or the next one, before any parenthesis;
+// absent for none.
 std::optional<Offset> value_on_line(std::string_view text, Offset at);
 
 // The end of text that begins at a place and is no entry: of its line or, when

@@ -72,7 +72,7 @@ class Scanner {
            item_word(text_.substr(name.name_begin, name.name_end - name.name_begin));
   }
 
-  // Who puts entries into such a comment wants them no more.
+  // The entries in such a comment are not meant to be read.
   bool pass_long_comment() {
     if (depth_ > 0 || !indentation_only()) return false;
     const std::optional<Offset> end = end_of_long_comment(text_, at_);

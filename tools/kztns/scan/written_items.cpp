@@ -33,6 +33,10 @@ std::vector<WrittenItem> items_from(std::string_view text, Offset at) {
   return items;
 }
 
+ItemWord key_word(std::string_view text, const WrittenItem &item) {
+  return item_word(text.substr(item.key.begin, item.key.end - item.key.begin));
+}
+
 std::optional<Span> word_of(std::string_view text, const WrittenItem &item) {
   TokenReader tokens(text, item.value);
   const Token word = tokens.next();

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "scan/item_words.h"
 #include "trace/build_trace.h"
 
 namespace kztns {
@@ -22,6 +23,9 @@ std::optional<WrittenItem> item_at(std::string_view text, Offset open);
 
 // The items that stand one after the other from a place on.
 std::vector<WrittenItem> items_from(std::string_view text, Offset at);
+
+// Which key an item has.
+ItemWord key_word(std::string_view text, const WrittenItem &item);
 
 // The one word that is an item's value, quotes included; absent for any other value.
 std::optional<Span> word_of(std::string_view text, const WrittenItem &item);
