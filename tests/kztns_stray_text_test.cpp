@@ -99,6 +99,12 @@ TEST_F(FileRules, ANameWithBlanksKeepsItsEntry) {
   }
 }
 
+// A zero byte ends a comment for one reader and not for the other.
+TEST_F(FileRules, FixesThatUndoEachOtherEnd) {
+  const std::string text = "a = (ADDRESS = #\0 (HOST = h)x\n"s + entry("b") + ")\n";
+  EXPECT_LT(left_by_mender(text, true).size(), 2 * text.size());
+}
+
 TEST_F(FileRules, AValueOnTheNextLineIsNoStrayText) {
   const std::string text = "a = \\\n  " + block + "\n" + entry("b");
   EXPECT_EQ(count_of(told(text), "stray-text"), 0u);

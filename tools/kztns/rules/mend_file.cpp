@@ -144,6 +144,7 @@ void Mender::go_back_to(const State &before) {
   steps_ = before.steps;
   deep_ = before.deep;
   mended_entries_.clear();
+  times_mended_.clear();
 }
 
 std::vector<ServedName> Mender::lost_in(const ServedNames &result) const {

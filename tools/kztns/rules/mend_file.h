@@ -3,9 +3,11 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "rules/check_report.h"
@@ -104,6 +106,8 @@ class Mender {
   // Entries in which own faults were mended, by where they begin in the original.
   std::set<Offset> mended_entries_;
   std::set<Offset> left_alone_;  // those that stay as they are
+  // How often a rule's findings were mended at a place of the original.
+  std::map<std::pair<Rule, Offset>, int> times_mended_;
   bool crlf_;
   bool deep_ = false;  // whether checks come past what ends the lookups
   bool stopped_ = false;

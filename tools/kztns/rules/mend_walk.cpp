@@ -37,8 +37,16 @@ std::optional<Offset> Mender::Walk::start_of_entry(std::size_t finding) const {
   return mender_.origin(mender_.served().start_of(entries_[finding]));
 }
 
+// Where fixes undo each other there is no end.
+bool Mender::Walk::is_mended_in_vain(const Finding &finding) const {
+  constexpr int most_times = 16;
+  const auto found = mender_.times_mended_.find({finding.rule, mender_.origin(finding.at)});
+  return found != mender_.times_mended_.end() && found->second >= most_times;
+}
+
 bool Mender::Walk::is_wanted(std::size_t i) const {
   const Finding &finding = report_.findings[i];
+  if (is_mended_in_vain(finding)) return false;
   const bool wanted =
       finding.applied_among == Applicability::safe ||
       (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);
@@ -195,6 +203,7 @@ void Mender::Walk::take(Trial trial) {
   for (std::size_t i = 0; i < report_.findings.size(); ++i) {
     if (!applied_[i]) continue;
     const Finding &finding = report_.findings[i];
+    ++mender_.times_mended_[{finding.rule, mender_.origin(finding.at)}];
     if (const auto entry = start_of_entry(i); entry && is_mended_with_entry(finding))
       mender_.mended_entries_.insert(*entry);
     mender_.add_mended({finding, describe(finding.fix.edits, text)});

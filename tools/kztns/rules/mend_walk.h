@@ -61,6 +61,7 @@ class Mender::Walk {
 
   // Findings by their numbers. Where the entry of one begins in the original; absent for none.
   std::optional<Offset> start_of_entry(std::size_t finding) const;
+  bool is_mended_in_vain(const Finding &finding) const;
   bool is_wanted(std::size_t i) const;
   void make_units();
   Trial try_out(const Units &units);
