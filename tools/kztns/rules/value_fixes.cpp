@@ -39,6 +39,7 @@ bool may_be_in(Block block, std::string_view word) {
 
 // "(KEY = a, KEY = b)": several items in one pair of parentheses.
 Fix separate_items(const FaultPlace &place) {
+  if (!place.item()->has_value) return {};
   std::vector<Edit> edits;
   TokenReader tokens(place.text(), place.item()->value.begin);
   for (Token value = tokens.next(); value.kind == TokenKind::word; value = tokens.next()) {
@@ -94,7 +95,7 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
 
-// Whether that is what is wrong.
+// Whether several items in one pair are the fault; if so, it is mended.
 bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
   Fix fix = separate_items(place);
   if (!fix) return false;
