@@ -99,6 +99,7 @@ Offset Mender::origin(Offset at) const { return edited_ ? edited_->origin(at) : 
 
 void Mender::apply_fixes() {
   const State before = state();
+  left_alone_.clear();  // what became a comment since may have been what was in their way
   for (;;) {
     apply_while_any_helps();
     const std::set<Offset> refused = changed_in_vain();
