@@ -7,10 +7,10 @@
 #include <string>
 #include <string_view>
 
+#include "check/check_file.h"
 #include "fuzz/support/check.h"
 #include "fuzz/support/target.h"
-#include "rules/check_file.h"
-#include "rules/comment_out.h"
+#include "mend/comment_out.h"
 
 namespace {
 

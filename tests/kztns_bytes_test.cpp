@@ -8,11 +8,11 @@
 
 #include <nlohmann/json.hpp>
 
+#include "check/check_file.h"
 #include "commands/list.h"
 #include "lookup/lookup.h"
 #include "report/check_formats.h"
 #include "report/tree_json.h"
-#include "rules/check_file.h"
 #include "support/random.h"
 #include "text/escape.h"
 

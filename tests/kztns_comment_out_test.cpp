@@ -1,8 +1,8 @@
 // Making comments: of what cannot be served, and of the other entries of a name.
 #include <gtest/gtest.h>
 
-#include "rules/comment_out.h"
-#include "rules/mend_file.h"
+#include "mend/comment_out.h"
+#include "mend/mend_file.h"
 #include "support/names_entry.h"
 
 namespace {

@@ -1,9 +1,9 @@
 // The markers of a version control conflict: told once, and nothing is mended between them.
 #include <gtest/gtest.h>
 
-#include "rules/check_file.h"
-#include "rules/comment_out.h"
-#include "rules/mend_file.h"
+#include "check/check_file.h"
+#include "mend/comment_out.h"
+#include "mend/mend_file.h"
 #include "support/names_entry.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // Texts with changes: where what is left of them was before.
 #include <gtest/gtest.h>
 
-#include "rules/apply_fixes.h"
+#include "check/apply_fixes.h"
 #include "scan/item_text.h"
 #include "text/names_text.h"
 

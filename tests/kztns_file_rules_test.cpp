@@ -1,7 +1,7 @@
 // What keeps lookups from entries: what is told of it, and what its fix makes of the file.
 #include <algorithm>
 
-#include "rules/file_fixes.h"
+#include "fixes/file_fixes.h"
 #include "support/checked_file.h"
 
 using namespace std::string_literals;

@@ -8,10 +8,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "check/check_file.h"
 #include "commands/list.h"
 #include "report/check_formats.h"
 #include "report/check_text.h"
-#include "rules/check_file.h"
 #include "support/json_schema.h"
 #include "support/names_report.h"
 #include "text/spelling.h"

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "rules/apply_fixes.h"
-#include "rules/check_file.h"
+#include "check/apply_fixes.h"
+#include "check/check_file.h"
 #include "support/foreign_lookups.h"
 
 using support::for_foreign_files;

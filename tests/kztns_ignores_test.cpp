@@ -2,7 +2,7 @@
 // disabled.
 #include <gtest/gtest.h>
 
-#include "rules/check_selected.h"
+#include "check/check_selected.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_file.h"
 #include "kzoci/platform/memory.h"
-#include "rules/check_file.h"
 #include "text/names_text.h"
 
 namespace {

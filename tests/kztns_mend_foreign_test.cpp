@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_selected.h"
 #include "lookup/served_lookups.h"
+#include "mend/comment_out.h"
 #include "report/check_run.h"
-#include "rules/check_selected.h"
-#include "rules/comment_out.h"
 #include "support/foreign_lookups.h"
 
 using support::trees_found;

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "rules/comment_out.h"
-#include "rules/mend_file.h"
+#include "mend/comment_out.h"
+#include "mend/mend_file.h"
 #include "support/names_entry.h"
 
 namespace {

@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_file.h"
 #include "kzoci/oci_tnsname/grammar.h"
+#include "mend/describe_edits.h"
+#include "mend/mend_file.h"
 #include "report/tree_json.h"
 #include "report/unified_diff.h"
-#include "rules/check_file.h"
-#include "rules/describe_edits.h"
-#include "rules/mend_file.h"
 #include "scan/tree_digest.h"
 #include "support/names_entry.h"
 

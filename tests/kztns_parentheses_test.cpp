@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_file.h"
 #include "report/tree_json.h"
-#include "rules/check_file.h"
 #include "rules/parentheses.h"
 #include "scan/parenthesis_search.h"
 #include "support/names_report.h"

@@ -8,9 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_file.h"
 #include "lookup/lookup.h"
 #include "lookup/lookup_failure.h"
-#include "rules/check_file.h"
 #include "text/names_text.h"
 
 namespace {

@@ -4,12 +4,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "check/check_file.h"
+#include "check/fixability.h"
 #include "kzoci/version.h"
 #include "report/check_formats.h"
 #include "report/check_text.h"
 #include "report/rule_text.h"
-#include "rules/check_file.h"
-#include "rules/fixability.h"
 #include "support/json_schema.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Text where none belongs, in entries and between them: what is told of it, and what fix leaves.
-#include "rules/mend_file.h"
+#include "mend/mend_file.h"
 #include "support/checked_file.h"
 
 using namespace std::string_literals;

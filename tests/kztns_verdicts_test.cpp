@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include "check/check_file.h"
 #include "lookup/lookup.h"
 #include "lookup/lookup_report.h"
-#include "rules/check_file.h"
 #include "scan/file_scan.h"
 #include "support/parsing.h"
 #include "support/random_input.h"

@@ -14,7 +14,7 @@
 #include "lsp/capabilities.h"
 #include "lsp/framing.h"
 #include "lsp/serve.h"
-#include "rules/mend_file.h"
+#include "mend/mend_file.h"
 #include "support/foreign_files.h"
 #include "support/lsp_client.h"
 #include "trace/key_words.h"

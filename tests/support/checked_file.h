@@ -7,12 +7,12 @@
 
 #include <gtest/gtest.h>
 
+#include "check/apply_fixes.h"
+#include "check/check_file.h"
 #include "lookup/lookup.h"
 #include "names_entry.h"
 #include "parsing.h"
 #include "report/check_text.h"
-#include "rules/apply_fixes.h"
-#include "rules/check_file.h"
 
 namespace support {
 

@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include "check/apply_fixes.h"
+#include "check/check_file.h"
 #include "io/memory_file.h"
 #include "lookup/lookup.h"
-#include "rules/apply_fixes.h"
-#include "rules/check_file.h"
 
 namespace support {
 

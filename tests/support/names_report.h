@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "rules/check_file.h"
+#include "check/check_file.h"
 
 namespace support {
 

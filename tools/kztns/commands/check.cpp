@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "check/check_selected.h"
 #include "io/exit_status.h"
 #include "io/input_files.h"
 #include "io/names_file.h"
@@ -12,7 +13,6 @@
 #include "io/progress.h"
 #include "io/system.h"
 #include "report/rule_text.h"
-#include "rules/check_selected.h"
 
 namespace kztns {
 namespace {

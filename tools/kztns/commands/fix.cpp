@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "check/check_selected.h"
 #include "commands/written_file.h"
 #include "io/exit_status.h"
 #include "io/names_file.h"
@@ -10,11 +11,10 @@
 #include "io/progress.h"
 #include "io/replace_file.h"
 #include "lookup/served_lookups.h"
+#include "mend/inline_files.h"
+#include "mend/mend_file.h"
 #include "report/check_text.h"
 #include "report/unified_diff.h"
-#include "rules/check_selected.h"
-#include "rules/inline_files.h"
-#include "rules/mend_file.h"
 #include "text/utf_16.h"
 
 namespace kztns {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "io/read_file.h"
-#include "rules/comment_out.h"
+#include "mend/comment_out.h"
 
 namespace kztns {
 

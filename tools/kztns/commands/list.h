@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "check/check_report.h"
 #include "io/read_file.h"
-#include "rules/check_report.h"
 
 namespace kztns {
 

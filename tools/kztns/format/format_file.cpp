@@ -4,7 +4,7 @@
 #include <set>
 #include <unordered_map>
 
-#include "rules/ignores.h"
+#include "check/ignores.h"
 #include "scan/file_scan.h"
 #include "scan/tree_digest.h"
 #include "text/characters.h"

@@ -2,12 +2,13 @@
 
 #include <cstring>
 
+#include "check/entry_warnings.h"
+#include "check/entry_faults.h"
+#include "check/stop_causes.h"
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lookup/identifier_form.h"
 #include "rules/diagnosis.h"
-#include "rules/entry_warnings.h"
 #include "rules/parentheses.h"
-#include "rules/stop_causes.h"
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "rules/served_names.h"
+#include "mend/served_names.h"
 
 namespace kztns {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "check/check_selected.h"
 #include "kzoci/oci_tnsname.h"
-#include "rules/check_selected.h"
 #include "scan/tokens.h"
 #include "text/uri.h"
 

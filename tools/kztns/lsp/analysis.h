@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "rules/check_report.h"
+#include "check/check_report.h"
 #include "trace/build_trace.h"
 
 namespace kztns::lsp {

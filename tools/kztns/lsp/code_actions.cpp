@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "lsp/capabilities.h"
-#include "rules/mend_file.h"
+#include "mend/mend_file.h"
 #include "text/original_edits.h"
 
 namespace kztns::lsp {

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "lsp/capabilities.h"
-#include "rules/inline_files.h"
+#include "mend/inline_files.h"
 #include "text/uri.h"
 
 namespace kztns::lsp {

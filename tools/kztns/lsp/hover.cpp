@@ -1,10 +1,10 @@
 #include <nlohmann/json.hpp>
 
+#include "check/stop_causes.h"
 #include "lsp/capabilities.h"
 #include "lsp/context.h"
 #include "lsp/key_documents.h"
 #include "report/tree_walk.h"
-#include "rules/stop_causes.h"
 #include "scan/file_scan.h"
 #include "scan/written_items.h"
 #include "text/escape.h"

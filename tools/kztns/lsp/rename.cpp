@@ -4,7 +4,7 @@
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lsp/capabilities.h"
-#include "rules/inline_files.h"
+#include "mend/inline_files.h"
 #include "text/escape.h"
 #include "text/spelling.h"
 

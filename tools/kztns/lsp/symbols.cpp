@@ -2,7 +2,7 @@
 
 #include "lsp/capabilities.h"
 #include "lsp/outline.h"
-#include "rules/inline_files.h"
+#include "mend/inline_files.h"
 #include "scan/written_items.h"
 #include "text/escape.h"
 

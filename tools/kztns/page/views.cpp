@@ -15,9 +15,9 @@
 #include "lookup/lookup_failure.h"
 #include "lookup/lookup_json.h"
 #include "lsp/capabilities.h"
+#include "mend/mend_file.h"
 #include "report/tree_json.h"
 #include "report/tree_walk.h"
-#include "rules/mend_file.h"
 #include "scan/file_scan.h"
 #include "text/original_edits.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "rules/check_report.h"
+#include "check/check_report.h"
 
 namespace kztns {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "rules/check_report.h"
+#include "check/check_report.h"
 
 namespace kztns {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "kzoci/platform/my_strtoll10.h"
-#include "rules/fixes.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
@@ -227,9 +226,7 @@ class FaultExplainer {
 }  // namespace
 
 Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name) {
-  Diagnosis diagnosis = FaultExplainer(subject, trace, name).diagnose();
-  add_fix(subject, trace, name, diagnosis);
-  return diagnosis;
+  return FaultExplainer(subject, trace, name).diagnose();
 }
 
 std::string quoted_token(const Subject &subject, Offset at) {

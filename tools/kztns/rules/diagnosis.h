@@ -3,7 +3,8 @@
 
 #include <functional>
 
-#include "rules/findings.h"
+#include "rules/fix.h"
+#include "rules/rules.h"
 #include "scan/file_scan.h"
 
 namespace kztns {
@@ -30,7 +31,7 @@ struct Diagnosis {
   Fix fix = {};
 };
 
-// Explains the trace's fault, of which there is one, with its fix; name is the entry's.
+// Explains the trace's fault, of which there is one; name is the entry's.
 Diagnosis diagnose(const Subject &subject, const Trace &trace, std::string_view name);
 
 // A token as a message quotes it.

@@ -98,13 +98,6 @@ class ParenthesisExplainer {
   bool last_;
 };
 
-// What the library does not read as parentheses do not balance either where a comment or
-// quotes hide them.
-bool is_about_hidden_text(Rule rule) {
-  return rule == Rule::comment_in_value || rule == Rule::unclosed_quote || rule == Rule::key_cut ||
-         rule == Rule::key_refused || rule == Rule::quoted_entry;
-}
-
 }  // namespace
 
 std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRange range,
@@ -118,14 +111,6 @@ std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRang
                                                reserved ? Block::system_variables : Block::entry);
   if (!change) return std::nullopt;
   return ParenthesisExplainer(text, *tokens, *change, range.last).diagnose();
-}
-
-Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
-                         std::string_view name) {
-  Diagnosis diagnosis = diagnose(subject, trace, name);
-  if (is_about_hidden_text(diagnosis.rule)) return diagnosis;
-  if (auto fault = find_parenthesis_fault(subject.text, range, name)) return *std::move(fault);
-  return diagnosis;
 }
 
 std::optional<Offset> no_name_after(std::string_view text, Offset body) {

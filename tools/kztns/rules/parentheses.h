@@ -21,11 +21,6 @@ struct EntryRange {
 std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRange range,
                                                 std::string_view name);
 
-// Explains the fault of an entry that is not built: by its parentheses if they do not
-// balance, or else as the trace has it.
-Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
-                         std::string_view name);
-
 // Whether such a fault makes the parentheses of an entry match before its end.
 inline bool closes_early(Rule rule) {
   return rule == Rule::extra_close || rule == Rule::missing_open;

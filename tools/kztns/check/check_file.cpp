@@ -1,0 +1,241 @@
+#include "check/check_file.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "check/apply_fixes.h"
+#include "check/conflicts.h"
+#include "check/entry_faults.h"
+#include "check/entry_warnings.h"
+#include "check/file_rules.h"
+#include "check/fixability.h"
+#include "fixes/file_fixes.h"
+#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "rules/parentheses.h"
+#include "scan/further_stops.h"
+#include "scan/item_text.h"
+#include "scan/item_words.h"
+#include "scan/skip_mismatches.h"
+#include "scan/written_entries.h"
+#include "text/utf_16.h"
+
+namespace kztns {
+namespace {
+
+// Reports each entry's own faults as it is built.
+class EntryChecker : public EntryVisitor {
+ public:
+  EntryChecker(const NamesText &text, const CheckRequest &request, Findings &findings)
+      : text_(text), request_(request), findings_(findings), faults_(text, findings) {}
+
+  void visit(const EntryView &view) override {
+    if (request_.visit) request_.visit(view);
+    if (utf_16_) return;
+    if (view.service == nullptr && view.trace.is_system_variables() &&
+        view.name != kzoci::tns::reserved_name)
+      return;  // the name is to blame
+    if (is_told_already(view)) return;
+    if (view.trace.fault().kind != FaultKind::none) report_fault(view);
+    if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
+      report_entry_warnings(view.trace, view.name, findings_);
+  }
+
+  void progress(Offset at) override { request_.progress(at); }
+
+  // The finding about the last entry, when its fault ends the lookups too.
+  const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
+
+  // Of entries whose parentheses match too early what comes after that, and entries whose
+  // items stand outside of a description: what ends lookups there is told with the entry.
+  const std::vector<EntryRange> &closed_early() const { return closed_early_; }
+
+ private:
+  // Of the names of a list one is enough; a comment of other readers is no entry.
+  bool is_told_already(const EntryView &view) {
+    const bool comment = view.stop != nullptr && view.stop->kind == StopKind::no_open &&
+                         is_foreign_comment(view.name);
+    if (!view.entry.in_list) return comment;
+    return std::exchange(list_, view.entry.body) == view.entry.body;
+  }
+
+  // Whether the fault ends the lookups of other names too.
+  bool ends_lookups_too(const EntryView &view) const {
+    if (view.stop == nullptr) return false;
+    return view.stop->kind == StopKind::no_open ||
+           (view.stop->kind == StopKind::never_balanced &&
+            !end_if_led_astray(text_.text(), view.entry.body, faults_.range().end));
+  }
+
+  // The items of an entry that is refused, when lookups that pass over the first one meet
+  // another one that belongs in its description.
+  std::optional<EntryRange> loose_items(const EntryView &view) const {
+    if (view.service != nullptr) return std::nullopt;
+    const std::string_view text = std::string_view(text_.text()).substr(0, faults_.range().end);
+    const auto first = end_of_item(text, pass_blanks(text, view.entry.body));
+    if (!first || !is_item_of_description(text, pass_blanks(text, *first))) return std::nullopt;
+    const auto end = end_of_items(text, view.entry.body);
+    return end && !end_if_led_astray(text, view.entry.body, *end)
+               ? std::optional<EntryRange>({view.entry.body, *end})
+               : std::nullopt;
+  }
+
+  static bool is_item_of_description(std::string_view text, Offset open) {
+    if (open >= text.size() || text[open] != '(') return false;
+    const Offset key = pass_blanks(text, open + 1);
+    const ItemWord word = item_word(text.substr(key, end_of_word(text, key) - key));
+    return placement_of(word, content_of(Block::description)).fit == Fit::good;
+  }
+
+  // Whether the fault leaves no name to read after the entry.
+  bool loses_next_name(const EntryView &view, const Diagnosis &diagnosis) const {
+    if (!closes_early(diagnosis.rule) || !view.entry.reached || view.stop != nullptr) return false;
+    const auto met = no_name_after(text_.text(), view.entry.body);
+    return met && diagnosis.at <= *met;
+  }
+
+  std::string consequence(const Stop *stop) const {
+    if (stop == nullptr || stop->kind == StopKind::no_open) return {};
+    return "; lookups of later names read on to the end of the file at " +
+           text_.place(text_.size());
+  }
+
+  void report_fault(const EntryView &view) {
+    const Diagnosis first = faults_.first_of(view);
+    std::string consequence_of_first;
+    const std::optional<EntryRange> loose = loose_items(view);
+    if (loose && closed_early_.size() < Findings::most_of_a_rule) closed_early_.push_back(*loose);
+    const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
+    if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
+      reported_stop_ = {first.rule, first.at, first.text};
+      consequence_of_first = consequence(view.stop);
+    }
+    if (closes_early(first.rule) && closed_early_.size() < Findings::most_of_a_rule)
+      closed_early_.push_back({first.at, faults_.range().end});
+    faults_.report(view, first, consequence_of_first);
+  }
+
+  const NamesText &text_;
+  bool utf_16_ = is_utf_16(text_.text());
+  const CheckRequest &request_;
+  Findings &findings_;
+  EntryFaults faults_;
+  Offset list_ = 0;  // the body of the last list of names
+  std::optional<StopCause> reported_stop_;
+  std::vector<EntryRange> closed_early_;
+};
+
+void list_entries(const NamesText &text, const FileScan &scan, CheckReport &report) {
+  report.entries.reserve(scan.entries().size());
+  for (const Entry &entry : scan.entries())
+    report.entries.push_back(
+        {std::string(scan.name(entry)), text.position(entry.at), entry.verdict});
+}
+
+// Walks through a file that is mended after each walk.
+class FurtherChecks {
+ public:
+  FurtherChecks(const NamesText &text, const CheckRequest &request, CheckReport &report)
+      : request_(request), report_(report), edited_(text.text()), text_(edited_, text) {
+    for (const Finding &finding : report.findings) known_.insert(finding.at);
+  }
+
+  void run() {
+    std::vector<Edit> edits = edits_of(report_.findings, true);
+    for (int walks = 1; walks < most_walks && !edits.empty() && is_complete(); ++walks) {
+      edited_.apply(edits);
+      CheckReport found = check_once(text_, request_);
+      edits = edits_of(found.findings, true);
+      for (Finding &finding : found.findings) add(std::move(finding));
+    }
+  }
+
+ private:
+  // Each walk comes past what stopped the one before.
+  static constexpr int most_walks = 16;
+
+  // A file with more findings than are shown is not mended by reading them.
+  bool is_complete() const {
+    for (std::size_t i = 0; i < rule_count; ++i)
+      if (left_out(report_, static_cast<Rule>(i)) > 0) return false;
+    return true;
+  }
+
+  // Of the entries that something else keeps lookups from it is told once.
+  bool is_consequence(Rule rule) const {
+    return rule == Rule::unreachable || (rule == Rule::after_reserved && has(rule));
+  }
+
+  bool has(Rule rule) const {
+    return std::any_of(report_.findings.begin(), report_.findings.end(),
+                       [&](const Finding &finding) { return finding.rule == rule; });
+  }
+
+  void add(Finding finding) {
+    finding.at = edited_.origin(finding.at);
+    if (is_consequence(finding.rule) || !known_.insert(finding.at).second) return;
+    finding.fix.to_origin(edited_);
+    ++report_.severities[static_cast<std::size_t>(finding.severity)];
+    report_.findings.push_back(std::move(finding));
+  }
+
+  const CheckRequest &request_;
+  CheckReport &report_;
+  EditedText edited_;
+  NamesText text_;
+  std::set<Offset> known_;  // where something is told already
+};
+
+// Of what is converted the places are those of the converted text, as editors show it. Its
+// findings have no fixes: those would be of another text.
+void add_findings_of_converted(const NamesText &text, const CheckRequest &request,
+                               CheckReport &report) {
+  const NamesText converted(utf_8_of_utf_16(text.text()));
+  CheckReport found = check_file(converted, request);
+  for (Finding &finding : found.findings) {
+    finding.fix = {};
+    report.findings.push_back(std::move(finding));
+  }
+  for (std::size_t i = 0; i < rule_count; ++i)
+    for (std::size_t severity = 0; severity < severity_count; ++severity)
+      report.left_out[i][severity] += found.left_out[i][severity];
+  for (std::size_t i = 0; i < found.severities.size(); ++i)
+    report.severities[i] += found.severities[i];
+}
+
+}  // namespace
+
+CheckReport check_once(const NamesText &text, const CheckRequest &request) {
+  CheckReport report;
+  report.file = request.file;
+  Findings findings(text, request.most_of_a_rule, report);
+  EntryChecker checker(text, request, findings);
+  const FileScan scan(text, checker);
+  apply_file_rules(scan, checker.reported_stop(), checker.closed_early(), findings);
+  report_conflicts(text, findings, report);
+  for (const Entry &entry : scan.entries())
+    ++report.verdicts[static_cast<std::size_t>(entry.verdict)];
+  report.lookups_end = scan.stop().kind != StopKind::end || !scan.skip_mismatches().empty() ||
+                       hiding_carriage_return(text.text()).has_value();
+  report.splits = std::any_of(report.findings.begin(), report.findings.end(),
+                              [](const Finding &finding) { return finding.fix.splits; });
+  if (request.with_entries) list_entries(text, scan, report);
+  if (!report.findings.empty())
+    for (const Entry &entry : scan.entries()) report.starts.push_back(entry.at);
+  sort(report.findings);
+  settle_fixes(report);
+  return report;
+}
+
+CheckReport check_file(const NamesText &text, const CheckRequest &request) {
+  CheckReport report = check_once(text, request);
+  if (is_utf_16(text.text()))
+    add_findings_of_converted(text, request, report);
+  else if (report.lookups_end || report.splits)
+    FurtherChecks(text, request, report).run();
+  sort(report.findings);
+  settle_fixes(report);
+  return report;
+}
+
+}  // namespace kztns

@@ -1,0 +1,221 @@
+#include "check/entry_faults.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "check/entry_warnings.h"
+#include "fixes/fixes.h"
+#include "scan/item_text.h"
+#include "scan/written_entries.h"
+
+namespace kztns {
+namespace {
+
+// An entry with more faults than that is no entry that anybody wrote.
+constexpr int most_faults = 50;
+
+Edit moved(Edit edit, Offset from, Offset to) {
+  edit.begin = edit.begin - from + to;
+  edit.end = edit.end - from + to;
+  return edit;
+}
+
+// Whether the fault is the item's alone, so that the block is sound without it.
+bool is_fault_of_item(FaultKind kind) {
+  switch (kind) {
+    case FaultKind::empty_block:
+    case FaultKind::value_for_block:
+    case FaultKind::missing_equal:
+    case FaultKind::missing_value:
+    case FaultKind::block_for_value:
+    case FaultKind::unknown_key:
+    case FaultKind::misplaced_key:
+    case FaultKind::not_description:
+    case FaultKind::bad_protocol:
+    case FaultKind::bad_word:
+    case FaultKind::bad_number:
+    case FaultKind::second_address:
+    case FaultKind::second_connect_data:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// What leaves the item at fault out; empty when it is not known where it ends.
+std::vector<Edit> without_item(std::string_view text, const Trace &trace) {
+  const Fault &fault = trace.fault();
+  if (!is_fault_of_item(fault.kind) || fault.item < 0) return {};
+  const Offset open = trace.items()[static_cast<std::size_t>(fault.item)].open;
+  if (open >= text.size()) return {};
+  const std::optional<Span> item = item_to_remove(text, open);
+  if (!item) return {};
+  return {{item->begin, item->end, {}}};
+}
+
+// Whether the entry goes on with other items after the fault.
+bool has_rest(std::string_view text, const Fault &fault) {
+  return text.find('(', fault.at) != std::string_view::npos;
+}
+
+// The copy of one entry that is mended step by step.
+class EntryCopy {
+ public:
+  EntryCopy(const NamesText &text, const Entry &entry, std::string_view name,
+            const EntryRange &range)
+      : base_(entry.at),
+        body_(entry.body - entry.at),
+        name_(name),
+        last_(range.last),
+        edited_(std::string_view(text.text()).substr(entry.at, range.end - entry.at), entry.at),
+        text_(edited_, text),
+        trace_(edited_.text()) {}
+
+  const Trace &trace() const { return trace_; }
+  const NamesText &text() const { return text_; }
+  EntryRange range() const { return {body_, text_.size(), last_}; }
+  std::string_view name() const { return name_; }
+
+  // Edits of the whole text as those of the copy.
+  std::vector<Edit> of_whole(std::vector<Edit> edits) const {
+    for (Edit &edit : edits) edit = moved(std::move(edit), base_, 0);
+    return edits;
+  }
+
+  // A diagnosis of the copy as one of the whole text.
+  Diagnosis to_whole(Diagnosis found) const {
+    found.at = edited_.origin(found.at);
+    found.fix.to_origin(edited_);
+    return found;
+  }
+
+  // Applies the edits and builds the copy; false when they are not within the entry.
+  bool apply(const std::vector<Edit> &edits) {
+    for (const Edit &edit : edits)
+      if (edit.begin < body_ || edit.end > edited_.text().size()) return false;
+    before_ = edited_;
+    edited_.apply(edits);
+    build_entry(edited_.text(), body_, name_, trace_);
+    return !edits.empty();
+  }
+
+  void take_back() {
+    edited_ = before_;
+    build_entry(edited_.text(), body_, name_, trace_);
+  }
+
+ private:
+  Offset base_;
+  Offset body_;
+  std::string_view name_;
+  bool last_;  // whether no entry comes after it
+  EditedText edited_;
+  EditedText before_ = edited_;  // the last edits
+  NamesText text_;
+  Trace trace_;
+};
+
+// A fault that was found in a copy, and how to get past it there.
+struct Found {
+  Diagnosis told;  // with places of the whole text
+  std::vector<Edit> fix;
+  std::vector<Edit> removal;  // of the item, where there is no fix
+  bool rest;                  // whether other items come after it
+};
+
+// The first fault of the copy, as it is now.
+Found found_in(const EntryCopy &copy, const Subject &subject) {
+  Diagnosis diagnosis = diagnose_entry(subject, copy.trace(), copy.range(), copy.name());
+  std::vector<Edit> fix = diagnosis.fix.edits;
+  return {copy.to_whole(std::move(diagnosis)), std::move(fix),
+          without_item(copy.text().text(), copy.trace()),
+          has_rest(copy.text().text(), copy.trace().fault())};
+}
+
+// What the library does not read as parentheses do not balance either where a comment or
+// quotes hide them.
+bool is_about_hidden_text(Rule rule) {
+  return rule == Rule::comment_in_value || rule == Rule::unclosed_quote || rule == Rule::key_cut ||
+         rule == Rule::key_refused || rule == Rule::quoted_entry;
+}
+
+bool is_same(const Diagnosis &left, const Diagnosis &right) {
+  return left.rule == right.rule && left.at == right.at;
+}
+
+}  // namespace
+
+Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
+                         std::string_view name) {
+  Diagnosis diagnosis = diagnose_with_fix(subject, trace, name);
+  if (is_about_hidden_text(diagnosis.rule)) return diagnosis;
+  if (auto fault = find_parenthesis_fault(subject.text, range, name)) return *std::move(fault);
+  return diagnosis;
+}
+
+Diagnosis EntryFaults::first_of(const EntryView &view) {
+  range_ = ranges_.range_of(view.entry.body);
+  return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
+}
+
+void EntryFaults::report(const EntryView &view, const Diagnosis &first,
+                         const std::string &consequence) {
+  const bool built = view.service != nullptr;
+  const Severity severity = built ? Severity::warning : Severity::error;
+  EntryCopy copy(text_, view.entry, view.name, range_);
+  const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
+  std::optional<Found> found = {{first, copy.of_whole(first.fix.edits),
+                                 copy.of_whole(without_item(text, view.trace)),
+                                 has_rest(text, view.trace.fault())}};
+  found->told.text += consequence;
+
+  std::optional<Found> next;
+  // Whether edits lead to another fault, next, or to none; if not, they are taken back.
+  const auto get_past = [&](const std::vector<Edit> &edits) {
+    if (!copy.apply(edits)) return false;
+    next.reset();
+    if (copy.trace().fault().kind == FaultKind::none) return true;
+    next = found_in(copy, subject(copy.text(), copy.text().size()));
+    if (!is_same(next->told, found->told)) return true;
+    copy.take_back();
+    return false;
+  };
+  bool complete = true;
+  for (int faults = 1; found && faults <= most_faults; ++faults) {
+    Found &fault = *found;
+    const bool helps = get_past(fault.fix);
+    const bool goes_on = helps || get_past(fault.removal);
+    complete = complete && helps;
+    if (!helps || built) fault.told.fix = {};
+    if (!goes_on && fault.rest) fault.told.text += rest_is_unchecked;
+    add(view.name, severity, std::move(fault.told));
+    if (!goes_on) return;
+    found = std::exchange(next, std::nullopt);
+  }
+  if (built || copy.trace().fault().kind != FaultKind::none) return;
+  const Findings::FromCopy from_copy(findings_, copy.text());
+  report_entry_warnings(copy.trace(), view.name, findings_, complete);
+}
+
+Subject EntryFaults::subject(const NamesText &text, Offset end) {
+  return {text, "file", end, range_.last, [this](std::string_view name) { return is_free(name); }};
+}
+
+void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
+  if (!findings_.wanted(found.rule, severity)) return;
+  if (found.rule == Rule::ifile) entry = {};  // that is no name
+  findings_.add({found.rule, found.at, entry, std::move(found.path), std::move(found.text),
+                 std::move(found.remedy), std::move(found.fix)},
+                severity);
+}
+
+bool EntryFaults::is_free(std::string_view name) {
+  const std::string_view text = text_.text();
+  if (names_.empty())
+    for_each_written_entry(text, [&](const WrittenEntry &written) {
+      names_.insert(text.substr(written.name_begin, written.name_end - written.name_begin));
+    });
+  return names_.count(name) == 0;
+}
+
+}  // namespace kztns

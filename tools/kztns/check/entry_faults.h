@@ -1,0 +1,51 @@
+// All faults of an entry: after each one the entry is mended in a copy, or the item at
+// fault is left out of it, and the copy is built again.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "check/findings.h"
+#include "rules/parentheses.h"
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// The end of the last finding's text when the entry is not checked to its end.
+inline constexpr std::string_view rest_is_unchecked = "; the rest of the entry is not checked";
+
+// Explains the fault of an entry that is not built: by its parentheses if they do not
+// balance, or else as the trace has it.
+Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange range,
+                         std::string_view name);
+
+class EntryFaults {
+ public:
+  EntryFaults(const NamesText &text, Findings &findings)
+      : text_(text), findings_(findings), ranges_(text) {}
+
+  // The first fault of an entry that has one.
+  Diagnosis first_of(const EntryView &view);
+
+  // Reports it, with consequence after its text, the other faults and the warnings. To be
+  // called right after first_of. An entry that is built keeps its tree: its faults have no
+  // fixes.
+  void report(const EntryView &view, const Diagnosis &first, const std::string &consequence);
+
+  // Of the entry at hand.
+  EntryRange range() const { return range_; }
+
+ private:
+  Subject subject(const NamesText &text, Offset end);
+  void add(std::string_view entry, Severity severity, Diagnosis found);
+  bool is_free(std::string_view name);
+
+  const NamesText &text_;
+  Findings &findings_;
+  EntryRanges ranges_;
+  std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
+  EntryRange range_ = {};                       // of the entry at hand
+};
+
+}  // namespace kztns

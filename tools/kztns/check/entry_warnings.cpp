@@ -1,0 +1,285 @@
+#include "check/entry_warnings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <optional>
+
+#include "check/list_warnings.h"
+#include "kzoci/platform/level_names.h"
+#include "kzoci/platform/my_strtoll10.h"
+#include "rules/diagnosis.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+constexpr sb8 largest_port = 65535;  // TCP's
+
+// Of templates, what separates values elsewhere, and quotes that quote nothing here: the last
+// four are those of word processors.
+constexpr std::string_view not_of_hosts[] = {"<", ">",      "{",      "}",      ",",     ";",
+                                             "'", "\u2018", "\u2019", "\u201C", "\u201D"};
+
+std::optional<sb8> number(std::string_view text) {
+  if (text.starts_with('+')) text.remove_prefix(1);
+  sb8 value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+bool may_be_negative(KZCILBKeyType type) {
+  return type == LB_KZ_MODE || type == LB_USE_DEFAULT_SID || type == LB_RETRY_DELAY;
+}
+
+// What is stored, or handed out, of a number that a field does not hold; absent
+// when it holds it.
+std::optional<std::string> narrowed(const Key &key, sb8 value) {
+  if (key.type == LB_KZ_MODE) {
+    const sb4 handed_out = static_cast<sb4>(value);
+    if (value == handed_out) return std::nullopt;
+    return std::to_string(handed_out) + " is handed out";
+  }
+  sb8 stored = value;
+  if (key.value.field.storage == Storage::count) stored = static_cast<ub4>(value);
+  if (key.type == LB_LOG_SIZE) stored = kzoci::tns::stored_log_size(value);
+  if (key.type == LB_LOG_COUNT) stored = kzoci::tns::stored_log_count(value);
+  if (value == stored) return std::nullopt;
+  return std::to_string(stored) + " is stored";
+}
+
+const std::vector<std::string_view> &levels() {
+  static const std::vector<std::string_view> names(std::begin(kzoci::platform::level_names),
+                                                   std::end(kzoci::platform::level_names));
+  return names;
+}
+
+bool is_level(std::string_view text) {
+  return std::any_of(levels().begin(), levels().end(),
+                     [&](std::string_view level) { return equal_but_for_case(text, level); });
+}
+
+class EntryWarnings {
+ public:
+  EntryWarnings(const Trace &trace, std::string_view name, Findings &findings)
+      : trace_(trace), name_(name), findings_(findings), given_(trace.frames().size()) {}
+
+  void report(bool with_absent) {
+    for (const Item &item : trace_.items()) check_item(item);
+    if (trace_.is_system_variables()) return;
+    report_list_warnings(trace_, name_, findings_);
+    if (!with_absent) return;
+    const std::vector<Frame> &frames = trace_.frames();
+    for (std::size_t i = 1; i < frames.size(); ++i) check_block(static_cast<int>(i));
+  }
+
+ private:
+  void add(Rule rule, Offset at, int frame, const std::string &text,
+           const std::string &remedy = {}) {
+    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text, remedy});
+  }
+
+  // About an item's value.
+  void add(Rule rule, const Item &item, const std::string &text, const std::string &remedy = {}) {
+    add(rule, item.value.begin, item.frame, excerpt(trace_.key_word_of(item)) + text, remedy);
+  }
+
+  // About the item itself.
+  void add_item(Rule rule, const Item &item, const std::string &text) {
+    add(rule, item.key.begin, item.frame, excerpt(trace_.key_word_of(item)) + text);
+  }
+
+  std::string value_of(const Item &item) const {
+    return " is " + quoted(excerpt(trace_.value_of(item)));
+  }
+
+  void check_item(const Item &item) {
+    const Key *const key = trace_.row_of(item);
+    if (item.type == LB_ERROR_KEY || (trace_.is_system_variables() && key == nullptr))
+      return add_item(Rule::unknown_setting, item, " is not a system variable");
+    if (key == nullptr) return;
+    check_repeated(item, *key);
+    if (!item.has_value) return;
+    if (item.dropped) return add_dropped(item, *key);
+    check_odd_text(item, *key);
+#define RULE(...)
+#define BLOCK_RULE(...)
+#define VALUE_RULE(rule, ...) check_##rule(item, *key);
+#include "rules/rules.def"
+  }
+
+  // Of two values the last one counts; of two blocks that are no records of their own,
+  // both, item by item.
+  void check_repeated(const Item &item, const Key &key) {
+    const bool is_block = key.value.kind == ValueKind::block;
+    const bool shares_record =
+        is_block && (key.block == Block::blacklist || key.value.opens == Block::blacklist);
+    if (item.dropped || (is_block && !shares_record)) return;
+    KeySet &given = given_[static_cast<std::size_t>(item.frame)];
+    if (given.has(field_of(item)))
+      add_item(Rule::repeated_key, item,
+               std::string(is_block ? " again: its items replace those of " : " again: replaces ") +
+                   earlier(item));
+    given.add(field_of(item));
+  }
+
+  // SERVICE_NAME and SID are two keys of one field.
+  static KZCILBKeyType field_of(const Item &item) {
+    return item.type == LB_SID ? LB_SERVICE_NAME : item.type;
+  }
+
+  // "SID at 1:20", which sets what an item sets, too.
+  std::string earlier(const Item &item) const {
+    const Item *before = &item - 1;
+    while (before->frame != item.frame || field_of(*before) != field_of(item) || before->dropped)
+      --before;
+    return excerpt(trace_.key_word_of(*before)) + " at " + findings_.place(before->key.begin);
+  }
+
+  void check_placeholder(const Item &item, const Key &) {
+    if (item.type != LB_HOST) return;
+    const std::string_view host = trace_.value_of(item);
+    const bool is_odd =
+        std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
+                    [&](std::string_view sign) { return host.find(sign) != host.npos; });
+    if (is_odd) add(Rule::placeholder, item, value_of(item) + ", no name of a host");
+  }
+
+  // Elsewhere such a character is an error. A quoted one is meant, and so may be one within a
+  // text; a host has none.
+  void check_odd_text(const Item &item, const Key &key) {
+    const std::string_view value = trace_.value_of(item);
+    const std::string_view odd = odd_character(value);
+    const bool at_end = value.starts_with(odd) || value.ends_with(odd);
+    if (key.value.kind != ValueKind::text || odd.empty() || (item.type != LB_HOST && !at_end) ||
+        trace_.slice(item.value).starts_with('"') ||
+        !findings_.wanted(Rule::odd_bytes, Severity::warning))
+      return;
+    findings_.add({Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
+                   "the invisible character " + visible(odd) + " is part of the value of " +
+                       excerpt(trace_.key_word_of(item))},
+                  Severity::warning);
+  }
+
+  void add_dropped(const Item &item, const Key &key) {
+    add(Rule::overlong_value, item,
+        " of " + std::to_string(item.text_length) + " characters is dropped: the limit is " +
+            std::to_string(key.value.limit));
+  }
+
+  void check_bad_port(const Item &item, const Key &) {
+    if (item.type != LB_PORT) return;
+    const std::optional<sb8> port = number(trace_.value_of(item));
+    if (!port || *port < 1 || *port > largest_port)
+      add(Rule::bad_port, item,
+          value_of(item) + ", not a number from 1 to " + std::to_string(largest_port));
+  }
+
+  void check_log_level(const Item &item, const Key &) {
+    if (item.type == LB_LOG_LEVEL && !is_level(trace_.value_of(item)))
+      add(Rule::log_level, item, value_of(item) + ", not a log level", "write " + one_of(levels()));
+  }
+
+  void add_abbreviated(const Item &item, std::string_view word) {
+    if (!findings_.wanted(Rule::abbreviated_word)) return;
+    findings_.add(
+        {Rule::abbreviated_word,
+         item.value.begin,
+         name_,
+         trace_.path(item.frame),
+         excerpt(trace_.key_word_of(item)) + value_of(item) + ", read as " + std::string(word),
+         {},
+         safe_fix({{item.value.begin, item.value.end, std::string(word)}})});
+  }
+
+  void check_abbreviated_word(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::word) return;
+    const std::string_view text = trace_.value_of(item);
+    for (const std::string_view word : choices(key)) {
+      if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
+        continue;
+      if (text.size() < word.size()) add_abbreviated(item, word);
+      return;
+    }
+  }
+
+  void check_retry_delay(const Item &item, const Key &) {
+    if (item.type == LB_RETRY_DELAY) add_item(Rule::retry_delay, item, " is read but ignored");
+  }
+
+  void check_narrowed_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
+    const std::optional<sb8> value = number(trace_.value_of(item));
+    if (!value) return add_too_large(item);
+    if (const auto stored = narrowed(key, *value))
+      add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
+  }
+
+  void check_negative_number(const Item &item, const Key &key) {
+    if (key.value.kind != ValueKind::integer || may_be_negative(item.type)) return;
+    const std::optional<sb8> value = number(trace_.value_of(item));
+    if (value && *value < 0 && !narrowed(key, *value))
+      add(Rule::negative_number, item, " is " + std::to_string(*value));
+  }
+
+  // The library takes numbers up to twice what 64 bits hold, the upper half as
+  // negative ones.
+  void add_too_large(const Item &item) {
+    std::string text(trace_.value_of(item));
+    char *end = text.data() + text.size();
+    int error = 0;
+    const sb8 stored = my_strtoll10(text.data(), &end, &error);
+    if (error == 0 && stored < 0)
+      add(Rule::narrowed_number, item,
+          " is " + excerpt(text) + ": " + std::to_string(stored) + " is stored");
+  }
+
+  void check_block(int index) {
+    const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];
+    const Offset at = trace_.items()[static_cast<std::size_t>(frame.item)].key.begin;
+#define RULE(...)
+#define VALUE_RULE(...)
+#define BLOCK_RULE(rule, ...) check_##rule(index, frame, at);
+#include "rules/rules.def"
+  }
+
+  void check_no_host(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_HOST))
+      add(Rule::no_host, at, index, "no HOST");
+  }
+
+  void check_no_port(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::address && !frame.keys.has(LB_PORT))
+      add(Rule::no_port, at, index, "no PORT");
+  }
+
+  void check_no_address(int index, const Frame &frame, Offset at) {
+    if (frame.keys.has(LB_ADDRESS)) return;
+    if (frame.block == Block::address_list)
+      add(Rule::no_address, at, index, "no ADDRESS in this list");
+    else if (frame.block == Block::description && !frame.keys.has(LB_ADDRESS_LIST))
+      add(Rule::no_address, at, index, "no ADDRESS: the tree cannot be displayed");
+  }
+
+  // A link string may be meant to go without.
+  void check_no_service(int index, const Frame &frame, Offset at) {
+    if (frame.block == Block::description && !frame.inner_keys.has(LB_SERVICE_NAME) &&
+        !frame.inner_keys.has(LB_SID) && !frame.inner_keys.has(LB_USE_DEFAULT_SID))
+      add(Rule::no_service, at, index, "neither SERVICE_NAME nor SID");
+  }
+
+  const Trace &trace_;
+  std::string_view name_;
+  Findings &findings_;
+  std::vector<KeySet> given_;  // the keys of each frame so far
+};
+
+}  // namespace
+
+void report_entry_warnings(const Trace &trace, std::string_view name, Findings &findings,
+                           bool with_absent) {
+  EntryWarnings(trace, name, findings).report(with_absent);
+}
+
+}  // namespace kztns

@@ -1,0 +1,133 @@
+#include "check/list_warnings.h"
+
+#include <algorithm>
+
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// An address as the last of its items have it.
+struct AddressText {
+  int list = 0;  // its frame
+  Offset at = 0;
+  std::string_view host = {};
+  std::string_view port = {};
+  bool weightless = false;
+  bool balanced = true;  // its list; of a frame that is a list, itself
+};
+
+bool is_zero(std::string_view number) {
+  if (number.starts_with('+') || number.starts_with('-')) number.remove_prefix(1);
+  return number.find_first_not_of('0') == std::string_view::npos;
+}
+
+bool is_off(std::string_view word) {
+  return word.size() > 1 &&
+         equal_but_for_case(word, std::string_view("OFF").substr(0, word.size()));
+}
+
+// By host and port. Names of hosts do not depend on case.
+bool sorts_before(const AddressText &left, const AddressText &right) {
+  if (equal_but_for_case(left.host, right.host)) return left.port < right.port;
+  return std::lexicographical_compare(left.host.begin(), left.host.end(), right.host.begin(),
+                                      right.host.end(),
+                                      [](char a, char b) { return lower_case(a) < lower_case(b); });
+}
+
+// Most entries have one address without a weight.
+bool may_have_any(const Trace &trace) {
+  const auto is_address = [](const Frame &frame) { return frame.block == Block::address; };
+  const std::vector<Frame> &frames = trace.frames();
+  return std::count_if(frames.begin(), frames.end(), is_address) > 1 ||
+         std::any_of(frames.begin(), frames.end(),
+                     [](const Frame &frame) { return frame.keys.has(LB_WEIGHT); });
+}
+
+class ListWarnings {
+ public:
+  ListWarnings(const Trace &trace, std::string_view name, Findings &findings)
+      : trace_(trace), name_(name), findings_(findings) {}
+
+  void report() {
+    collect();
+    for (std::size_t first = 0, end = 0; first < addresses_.size(); first = end) {
+      end = first;
+      while (end < addresses_.size() && addresses_[end].list == addresses_[first].list) ++end;
+      check_weights(first, end);
+      check_equal(first, end);
+    }
+  }
+
+ private:
+  // The addresses list by list.
+  void collect() {
+    const std::vector<Frame> &frames = trace_.frames();
+    std::vector<AddressText> all(frames.size());
+    for (const Item &item : trace_.items()) take(item, all[static_cast<std::size_t>(item.frame)]);
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+      if (frames[i].block != Block::address) continue;
+      all[i].list = frames[i].parent;
+      all[i].balanced =
+          frames[static_cast<std::size_t>(all[i].list)].block != Block::address_list ||
+          all[static_cast<std::size_t>(all[i].list)].balanced;
+      all[i].at = opener(frames[i]).key.begin;
+      addresses_.push_back(all[i]);
+    }
+    std::stable_sort(
+        addresses_.begin(), addresses_.end(),
+        [](const AddressText &left, const AddressText &right) { return left.list < right.list; });
+  }
+
+  void take(const Item &item, AddressText &address) const {
+    if (!item.has_value || item.dropped) return;
+    const std::string_view value = trace_.value_of(item);
+    if (item.type == LB_HOST) address.host = value;
+    if (item.type == LB_PORT) address.port = value;
+    if (item.type == LB_WEIGHT) address.weightless = is_zero(value);
+    if (item.type == LB_KZLB) address.balanced = !is_off(value);
+  }
+
+  const Item &opener(const Frame &frame) const {
+    return trace_.items()[static_cast<std::size_t>(frame.item)];
+  }
+
+  void check_weights(std::size_t first, std::size_t end) {
+    for (std::size_t i = first; i < end; ++i)
+      if (!addresses_[i].weightless || !addresses_[i].balanced) return;
+    const int list = addresses_[first].list;
+    const Frame &frame = trace_.frames()[static_cast<std::size_t>(list)];
+    add(Rule::zero_weights, opener(frame).key.begin, list, "every WEIGHT is 0");
+  }
+
+  void check_equal(std::size_t first, std::size_t end) {
+    const auto from = addresses_.begin() + static_cast<std::ptrdiff_t>(first);
+    const auto to = addresses_.begin() + static_cast<std::ptrdiff_t>(end);
+    std::stable_sort(from, to, sorts_before);
+    for (auto next = from; next != to; ++next) {
+      if (next == from || next->host.empty() || sorts_before(*std::prev(next), *next)) continue;
+      add(Rule::equal_addresses, next->at, next->list,
+          "this address equals that at " + findings_.place(std::prev(next)->at),
+          std::prev(next)->at);
+    }
+  }
+
+  void add(Rule rule, Offset at, int frame, const std::string &text,
+           std::optional<Offset> related = std::nullopt) {
+    if (!findings_.wanted(rule)) return;
+    findings_.add({rule, at, name_, trace_.path(frame), text, {}, {}, related});
+  }
+
+  const Trace &trace_;
+  std::string_view name_;
+  Findings &findings_;
+  std::vector<AddressText> addresses_;
+};
+
+}  // namespace
+
+void report_list_warnings(const Trace &trace, std::string_view name, Findings &findings) {
+  if (may_have_any(trace)) ListWarnings(trace, name, findings).report();
+}
+
+}  // namespace kztns

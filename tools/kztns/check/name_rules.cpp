@@ -1,0 +1,178 @@
+#include "check/name_rules.h"
+
+#include <algorithm>
+
+#include "fixes/invisible_fixes.h"
+#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "kzoci/platform/letter_case.h"
+#include "rules/diagnosis.h"
+#include "text/characters.h"
+#include "text/name_index.h"
+
+namespace kztns {
+namespace {
+
+using kzoci::tns::reserved_name;
+
+// Whether the library reads an entry of this name as system variables.
+bool is_reserved(std::string_view name) {
+  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
+}
+
+void fold(std::string_view name, std::string &into) {
+  into.resize(name.size());
+  std::transform(name.begin(), name.end(), into.begin(), kzoci::capital);
+}
+
+class NameRules {
+ public:
+  NameRules(const FileScan &scan, NameLists &lists, Findings &findings)
+      : text_(scan.text()), scan_(scan), lists_(lists), findings_(findings) {}
+
+  void report() {
+    for (std::size_t i = 0; i < entries().size(); ++i) report_entry(i);
+  }
+
+ private:
+  const std::vector<Entry> &entries() const { return scan_.entries(); }
+
+  void report_entry(std::size_t i) {
+    const Entry &entry = entries()[i];
+    report_name(entry);
+    const std::string_view name = scan_.name(entry);
+    if (entry.reached && entry.verdict == Verdict::unreachable)
+      findings_.add_if_wanted(Rule::unreachable, entry.at, name,
+                              "a name like this is read as a descriptor, and never looked up");
+    // No lookup finds the names of a list.
+    if (entry.in_list) return;
+    const std::uint32_t same = first_same(i, name);
+    const std::uint32_t alike = first_alike(i, name);
+    if (same != NameIndex::none) {
+      report_duplicate(entry, entries()[same]);
+    } else if (alike != NameIndex::none && findings_.wanted(Rule::case_differs)) {
+      findings_.add({Rule::case_differs,
+                     entry.at,
+                     name,
+                     {},
+                     "differs only in case from " + excerpt(scan_.name(entries()[alike])) + " at " +
+                         text_.place(entries()[alike].at),
+                     {},
+                     {},
+                     entries()[alike].at});
+    }
+  }
+
+  std::uint32_t first_same(std::size_t i, std::string_view name) {
+    return exact_.find_or_add(
+        name_hash(name), static_cast<std::uint32_t>(i),
+        [&](std::uint32_t other) { return same_name(scan_.name(entries()[other]), name); });
+  }
+
+  std::uint32_t first_alike(std::size_t i, std::string_view name) {
+    fold(name, folded_);
+    return alike_.find_or_add(name_hash(folded_), static_cast<std::uint32_t>(i),
+                              [&](std::uint32_t other) {
+                                std::string other_folded;
+                                fold(scan_.name(entries()[other]), other_folded);
+                                return same_name(other_folded, folded_);
+                              });
+  }
+
+  // Fixes that were applied to a copy may have changed the order of the file.
+  void report_duplicate(const Entry &entry, const Entry &first) {
+    if (text_.origin(first.at) > text_.origin(entry.at)) return report_duplicate(first, entry);
+    if (!findings_.wanted(Rule::duplicate)) return;
+    findings_.add({Rule::duplicate,
+                   entry.at,
+                   scan_.name(entry),
+                   {},
+                   "duplicate name: the first entry, at " + text_.place(first.at) +
+                       ", is used; other readers of such files use the last one",
+                   {},
+                   {},
+                   first.at});
+  }
+
+  void report_name(const Entry &entry) {
+    const std::string_view name = scan_.name(entry);
+    if (entry.reached && entry.verdict != Verdict::shadowed && is_reserved(name) &&
+        name != reserved_name)
+      report_reserved_part(entry, name);
+    if (entry.name_length == longest_token)
+      findings_.add_if_wanted(
+          Rule::key_cut, entry.at, name,
+          "a name of " + std::to_string(longest_token) + " characters may be cut");
+    if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
+    const std::string_view odd = odd_character(name);
+    if (odd.empty() || !findings_.wanted(rule_of_odd(entry, odd))) return;
+    findings_.add({rule_of_odd(entry, odd),
+                   entry.at,
+                   name,
+                   {},
+                   "invisible character " + visible(odd) +
+                       " in the name: the entry is found only by a name with it",
+                   {},
+                   entry.quoted
+                       ? Fix{}
+                       : fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length)});
+  }
+
+  static Rule rule_of_odd(const Entry &entry, std::string_view odd) {
+    return entry.at == 0 && odd == byte_order_mark ? Rule::byte_order_mark : Rule::odd_bytes;
+  }
+
+  // The commas around a name that has none within.
+  static std::vector<Edit> commas_around(const Entry &entry, std::string_view name) {
+    const auto place = [&](std::size_t index) {
+      return entry.at + static_cast<Offset>(std::min(index, name.size()));
+    };
+    const std::size_t first = name.find_first_not_of(',');
+    const std::size_t after = name.find(',', first);
+    std::vector<Edit> edits;
+    if (first != 0) edits.push_back({entry.at, place(first), {}});
+    if (after != name.npos && name.find_first_not_of(',', after) == name.npos)
+      edits.push_back({place(after), place(name.size()), {}});
+    return edits;
+  }
+
+  void report_commas(const Entry &entry, std::string_view name) {
+    if (std::vector<Edit> commas = commas_around(entry, name); !commas.empty()) {
+      findings_.add_if_wanted(Rule::stray_comma, entry.at, name,
+                              "the comma is read as part of the name",
+                              entry.quoted ? Fix{} : safe_fix(std::move(commas)));
+    } else if (findings_.wanted(Rule::comma_list)) {
+      findings_.add({Rule::comma_list,
+                     entry.at,
+                     name,
+                     {},
+                     "a list of names is read as one name: no lookup finds its parts",
+                     {},
+                     entry.quoted ? Fix{} : lists_.split(entry.at)});
+    }
+  }
+
+  void report_reserved_part(const Entry &entry, std::string_view name) {
+    const bool stops = scan_.stop().kind == StopKind::reserved && ends_lookups(name);
+    std::string text = "a prefix of " + std::string(reserved_name);
+    text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
+    if (stops) text += "; the entries after it are lost";
+    if (findings_.wanted(Rule::reserved_part))
+      findings_.add({Rule::reserved_part, entry.at, name, {}, std::move(text)});
+  }
+
+  const NamesText &text_;
+  const FileScan &scan_;
+  NameLists &lists_;
+  Findings &findings_;
+  NameIndex exact_;
+  NameIndex alike_;
+  std::string folded_;
+};
+
+}  // namespace
+
+void report_names(const FileScan &scan, NameLists &lists, Findings &findings) {
+  NameRules(scan, lists, findings).report();
+}
+
+}  // namespace kztns

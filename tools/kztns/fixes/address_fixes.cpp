@@ -1,0 +1,88 @@
+#include "fixes/address_fixes.h"
+
+#include <algorithm>
+
+#include "fixes/block_fixes.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// HOST:PORT, the port a number; false for anything else.
+bool split_address(std::string_view text, std::string_view &host, std::string_view &port) {
+  const std::size_t colon = text.rfind(':');
+  if (colon == std::string_view::npos || colon == 0) return false;
+  host = text.substr(0, colon);
+  port = text.substr(colon + 1);
+  return !port.empty() && std::all_of(port.begin(), port.end(), is_digit) &&
+         host.find_first_of(":/@\"'<>,") == std::string_view::npos;
+}
+
+std::string written_address(std::string_view host, std::string_view port) {
+  return "(HOST = " + std::string(host) + ")(PORT = " + std::string(port) + ")";
+}
+
+// Whether a value without a block ends at a place: more on its line, or a block after it,
+// is not understood.
+bool ends_value(std::string_view text, Offset at) {
+  const std::string_view rest = text.substr(at, text.find('\n', at) - at);
+  const std::string_view more = trimmed(rest);
+  const Offset next = pass_blanks(text, at);
+  return (more.empty() || more.starts_with('#')) && (next >= text.size() || text[next] != '(');
+}
+
+}  // namespace
+
+void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
+  std::string_view protocol = trimmed(place.value());
+  protocol = protocol.substr(0, protocol.find_last_not_of(",;") + 1);
+  if (protocol.size() > 1 && protocol.starts_with('\'') && protocol.ends_with('\''))
+    protocol = protocol.substr(1, protocol.size() - 2);
+  // Of two that are equally near, the encrypted one: encryption is not given up in silence.
+  const std::string_view near = near_word(protocol, {"TCPS", "WSS", "HTTPS", "TCP"});
+  const bool plain = near == "TCP" || is_one_of(protocol, {"TCPIP", "TCP/IP", "TCP4", "TCP6"});
+  if (plain) {
+    diagnosis.remedy = "did you mean TCP?";
+    diagnosis.fix = place.with_value(Applicability::unsafe, "TCP");
+    return;
+  }
+  if (!near.empty()) {
+    diagnosis.remedy = "give an address that is served by TCP, if it may do without the encryption";
+    return;
+  }
+  diagnosis.fix = without_address(place);
+  diagnosis.remedy = diagnosis.fix ? "remove the address: another one is left"
+                                   : "give an address that is served by TCP";
+}
+
+Fix written_descriptor(const FaultPlace &place, Offset at) {
+  std::string_view word = place.text().substr(at);
+  word = word.substr(0, word.find_first_of(blanks));
+  const auto end = at + static_cast<Offset>(word.size());
+  if (!ends_value(place.text(), end)) return {};
+  if (word.starts_with("//")) word.remove_prefix(2);
+  const std::size_t slash = word.find('/');
+  std::string_view host;
+  std::string_view port;
+  if (slash == std::string_view::npos || !split_address(word.substr(0, slash), host, port))
+    return {};
+  const std::string_view service = word.substr(slash + 1);
+  if (service.empty() || service.find_first_of("/:()=\"") != std::string_view::npos) return {};
+  return unsafe_fix({{at, end,
+                      "(DESCRIPTION = (ADDRESS = " + written_address(host, port) +
+                          ")(CONNECT_DATA = (SERVICE_NAME = " + std::string(service) + ")))"}});
+}
+
+Fix written_address_block(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<Span> word = item ? word_of(place.text(), *item) : std::nullopt;
+  std::string_view host;
+  std::string_view port;
+  if (!word || !place.has_key(*item, "ADDRESS") || !split_address(place.slice(*word), host, port))
+    return {};
+  return unsafe_fix({{word->begin, word->end, written_address(host, port)}});
+}
+
+}  // namespace kztns

@@ -1,0 +1,161 @@
+#include "fixes/block_fixes.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "text/characters.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// Whether an address, or a list with one, can be served.
+bool can_be_served(const FaultPlace &place, const WrittenItem &item) {
+  const std::vector<WrittenItem> items = place.children(item);
+  if (place.has_key(item, "ADDRESS_LIST"))
+    return std::any_of(items.begin(), items.end(), [&](const WrittenItem &address) {
+      return place.has_key(address, "ADDRESS") && can_be_served(place, address);
+    });
+  for (const WrittenItem &part : items) {
+    if (!place.has_key(part, "PROTOCOL")) continue;
+    const std::optional<Span> word = word_of(place.text(), part);
+    if (!word || !equal_but_for_case(unquoted(place.slice(*word)), "TCP")) return false;
+  }
+  return true;
+}
+
+// Whether a block has an address beside the item at a place that can be served.
+bool has_another(const FaultPlace &place, const Frame &frame, Offset open) {
+  const std::vector<WrittenItem> items = place.items_of(frame);
+  return std::any_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+    const bool holds = place.has_key(item, "ADDRESS") || place.has_key(item, "ADDRESS_LIST");
+    return item.open != open && holds && can_be_served(place, item);
+  });
+}
+
+bool is_plain(std::string_view name) {
+  return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '.' || c == '-';
+  });
+}
+
+// Removes "(", the key and "=", and the blanks up to what is in the block.
+Edit without_opening(const FaultPlace &place, const WrittenItem &item) {
+  const std::size_t next = place.text().find_first_not_of(blanks, item.value);
+  return {item.open, static_cast<Offset>(next), {}};
+}
+
+// Removes the ")", and the blanks before it where nothing but another ")" is before them.
+Edit without_closing(const FaultPlace &place, const WrittenItem &item) {
+  const std::size_t last = place.text().find_last_not_of(blanks, item.end - 2);
+  const bool after_close = place.text()[last] == ')';
+  return {after_close ? static_cast<Offset>(last + 1) : item.end - 1, item.end, {}};
+}
+
+// "NAME_2", or with the next number that is free, which number becomes.
+std::optional<std::string> free_name(const FaultPlace &place, std::string_view name,
+                                     std::size_t &number) {
+  // Nobody has taken so many.
+  constexpr std::size_t most_numbers = 10'000;
+  while (place.subject().is_free && ++number < most_numbers) {
+    std::string own = std::string(name) + "_" + std::to_string(number);
+    if (place.subject().is_free(own)) return own;
+  }
+  return std::nullopt;
+}
+
+// "NAME_2 = " and so on before each description but the first; false when no name is free.
+bool add_names(const FaultPlace &place, std::string_view name,
+               const std::vector<WrittenItem> &descriptions, std::vector<Edit> &edits) {
+  if (!is_plain(name)) return false;
+  std::size_t number = 1;
+  for (std::size_t i = 1; i < descriptions.size(); ++i) {
+    const auto own = free_name(place, name, number);
+    if (!own) return false;
+    const Offset open = descriptions[i].open;
+    const std::size_t last = place.text().find_last_not_of(blanks, open - 1);
+    const bool after_close = place.text()[last] == ')';
+    edits.push_back(
+        {after_close ? static_cast<Offset>(last + 1) : open, open, "\n" + *own + " =\n  "});
+  }
+  return true;
+}
+
+}  // namespace
+
+void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::vector<WrittenItem> items = place.items_of(place.frame());
+  std::vector<Edit> edits;
+  bool in_run = false;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    const bool bare = place.has_key(items[i], "ADDRESS");
+    if (bare && !in_run) edits.push_back({items[i].open, items[i].open, "(ADDRESS_LIST = "});
+    if (!bare && in_run) edits.push_back({items[i - 1].end, items[i - 1].end, ")"});
+    in_run = bare;
+  }
+  if (in_run) edits.push_back({items.back().end, items.back().end, ")"});
+  const bool one_list = edits.size() == 2;
+  diagnosis.fix = {one_list ? Applicability::safe : Applicability::unsafe, std::move(edits)};
+}
+
+void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::vector<WrittenItem> items = place.items_of(place.frame());
+  std::optional<WrittenItem> first;
+  std::optional<WrittenItem> second;
+  for (const WrittenItem &item : items)
+    if (place.has_key(item, "CONNECT_DATA")) {
+      if (!first)
+        first = item;
+      else if (!second)
+        second = item;
+    }
+  if (!second) return;
+  const std::vector<WrittenItem> kept = place.children(*first);
+  std::string added;
+  for (const WrittenItem &item : place.children(*second)) {
+    if (place.is_set(kept, place.key_of(item))) return;
+    added += place.slice({item.open, item.end});
+  }
+  Fix fix = place.removal(second->open);
+  if (!fix) return;
+  fix.edits.insert(fix.edits.begin(), {first->end - 1, first->end - 1, std::move(added)});
+  diagnosis.fix = std::move(fix);
+}
+
+Fix without_address(const FaultPlace &place) {
+  const Frame &address = place.frame();
+  const std::optional<WrittenItem> item = place.opener(address);
+  if (address.block != Block::address || !item) return {};
+  const std::vector<Frame> &frames = place.trace().frames();
+  const Frame &around = frames[static_cast<std::size_t>(address.parent)];
+  if (has_another(place, around, item->open)) return place.removal(item->open);
+  const std::optional<WrittenItem> list = place.opener(around);
+  if (around.block != Block::address_list || !list) return {};
+  const Frame &description = frames[static_cast<std::size_t>(around.parent)];
+  return has_another(place, description, list->open) ? place.removal(list->open) : Fix();
+}
+
+Fix unwrapped(const FaultPlace &place, std::string_view name) {
+  const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
+  if (place.block() != Block::entry || !list) return {};
+  const std::vector<WrittenItem> items = place.children(*list);
+  std::vector<WrittenItem> descriptions;
+  std::vector<Edit> edits = {without_opening(place, *list)};
+  for (const WrittenItem &item : items) {
+    if (place.has_key(item, "DESCRIPTION"))
+      descriptions.push_back(item);
+    else
+      edits.push_back({item.open, item.end, {}});
+  }
+  if (descriptions.empty() || edits[0].end > items[0].open) return {};
+  const bool splits = descriptions.size() > 1 && !place.subject().last;
+  if (splits && !add_names(place, name, descriptions, edits)) return {};
+  edits.push_back(without_closing(place, *list));
+  sort_edits(edits);
+  if (overlap(edits)) return {};
+  const Applicability applicability =
+      items.size() == 1 ? Applicability::safe : Applicability::unsafe;
+  return {applicability, std::move(edits), splits};
+}
+
+}  // namespace kztns

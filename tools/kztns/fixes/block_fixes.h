@@ -1,0 +1,18 @@
+// The fixes of blocks: addresses without a list, second blocks, lists of descriptions.
+#pragma once
+
+#include "fixes/fault_place.h"
+
+namespace kztns {
+
+void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis);
+void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis);
+
+// Removes the address at hand, where one that can be served is left.
+Fix without_address(const FaultPlace &place);
+
+// Removes the list around the descriptions of an entry. Where entries come after it, only
+// its first block can be passed over: the other descriptions become entries of their own.
+Fix unwrapped(const FaultPlace &place, std::string_view name);
+
+}  // namespace kztns

@@ -1,0 +1,74 @@
+#include "fixes/fault_place.h"
+
+#include <algorithm>
+
+#include "scan/item_text.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// SERVICE_NAME and SID set one field.
+bool sets_same(std::string_view left, std::string_view right) {
+  const auto is_service = [](std::string_view word) {
+    return equal_but_for_case(word, "SERVICE_NAME") || equal_but_for_case(word, "SID");
+  };
+  return equal_but_for_case(left, right) || (is_service(left) && is_service(right));
+}
+
+}  // namespace
+
+bool FaultPlace::has_key(const WrittenItem &item, std::string_view word) const {
+  return equal_but_for_case(key_of(item), word);
+}
+
+const Item *FaultPlace::item() const {
+  if (fault().item < 0) return nullptr;
+  return &trace_.items()[static_cast<std::size_t>(fault().item)];
+}
+
+std::optional<WrittenItem> FaultPlace::opener(const Frame &frame) const {
+  if (frame.item < 0) return std::nullopt;
+  return item_at(text_, trace_.items()[static_cast<std::size_t>(frame.item)].open);
+}
+
+std::vector<WrittenItem> FaultPlace::items_of(const Frame &frame) const {
+  if (frame.item >= 0) {
+    const std::optional<WrittenItem> item = opener(frame);
+    return item ? children(*item) : std::vector<WrittenItem>();
+  }
+  return trace_.items().empty() ? std::vector<WrittenItem>()
+                                : items_from(text_, trace_.items().front().open);
+}
+
+bool FaultPlace::is_set(const std::vector<WrittenItem> &items, std::string_view word) const {
+  return std::any_of(items.begin(), items.end(),
+                     [&](const WrittenItem &item) { return sets_same(key_of(item), word); });
+}
+
+Fix FaultPlace::removal(Offset open, Applicability applicability) const {
+  const std::optional<Span> span = item_to_remove(text_, open);
+  if (!span) return {};
+  return {applicability, {{span->begin, span->end, {}}}};
+}
+
+Fix FaultPlace::with_value(Applicability applicability, std::string_view value) const {
+  const Span &old = item()->value;
+  return {applicability, {{old.begin, old.end, std::string(value)}}};
+}
+
+const Key *key_named(Block block, std::string_view word) {
+  for (const Key &key : kzoci::tns::grammar)
+    if (key.block == block && equal_but_for_case(word, key.word)) return &key;
+  return nullptr;
+}
+
+std::string_view switch_word(std::string_view word) {
+  for (const std::string_view on : {"ON", "YES", "TRUE", "1"})
+    if (equal_but_for_case(word, on)) return "ON";
+  for (const std::string_view off : {"OFF", "NO", "FALSE", "0"})
+    if (equal_but_for_case(word, off)) return "OFF";
+  return {};
+}
+
+}  // namespace kztns

@@ -1,0 +1,229 @@
+#include "fixes/file_fixes.h"
+
+#include <algorithm>
+
+#include "fixes/invisible_fixes.h"
+#include "scan/further_stops.h"
+#include "scan/item_words.h"
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+#include "scan/written_items.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+// "# " before what is between two places of each line.
+std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end) {
+  std::vector<Edit> edits;
+  for (Offset at = begin; at < end;) {
+    const auto line_end = static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), end));
+    const std::string_view line = text.substr(at, line_end - at);
+    const std::size_t first = line.find_first_not_of(blanks_of_line);
+    if (first != std::string_view::npos && line[first] != '#') {
+      const Offset place = at + static_cast<Offset>(at == begin ? first : 0);
+      edits.push_back({place, place, "# "});
+    }
+    at = line_end + 1;
+  }
+  return edits;
+}
+
+// "(NAME = (DESCRIPTION = ...))"
+Fix without_parentheses_of_entry(std::string_view text, Offset open) {
+  const std::optional<WrittenItem> entry = item_at(text, open);
+  if (!entry || entry->key.begin == entry->key.end) return {};
+  const std::vector<WrittenItem> items = items_from(text, entry->value);
+  if (items.empty() || pass_blanks(text, items.back().end) + 1 != entry->end) return {};
+  const std::string_view name = text.substr(entry->key.begin, entry->key.end - entry->key.begin);
+  if (item_word(name) || !may_be_value(name, key_word(text, items[0]))) return {};
+  return unsafe_fix({{open, open + 1, {}}, {entry->end - 1, entry->end, {}}});
+}
+
+// After semicolons before an item or an entry on their line; absent for others, which begin a
+// comment for other readers.
+std::optional<Offset> end_of_separator(std::string_view text, Offset at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
+  if (text[at] != ';' || before == std::string_view::npos || text[before] == '\n')
+    return std::nullopt;
+  const std::string_view line = text.substr(0, end_of_line(text, at));
+  const std::size_t end = std::min(line.find_first_not_of(';', at), line.size());
+  std::size_t open = std::min(line.find_first_not_of(" \t", end), line.size());
+  if (line.substr(open).find('=') < line.substr(open).find('('))
+    open = std::min(line.find_first_not_of("= \t", end_of_word(line, static_cast<Offset>(open))),
+                    line.size());
+  const std::vector<WrittenItem> items = items_from(line, static_cast<Offset>(open));
+  if (items.empty() || !key_word(text, items[0])) return std::nullopt;
+  return static_cast<Offset>(end);
+}
+
+Fix fix_of_stray_text(const FileScan &scan, Offset at) {
+  const std::string_view text = scan.text().text();
+  const Offset line_end = end_of_line(text, at);
+  if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
+  if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
+  if (Fix fix = fix_of_long_comment(text, at)) return fix;
+  if (text[at] == '(')
+    if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
+  const Offset limit = scan.next_entry(at);
+  const Offset end = end_of_stray_text(text, at, limit);
+  // The entry that begins on the same line would become a comment, too.
+  if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
+  return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
+}
+
+// Those that follow each other on the line.
+Fix fix_of_closes(std::string_view text, Offset at) {
+  const std::size_t next = std::min(text.find_first_not_of(") \t", at), text.size());
+  const std::size_t last = text.substr(0, next).find_last_of(')');
+  return unsafe_fix({{at, static_cast<Offset>(last + 1), {}}});
+}
+
+Fix fix_of_missing_equal(std::string_view text, Offset at) {
+  if (text[at] == ':') return unsafe_fix({equal_for_colon(text, at)});
+  const bool after_blank = at > 0 && is_blank(text[at - 1]);
+  return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
+}
+
+// Commas at the beginning of a word.
+Fix fix_of_commas(std::string_view text, Offset at) {
+  const auto end = static_cast<Offset>(std::min(text.find_first_not_of(',', at), text.size()));
+  return safe_fix({{at, end, {}}});
+}
+
+// What another block of an entry is made of.
+Fix fix_of_second_block(const FileScan &scan, Offset at) {
+  const std::string_view text = scan.text().text();
+  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
+  const auto end = end_of_items(text.substr(0, scan.next_entry(at)), at);
+  if (!end || before == std::string_view::npos || text[before] != '\n') return {};
+  const std::size_t after = text.find_first_not_of(blanks_of_line, *end);
+  if (after != std::string_view::npos && text[after] != '\n' && text[after] != '#') return {};
+  return unsafe_fix(comment_lines(text, at, *end));
+}
+
+// The parentheses of a comment that have no partner in it.
+void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector<Edit> &edits) {
+  std::vector<Offset> open;
+  std::vector<Offset> found;
+  for (Offset at = begin; at < end; ++at) {
+    if (text[at] == '(') open.push_back(at);
+    if (text[at] != ')') continue;
+    if (open.empty())
+      found.push_back(at);
+    else
+      open.pop_back();
+  }
+  found.insert(found.end(), open.begin(), open.end());
+  std::sort(found.begin(), found.end());
+  for (const Offset at : found) edits.push_back({at, at + 1, text[at] == '(' ? "[" : "]"});
+}
+
+// Calls visit(begin, end) for the comments between tokens, up to a place.
+template <class Visit>
+void for_each_comment(std::string_view text, Offset from, Offset to, const Visit &visit) {
+  TokenReader tokens(text.substr(0, to), from);
+  for (bool more = true; more;) {
+    const Token token = tokens.next();
+    more = token.kind != TokenKind::end;
+    for (Offset at = from; at < token.span.begin;) {
+      if (text[at] != '#') {
+        ++at;
+        continue;
+      }
+      const auto end =
+          static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), token.span.begin));
+      visit(at, end);
+      at = end;
+    }
+    from = token.span.end;
+  }
+}
+
+}  // namespace
+
+Fix fix_of_long_comment(std::string_view text, Offset at) {
+  const std::optional<Offset> end = end_of_long_comment(text, at);
+  if (!end) return {};
+  std::vector<Edit> edits = comment_lines(text, at, *end);
+  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, *end), text.size());
+  if (next < text.size() && text[next] != '\n')
+    edits.push_back({*end, static_cast<Offset>(next), "\n"});
+  return unsafe_fix(std::move(edits));
+}
+
+Offset end_of_colon(std::string_view text, Offset colon) {
+  return colon + (text.substr(colon).starts_with(":=") ? 2 : 1);
+}
+
+Edit equal_for_colon(std::string_view text, Offset colon) {
+  const bool after_blank = colon > 0 && is_blank(text[colon - 1]);
+  return {colon, end_of_colon(text, colon), after_blank ? "=" : " ="};
+}
+
+Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at) {
+  const std::string_view text = scan.text().text();
+  switch (rule) {
+    case Rule::byte_order_mark:
+      return safe_fix({{0, 3, {}}});
+    case Rule::stray_comma:
+      return fix_of_commas(text, at);
+    case Rule::missing_equal:
+      return fix_of_missing_equal(text, at);
+    case Rule::stray_text:
+      return fix_of_stray_text(scan, at);
+    case Rule::extra_close:
+      return fix_of_closes(text, at);
+    case Rule::second_block:
+      return fix_of_second_block(scan, stop.at);
+    case Rule::odd_bytes:
+      return stop.name == at ? fix_of_invisible(text, at, end_of_word(text, at)) : Fix{};
+    case Rule::lost_name:
+      return unsafe_fix(comment_lines(text, at, scan.text().size()));
+    default:
+      return {};
+  }
+}
+
+Fix fix_of_comments(std::string_view text, Offset body, Offset end) {
+  std::vector<Edit> edits;
+  for_each_comment(text, body, end, [&](Offset comment, Offset comment_end) {
+    find_unmatched(text, comment, comment_end, edits);
+  });
+  return edits.empty() ? Fix{} : safe_fix(std::move(edits));
+}
+
+std::optional<Offset> hiding_carriage_return(std::string_view text) {
+  std::size_t lone = text.find('\r');
+  while (lone != std::string_view::npos && lone + 1 < text.size() && text[lone + 1] == '\n')
+    lone = text.find('\r', lone + 1);
+  if (lone == std::string_view::npos) return std::nullopt;
+  std::optional<Offset> found;
+  for_each_comment(text, 0, static_cast<Offset>(text.size()), [&](Offset begin, Offset end) {
+    if (found) return;
+    const std::string_view comment = text.substr(begin, end - begin);
+    const std::size_t cr = comment.find('\r');
+    if (cr != std::string_view::npos &&
+        comment.find_first_not_of(blanks_of_line, cr) != std::string_view::npos)
+      found = begin + static_cast<Offset>(cr);
+  });
+  return found;
+}
+
+Fix fix_of_line_ends(std::string_view text) {
+  // From so many on, one edit of all the text takes less memory.
+  constexpr std::size_t most = 100'000;
+  std::vector<Edit> edits;
+  std::string all(text);
+  for (std::size_t at = text.find('\r'); at != std::string_view::npos;
+       at = text.find('\r', at + 1)) {
+    if (at + 1 < text.size() && text[at + 1] == '\n') continue;
+    all[at] = '\n';
+    if (edits.size() <= most)
+      edits.push_back({static_cast<Offset>(at), static_cast<Offset>(at + 1), "\n"});
+  }
+  if (edits.size() > most) return safe_fix({{0, static_cast<Offset>(text.size()), std::move(all)}});
+  return safe_fix(std::move(edits));
+}
+
+}  // namespace kztns

@@ -1,0 +1,34 @@
+// Fixes of what keeps lookups from entries, where no entry is moved.
+#pragma once
+
+#include "rules/fix.h"
+#include "rules/rules.h"
+#include "scan/file_scan.h"
+
+namespace kztns {
+
+// Of what ends lookups between entries; none where another fix is for it. rule and at are
+// those of its cause.
+Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at);
+
+// Makes comments of the lines of a comment in "/*" and "*/" at a place; what comes after it on its
+// line begins a line of its own. None where it is not closed.
+Fix fix_of_long_comment(std::string_view text, Offset at);
+
+// Parentheses in the comments of an entry that have no partner in the same comment become
+// brackets.
+Fix fix_of_comments(std::string_view text, Offset body, Offset end);
+
+// A carriage return after which a comment hides text; absent for none. Line feeds end
+// comments.
+std::optional<Offset> hiding_carriage_return(std::string_view text);
+
+// Carriage returns without a line feed become line feeds.
+Fix fix_of_line_ends(std::string_view text);
+
+// A ":" or ":=" at a place, which other notations have for "=": where it ends, and the edit
+// that makes it one.
+Offset end_of_colon(std::string_view text, Offset colon);
+Edit equal_for_colon(std::string_view text, Offset colon);
+
+}  // namespace kztns

@@ -1,0 +1,72 @@
+#include "fixes/foreign_keys.h"
+
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+constexpr ForeignKey foreign_rows[] = {
+#define FOREIGN_KEY(word, treatment, ...) {word, __VA_ARGS__, ForeignTreatment::treatment},
+#include "fixes/foreign_keys.def"
+};
+
+std::string action_of(const ForeignKey &key) {
+  switch (key.treatment) {
+    case ForeignTreatment::drop:
+    case ForeignTreatment::lose:
+      return "remove the item: ";
+    case ForeignTreatment::drop_address:
+      return "remove the address if there is another: ";
+    case ForeignTreatment::unwrap:
+      return "remove " + std::string(key.word) + " and keep the descriptions in it: ";
+    case ForeignTreatment::drop_off:
+      return "remove the item if it is off: ";
+    case ForeignTreatment::refuse:
+      return "";
+    default:
+      return "write " + std::string(key.target) + ": ";
+  }
+}
+
+}  // namespace
+
+std::span<const ForeignKey> foreign_keys() { return foreign_rows; }
+
+const ForeignKey *foreign_key(std::string_view word) {
+  for (const ForeignKey &key : foreign_rows)
+    if (equal_but_for_case(word, key.word)) return &key;
+  return nullptr;
+}
+
+std::string remedy_of(const ForeignKey &key, std::string_view why) {
+  return action_of(key) + std::string(why) +
+         (key.shared ? " (other readers of this file need it)" : "");
+}
+
+std::string fix_of(const ForeignKey &key) {
+  std::string target = "`";
+  target += key.target;
+  target += '`';
+  switch (key.treatment) {
+    case ForeignTreatment::drop:
+      return "removed (safe)";
+    case ForeignTreatment::lose:
+      return "removed (unsafe)";
+    case ForeignTreatment::rename:
+      return target + " (safe)";
+    case ForeignTreatment::rename_unsafe:
+      return target + " (unsafe)";
+    case ForeignTreatment::rename_switch:
+      return target + ", `ON` or `OFF` (unsafe)";
+    case ForeignTreatment::drop_address:
+      return "its address removed (unsafe)";
+    case ForeignTreatment::unwrap:
+      return "its blocks kept";
+    case ForeignTreatment::drop_off:
+      return "removed where it is off (safe)";
+    default:
+      return "none";
+  }
+}
+
+}  // namespace kztns

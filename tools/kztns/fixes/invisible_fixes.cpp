@@ -1,0 +1,100 @@
+#include "fixes/invisible_fixes.h"
+
+#include <algorithm>
+
+#include "scan/tokens.h"
+#include "text/characters.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+// What stands for an invisible character that is meant as a blank, or as nothing.
+std::optional<std::string_view> visible_instead(std::string_view odd) {
+  if (is_one_of(odd, {byte_order_mark, zero_width_space})) return "";
+  const bool control = odd.size() == 1 && odd[0] != '\xA0';
+  if (control && odd != "\f" && odd != "\v") return std::nullopt;
+  return " ";
+}
+
+// Puts blanks for invisible characters in a word, those in quotes excepted.
+bool make_visible(std::string_view word, Offset at, std::vector<Edit> &edits) {
+  for (std::size_t from = 0; from < word.size();) {
+    const std::string_view odd = odd_character(word.substr(from));
+    if (odd.empty()) return true;
+    const std::size_t place = static_cast<std::size_t>(odd.data() - word.data());
+    from = place + odd.size();
+    if (std::count(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(place), '"') % 2 != 0)
+      continue;
+    const auto instead = visible_instead(odd);
+    if (!instead) return false;
+    const Offset begin = at + static_cast<Offset>(place);
+    edits.push_back({begin, begin + static_cast<Offset>(odd.size()), std::string(*instead)});
+  }
+  return true;
+}
+
+Fix all_visible(const FaultPlace &place) {
+  const std::vector<Item> &items = place.trace().items();
+  const Offset from = items.empty() ? place.fault().at : items.front().open;
+  std::vector<Edit> edits;
+  TokenReader tokens(place.text(), from);
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+    if (token.kind == TokenKind::word &&
+        !make_visible(place.slice(token.span), token.span.begin, edits))
+      return {};
+  return edits.empty() ? Fix() : safe_fix(std::move(edits));
+}
+
+// Whether an invisible character has a width.
+bool is_space(std::string_view odd) {
+  return odd != byte_order_mark && odd != zero_width_space && odd[0] != '\0';
+}
+
+}  // namespace
+
+bool mend_invisible(const FaultPlace &place, Diagnosis &diagnosis) {
+  if (diagnosis.rule == Rule::unclosed_quote || diagnosis.rule == Rule::unclosed_block)
+    return false;
+  TokenReader tokens(place.text(),
+                     std::min<Offset>(place.fault().at, static_cast<Offset>(place.text().size())));
+  const Token token = tokens.next();
+  if (token.kind != TokenKind::word || token.span.begin != place.fault().at) return false;
+  const std::string_view odd = odd_character(place.slice(token.span));
+  Fix fix = odd.empty() ? Fix() : all_visible(place);
+  if (!fix) return false;
+  diagnosis.at = static_cast<Offset>(odd.data() - place.text().data());
+  if (diagnosis.rule != Rule::odd_bytes)
+    diagnosis.text = "the invisible character " + visible(odd) + " is no blank here";
+  diagnosis.rule = Rule::odd_bytes;
+  diagnosis.remedy = visible_instead(odd) == " " ? "write a blank instead" : "";
+  diagnosis.fix = std::move(fix);
+  return true;
+}
+
+Fix fix_of_invisible(std::string_view text, Offset begin, Offset end) {
+  std::vector<Edit> edits;
+  bool safe = true;
+  bool at_begin = true;
+  for (Offset at = begin; at < end;) {
+    const std::string_view rest = text.substr(at, end - at);
+    const std::string_view odd = odd_character(rest);
+    if (odd.empty()) break;
+    const auto place = static_cast<Offset>(odd.data() - text.data());
+    const Offset after = place + static_cast<Offset>(odd.size());
+    at_begin = at_begin && place == at;
+    const bool at_end = after == end || is_blank(text[after]);
+    if (is_blank(odd[0])) {
+      at = after;
+      continue;
+    }
+    const bool blank = is_space(odd) && (at_begin || at_end);
+    safe = safe && (blank || !is_space(odd));
+    edits.push_back({place, after, blank ? " " : ""});
+    at = after;
+  }
+  if (edits.empty()) return {};
+  return safe ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
+}
+
+}  // namespace kztns

@@ -1,0 +1,244 @@
+#include "fixes/key_fixes.h"
+
+#include "fixes/block_fixes.h"
+#include "fixes/file_fixes.h"
+#include "fixes/foreign_keys.h"
+#include "fixes/value_fixes.h"
+#include "scan/further_stops.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+#include "text/escape.h"
+
+namespace kztns {
+namespace {
+
+// DESCRIPTION, ADDRESS_LIST, ADDRESS: blocks are not nested deeper.
+constexpr int deepest = 3;
+
+std::string text_of(const FaultPlace &place, const WrittenItem &item) {
+  return std::string(place.slice({item.open, item.end}));
+}
+
+// The key of the item that sets the same as a key in the block at fault; empty for none.
+std::string_view set_by(const FaultPlace &place, std::string_view key) {
+  for (const WrittenItem &item : place.items_of(place.frame()))
+    if (place.is_set({item}, key)) return place.key_of(item);
+  return {};
+}
+
+// Whether a block may have several items of a key, and each counts.
+bool may_repeat(const Key &key) {
+  return key.value.kind == ValueKind::block &&
+         (key.value.opens == Block::address || key.value.opens == Block::address_list);
+}
+
+// Another key instead of the one at fault, which is at a place; removes the item when that
+// one is written already.
+Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
+  const Key *const row = key_named(place.block(), key);
+  const bool fits = row != nullptr && (may_repeat(*row) || set_by(place, key).empty());
+  if (!fits) return place.removal(place.item()->open);
+  return {applicability, {{at.begin, at.end, std::string(key)}}};
+}
+Fix renamed(const FaultPlace &place, std::string_view key, Applicability applicability) {
+  return renamed(place, place.item()->key, key, applicability);
+}
+
+// Whether a fix writes another key, and does not remove the item.
+bool renames(const Fix &fix) { return fix && !fix.edits[0].text.empty(); }
+
+// The value of the item at fault; absent where it is no single word.
+std::optional<Span> value_at(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  return item ? word_of(place.text(), *item) : std::nullopt;
+}
+
+std::string_view switch_at(const FaultPlace &place) {
+  const std::optional<Span> value = value_at(place);
+  return value ? switch_word(unquoted(place.slice(*value))) : "";
+}
+
+Fix renamed_switch(const FaultPlace &place, std::string_view key) {
+  const std::string_view word = switch_at(place);
+  if (word.empty()) return place.removal(place.item()->open);
+  Fix fix = renamed(place, key, Applicability::unsafe);
+  const Span value = *value_at(place);
+  if (renames(fix) && place.slice(value) != word)
+    fix.edits.push_back({value.begin, value.end, std::string(word)});
+  return fix;
+}
+
+// The number that a value with a unit begins with, for a key; none for another value.
+Fix number_at(const FaultPlace &place, std::string_view key) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const Key *const row = key_named(place.block(), key);
+  if (!item || row == nullptr) return {};
+  const std::string_view value = trimmed(place.slice({item->value, item->end - 1}));
+  const auto begin = static_cast<Offset>(value.data() - place.text().data());
+  return fix_of_number(*row, value, {begin, begin + static_cast<Offset>(value.size())});
+}
+
+// A key of a number that other readers take with a unit, too.
+Fix renamed_number(const FaultPlace &place, std::string_view key) {
+  Fix fix = renamed(place, key, Applicability::unsafe);
+  const Fix number = number_at(place, key);
+  if (renames(fix) && number) fix.edits.push_back(number.edits[0]);
+  return fix;
+}
+
+bool is_number(const FaultPlace &place, std::string_view key) {
+  const Key *const row = key_named(place.block(), key);
+  return row != nullptr && row->value.kind == ValueKind::integer;
+}
+
+Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey &key) {
+  const Offset open = place.item()->open;
+  switch (key.treatment) {
+    case ForeignTreatment::drop:
+      return place.removal(open, Applicability::safe);
+    case ForeignTreatment::lose:
+      return place.removal(open);
+    case ForeignTreatment::rename:
+      return renamed(place, key.target, Applicability::safe);
+    case ForeignTreatment::rename_unsafe:
+      return is_number(place, key.target) ? renamed_number(place, key.target)
+                                          : renamed(place, key.target, Applicability::unsafe);
+    case ForeignTreatment::rename_switch:
+      return renamed_switch(place, key.target);
+    case ForeignTreatment::drop_off:
+      return switch_at(place) == "OFF" ? place.removal(open, Applicability::safe) : Fix();
+    case ForeignTreatment::drop_address:
+      return without_address(place);
+    case ForeignTreatment::unwrap:
+      return unwrapped(place, name);
+    default:
+      return {};
+  }
+}
+
+// The written blocks within an item that take a key.
+void collect_takers(const FaultPlace &place, const WrittenItem &item, Block block,
+                    KZCILBKeyType type, int depth, std::vector<WrittenItem> &takers) {
+  if (kzoci::tns::key_of(block, type) != nullptr) takers.push_back(item);
+  if (depth == deepest) return;
+  for (const WrittenItem &child : place.children(item)) {
+    const Key *const key = key_named(block, place.key_of(child));
+    if (key != nullptr && key->value.kind == ValueKind::block)
+      collect_takers(place, child, key->value.opens, type, depth + 1, takers);
+  }
+}
+
+// The block that an item was meant for: the nearest one around it that takes its key, or
+// the only one of its description.
+std::optional<WrittenItem> taker(const FaultPlace &place, KZCILBKeyType type) {
+  const std::vector<Frame> &frames = place.trace().frames();
+  int top = place.fault().frame;
+  for (int frame = top; frame > 0; frame = frames[static_cast<std::size_t>(frame)].parent) {
+    top = frame;
+    const Frame &around = frames[static_cast<std::size_t>(frame)];
+    if (kzoci::tns::key_of(around.block, type) != nullptr) return place.opener(around);
+  }
+  const Frame &outermost = frames[static_cast<std::size_t>(top)];
+  const std::optional<WrittenItem> description = top > 0 ? place.opener(outermost) : std::nullopt;
+  if (!description) return std::nullopt;
+  std::vector<WrittenItem> takers;
+  collect_takers(place, *description, outermost.block, type, 1, takers);
+  if (takers.size() != 1) return std::nullopt;
+  return takers[0];
+}
+
+Fix moved_into(const FaultPlace &place, const WrittenItem &item, const WrittenItem &target) {
+  if (place.is_set(place.children(target), place.key_of(item))) return {};
+  if (place.text().find_first_not_of(blanks, target.end) == item.open)
+    return unsafe_fix({{target.end - 1, target.end, {}}, {item.end, item.end, ")"}});
+  Fix fix = place.removal(item.open);
+  if (!fix) return {};
+  const Offset end = target.end - 1;
+  if (fix.edits[0].begin < end && end < fix.edits[0].end) return {};
+  fix.edits.push_back({end, end, text_of(place, item)});
+  sort_edits(fix.edits);
+  return fix;
+}
+
+bool is_of_connect_data(KZCILBKeyType type) {
+  return kzoci::tns::key_of(Block::connect_data, type) != nullptr;
+}
+
+// An item of the entry itself: its blocks belong in a DESCRIPTION.
+Fix in_description(const FaultPlace &place, const WrittenItem &item) {
+  const std::vector<WrittenItem> items = place.items_of(place.frame());
+  if (key_named(Block::description, place.key_of(item)) == nullptr) return {};
+  std::optional<WrittenItem> description;
+  for (const WrittenItem &other : items) {
+    if (!place.has_key(other, "DESCRIPTION")) continue;
+    if (description) return {};
+    description = other;
+  }
+  if (description) return moved_into(place, item, *description);
+  std::vector<Edit> edits = {{items.front().open, items.front().open, "(DESCRIPTION = "}};
+  // Comments that are in the block now must not lead lookups astray.
+  for (std::size_t i = 1; i < items.size(); ++i)
+    for (Edit &edit : fix_of_comments(place.text(), items[i - 1].end, items[i].open).edits)
+      edits.push_back(std::move(edit));
+  edits.push_back({items.back().end, items.back().end, ")"});
+  return safe_fix(std::move(edits));
+}
+
+// A key that is written as two words: CONNECT DATA.
+struct SplitKey {
+  Span span;
+  std::string_view key;
+};
+
+std::optional<SplitKey> split_key(const FaultPlace &place) {
+  const Span first = place.item()->key;
+  const Offset next = pass_blanks(place.text(), first.end);
+  const Span second = {next, end_of_word(place.text(), next)};
+  const std::string word = std::string(place.slice(first)) + '_' + std::string(place.slice(second));
+  const Key *const key = key_named(place.block(), word);
+  if (key == nullptr) return std::nullopt;
+  return SplitKey{{first.begin, second.end}, key->word};
+}
+
+}  // namespace
+
+void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
+  const std::string_view word = place.trace().key_word_of(*place.item());
+  if (const std::optional<SplitKey> split = split_key(place)) {
+    diagnosis.remedy = "did you mean " + std::string(split->key) + "?";
+    diagnosis.fix = renamed(place, split->span, split->key, Applicability::unsafe);
+    return;
+  }
+  if (const ForeignKey *const foreign = foreign_key(word)) {
+    diagnosis.remedy = remedy_of(*foreign);
+    diagnosis.fix = foreign_fix(place, name, *foreign);
+    const bool has_target =
+        !foreign->target.empty() && key_named(place.block(), foreign->target) != nullptr;
+    const std::string_view setter = has_target ? set_by(place, foreign->target) : "";
+    if (diagnosis.fix.edits.size() > 1 && is_number(place, foreign->target))
+      diagnosis.remedy = remedy_of(*foreign, "it takes a number without a unit, so check it");
+    if (!setter.empty())
+      diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
+    return;
+  }
+  const std::string_view near = near_key(word, place.block());
+  diagnosis.fix = near.empty() ? place.removal(place.item()->open)
+                               : renamed(place, near, Applicability::unsafe);
+}
+
+void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item) return;
+  if (place.block() == Block::entry) {
+    diagnosis.fix = in_description(place, *item);
+    return;
+  }
+  if (const auto target = taker(place, place.item()->type))
+    diagnosis.fix = moved_into(place, *item, *target);
+  else if (place.block() == Block::description && is_of_connect_data(place.item()->type) &&
+           !place.is_set(place.items_of(place.frame()), "CONNECT_DATA"))
+    diagnosis.fix =
+        unsafe_fix({{item->open, item->open, "(CONNECT_DATA = "}, {item->end, item->end, ")"}});
+}
+
+}  // namespace kztns

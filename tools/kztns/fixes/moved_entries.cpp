@@ -1,0 +1,211 @@
+#include "fixes/moved_entries.h"
+
+#include <algorithm>
+
+#include "scan/further_stops.h"
+#include "scan/item_text.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+Offset line_begin(std::string_view text, Offset at) {
+  return static_cast<Offset>(text.substr(0, at).find_last_of('\n') + 1);
+}
+
+// After the line's line feed.
+Offset line_end(std::string_view text, Offset at) {
+  const std::size_t feed = text.find('\n', at);
+  return static_cast<Offset>(feed == std::string_view::npos ? text.size() : feed + 1);
+}
+
+// After the line, when nothing but blanks and a comment are left of it.
+std::optional<Offset> end_with_line(std::string_view text, Offset at) {
+  const std::size_t rest = text.find_first_not_of(blanks_of_line, at);
+  if (rest == std::string_view::npos) return static_cast<Offset>(text.size());
+  if (text[rest] != '#' && text[rest] != '\n') return std::nullopt;
+  return line_end(text, at);
+}
+
+bool is_comment_line(std::string_view text, Offset begin) {
+  const std::size_t first = text.find_first_not_of(" \t", begin);
+  return first != std::string_view::npos && text[first] == '#';
+}
+
+// The lines of an entry, with the comment lines directly above it; absent when something
+// else is on them.
+std::optional<Span> lines_of(std::string_view text, Offset at, Offset end) {
+  Offset begin = line_begin(text, at);
+  const auto after = end_with_line(text, end);
+  if (!after || text.substr(begin, at - begin).find_first_not_of(" \t") != std::string_view::npos)
+    return std::nullopt;
+  while (begin > 0 && is_comment_line(text, line_begin(text, begin - 1)))
+    begin = line_begin(text, begin - 1);
+  return Span{begin, *after};
+}
+
+Offset after_blank_lines(std::string_view text, Offset at) {
+  for (Offset end = at; end < text.size(); at = end) {
+    end = line_end(text, at);
+    if (text.substr(at, end - at).find_first_not_of(blanks) != std::string_view::npos) break;
+  }
+  return at;
+}
+
+Edit copied(std::string_view text, Offset begin, Offset end, Offset to) {
+  return {to, to, std::string(text.substr(begin, end - begin)), begin};
+}
+
+std::string_view line_feed_of(std::string_view text) {
+  const std::size_t feed = text.find('\n');
+  return feed != std::string_view::npos && feed > 0 && text[feed - 1] == '\r' ? "\r\n" : "\n";
+}
+
+// Moves lines to the beginning of a line further on. The blank lines after them come
+// before them.
+std::vector<Edit> move_lines(std::string_view text, Span lines, Offset to) {
+  const Offset rest = after_blank_lines(text, lines.end);
+  std::vector<Edit> edits = {{lines.begin, rest, {}}};
+  if (text[to - 1] != '\n') edits.push_back({to, to, std::string(line_feed_of(text))});
+  edits.push_back(copied(text, lines.end, rest, to));
+  edits.push_back(copied(text, lines.begin, lines.end, to));
+  return edits;
+}
+
+// The end of the only block of an entry, if lookups of other names come to it, too.
+std::optional<Offset> end_if_passed(const FileScan &scan, const Entry &entry) {
+  const std::string_view text =
+      std::string_view(scan.text().text()).substr(0, scan.next_entry(entry.body));
+  const Offset open = pass_blanks(text, entry.body);
+  if (open == text.size() || text[open] != '(') return std::nullopt;
+  const auto end = end_of_item(text, open);
+  if (!end) return std::nullopt;
+  const Offset next = pass_blanks(text, *end);
+  if (counted_end(text, open, *end) != *end || (next < text.size() && text[next] == '('))
+    return std::nullopt;
+  return end;
+}
+
+bool any_ends_lookups(const FileScan &scan) {
+  return std::any_of(scan.entries().begin(), scan.entries().end(),
+                     [&](const Entry &entry) { return ends_lookups(scan.name(entry)); });
+}
+
+}  // namespace
+
+Fix move_reserved(const FileScan &scan) {
+  const std::string_view text = scan.text().text();
+  const Entry &reserved = *scan.last_reached();
+  auto entry = scan.first_after(reserved.at);
+  const auto end = end_of_items(text.substr(0, scan.next_entry(reserved.at)), reserved.body);
+  const auto lines = end ? lines_of(text, reserved.at, *end) : std::nullopt;
+  if (!lines) return {};
+  const std::vector<Stop> &stops = scan.further_stops();
+  const Offset obstacle = stops.empty() ? scan.text().size() : stops.front().name;
+  std::optional<Offset> to;
+  for (; entry != scan.entries().end() && entry->at < obstacle; ++entry) {
+    if (ends_lookups(scan.name(*entry))) break;
+    const auto passed = end_if_passed(scan, *entry);
+    const auto after = passed ? end_with_line(text, *passed) : std::nullopt;
+    if (!after) break;
+    to = after;
+  }
+  if (!to) return {};
+  return safe_fix(move_lines(text, *lines, *to));
+}
+
+Fix move_to_end(const FileScan &scan, const Entry &entry) {
+  const std::string_view text = scan.text().text();
+  const Entry &last = scan.entries().back();
+  if (last.at <= entry.at || any_ends_lookups(scan) || !end_if_passed(scan, last)) return {};
+  const auto limit = scan.next_entry(entry.body);
+  const auto end = end_of_items(text.substr(0, limit), entry.body);
+  const auto lines = end ? lines_of(text, entry.at, *end) : std::nullopt;
+  if (!lines) return {};
+  return unsafe_fix(move_lines(text, *lines, scan.text().size()));
+}
+
+namespace {
+
+// More bytes than that are not worth copying.
+constexpr std::size_t most_copied = 1 << 20;
+
+struct NameList {
+  std::vector<Span> names;
+  Offset equal = 0;
+};
+
+// "A, B ="; absent where the text at a place is no list, or has a comma too many.
+std::optional<NameList> read_list(std::string_view text, Offset at) {
+  NameList list;
+  for (bool more = true; more;) {
+    const std::size_t end = std::min(text.find_first_of(" \t\r\n()=,#\"", at), text.size());
+    if (end == at) return std::nullopt;
+    if (list.names.size() == most_names_of_list) return std::nullopt;
+    list.names.push_back({at, static_cast<Offset>(end)});
+    at = pass_blanks(text, static_cast<Offset>(end));
+    more = at < text.size() && text[at] == ',';
+    if (more) at = pass_blanks(text, at + 1);
+  }
+  list.equal = at;
+  if (at >= text.size() || text[at] != '=') return std::nullopt;
+  return list;
+}
+
+// Leaves one name of the list, and its comments.
+std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span kept) {
+  const Offset begin = list.names.front().begin;
+  const Offset end = list.names.back().end;
+  std::vector<Edit> edits;
+  if (text.substr(begin, end - begin).find('#') == std::string_view::npos) {
+    edits.push_back({begin, kept.begin, {}});
+    edits.push_back({kept.end, end, {}});
+  } else {
+    for (const Span name : list.names) {
+      if (name.begin != kept.begin) edits.push_back({name.begin, name.end, {}});
+      const Offset comma = pass_blanks(text, name.end);
+      if (text[comma] == ',') edits.push_back({comma, comma + 1, {}});
+    }
+  }
+  std::erase_if(edits, [](const Edit &edit) { return edit.begin == edit.end; });
+  return edits;
+}
+
+}  // namespace
+
+Fix NameLists::split(Offset at) {
+  const std::string_view text = scan_.text().text();
+  const auto list = read_list(text, at);
+  if (!list) return {};
+  const Offset limit = scan_.next_entry(list->equal);
+  const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
+  const auto after = end ? end_with_line(text, *end) : std::nullopt;
+  std::vector<Span> names = list->names;
+  std::erase_if(names, [&](Span name) {
+    return last_of(text.substr(name.begin, name.end - name.begin)) > list->equal;
+  });
+  if (!after || names.empty() || names.size() * (*end - list->equal) > most_copied) return {};
+  std::vector<Edit> edits = leave_name(text, *list, names.front());
+  const Offset to = *after;
+  const std::string feed(line_feed_of(text));
+  const bool has_feed = text[to - 1] == '\n';
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    if (!has_feed) edits.push_back({to, to, feed});
+    edits.push_back(copied(text, names[i].begin, names[i].end, to));
+    edits.push_back({to, to, " "});
+    edits.push_back(copied(text, list->equal, *end, to));
+    if (has_feed) edits.push_back({to, to, feed});
+  }
+  return safe_fix(std::move(edits));
+}
+
+Offset NameLists::last_of(std::string_view name) {
+  if (last_.empty())
+    for (const Entry &entry : scan_.entries())
+      if (!entry.in_list) last_[scan_.name(entry)] = entry.at;
+  const auto found = last_.find(name);
+  return found == last_.end() ? 0 : found->second;
+}
+
+}  // namespace kztns

@@ -1,0 +1,283 @@
+#include "fixes/value_fixes.h"
+
+#include <algorithm>
+
+#include "fixes/address_fixes.h"
+#include "fixes/file_fixes.h"
+#include "fixes/foreign_keys.h"
+#include "scan/further_stops.h"
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+#include "text/spelling.h"
+
+namespace kztns {
+namespace {
+
+bool is_key(std::string_view word) {
+  return foreign_key(word) != nullptr ||
+         std::any_of(std::begin(kzoci::tns::grammar), std::end(kzoci::tns::grammar),
+                     [&](const Key &key) { return equal_but_for_case(word, key.word); });
+}
+
+// Whether another item seems to begin in a value, "h PORT = 1".
+bool holds_item(std::string_view value) {
+  TokenReader tokens(value);
+  Token before = tokens.next();
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+    if (token.kind == TokenKind::equal && before.kind == TokenKind::word &&
+        is_key(value.substr(before.span.begin, before.span.end - before.span.begin)))
+      return true;
+    before = token;
+  }
+  return false;
+}
+
+bool may_be_in(Block block, std::string_view word) {
+  return key_named(block, word) != nullptr || foreign_key(word) != nullptr;
+}
+
+// "(KEY = a, KEY = b)": several items in one pair of parentheses.
+Fix separate_items(const FaultPlace &place) {
+  if (!place.item()->has_value) return {};
+  std::vector<Edit> edits;
+  TokenReader tokens(place.text(), place.item()->value.begin);
+  for (Token value = tokens.next(); value.kind == TokenKind::word; value = tokens.next()) {
+    const std::string_view word = place.slice(value.span);
+    const std::size_t length = word.find_last_not_of(",;") + 1;
+    Token next = tokens.next();
+    if (next.kind == TokenKind::close && length > 0 && !edits.empty()) {
+      const Offset end = value.span.begin + static_cast<Offset>(length);
+      if (end < value.span.end) edits.push_back({end, value.span.end, {}});
+      return unsafe_fix(std::move(edits));
+    }
+    if (next.kind == TokenKind::word && is_one_of(place.slice(next.span), {",", ";"}))
+      next = tokens.next();
+    if (next.kind != TokenKind::word || !may_be_in(place.block(), place.slice(next.span)) ||
+        length == 0)
+      return {};
+    const Offset end = value.span.begin + static_cast<Offset>(length);
+    edits.push_back({end, next.span.begin, ")("});
+    if (tokens.next().kind != TokenKind::equal) return {};
+  }
+  return {};
+}
+
+// Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
+// entry would be served, and no server found.
+bool may_have_any_character(const Key &key) {
+  return key.value.kind == ValueKind::text && key.type != LB_HOST && key.type != LB_PORT;
+}
+
+// What to do about a value that goes on after its first word.
+std::string remedy_of_more(const Key &key) {
+  const auto remedy = [](Rule rule) { return std::string(row_of(rule).remedy); };
+  if (key.value.kind == ValueKind::integer) return remedy(Rule::bad_number);
+  if (key.type == LB_HOST) return remedy(Rule::placeholder);
+  if (key.type == LB_PORT) return remedy(Rule::bad_port);
+  return {};
+}
+
+// A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
+Fix whole_value(const FaultPlace &place, Applicability applicability) {
+  const Key *const key = place.trace().row_of(*place.item());
+  const Offset begin = place.item()->value.begin;
+  const std::string_view line =
+      place.text().substr(begin, place.text().find_first_of("\r\n", begin) - begin);
+  const std::size_t close = line.find(')');
+  if (key == nullptr || close == std::string_view::npos) return {};
+  const std::string_view value = trimmed(line.substr(0, close));
+  if (value.find_first_of("(\"") != std::string_view::npos || value.size() >= longest_token)
+    return {};
+  const Offset end = begin + static_cast<Offset>(value.size());
+  if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
+  if (!may_have_any_character(*key) || holds_item(value)) return {};
+  return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
+}
+
+// Whether several items in one pair are the fault; if so, it is mended.
+bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
+  Fix fix = separate_items(place);
+  if (!fix) return false;
+  diagnosis.fix = std::move(fix);
+  diagnosis.remedy = "put each item in parentheses of its own";
+  return true;
+}
+
+void mend_unquoted_value(const FaultPlace &place, Diagnosis &diagnosis) {
+  if (mend_joined_items(place, diagnosis)) return;
+  diagnosis.fix = whole_value(place, Applicability::safe);
+  if (const Key *const key = place.trace().row_of(*place.item()))
+    diagnosis.remedy = remedy_of_more(*key);
+}
+
+// The end of the line or the first ")" on it.
+Fix closed_quote(const FaultPlace &place, Offset quote) {
+  const std::string_view text = place.text();
+  const std::size_t stop = std::min(text.find_first_of(")\r\n", quote + 1), text.size());
+  const std::size_t last = text.find_last_not_of(" \t", stop - 1);
+  if (last <= quote) return {};
+  const auto end = static_cast<Offset>(last + 1);
+  return unsafe_fix({{end, end, "\""}});
+}
+
+Fix without_quotes(const FaultPlace &place, Offset quote) {
+  const std::size_t close = place.text().find('"', quote + 1);
+  if (close == std::string_view::npos) return {};
+  const auto end = static_cast<Offset>(close);
+  return safe_fix({{quote, quote + 1, {}}, {end, end + 1, {}}});
+}
+
+Fix switched_word(const FaultPlace &place) {
+  const std::vector<std::string_view> words = choices(*place.trace().row_of(*place.item()));
+  const std::string_view value = trimmed(place.value());
+  const std::string_view word = switch_word(value);
+  if (std::find(words.begin(), words.end(), word) != words.end())
+    return place.with_value(Applicability::safe, word);
+  const std::string_view near = near_word(value, words);
+  return near.empty() ? Fix() : place.with_value(Applicability::unsafe, near);
+}
+
+// "(KEY : value)" and "(KEY := value)": where the value is to begin.
+std::optional<Offset> value_after_colon(const FaultPlace &place) {
+  const Offset at = place.fault().at;
+  if (at >= place.text().size() || place.text()[at] != ':') return std::nullopt;
+  return pass_blanks(place.text(), end_of_colon(place.text(), at));
+}
+
+bool is_value(const FaultPlace &place, const Key &key, Offset at) {
+  if (key.value.kind == ValueKind::block) return place.text().substr(at).starts_with('(');
+  const Offset end = end_of_word(place.text(), at);
+  return end > at && place.text().substr(pass_blanks(place.text(), end)).starts_with(')');
+}
+
+// Only "=" can stand between a key and what follows.
+Fix with_equal(const FaultPlace &place) {
+  const Item &item = *place.item();
+  const Key *const key = place.trace().row_of(item);
+  const std::optional<Offset> value = value_after_colon(place);
+  if (key != nullptr && value && is_value(place, *key, *value))
+    return {Applicability::safe, {equal_for_colon(place.text(), place.fault().at)}};
+  const std::optional<WrittenItem> written = item_at(place.text(), item.open);
+  if (key == nullptr || !written) return place.removal(item.open);
+  const bool is_block = key->value.kind == ValueKind::block;
+  const bool fits = is_block ? place.text().substr(place.fault().at).starts_with('(')
+                             : word_of(place.text(), *written).has_value();
+  if (!fits) return place.removal(item.open);
+  return safe_fix({{item.key.end, item.key.end, " ="}});
+}
+
+// "((KEY = ...))": the outer parentheses of the items say nothing.
+Fix without_outer_parentheses(const FaultPlace &place, Offset open) {
+  const std::optional<WrittenItem> outer = item_at(place.text(), open);
+  const std::vector<WrittenItem> inner = items_from(place.text(), open + 1);
+  if (!outer || inner.empty()) return {};
+  const bool only_items = pass_blanks(place.text(), inner.back().end) + 1 == outer->end;
+  return {only_items ? Applicability::safe : Applicability::unsafe,
+          {{open, open + 1, {}}, {outer->end - 1, outer->end, {}}}};
+}
+
+// "()" says nothing; more than that is lost.
+void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
+  if (last == std::string_view::npos || place.text()[last] != '(') return;
+  const auto open = static_cast<Offset>(last);
+  diagnosis.fix = without_outer_parentheses(place, open);
+  if (diagnosis.fix) {
+    diagnosis.remedy = "remove the outer parentheses";
+    return;
+  }
+  diagnosis.fix = place.removal(open);
+  if (!diagnosis.fix) return;
+  const Edit &removal = diagnosis.fix.edits[0];
+  if (place.slice({removal.begin, removal.end}).find('=') == std::string_view::npos)
+    diagnosis.fix.applicability = Applicability::safe;
+}
+
+// "(KEY = (value))"
+Fix without_inner_parentheses(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item) return {};
+  const std::vector<WrittenItem> inner = place.children(*item);
+  if (inner.size() != 1 || inner[0].key.end != inner[0].value) return {};
+  if (pass_blanks(place.text(), inner[0].key.end) + 1 != inner[0].end) return {};
+  return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
+}
+
+// Whether a number is a time, which people write with a unit.
+bool is_time(const Key &key) {
+  return key.word == std::string_view("RETRY_DELAY") ||
+         std::string_view(key.word).ends_with("TIMEOUT") ||
+         is_one_of(key.word, {"DURATION", "SLOWSQL_THRESHOLD", "SLOWSQL_FLUSH_SECOND"});
+}
+
+}  // namespace
+
+Fix fix_of_number(const Key &key, std::string_view text, Span span) {
+  const std::string_view value = trimmed(text);
+  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
+  const auto end =
+      std::find_if_not(value.begin() + static_cast<std::ptrdiff_t>(sign), value.end(), is_digit);
+  const std::string digits(value.begin(), end);
+  if (digits.size() == sign) return {};
+  const std::string_view unit = trimmed(value.substr(digits.size()));
+  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
+  if (is_time(key) &&
+      is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
+    return unsafe_fix({{span.begin, span.end, digits}});
+  return {};
+}
+
+void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
+  switch (diagnosis.rule) {
+    case Rule::no_block:
+      diagnosis.fix = written_descriptor(place, diagnosis.at);
+      return;
+    case Rule::quoted_entry:
+      diagnosis.fix = without_quotes(place, diagnosis.at);
+      return;
+    case Rule::unclosed_quote:
+      diagnosis.fix = closed_quote(place, diagnosis.at);
+      return;
+    case Rule::missing_key:
+      return mend_missing_key(place, diagnosis);
+    default:
+      break;
+  }
+  if (place.item() == nullptr) return;
+  switch (diagnosis.rule) {
+    case Rule::unquoted_value:
+      return mend_unquoted_value(place, diagnosis);
+    case Rule::comment_in_value:
+      diagnosis.fix = whole_value(place, Applicability::unsafe);
+      return;
+    case Rule::bad_word:
+      if (!mend_joined_items(place, diagnosis)) diagnosis.fix = switched_word(place);
+      return;
+    case Rule::bad_number:
+      if (!mend_joined_items(place, diagnosis))
+        diagnosis.fix =
+            fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
+      return;
+    case Rule::bad_protocol:
+      if (!mend_joined_items(place, diagnosis)) mend_protocol(place, diagnosis);
+      return;
+    case Rule::missing_equal:
+      diagnosis.fix = with_equal(place);
+      return;
+    case Rule::missing_value:
+    case Rule::empty_block:
+      diagnosis.fix = place.removal(place.item()->open);
+      return;
+    case Rule::block_for_value:
+      diagnosis.fix = without_inner_parentheses(place);
+      return;
+    case Rule::value_for_block:
+      diagnosis.fix = written_address_block(place);
+      return;
+    default:
+      return;
+  }
+}
+
+}  // namespace kztns

@@ -1,0 +1,300 @@
+#include "mend/comment_out.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+
+#include "check/conflicts.h"
+#include "check/entry_faults.h"
+#include "scan/file_scan.h"
+#include "scan/tokens.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+class NoVisitor : public EntryVisitor {
+ public:
+  void visit(const EntryView &) override {}
+  void progress(Offset) override {}
+};
+
+Offset line_start(std::string_view text, Offset at) {
+  return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
+}
+
+bool is_blank_text(std::string_view text) {
+  return text.find_first_not_of(blanks_of_line) == text.npos;
+}
+
+// Whether more than a comment follows on the line.
+bool goes_on(std::string_view text, Offset at) {
+  const std::string_view rest = text.substr(at, text.find('\n', at) - at);
+  const std::size_t next = rest.find_first_not_of(blanks_of_line);
+  return next != rest.npos && rest[next] != '#';
+}
+
+// What a finding says of the text; what it says of the check is for its reader only.
+std::string reason_of(const Finding &finding) {
+  std::string text = finding.text;
+  const std::size_t unchecked = text.find(rest_is_unchecked);
+  if (unchecked != std::string::npos) text.erase(unchecked, rest_is_unchecked.size());
+  return text + " [" + std::string(row_of(finding.rule).id) + "]";
+}
+
+// What is to become a comment, with the finding that tells why.
+struct Candidate {
+  CommentedPart part;
+  Finding finding;
+};
+
+// One scan of the text at hand.
+class Unserved {
+ public:
+  explicit Unserved(Mender &mender)
+      : mender_(mender), text_(mender.text().text()), scan_(mender.text(), visitor_) {}
+
+  const FileScan &scan() const { return scan_; }
+
+  std::vector<Candidate> faulty() {
+    std::vector<Candidate> found;
+    const auto is_faulty = [](const Entry &entry) {
+      return entry.verdict == Verdict::refused ||
+             (entry.verdict == Verdict::shadowed && !entry.built);
+    };
+    for (const Entry &entry : scan_.entries())
+      if (is_faulty(entry)) add(entry.at, found);
+    if (const auto stray = stray_text(scan_.stop())) add(*stray, found);
+    std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
+      return left.part.begin < right.part.begin;
+    });
+    return found;
+  }
+
+  std::vector<Candidate> unreachable() {
+    std::vector<Candidate> found;
+    for (const Entry &entry : scan_.entries())
+      if (entry.verdict == Verdict::unreachable) add(entry.at, found, unreachable_at(entry.at));
+    return found;
+  }
+
+  // What would end the lookups if something else did not.
+  std::vector<Candidate> further() {
+    std::vector<Candidate> found;
+    for (const Stop &stop : scan_.further_stops()) {
+      if (stop.kind == StopKind::no_open)
+        add(stop.name, found);
+      else if (const auto stray = stray_text(stop))
+        add(*stray, found);
+    }
+    return found;
+  }
+
+  // To where the entry is built, or up to the next one, without the comments and blanks
+  // before that. Names of a list are one entry.
+  Offset end_of_part(Offset begin) const {
+    const auto &entries = scan_.entries();
+    auto next = scan_.first_after(begin);
+    if (next != entries.begin())
+      for (const Offset body = std::prev(next)->body; next != entries.end() && next->body == body;)
+        ++next;
+    Offset limit = next == entries.end() ? static_cast<Offset>(text_.size()) : next->at;
+    if (next != entries.begin() && std::prev(next)->at == begin && std::prev(next)->built)
+      limit = std::min(limit, std::prev(next)->end);
+    Offset end = begin;
+    TokenReader tokens(text_.substr(0, limit), begin);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+      end = token.span.end;
+    return end;
+  }
+
+ private:
+  // Where text begins that is no entry and ends the lookups; absent within an entry.
+  std::optional<Offset> stray_text(const Stop &stop) const {
+    Offset at = stop.at;
+    if (stop.kind == StopKind::no_equal || stop.kind == StopKind::lost_name)
+      at = stop.name;
+    else if (stop.kind != StopKind::no_name && stop.kind != StopKind::name_too_long)
+      return std::nullopt;
+    const Entry *const before = scan_.last_reached();
+    if (before != nullptr && before->at <= at && at < end_of_part(before->at) &&
+        before->verdict != Verdict::refused && at < before->end)
+      return std::nullopt;
+    return at;
+  }
+
+  // A part without an error stays unless there is another reason: what is wrong is ignored.
+  void add(Offset begin, std::vector<Candidate> &found, std::optional<Finding> reason = {}) const {
+    if (!found.empty() && begin < found.back().part.end) return;
+    const Offset end = end_of_part(begin);
+    if (const Finding *const error = first_error(begin, end)) reason = *error;
+    if (end == begin || !reason) return;
+    found.push_back({{begin, end, reason_of(*reason)}, std::move(*reason)});
+  }
+
+  // Null for none. An entry that goes on into what comes after its part has its error there.
+  const Finding *first_error(Offset begin, Offset end) const {
+    for (const Finding &finding : mender_.report().findings) {
+      if (finding.severity != Severity::error || finding.at < begin) continue;
+      if (finding.at < end || start_of_named(finding) == begin) return &finding;
+    }
+    return nullptr;
+  }
+
+  // Where the entry begins that a finding names; absent for none.
+  std::optional<Offset> start_of_named(const Finding &finding) const {
+    if (finding.entry.empty()) return std::nullopt;
+    for (auto next = scan_.first_after(finding.at); next != scan_.entries().begin();)
+      if (scan_.name(*--next) == finding.entry) return next->at;
+    return std::nullopt;
+  }
+
+  // Only the first of the entries that a stop hides may have a finding.
+  Finding unreachable_at(Offset begin) const {
+    Finding finding = {};
+    finding.rule = Rule::unreachable;
+    finding.at = begin;
+    finding.position = mender_.text().position(begin);
+    finding.text = "no lookup finds it";
+    return finding;
+  }
+
+  Mender &mender_;
+  std::string_view text_;
+  NoVisitor visitor_;
+  FileScan scan_;
+};
+
+bool try_parts(Mender &mender, const std::vector<Candidate> &found,
+               const std::vector<Offset> &exempt = {}) {
+  std::vector<CommentedPart> parts;
+  parts.reserve(found.size());
+  for (const Candidate &one : found) parts.push_back(one.part);
+  if (!mender.try_edits(as_comments(mender.text().text(), parts), exempt)) return false;
+  for (const Candidate &one : found) {
+    MendedFinding mended = {one.finding, "commented out"};
+    mended.finding.fix = {};  // it is not what was done
+    mender.add_mended(std::move(mended));
+  }
+  return true;
+}
+
+// All of them or, when that would lose a name, the first one that does not.
+bool comment_out(Mender &mender, const std::vector<Candidate> &found) {
+  if (try_parts(mender, found)) return true;
+  for (const Candidate &one : found)
+    if (mender.may_go_on() && try_parts(mender, {one})) return true;
+  return false;
+}
+
+// The entries of one name.
+using Namesakes = std::vector<const Entry *>;
+
+std::map<std::string_view, Namesakes> namesakes(const FileScan &scan) {
+  std::map<std::string_view, Namesakes> all;
+  for (const Entry &entry : scan.entries())
+    if (!entry.in_list) all[scan.name(entry)].push_back(&entry);
+  return all;
+}
+
+// Which of the entries of a name is the last one.
+enum class Last {
+  built,   // that the library builds: it is found when those before it are comments
+  reached  // that lookups come to as the text is
+};
+
+const Entry *kept_of(const Namesakes &entries, Keep keep, Last which) {
+  if (keep == Keep::first) return entries.front();
+  const auto last = std::find_if(entries.rbegin(), entries.rend(), [&](const Entry *entry) {
+    return entry->built && (entry->reached || which == Last::built);
+  });
+  return last == entries.rend() ? entries.front() : *last;
+}
+
+Finding duplicate(const Mender &mender, const FileScan &scan, const Entry &entry,
+                  const Entry &kept) {
+  Finding finding = {};
+  finding.rule = Rule::duplicate;
+  finding.severity = Severity::warning;
+  finding.at = entry.at;
+  finding.position = mender.text().position(entry.at);
+  finding.entry = scan.name(entry);
+  finding.text = "duplicate name: the entry at " + mender.text().place(kept.at) + " is kept";
+  return finding;
+}
+
+}  // namespace
+
+std::vector<Edit> as_comments(std::string_view text, const std::vector<CommentedPart> &parts) {
+  std::vector<Edit> edits;
+  for (const CommentedPart &part : parts) {
+    const Offset line = line_start(text, part.begin);
+    const bool alone = is_blank_text(text.substr(line, part.begin - line));
+    const Offset begin = alone ? line : part.begin;
+    edits.push_back({begin, begin, (alone ? "# " : "\n# ") + part.reason + "\n# "});
+    for (Offset at = begin; at < part.end; ++at) {
+      if (text[at] == '\n' && at + 1 < part.end) edits.push_back({at + 1, at + 1, "# "});
+      // To the library a zero byte ends a comment.
+      if (text[at] == '\0') edits.push_back({at, at + 1, "\\x00"});
+    }
+    if (goes_on(text, part.end)) edits.push_back({part.end, part.end, "\n"});
+  }
+  return edits;
+}
+
+namespace {
+
+// Whether there was nothing to do, or it was done.
+bool try_to_keep(Mender &mender, Keep keep, Last which) {
+  Unserved unserved(mender);
+  std::vector<Candidate> found;
+  std::vector<Offset> exempt;
+  for (const auto &[name, entries] : namesakes(unserved.scan())) {
+    const Entry *const kept = kept_of(entries, keep, which);
+    for (const Entry *const entry : entries) {
+      if (entry == kept) continue;
+      Finding finding = duplicate(mender, unserved.scan(), *entry, *kept);
+      found.push_back(
+          {{entry->at, unserved.end_of_part(entry->at), finding.text}, std::move(finding)});
+      exempt.push_back(entry->at);
+    }
+  }
+  std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
+    return left.part.begin < right.part.begin;
+  });
+  return found.empty() || try_parts(mender, found, exempt);
+}
+
+}  // namespace
+
+void comment_out_duplicates(Mender &mender, Keep keep) {
+  if (!try_to_keep(mender, keep, Last::built)) try_to_keep(mender, keep, Last::reached);
+}
+
+void comment_out_unserved(Mender &mender) {
+  // Where no error is left, what keeps lookups from entries is ignored, too.
+  while (mender.may_go_on() && count(mender.report(), Severity::error) > 0) {
+    Unserved unserved(mender);
+    std::vector<Candidate> found = unserved.faulty();
+    if (found.empty()) found = unserved.unreachable();
+    if (found.empty()) found = unserved.further();
+    if (found.empty() || !comment_out(mender, found)) return;
+  }
+}
+
+void mend(Mender &mender, const Commenting &commenting) {
+  mender.apply_fixes();
+  if (!commenting.keep && !commenting.unserved) return;
+  // Of a conflict's two versions one would be served, and nobody said which.
+  if (!Conflicts(mender.text().text()).all().empty()) return;
+  // What is a comment now may have kept other fixes from being applied.
+  std::size_t steps = 0;
+  do {
+    steps = mender.steps();
+    if (commenting.keep) comment_out_duplicates(mender, *commenting.keep);
+    if (commenting.unserved) comment_out_unserved(mender);
+    mender.apply_fixes();
+  } while (steps != mender.steps() && !mender.stopped());
+}
+
+}  // namespace kztns

@@ -1,0 +1,215 @@
+#include "mend/mend_walk.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "check/apply_fixes.h"
+#include "check/fixability.h"
+#include "mend/describe_edits.h"
+
+namespace kztns {
+namespace {
+
+// Whether what is wrong is the name itself, which its fix changes. A comma may be before a name or
+// after the entry.
+bool is_about_name(const Finding &finding, Offset entry) {
+  if (finding.rule == Rule::stray_comma && finding.at != entry) return false;
+  return row_of(finding.rule).concern == Concern::name;
+}
+
+}  // namespace
+
+Mender::Walk::Walk(Mender &mender) : mender_(mender), report_(*mender.report_) {
+  for (const Finding &finding : report_.findings) {
+    entries_.push_back(mender_.served().entry_around(finding.at));
+    applicability_.push_back(finding.fix.applicability);
+  }
+  make_units();
+}
+
+Mender::Walk::~Walk() {
+  const std::size_t count = std::min(report_.findings.size(), applicability_.size());
+  for (std::size_t i = 0; i < count; ++i) report_.findings[i].fix.applicability = applicability_[i];
+}
+
+std::optional<Offset> Mender::Walk::start_of_entry(std::size_t finding) const {
+  if (entries_[finding] == 0) return std::nullopt;
+  return mender_.origin(mender_.served().start_of(entries_[finding]));
+}
+
+// Where fixes undo each other there is no end.
+bool Mender::Walk::is_mended_in_vain(const Finding &finding) const {
+  constexpr int most_times = 16;
+  const auto found = mender_.times_mended_.find({finding.rule, mender_.origin(finding.at)});
+  return found != mender_.times_mended_.end() && found->second >= most_times;
+}
+
+bool Mender::Walk::is_wanted(std::size_t i) const {
+  const Finding &finding = report_.findings[i];
+  if (is_mended_in_vain(finding)) return false;
+  const bool wanted =
+      finding.applied_among == Applicability::safe ||
+      (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);
+  if (!wanted || !is_mended_with_entry(finding)) return wanted;
+  const std::optional<Offset> entry = start_of_entry(i);
+  return !entry || mender_.left_alone_.count(*entry) == 0;
+}
+
+void Mender::Walk::make_units() {
+  std::map<std::size_t, std::size_t> of_entries;
+  for (std::size_t i = 0; i < report_.findings.size(); ++i) {
+    const Finding &finding = report_.findings[i];
+    if (!is_wanted(i)) continue;
+    std::size_t unit = units_.size();
+    if (is_mended_with_entry(finding)) unit = of_entries.emplace(entries_[i], unit).first->second;
+    if (unit == units_.size()) units_.push_back({entries_[i], is_mended_with_entry(finding)});
+    units_[unit].findings.push_back(i);
+    if (finding.fix.applicability == Applicability::unsafe) units_[unit].unsafe = true;
+  }
+}
+
+bool Mender::Walk::run() {
+  Units open;
+  for (std::size_t unit = 0; unit < units_.size(); ++unit) open.insert(open.end(), unit);
+  while (!open.empty() && mender_.may_go_on()) {
+    Trial trial = try_out(open);
+    const Units bad = blamed(trial, open);
+    if (bad.empty()) {
+      take(std::move(trial));
+      return true;
+    }
+    for (const std::size_t unit : bad) open.erase(unit);
+  }
+  return false;
+}
+
+Mender::Trial Mender::Walk::try_out(const Units &units) {
+  for (Finding &finding : report_.findings) finding.fix.applicability = Applicability::none;
+  for (const std::size_t unit : units)
+    for (const std::size_t i : units_[unit].findings)
+      report_.findings[i].fix.applicability = applicability_[i];
+  return mender_.try_out(edits_of(report_.findings, true, &applied_));
+}
+
+Mender::Walk::Units Mender::Walk::blamed(const Trial &trial, const Units &open) {
+  Units bad;
+  const bool unexplained = blame_for_losses(trial, open, bad);
+  if (!bad.empty()) return bad;
+  if (unexplained) {
+    Units harmless;
+    divide({open.begin(), open.end()}, harmless);
+    std::set_difference(open.begin(), open.end(), harmless.begin(), harmless.end(),
+                        std::inserter(bad, bad.end()));
+    return bad;
+  }
+  const Gain gain = gain_of(trial);
+  for (const std::size_t unit : open)
+    if (!helps(units_[unit], gain)) bad.insert(unit);
+  return bad;
+}
+
+bool Mender::Walk::blame_for_losses(const Trial &trial, const Units &open, Units &bad) const {
+  bool unexplained = false;
+  std::vector<ServedName> all = mender_.served().not_in(trial.served);
+  // An entry that is not served yet may be after the next fix.
+  const std::vector<ServedName> gone = mender_.served().gone_in(trial.served);
+  all.insert(all.end(), gone.begin(), gone.end());
+  for (const ServedName &lost : all) {
+    const std::size_t entry = mender_.served().entry_around(lost.at);
+    if (is_renamed(entry)) continue;
+    const Units units = to_blame_in(entry, open);
+    unexplained = unexplained || units.empty();
+    bad.insert(units.begin(), units.end());
+  }
+  return unexplained;
+}
+
+Mender::Walk::Units Mender::Walk::to_blame_in(std::size_t entry, const Units &open) const {
+  Units all;
+  Units unsafe;
+  for (const std::size_t unit : open) {
+    if (units_[unit].entry != entry) continue;
+    all.insert(unit);
+    if (units_[unit].unsafe) unsafe.insert(unit);
+  }
+  return unsafe.empty() ? all : unsafe;
+}
+
+bool Mender::Walk::is_renamed(std::size_t entry) const {
+  for (std::size_t i = 0; i < applied_.size(); ++i)
+    if (applied_[i] && entries_[i] == entry &&
+        is_about_name(report_.findings[i], mender_.served().start_of(entry)))
+      return true;
+  return false;
+}
+
+void Mender::Walk::divide(const std::vector<std::size_t> &units, Units &harmless) {
+  if (!mender_.may_go_on()) return;
+  Units tried = harmless;
+  tried.insert(units.begin(), units.end());
+  const Trial trial = try_out(tried);
+  Units bad;
+  if (!blame_for_losses(trial, tried, bad) && bad.empty()) {
+    harmless = std::move(tried);
+  } else if (units.size() > 1) {
+    const auto middle = units.begin() + static_cast<std::ptrdiff_t>(units.size() / 2);
+    divide({units.begin(), middle}, harmless);
+    divide({middle, units.end()}, harmless);
+  }
+}
+
+void Mender::Walk::Faults::count(const Finding &finding) {
+  ++findings;
+  if (finding.severity == Severity::error) ++errors;
+}
+
+Mender::Walk::Gain Mender::Walk::gain_of(const Trial &trial) const {
+  const ServedNames &served = mender_.served();
+  const auto entry_of = [&](Offset at) { return served.entry_around(trial.step.origin(at)); };
+  Gain gain;
+  for (std::size_t i = 0; i < report_.findings.size(); ++i)
+    gain.before[entries_[i]].count(report_.findings[i]);
+  for (const Finding &finding : trial.report.findings) {
+    gain.after[entry_of(finding.at)].count(finding);
+    gain.left[{finding.rule, trial.step.origin(finding.at)}] = digest_of_name(finding.text);
+  }
+  for (const ServedName &name : trial.served.not_in(served)) gain.better.insert(entry_of(name.at));
+  return gain;
+}
+
+bool Mender::Walk::helps(const Unit &unit, const Gain &gain) const {
+  if (gain.better.count(unit.entry) > 0) return true;
+  const auto faults_in = [&](const std::map<std::size_t, Faults> &entries) {
+    const auto found = entries.find(unit.entry);
+    return found == entries.end() ? Faults() : found->second;
+  };
+  if (faults_in(gain.after) < faults_in(gain.before)) return true;
+  return !unit.of_entry && std::any_of(unit.findings.begin(), unit.findings.end(),
+                                       [&](std::size_t i) { return gets_further(i, gain); });
+}
+
+// What the lookups come to next may be told in the same entry. The text tells what is lost.
+bool Mender::Walk::gets_further(std::size_t i, const Gain &gain) const {
+  if (!applied_[i]) return false;
+  const Finding &finding = report_.findings[i];
+  const auto left = gain.left.find({finding.rule, finding.at});
+  return left == gain.left.end() ||
+         (!gain.better.empty() && left->second != digest_of_name(finding.text));
+}
+
+void Mender::Walk::take(Trial trial) {
+  for (const ServedName &lost : mender_.served().not_in(trial.served)) mender_.allow_to_lose(lost);
+  const std::string &text = mender_.text().text();
+  for (std::size_t i = 0; i < report_.findings.size(); ++i) {
+    if (!applied_[i]) continue;
+    const Finding &finding = report_.findings[i];
+    ++mender_.times_mended_[{finding.rule, mender_.origin(finding.at)}];
+    if (const auto entry = start_of_entry(i); entry && is_mended_with_entry(finding))
+      mender_.mended_entries_.insert(*entry);
+    mender_.add_mended({finding, describe(finding.fix.edits, text)});
+  }
+  applicability_.clear();
+  mender_.accept(std::move(trial));
+}
+
+}  // namespace kztns
