@@ -52,8 +52,39 @@ TEST(CommentOut, MakesCommentsOfStrayText) {
 TEST(CommentOut, MakesCommentsOfWhatEndsLookupsAfterTheReservedEntry) {
   const std::string result = comment_out("KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
                                          "IFILE = x\n" + entry("b"));
-  EXPECT_NE(result.find("\n# IFILE = x\n"), std::string::npos) << result;
-  EXPECT_NE(result.find("\n# b = "), std::string::npos) << result;
+  EXPECT_TRUE(result.ends_with("\n# IFILE = x\n" + entry("b"))) << result;
+}
+
+// Nothing is wrong with them but what is before them.
+TEST(CommentOut, LeavesSoundEntriesThatNoLookupReaches) {
+  const std::string block = entry("a").substr(std::string("a =").size());
+  for (const std::string &before :
+       {"KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a"),
+        entry("a") + "#b =\n " + block,
+        std::string("a = (DESCRIPTION = (ADDRESS = (HOST = \"h)\")(PORT = 1)))\n")})
+    EXPECT_EQ(comment_out(before + entry("c")), before + entry("c"));
+}
+
+TEST(CommentOut, MakesACommentOfASurplusParenthesisInALineOfItsOwn) {
+  const std::string open = "a = (DESCRIPTION =\n  (ADDRESS = (HOST = h)(PORT = 1))\n  )\n";
+  EXPECT_EQ(comment_out(open + ")\n" + entry("b")),
+            open + "# unmatched \")\": the entry after it is lost: b [extra-close]\n# )\n" +
+                entry("b"));
+}
+
+// Each of them keeps lookups from those after it.
+TEST(CommentOut, MakesCommentsOfManyAtOnce) {
+  std::string text;
+  for (int i = 0; i < 1000; ++i)
+    text += "a" + std::to_string(i) +
+            " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)\n"
+            "  (CONNECT_DATA = (SERVICE_NAME = s)))\n";
+  const NamesText original(text);
+  Mender mender(original, {"names.ora"});
+  kztns::comment_out_unserved(mender);
+  EXPECT_FALSE(mender.stopped());
+  EXPECT_EQ(mender.mended().size(), 1000u);
+  EXPECT_EQ(mender.steps(), 1u);
 }
 
 TEST(CommentOut, TellsNothingOfTheCheckInTheReason) {

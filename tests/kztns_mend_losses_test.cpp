@@ -121,9 +121,8 @@ TEST(CommentingOut, TakesTheOthersOneByOne) {
 TEST(CommentingOut, TakesStrayTextAfterTheReservedEntryToo) {
   const std::string reserved = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n";
   const std::string result = commented(reserved + entry("a") + "stray text\n" + entry("b"));
-  EXPECT_TRUE(result.starts_with(reserved + "# ")) << result;
-  EXPECT_NE(result.find("\n# stray text\n"), std::string::npos) << result;
-  EXPECT_NE(result.find("\n# b = "), std::string::npos) << result;
+  EXPECT_TRUE(result.starts_with(reserved + entry("a") + "# ")) << result;
+  EXPECT_TRUE(result.ends_with("\n# stray text\n" + entry("b"))) << result;
 }
 
 // The names of a list have one value, which becomes a comment with them.

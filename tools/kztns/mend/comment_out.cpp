@@ -58,23 +58,12 @@ class Unserved {
 
   std::vector<Candidate> faulty() {
     std::vector<Candidate> found;
-    const auto is_faulty = [](const Entry &entry) {
-      return entry.verdict == Verdict::refused ||
-             (entry.verdict == Verdict::shadowed && !entry.built);
-    };
     for (const Entry &entry : scan_.entries())
-      if (is_faulty(entry)) add(entry.at, found);
+      if (is_unserved(entry)) add(entry.at, found);
     if (const auto stray = stray_text(scan_.stop())) add(*stray, found);
     std::sort(found.begin(), found.end(), [](const Candidate &left, const Candidate &right) {
       return left.part.begin < right.part.begin;
     });
-    return found;
-  }
-
-  std::vector<Candidate> unreachable() {
-    std::vector<Candidate> found;
-    for (const Entry &entry : scan_.entries())
-      if (entry.verdict == Verdict::unreachable) add(entry.at, found, unreachable_at(entry.at));
     return found;
   }
 
@@ -109,33 +98,46 @@ class Unserved {
   }
 
  private:
-  // Where text begins that is no entry and ends the lookups; absent within an entry.
-  std::optional<Offset> stray_text(const Stop &stop) const {
-    Offset at = stop.at;
-    if (stop.kind == StopKind::no_equal || stop.kind == StopKind::lost_name)
-      at = stop.name;
-    else if (stop.kind != StopKind::no_name && stop.kind != StopKind::name_too_long)
-      return std::nullopt;
-    const Entry *const before = scan_.last_reached();
-    if (before != nullptr && before->at <= at && at < end_of_part(before->at) &&
-        before->verdict != Verdict::refused && at < before->end)
-      return std::nullopt;
-    return at;
+  static bool is_unserved(const Entry &entry) {
+    return entry.verdict == Verdict::unreachable ||
+           (!entry.built && entry.verdict != Verdict::reserved);
   }
 
-  // A part without an error stays unless there is another reason: what is wrong is ignored.
-  void add(Offset begin, std::vector<Candidate> &found, std::optional<Finding> reason = {}) const {
+  // Where text begins that ends the lookups, and is no entry.
+  std::optional<Offset> stray_text(const Stop &stop) const {
+    if (stop.kind == StopKind::no_equal || stop.kind == StopKind::lost_name) return stop.name;
+    if (stop.kind == StopKind::no_name || stop.kind == StopKind::name_too_long) return stop.at;
+    return std::nullopt;
+  }
+
+  // A part without an error stays: what is wrong is ignored, or is wrong elsewhere.
+  void add(Offset begin, std::vector<Candidate> &found) const {
     if (!found.empty() && begin < found.back().part.end) return;
     const Offset end = end_of_part(begin);
-    if (const Finding *const error = first_error(begin, end)) reason = *error;
-    if (end == begin || !reason) return;
-    found.push_back({{begin, end, reason_of(*reason)}, std::move(*reason)});
+    const Finding *const error = end == begin ? nullptr : error_about(begin, end);
+    if (error != nullptr) found.push_back({{begin, end, reason_of(*error)}, *error});
+  }
+
+  // Whether something before an entry keeps lookups from it.
+  bool is_lost_elsewhere(const Finding &finding) const {
+    if (finding.rule == Rule::after_reserved) return true;
+    const Entry *const entry = scan_.entry_at_or_before(finding.at);
+    return finding.rule == Rule::unreachable && entry != nullptr && !entry->reached;
+  }
+
+  // The parenthesis that is one too many may be told before the one at which lookups end.
+  const Finding *error_about(Offset begin, Offset end) const {
+    const Finding *const error = first_error(begin, end);
+    if (error != nullptr || begin != scan_.stop().at) return error;
+    const Entry *const before = scan_.last_reached();
+    return before == nullptr ? nullptr : first_error(before->at, begin);
   }
 
   // Null for none. An entry that goes on into what comes after its part has its error there.
   const Finding *first_error(Offset begin, Offset end) const {
     for (const Finding &finding : mender_.report().findings) {
-      if (finding.severity != Severity::error || finding.at < begin) continue;
+      if (finding.severity != Severity::error || finding.at < begin || is_lost_elsewhere(finding))
+        continue;
       if (finding.at < end || start_of_named(finding) == begin) return &finding;
     }
     return nullptr;
@@ -147,16 +149,6 @@ class Unserved {
     for (auto next = scan_.first_after(finding.at); next != scan_.entries().begin();)
       if (scan_.name(*--next) == finding.entry) return next->at;
     return std::nullopt;
-  }
-
-  // Only the first of the entries that a stop hides may have a finding.
-  Finding unreachable_at(Offset begin) const {
-    Finding finding = {};
-    finding.rule = Rule::unreachable;
-    finding.at = begin;
-    finding.position = mender_.text().position(begin);
-    finding.text = "no lookup finds it";
-    return finding;
   }
 
   Mender &mender_;
@@ -276,7 +268,6 @@ void comment_out_unserved(Mender &mender) {
   while (mender.may_go_on() && count(mender.report(), Severity::error) > 0) {
     Unserved unserved(mender);
     std::vector<Candidate> found = unserved.faulty();
-    if (found.empty()) found = unserved.unreachable();
     if (found.empty()) found = unserved.further();
     if (found.empty() || !comment_out(mender, found)) return;
   }
