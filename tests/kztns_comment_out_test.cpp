@@ -59,17 +59,16 @@ TEST(CommentOut, MakesCommentsOfWhatEndsLookupsAfterTheReservedEntry) {
 TEST(CommentOut, LeavesSoundEntriesThatNoLookupReaches) {
   const std::string block = entry("a").substr(std::string("a =").size());
   for (const std::string &before :
-       {"KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a"),
-        entry("a") + "#b =\n " + block,
+       {"KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a"), entry("a") + "#b =\n " + block,
         std::string("a = (DESCRIPTION = (ADDRESS = (HOST = \"h)\")(PORT = 1)))\n")})
     EXPECT_EQ(comment_out(before + entry("c")), before + entry("c"));
 }
 
 TEST(CommentOut, MakesACommentOfASurplusParenthesisInALineOfItsOwn) {
   const std::string open = "a = (DESCRIPTION =\n  (ADDRESS = (HOST = h)(PORT = 1))\n  )\n";
-  EXPECT_EQ(comment_out(open + ")\n" + entry("b")),
-            open + "# unmatched \")\": the entry after it is lost: b [extra-close]\n# )\n" +
-                entry("b"));
+  EXPECT_EQ(
+      comment_out(open + ")\n" + entry("b")),
+      open + "# unmatched \")\": the entry after it is lost: b [extra-close]\n# )\n" + entry("b"));
 }
 
 // Each of them keeps lookups from those after it.

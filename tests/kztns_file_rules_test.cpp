@@ -98,13 +98,40 @@ TEST_F(FileRules, TheReservedEntryStaysWhereLookupsOfItCome) {
   const std::string unclosed =
       "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\na = (DESCRIPTION = (SID = s)\n";
   EXPECT_EQ(safely_fixed(unclosed), unclosed);
-  // A second one stays the second one.
+  // A second one stays the second one, and goes with it.
   const std::string two = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
                           "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n" + entry("b");
-  EXPECT_EQ(safely_fixed(two), entry("a") +
+  EXPECT_EQ(safely_fixed(two), entry("a") + entry("b") +
                                    "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
-                                   "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n" +
-                                   entry("b"));
+                                   "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n");
+  // Nothing comes after this one.
+  const std::string last = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
+                           "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n";
+  EXPECT_EQ(safely_fixed(last), entry("a") +
+                                    "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
+                                    "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n");
+}
+
+TEST_F(FileRules, AnEntryThatIsBegunBeforeAnotherOfItsNameBecomesAComment) {
+  const std::string begun = "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)\n";
+  EXPECT_EQ(unsafely_fixed(begun + entry("a") + entry("b")),
+            "# " + begun + entry("a") + entry("b"));
+  EXPECT_EQ(unsafely_fixed("a = (\n" + entry("a")), "# a = (\n" + entry("a"));
+  // The name only begins like it.
+  EXPECT_EQ(unsafely_fixed(begun + entry("ab")),
+            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)))\n" + entry("ab"));
+}
+
+TEST_F(FileRules, AParenthesisIsPutInForOneThatACommentHides) {
+  const std::string after = "\n  (CONNECT_DATA = (SID = s)))\n" + entry("b");
+  EXPECT_EQ(unsafely_fixed("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1) # old)" + after),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) # old]" + after);
+}
+
+// It may be what the entry before is to have.
+TEST_F(FileRules, ABlockAfterAnEntryIsNoStrayText) {
+  const std::string text = entry("a") + ")\n(CONNECT_DATA = (SID = t))\n" + entry("b");
+  EXPECT_EQ(unsafely_fixed(text), entry("a") + "\n(CONNECT_DATA = (SID = t))\n" + entry("b"));
 }
 
 TEST_F(FileRules, AListOfNamesBecomesAnEntryAName) {

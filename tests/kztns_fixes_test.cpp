@@ -105,15 +105,19 @@ TEST(Faults, OfASizeWithAUnitHaveNoFix) {
 
 TEST(Faults, OfAColonAfterANameAreMendedByAnEqualSign) {
   const std::string entry = " " + in_description(address + data) + "\n";
-  for (const std::string before : {"x :", "x :=", "x:"}) {
+  for (const std::string before : {"x :", "x :=", "x:", "x -", "x ->", "x :\n"}) {
     const kztns::CheckReport report = report_of(before + entry);
     ASSERT_EQ(report.findings.size(), 1u) << before;
     const kztns::Finding &found = report.findings[0];
     EXPECT_EQ(kztns::row_of(found.rule).id, "missing-equal") << before;
-    EXPECT_TRUE(found.text.starts_with("expected \"=\" after the name \"x\", found \":\": "))
+    const std::size_t sign = before.find_first_of(":-");
+    EXPECT_TRUE(found.text.starts_with("expected \"=\" after the name \"x\", found \"" +
+                                       before.substr(sign, before.find('\n') - sign) + "\": "))
         << found.text;
     EXPECT_EQ(found.remedy, "put \"=\" instead of it");
-    EXPECT_EQ(edited(before + entry, found.fix.edits), "x =" + entry) << before;
+    EXPECT_EQ(edited(before + entry, found.fix.edits),
+              (before.ends_with('\n') ? "x =\n" : "x =") + entry)
+        << before;
   }
 }
 

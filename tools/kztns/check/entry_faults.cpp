@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "check/entry_warnings.h"
+#include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
@@ -139,6 +140,13 @@ bool is_about_hidden_text(Rule rule) {
          rule == Rule::key_refused || rule == Rule::quoted_entry;
 }
 
+// The ")" that is missing may be in a comment, which lookups count when they pass over the entry.
+void add_fix_of_comments(const NamesText &text, EntryRange range, Fix &fix) {
+  Fix comments = fix_of_comments(text.text(), range.body, range.end);
+  for (Edit &edit : comments.edits) fix.edits.push_back(std::move(edit));
+  sort_edits(fix.edits);
+}
+
 bool is_same(const Diagnosis &left, const Diagnosis &right) {
   return left.rule == right.rule && left.at == right.at;
 }
@@ -149,8 +157,10 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
                          std::string_view name) {
   Diagnosis diagnosis = diagnose_with_fix(subject, trace, name);
   if (is_about_hidden_text(diagnosis.rule)) return diagnosis;
-  if (auto fault = find_parenthesis_fault(subject.text, range, name)) return *std::move(fault);
-  return diagnosis;
+  auto fault = find_parenthesis_fault(subject.text, range, name);
+  if (!fault) return diagnosis;
+  if (fault->rule == Rule::unclosed_block) add_fix_of_comments(subject.text, range, fault->fix);
+  return *std::move(fault);
 }
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
@@ -160,6 +170,7 @@ Diagnosis EntryFaults::first_of(const EntryView &view) {
 
 void EntryFaults::report(const EntryView &view, const Diagnosis &first,
                          const std::string &consequence) {
+  if (is_replaced(view, first)) return report_replaced(view, first, consequence);
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_);
@@ -195,6 +206,23 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   if (built || copy.trace().fault().kind != FaultKind::none) return;
   const Findings::FromCopy from_copy(findings_, copy.text());
   report_entry_warnings(copy.trace(), view.name, findings_, complete);
+}
+
+// Whether an entry that was not written to its end is followed by another one of its name.
+bool EntryFaults::is_replaced(const EntryView &view, const Diagnosis &first) const {
+  const std::string_view next = std::string_view(text_.text()).substr(range_.end);
+  return first.rule == Rule::unclosed_block && view.service == nullptr && !view.name.empty() &&
+         next.starts_with(view.name) &&
+         next.substr(view.name.size()).find_first_of("=( \t\r\n#") == 0;
+}
+
+// Closed, it would be found instead of the other one.
+void EntryFaults::report_replaced(const EntryView &view, Diagnosis told,
+                                  const std::string &consequence) {
+  told.text += consequence;
+  told.remedy = "remove its lines: another entry of the name follows";
+  told.fix = fix_of_lines(text_.text(), view.entry.at, range_.end);
+  add(view.name, Severity::error, std::move(told));
 }
 
 Subject EntryFaults::subject(const NamesText &text, Offset end) {

@@ -97,7 +97,7 @@ class EntryWarnings {
   void check_item(const Item &item) {
     const Key *const key = trace_.row_of(item);
     if (item.type == LB_ERROR_KEY || (trace_.is_system_variables() && key == nullptr))
-      return add_item(Rule::unknown_setting, item, " is not a system variable");
+      return add_unknown_setting(item);
     if (key == nullptr) return;
     check_repeated(item, *key);
     if (!item.has_value) return;
@@ -162,6 +162,19 @@ class EntryWarnings {
                   Severity::warning);
   }
 
+  void add_unknown_setting(const Item &item) {
+    if (!findings_.wanted(Rule::unknown_setting)) return;
+    const std::string_view word = trace_.key_word_of(item);
+    const std::string_view near = near_key(word, Block::system_variables);
+    NewFinding found = {Rule::unknown_setting, item.key.begin, name_, trace_.path(item.frame),
+                        excerpt(word) + " is not a system variable"};
+    if (key_named(Block::system_variables, near) != nullptr) {
+      found.remedy = "did you mean " + std::string(near) + "?";
+      found.fix = unsafe_fix({{item.key.begin, item.key.end, std::string(near)}});
+    }
+    findings_.add(std::move(found));
+  }
+
   void add_dropped(const Item &item, const Key &key) {
     add(Rule::overlong_value, item,
         " of " + std::to_string(item.text_length) + " characters is dropped: the limit is " +
@@ -177,8 +190,16 @@ class EntryWarnings {
   }
 
   void check_log_level(const Item &item, const Key &) {
-    if (item.type == LB_LOG_LEVEL && !is_level(trace_.value_of(item)))
-      add(Rule::log_level, item, value_of(item) + ", not a log level", "write " + one_of(levels()));
+    const std::string_view level = trace_.value_of(item);
+    if (item.type != LB_LOG_LEVEL || is_level(level) || !findings_.wanted(Rule::log_level)) return;
+    std::string_view near = near_word(level, levels());
+    if (near.empty()) near = longer_or_shorter_word(level, levels());
+    findings_.add({Rule::log_level, item.value.begin, name_, trace_.path(item.frame),
+                   excerpt(trace_.key_word_of(item)) + value_of(item) + ", not a log level",
+                   "write " + one_of(levels()),
+                   near.empty()
+                       ? Fix()
+                       : unsafe_fix({{item.value.begin, item.value.end, std::string(near)}})});
   }
 
   void add_abbreviated(const Item &item, std::string_view word) {

@@ -161,18 +161,20 @@ class StopExplainer {
     return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows"};
   }
 
-  // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION" and "NAME: (DESCRIPTION".
+  // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION", "NAME - (DESCRIPTION" and "NAME: (DESCRIPTION".
   std::optional<StopCause> colon_after_name() const {
     Offset name_end = end_of_word(text(), stop_.name);
     Offset colon = pass_blanks(text(), name_end);
     if (name_end > stop_.name + 1 && text()[name_end - 1] == ':') colon = --name_end;
-    if (colon >= text().size() || text()[colon] != ':') return std::nullopt;
-    const Offset open = pass_blanks(text(), end_of_colon(text(), colon));
+    if (colon >= text().size() || (text()[colon] != ':' && text()[colon] != '-'))
+      return std::nullopt;
+    const Offset end = end_of_colon(text(), colon);
+    const Offset open = pass_blanks(text(), end);
     if (open >= text().size() || text()[open] != '(' || !begins_block(open)) return std::nullopt;
     return StopCause{Rule::missing_equal, colon,
                      "expected \"=\" after the name " +
                          quoted(excerpt(text().substr(stop_.name, name_end - stop_.name))) +
-                         ", found \":\"",
+                         ", found " + quoted(text().substr(colon, end - colon)),
                      "put \"=\" instead of it"};
   }
 

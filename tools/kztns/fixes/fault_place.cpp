@@ -57,12 +57,6 @@ Fix FaultPlace::with_value(Applicability applicability, std::string_view value) 
   return {applicability, {{old.begin, old.end, std::string(value)}}};
 }
 
-const Key *key_named(Block block, std::string_view word) {
-  for (const Key &key : kzoci::tns::grammar)
-    if (key.block == block && equal_but_for_case(word, key.word)) return &key;
-  return nullptr;
-}
-
 std::string_view switch_word(std::string_view word) {
   for (const std::string_view on : {"ON", "YES", "TRUE", "1"})
     if (equal_but_for_case(word, on)) return "ON";

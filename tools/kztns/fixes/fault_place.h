@@ -56,9 +56,6 @@ class FaultPlace {
   std::string_view text_;
 };
 
-// The row of a word in a block; null when it is no key there.
-const Key *key_named(Block block, std::string_view word);
-
 // "ON" or "OFF" for other words of that meaning; empty for none.
 std::string_view switch_word(std::string_view word);
 

@@ -57,14 +57,22 @@ std::optional<Offset> end_of_separator(std::string_view text, Offset at) {
   return static_cast<Offset>(end);
 }
 
+// Whether a block that the library knows begins at a place.
+bool is_block(std::string_view text, Offset open) {
+  const Offset key = pass_blanks(text, open + 1);
+  return opens_block(item_word(text.substr(key, end_of_word(text, key) - key)));
+}
+
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   const Offset line_end = end_of_line(text, at);
   if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
   if (Fix fix = fix_of_long_comment(text, at)) return fix;
-  if (text[at] == '(')
+  if (text[at] == '(') {
     if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
+    if (is_block(text, at)) return {};  // of the entry before it, as a rule
+  }
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.
@@ -80,7 +88,7 @@ Fix fix_of_closes(std::string_view text, Offset at) {
 }
 
 Fix fix_of_missing_equal(std::string_view text, Offset at) {
-  if (text[at] == ':') return unsafe_fix({equal_for_colon(text, at)});
+  if (text[at] == ':' || text[at] == '-') return unsafe_fix({equal_for_colon(text, at)});
   const bool after_blank = at > 0 && is_blank(text[at - 1]);
   return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
 }
@@ -142,6 +150,10 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
 
 }  // namespace
 
+Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {
+  return unsafe_fix(comment_lines(text, begin, end));
+}
+
 Fix fix_of_long_comment(std::string_view text, Offset at) {
   const std::optional<Offset> end = end_of_long_comment(text, at);
   if (!end) return {};
@@ -153,7 +165,8 @@ Fix fix_of_long_comment(std::string_view text, Offset at) {
 }
 
 Offset end_of_colon(std::string_view text, Offset colon) {
-  return colon + (text.substr(colon).starts_with(":=") ? 2 : 1);
+  const std::string_view sign = text.substr(colon, 2);
+  return colon + (sign == ":=" || sign == "->" ? 2 : 1);
 }
 
 Edit equal_for_colon(std::string_view text, Offset colon) {

@@ -11,6 +11,9 @@ namespace kztns {
 // those of its cause.
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at);
 
+// Makes comments of the lines between two places.
+Fix fix_of_lines(std::string_view text, Offset begin, Offset end);
+
 // Makes comments of the lines of a comment in "/*" and "*/" at a place; what comes after it on its
 // line begins a line of its own. None where it is not closed.
 Fix fix_of_long_comment(std::string_view text, Offset at);
@@ -26,8 +29,8 @@ std::optional<Offset> hiding_carriage_return(std::string_view text);
 // Carriage returns without a line feed become line feeds.
 Fix fix_of_line_ends(std::string_view text);
 
-// A ":" or ":=" at a place, which other notations have for "=": where it ends, and the edit
-// that makes it one.
+// A ":", ":=", "-" or "->" at a place, which other notations have for "=": where it ends, and the
+// edit that makes it one.
 Offset end_of_colon(std::string_view text, Offset colon);
 Edit equal_for_colon(std::string_view text, Offset colon);
 

@@ -33,6 +33,9 @@ void add_fix(const FaultPlace &place, std::string_view name, Diagnosis &diagnosi
       return mend_second_address(place, diagnosis);
     case Rule::second_connect_data:
       return mend_second_connect_data(place, diagnosis);
+    case Rule::missing_equal:
+      if (mend_split_key(place, diagnosis)) return;
+      [[fallthrough]];
     default:
       return mend_value(place, diagnosis);
   }

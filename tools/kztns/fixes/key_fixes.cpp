@@ -200,15 +200,46 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
   return SplitKey{{first.begin, second.end}, key->word};
 }
 
+// "(KEY:value)": where its ":" is.
+std::optional<Offset> colon_after_key(const FaultPlace &place) {
+  const std::string_view word = place.slice(place.item()->key);
+  const std::size_t length = word.find(':');
+  if (length == std::string_view::npos ||
+      key_named(place.block(), word.substr(0, length)) == nullptr)
+    return std::nullopt;
+  return place.item()->key.begin + static_cast<Offset>(length);
+}
+
+// Whether more than a word is in the parentheses, which may be a value: "(PORT1521)".
+bool is_item(const FaultPlace &place) {
+  const Offset next = pass_blanks(place.text(), place.item()->key.end);
+  return next < place.text().size() && place.text()[next] != ')';
+}
+
+// Whether the key is written otherwise than it has to be; if so, it is mended.
+bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  if (mend_split_key(place, diagnosis)) return true;
+  if (const std::optional<Offset> colon = colon_after_key(place)) {
+    diagnosis.remedy = "put \"=\" instead of \":\"";
+    diagnosis.fix = safe_fix({{*colon, end_of_colon(place.text(), *colon), "="}});
+    return true;
+  }
+  return false;
+}
+
 }  // namespace
 
+bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::optional<SplitKey> split = split_key(place);
+  if (!split) return false;
+  diagnosis.remedy = "did you mean " + std::string(split->key) + "?";
+  diagnosis.fix = renamed(place, split->span, split->key, Applicability::unsafe);
+  return true;
+}
+
 void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
+  if (mend_form_of_key(place, diagnosis)) return;
   const std::string_view word = place.trace().key_word_of(*place.item());
-  if (const std::optional<SplitKey> split = split_key(place)) {
-    diagnosis.remedy = "did you mean " + std::string(split->key) + "?";
-    diagnosis.fix = renamed(place, split->span, split->key, Applicability::unsafe);
-    return;
-  }
   if (const ForeignKey *const foreign = foreign_key(word)) {
     diagnosis.remedy = remedy_of(*foreign);
     diagnosis.fix = foreign_fix(place, name, *foreign);
@@ -222,8 +253,11 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
     return;
   }
   const std::string_view near = near_key(word, place.block());
-  diagnosis.fix = near.empty() ? place.removal(place.item()->open)
-                               : renamed(place, near, Applicability::unsafe);
+  if (!is_item(place))
+    diagnosis.remedy = row_of(Rule::missing_key).remedy;
+  else
+    diagnosis.fix = near.empty() ? place.removal(place.item()->open)
+                                 : renamed(place, near, Applicability::unsafe);
 }
 
 void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {

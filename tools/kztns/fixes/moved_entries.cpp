@@ -62,14 +62,17 @@ std::string_view line_feed_of(std::string_view text) {
   return feed != std::string_view::npos && feed > 0 && text[feed - 1] == '\r' ? "\r\n" : "\n";
 }
 
-// Moves lines to the beginning of a line further on. The blank lines after them come
-// before them.
-std::vector<Edit> move_lines(std::string_view text, Span lines, Offset to) {
-  const Offset rest = after_blank_lines(text, lines.end);
-  std::vector<Edit> edits = {{lines.begin, rest, {}}};
+// Moves lines to the beginning of a line further on, in their order. The blank lines after them
+// come before them.
+std::vector<Edit> move_lines(std::string_view text, const std::vector<Span> &all, Offset to) {
+  std::vector<Edit> edits;
+  for (const Span lines : all)
+    edits.push_back({lines.begin, after_blank_lines(text, lines.end), {}});
   if (text[to - 1] != '\n') edits.push_back({to, to, std::string(line_feed_of(text))});
-  edits.push_back(copied(text, lines.end, rest, to));
-  edits.push_back(copied(text, lines.begin, lines.end, to));
+  for (const Span lines : all) {
+    edits.push_back(copied(text, lines.end, after_blank_lines(text, lines.end), to));
+    edits.push_back(copied(text, lines.begin, lines.end, to));
+  }
   return edits;
 }
 
@@ -87,6 +90,13 @@ std::optional<Offset> end_if_passed(const FileScan &scan, const Entry &entry) {
   return end;
 }
 
+// The lines of an entry with all of its items.
+std::optional<Span> lines_of_items(const FileScan &scan, const Entry &entry) {
+  const std::string_view text = scan.text().text();
+  const auto end = end_of_items(text.substr(0, scan.next_entry(entry.body)), entry.body);
+  return end ? lines_of(text, entry.at, *end) : std::nullopt;
+}
+
 bool any_ends_lookups(const FileScan &scan) {
   return std::any_of(scan.entries().begin(), scan.entries().end(),
                      [&](const Entry &entry) { return ends_lookups(scan.name(entry)); });
@@ -96,34 +106,37 @@ bool any_ends_lookups(const FileScan &scan) {
 
 Fix move_reserved(const FileScan &scan) {
   const std::string_view text = scan.text().text();
-  const Entry &reserved = *scan.last_reached();
-  auto entry = scan.first_after(reserved.at);
-  const auto end = end_of_items(text.substr(0, scan.next_entry(reserved.at)), reserved.body);
-  const auto lines = end ? lines_of(text, reserved.at, *end) : std::nullopt;
-  if (!lines) return {};
   const std::vector<Stop> &stops = scan.further_stops();
   const Offset obstacle = stops.empty() ? scan.text().size() : stops.front().name;
+  std::vector<Span> reserved;  // the first one is in force, and stays the first
+  std::size_t moved = 0;       // of those
   std::optional<Offset> to;
-  for (; entry != scan.entries().end() && entry->at < obstacle; ++entry) {
-    if (ends_lookups(scan.name(*entry))) break;
+  for (auto entry = std::prev(scan.first_after(scan.last_reached()->at));
+       entry != scan.entries().end() && entry->at < obstacle; ++entry) {
+    if (ends_lookups(scan.name(*entry))) {
+      const auto lines = lines_of_items(scan, *entry);
+      if (!lines) break;
+      reserved.push_back(*lines);
+      continue;
+    }
     const auto passed = end_if_passed(scan, *entry);
     const auto after = passed ? end_with_line(text, *passed) : std::nullopt;
     if (!after) break;
     to = after;
+    moved = reserved.size();
   }
-  if (!to) return {};
-  return safe_fix(move_lines(text, *lines, *to));
+  if (!to || moved == 0) return {};
+  reserved.resize(moved);
+  return safe_fix(move_lines(text, reserved, *to));
 }
 
 Fix move_to_end(const FileScan &scan, const Entry &entry) {
   const std::string_view text = scan.text().text();
   const Entry &last = scan.entries().back();
   if (last.at <= entry.at || any_ends_lookups(scan) || !end_if_passed(scan, last)) return {};
-  const auto limit = scan.next_entry(entry.body);
-  const auto end = end_of_items(text.substr(0, limit), entry.body);
-  const auto lines = end ? lines_of(text, entry.at, *end) : std::nullopt;
+  const auto lines = lines_of_items(scan, entry);
   if (!lines) return {};
-  return unsafe_fix(move_lines(text, *lines, scan.text().size()));
+  return unsafe_fix(move_lines(text, {*lines}, scan.text().size()));
 }
 
 namespace {

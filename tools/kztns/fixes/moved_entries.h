@@ -10,7 +10,8 @@
 namespace kztns {
 
 // The entry that ends every lookup is moved after those that follow it, up to one that
-// lookups could not pass over; its comment goes with it. The rest stays in order.
+// lookups could not pass over; its comment goes with it, and so do others of its kind between
+// them. The rest stays in order.
 Fix move_reserved(const FileScan &scan);
 
 // An entry after which lookups go astray is moved to the end of the file. No fix where

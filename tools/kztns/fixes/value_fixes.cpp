@@ -151,6 +151,23 @@ bool is_value(const FaultPlace &place, const Key &key, Offset at) {
   return end > at && place.text().substr(pass_blanks(place.text(), end)).starts_with(')');
 }
 
+// "(ADDRESS HOST = h)": an item in a block without parentheses of its own, or with one of them.
+Fix with_block(const FaultPlace &place, const Key &block, const WrittenItem &written) {
+  const Offset word = place.fault().at;
+  const auto is_of_block = [&](Offset at) {
+    const std::string_view key = place.text().substr(at, end_of_word(place.text(), at) - at);
+    return key_named(block.value.opens, key) != nullptr;
+  };
+  const Offset equal = pass_blanks(place.text(), end_of_word(place.text(), word));
+  if (!is_of_block(word) || !place.text().substr(equal).starts_with('=')) return {};
+  Fix fix = unsafe_fix({{word, word, "= ("}});
+  const Offset next = pass_blanks(place.text(), written.end);
+  const bool goes_on = place.text().substr(next).starts_with('(') &&
+                       is_of_block(pass_blanks(place.text(), next + 1));
+  if (!goes_on) fix.edits.push_back({written.end, written.end, ")"});
+  return fix;
+}
+
 // Only "=" can stand between a key and what follows.
 Fix with_equal(const FaultPlace &place) {
   const Item &item = *place.item();
@@ -159,12 +176,14 @@ Fix with_equal(const FaultPlace &place) {
   if (key != nullptr && value && is_value(place, *key, *value))
     return {Applicability::safe, {equal_for_colon(place.text(), place.fault().at)}};
   const std::optional<WrittenItem> written = item_at(place.text(), item.open);
-  if (key == nullptr || !written) return place.removal(item.open);
+  if (key == nullptr || !written) return {};
   const bool is_block = key->value.kind == ValueKind::block;
   const bool fits = is_block ? place.text().substr(place.fault().at).starts_with('(')
                              : word_of(place.text(), *written).has_value();
-  if (!fits) return place.removal(item.open);
-  return safe_fix({{item.key.end, item.key.end, " ="}});
+  if (fits) return safe_fix({{item.key.end, item.key.end, " ="}});
+  if (is_block) return with_block(place, *key, *written);
+  const bool is_empty = pass_blanks(place.text(), item.key.end) + 1 == written->end;
+  return is_empty ? place.removal(item.open) : Fix();
 }
 
 // "((KEY = ...))": the outer parentheses of the items say nothing.

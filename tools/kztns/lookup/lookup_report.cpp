@@ -2,8 +2,8 @@
 
 #include <cstring>
 
-#include "check/entry_warnings.h"
 #include "check/entry_faults.h"
+#include "check/entry_warnings.h"
 #include "check/stop_causes.h"
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lookup/identifier_form.h"

@@ -128,7 +128,8 @@ class Unserved {
   // The parenthesis that is one too many may be told before the one at which lookups end.
   const Finding *error_about(Offset begin, Offset end) const {
     const Finding *const error = first_error(begin, end);
-    if (error != nullptr || begin != scan_.stop().at) return error;
+    const bool is_stop = scan_.stop().kind == StopKind::no_name && begin == scan_.stop().at;
+    if (error != nullptr || !is_stop) return error;
     const Entry *const before = scan_.last_reached();
     return before == nullptr ? nullptr : first_error(before->at, begin);
   }

@@ -136,10 +136,12 @@ class FurtherStops {
       default:
         break;
     }
-    if (stop.kind == StopKind::no_open)
-      return after_words(text_.substr(stop.name, end_of_word(text_, stop.name) - stop.name),
-                         stop.at, limit);
-    return end_of_stray_text(text_, stop.name, limit);
+    const std::string_view name =
+        text_.substr(stop.name, end_of_word(text_, stop.name) - stop.name);
+    if (stop.kind == StopKind::no_open) return after_words(name, stop.at, limit);
+    const Offset end = end_of_stray_text(text_, stop.name, limit);
+    return stop.kind == StopKind::no_equal ? std::max(end, after_words(name, stop.name, limit))
+                                           : end;
   }
 
   // Those that follow each other on a line are one fault.

@@ -57,6 +57,19 @@ bool is_one_of(std::string_view word, std::initializer_list<std::string_view> wo
                      [&](std::string_view other) { return equal_but_for_case(word, other); });
 }
 
+std::string_view longer_or_shorter_word(std::string_view word,
+                                        const std::vector<std::string_view> &words) {
+  constexpr std::size_t shortest = 4;
+  std::string_view found;
+  for (const std::string_view other : words) {
+    const std::size_t common = std::min(word.size(), other.size());
+    if (common >= shortest && (found.empty() || other.size() < found.size()) &&
+        equal_but_for_case(word.substr(0, common), other.substr(0, common)))
+      found = other;
+  }
+  return found;
+}
+
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words) {
   std::size_t best = slips(word) + 1;
   std::string_view found;

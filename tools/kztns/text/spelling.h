@@ -26,4 +26,9 @@ bool is_one_of(std::string_view word, std::initializer_list<std::string_view> wo
 // The one of some words that is near; empty when none is.
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words);
 
+// The shortest one of some words that begins with a word or begins it, "DESC" or "WARNING"; empty
+// for none, and for short words.
+std::string_view longer_or_shorter_word(std::string_view word,
+                                        const std::vector<std::string_view> &words);
+
 }  // namespace kztns

@@ -50,11 +50,18 @@ std::string one_of(const std::vector<std::string_view> &words) {
   return text;
 }
 
+const Key *key_named(Block block, std::string_view word) {
+  for (const Key &key : grammar)
+    if (key.block == block && equal_but_for_case(word, key.word)) return &key;
+  return nullptr;
+}
+
 std::string_view near_key(std::string_view word, Block block) {
   std::vector<std::string_view> here;
   std::vector<std::string_view> elsewhere;
   for (const Key &key : grammar) (key.block == block ? here : elsewhere).emplace_back(key.word);
-  const std::string_view found = near_word(word, here);
+  std::string_view found = near_word(word, here);
+  if (found.empty()) found = longer_or_shorter_word(word, here);
   return found.empty() ? near_word(word, elsewhere) : found;
 }
 

@@ -28,6 +28,9 @@ std::vector<std::string_view> choices(const Key &key);
 // "a, b or c"
 std::string one_of(const std::vector<std::string_view> &words);
 
+// The row of a word in a block; null when it is no key there.
+const Key *key_named(Block block, std::string_view word);
+
 // The key that a misspelt one means; those of the block come first. Empty when none
 // is near.
 std::string_view near_key(std::string_view word, Block block);
