@@ -122,6 +122,41 @@ TEST_F(FileRules, AnEntryThatIsBegunBeforeAnotherOfItsNameBecomesAComment) {
             "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)))\n" + entry("ab"));
 }
 
+TEST_F(FileRules, ABlockWhoseNameIsAComment) {
+  const std::string block = " (DESCRIPTION = (ADDRESS = (HOST = i)(PORT = 1)))\n";
+  EXPECT_EQ(unsafely_fixed(entry("a") + "#b =\n" + block + entry("c")),
+            entry("a") + "#b =\n# " + block + entry("c"));
+  // To lookups of "a" it is a second server.
+  const std::string last = entry("a") + "# b = # old\n" + block;
+  const kztns::CheckReport report = kztns::check_file(kztns::NamesText(last), {"names.ora"});
+  ASSERT_EQ(report.findings.size(), 1u);
+  EXPECT_EQ(report.findings[0].severity, kztns::Severity::warning);
+  EXPECT_EQ(report.findings[0].text,
+            "read as part of this entry: the name of the block, \"b\", is in a comment at 2:3");
+  EXPECT_EQ(unsafely_fixed(last), entry("a") + "# b = # old\n# " + block);
+}
+
+TEST_F(FileRules, AnEntryOfWhichTheFirstLinesAreComments) {
+  const std::string rest = "  (ADDRESS = (HOST = i)(PORT = 1))\n  (CONNECT_DATA = (SID = t)))\n";
+  const std::string rest_as_comment =
+      "#   (ADDRESS = (HOST = i)(PORT = 1))\n#   (CONNECT_DATA = (SID = t)))\n";
+  for (const std::string first : {"#b = (DESCRIPTION =\n", "#b =\n#(DESCRIPTION =\n"})
+    EXPECT_EQ(unsafely_fixed(entry("a") + first + rest + entry("c")),
+              entry("a") + first + rest_as_comment + entry("c"));
+}
+
+// A whole entry, a key, a remark.
+TEST_F(FileRules, CommentsBetweenBlocksThatAreNoNames) {
+  const std::string block = entry("a").substr(std::string("a =").size());
+  for (const std::string comment :
+       {"#b = (DESCRIPTION =\n#  (SID = s))\n", "# ADDRESS =\n", "# b = c\n", "# b\n"}) {
+    const kztns::CheckReport report = kztns::check_file(
+        kztns::NamesText(entry("a") + comment + block + entry("c")), {"names.ora"});
+    ASSERT_EQ(report.findings.size(), 1u) << comment;
+    EXPECT_EQ(report.findings[0].rule, kztns::Rule::second_block) << comment;
+  }
+}
+
 TEST_F(FileRules, AParenthesisIsPutInForOneThatACommentHides) {
   const std::string after = "\n  (CONNECT_DATA = (SID = s)))\n" + entry("b");
   EXPECT_EQ(unsafely_fixed("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1) # old)" + after),

@@ -174,6 +174,17 @@ std::vector<Row> value_rows() {
            "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=IPC)(KEY=k))(ADDRESS=(PROTOCOL=TCPS)"
            "(HOST=h)(PORT=1)))" +
                data),
+      // The next quote is another value's.
+      unsafe("unclosed-quote",
+             "(ADDRESS=(HOST=\"h)(PORT=1))" + std::string("(CONNECT_DATA=(SID=\"s\"))"),
+             "(ADDRESS=(HOST=\"h\")(PORT=1))" + std::string("(CONNECT_DATA=(SID=\"s\"))")),
+      unsafe("unclosed-quote",
+             address + "(CONNECT_DATA=(SID=\"s)(KZ_USER_EXTRA_INFO=\"web shop\"))",
+             address + "(CONNECT_DATA=(SID=\"s\")(KZ_USER_EXTRA_INFO=\"web shop\"))"),
+      unsafe("unclosed-quote", "(ADDRESS=(HOST=h\")(PORT=1))" + data, address + data),
+      unsafe("unquoted-value", address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=web shop\"))",
+             address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=\"web shop\"))"),
+      none("unquoted-value", address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=web \"shop\"))"),
       unsafe("unclosed-quote", "(ADDRESS=(HOST=\"h)(PORT=1))" + data,
              "(ADDRESS=(HOST=\"h\")(PORT=1))" + data),
       {"quoted-entry", Applicability::safe, "\"" + in_description(address + data) + "\"",

@@ -14,6 +14,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "rules/parentheses.h"
 #include "scan/further_stops.h"
+#include "scan/half_comment.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/skip_mismatches.h"
@@ -35,7 +36,7 @@ class EntryChecker : public EntryVisitor {
     if (view.service == nullptr && view.trace.is_system_variables() &&
         view.name != kzoci::tns::reserved_name)
       return;  // the name is to blame
-    if (is_told_already(view)) return;
+    if (is_told_already(view) || report_half_comment(view)) return;
     if (view.trace.fault().kind != FaultKind::none) report_fault(view);
     if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
       report_entry_warnings(view.trace, view.name, findings_);
@@ -92,6 +93,32 @@ class EntryChecker : public EntryVisitor {
     if (!closes_early(diagnosis.rule) || !view.entry.reached || view.stop != nullptr) return false;
     const auto met = no_name_after(text_.text(), view.entry.body);
     return met && diagnosis.at <= *met;
+  }
+
+  // To the library the block is part of this entry, and so are its faults.
+  bool report_half_comment(const EntryView &view) {
+    const bool built = view.service != nullptr;
+    const Offset limit = built ? view.entry.end : faults_.find_range(view).end;
+    const auto half = find_half_comment(text_.text(), view.entry.body, limit);
+    if (!half) return false;
+    const EntryRange range = faults_.find_range(view);
+    const std::string_view name =
+        std::string_view(text_.text()).substr(half->name.begin, half->name.end - half->name.begin);
+    NewFinding found = {Rule::half_comment,
+                        half->rest,
+                        view.name,
+                        {},
+                        "read as part of this entry: the name of the block, " +
+                            quoted(excerpt(name)) + ", is in a comment at " +
+                            findings_.place(half->name.begin)};
+    found.fix = fix_of_lines(text_.text(), half->rest, range.end);
+    found.related = half->name.begin;
+    if (view.entry.reached && !range.last) reported_stop_ = {found.rule, found.at, found.text};
+    if (closed_early_.size() < Findings::most_of_a_rule)
+      closed_early_.push_back({half->comment, range.end});
+    const Severity severity = built && range.last ? Severity::warning : Severity::error;
+    if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
+    return true;
   }
 
   std::string consequence(const Stop *stop) const {

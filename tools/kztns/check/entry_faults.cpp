@@ -164,7 +164,7 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
 }
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
-  range_ = ranges_.range_of(view.entry.body);
+  find_range(view);
   return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
 }
 

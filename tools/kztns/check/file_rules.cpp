@@ -176,7 +176,7 @@ class FileRules {
     for (std::size_t i = 0; i < scan_.skip_mismatches().size(); ++i) {
       const SkipMismatch &skip_mismatch = scan_.skip_mismatches()[i];
       auto cause = cause_of_skip_mismatch(text_, skip_mismatch);
-      if (!cause) continue;
+      if (!cause || is_told(cause->at)) continue;
       const Entry &entry = *scan_.entry_at_or_before(skip_mismatch.body);
       const Lost entries = lost_through(lost, i);
       const bool last = entry.body == this->entries().back().body;

@@ -21,7 +21,8 @@ std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end)
     const std::string_view line = text.substr(at, line_end - at);
     const std::size_t first = line.find_first_not_of(blanks_of_line);
     if (first != std::string_view::npos && line[first] != '#') {
-      const Offset place = at + static_cast<Offset>(at == begin ? first : 0);
+      const bool whole = at == 0 || text[at - 1] == '\n';
+      const Offset place = at + static_cast<Offset>(whole ? 0 : first);
       edits.push_back({place, place, "# "});
     }
     at = line_end + 1;
@@ -151,7 +152,10 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
 }  // namespace
 
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {
-  return unsafe_fix(comment_lines(text, begin, end));
+  const auto line = static_cast<Offset>(text.substr(0, begin).find_last_of('\n') + 1);
+  const bool is_whole =
+      text.substr(line, begin - line).find_first_not_of(blanks_of_line) == std::string_view::npos;
+  return unsafe_fix(comment_lines(text, is_whole ? line : begin, end));
 }
 
 Fix fix_of_long_comment(std::string_view text, Offset at) {

@@ -87,11 +87,13 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   const std::size_t close = line.find(')');
   if (key == nullptr || close == std::string_view::npos) return {};
   const std::string_view value = trimmed(line.substr(0, close));
-  if (value.find_first_of("(\"") != std::string_view::npos || value.size() >= longest_token)
-    return {};
+  const std::size_t sign = value.find_first_of("(\"");
+  const bool ends_quoted = value.ends_with('"') && sign + 1 == value.size();
+  if ((sign != std::string_view::npos && !ends_quoted) || value.size() >= longest_token) return {};
   const Offset end = begin + static_cast<Offset>(value.size());
   if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
   if (!may_have_any_character(*key) || holds_item(value)) return {};
+  if (ends_quoted) return unsafe_fix({{begin, begin, "\""}});
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
 
@@ -111,12 +113,12 @@ void mend_unquoted_value(const FaultPlace &place, Diagnosis &diagnosis) {
     diagnosis.remedy = remedy_of_more(*key);
 }
 
-// The end of the line or the first ")" on it.
+// The end of the line or the first ")" on it. A quote right before that opens nothing.
 Fix closed_quote(const FaultPlace &place, Offset quote) {
   const std::string_view text = place.text();
   const std::size_t stop = std::min(text.find_first_of(")\r\n", quote + 1), text.size());
   const std::size_t last = text.find_last_not_of(" \t", stop - 1);
-  if (last <= quote) return {};
+  if (last <= quote) return unsafe_fix({{quote, quote + 1, {}}});
   const auto end = static_cast<Offset>(last + 1);
   return unsafe_fix({{end, end, "\""}});
 }

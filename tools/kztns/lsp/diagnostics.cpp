@@ -36,6 +36,7 @@ std::string message_of(const Finding &finding) {
 std::string message_of_place(const Finding &finding) {
   if (finding.rule == Rule::duplicate) return "the first entry of this name";
   if (finding.rule == Rule::after_reserved) return "every lookup ends here";
+  if (finding.rule == Rule::half_comment) return "the name of the block";
   return "the other place";
 }
 

@@ -123,6 +123,15 @@ class FaultExplainer {
     return quote ? quote : open_quote(text(), from, to);
   }
 
+  // Quotes of a later value close it, as the library reads it.
+  std::optional<Diagnosis> quote_closed_late(Offset from, Offset to) const {
+    const auto quotes = quotes_around_items(text(), from, std::min(to, subject_.end));
+    if (!quotes) return std::nullopt;
+    return found_at(
+        Rule::unclosed_quote, quotes->first,
+        "unterminated quote: the next one is at " + subject_.text.place(quotes->second));
+  }
+
   Diagnosis cut(Span token, const std::string &what) const {
     const auto quote = unclosed_quote(token.begin, token.end);
     if (quote)
@@ -137,6 +146,9 @@ class FaultExplainer {
     if (item() != nullptr && item()->text_length >= longest_token)
       return cut(item()->value, "the value of " + key());
     if (const auto comment = hiding_comment()) return comment_in_value(*comment);
+    if (item() != nullptr)
+      if (auto quote = quote_closed_late(item()->value.begin, item()->value.end))
+        return *std::move(quote);
     const std::string text = "expected \")\" after the value of " + key() + ", found " + met();
     if (fault_.met == TNS_LEFT_PARENTHESES) return found(Rule::missing_close, text);
     return found(Rule::unquoted_value, text);
@@ -151,7 +163,10 @@ class FaultExplainer {
   }
 
   Diagnosis key_unended() const {
-    const auto quote = unclosed_quote(fault_.at, static_cast<Offset>(text().size()));
+    const auto size = static_cast<Offset>(text().size());
+    const auto quote = unclosed_quote(fault_.at, size);
+    if (quote)
+      if (auto early = quote_closed_late(fault_.at, size)) return *std::move(early);
     if (quote) return found_at(Rule::unclosed_quote, *quote, "unterminated quote: " + end());
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }

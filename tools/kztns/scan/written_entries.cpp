@@ -197,6 +197,24 @@ std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from,
   return std::nullopt;
 }
 
+std::optional<std::pair<Offset, Offset>> quotes_around_items(std::string_view text, Offset from,
+                                                             Offset to) {
+  const auto has_items = [](std::string_view quoted) {
+    const std::string_view rest = quoted.substr(std::min(quoted.find(')'), quoted.size()));
+    return quoted.find('\n') != quoted.npos ||
+           (rest.find('(') != rest.npos && rest.find('=') != rest.npos);
+  };
+  text = text.substr(0, to);
+  for (std::size_t open = text.find('"', from); open != text.npos;) {
+    const std::size_t close = text.find('"', open + 1);
+    if (close == text.npos) return std::nullopt;
+    if (has_items(text.substr(open, close - open)))
+      return std::pair(static_cast<Offset>(open), static_cast<Offset>(close));
+    open = text.find('"', close + 1);
+  }
+  return std::nullopt;
+}
+
 std::optional<Offset> open_quote(std::string_view text, Offset from, Offset to) {
   std::optional<Offset> open;
   for (Offset at = from; at < to; ++at) {

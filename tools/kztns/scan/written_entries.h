@@ -46,6 +46,11 @@ struct HiddenParenthesis {
 std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,
                                              char parenthesis);
 
+// The first double quote after a place of a pair that ends before another place and has items, or
+// the end of a line, in it: it was to be closed before. Its partner comes second.
+std::optional<std::pair<Offset, Offset>> quotes_around_items(std::string_view text, Offset from,
+                                                             Offset to);
+
 // The place of the last double quote that opens in a token; absent when all that
 // open are closed.
 std::optional<Offset> open_quote(std::string_view text, Offset from, Offset to);

@@ -1,0 +1,67 @@
+#include "scan/half_comment.h"
+
+#include <algorithm>
+
+#include "scan/item_text.h"
+#include "scan/item_words.h"
+#include "scan/written_entries.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+// "# NAME =" and "# NAME = (": the name; absent for any other comment.
+std::optional<Span> name_in(std::string_view text, Offset comment, Offset end) {
+  const std::string_view line = text.substr(0, end);
+  const std::size_t begin = line.find_first_not_of("# \t", comment);
+  if (begin == std::string_view::npos) return std::nullopt;
+  const std::size_t name_end = std::min(line.find_first_of(" \t=()#\",", begin), line.size());
+  const std::size_t equal = line.find_first_not_of(" \t", name_end);
+  if (equal == std::string_view::npos || line[equal] != '=') return std::nullopt;
+  const std::size_t value = line.find_first_not_of(" \t\r", equal + 1);
+  const bool is_entry = value == std::string_view::npos || line[value] == '(' || line[value] == '#';
+  if (!is_entry || item_word(line.substr(begin, name_end - begin))) return std::nullopt;
+  return Span{static_cast<Offset>(begin), static_cast<Offset>(name_end)};
+}
+
+// An entry that is begun and not ended in the comments between two tokens.
+std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from, Offset to) {
+  std::optional<HalfComment> begun;
+  std::int64_t depth = 0;
+  bool any = false;  // whether it has a parenthesis
+  const std::size_t first = text.find('\n', from);
+  for (Offset line = first < to ? static_cast<Offset>(first + 1) : to; line < to;
+       line = end_of_line(text, line) + 1) {
+    const Offset end = std::min(end_of_line(text, line), to);
+    const std::size_t comment = text.substr(0, end).find('#', line);
+    if (comment == std::string_view::npos) continue;
+    if (const auto name = name_in(text, static_cast<Offset>(comment), end)) {
+      begun = {static_cast<Offset>(comment), *name, to};
+      depth = 0;
+      any = false;
+    }
+    for (const char c : text.substr(comment, end - comment)) {
+      depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+      any = any || c == '(';
+    }
+    if (any && depth <= 0) begun.reset();
+  }
+  return begun;
+}
+
+}  // namespace
+
+std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end) {
+  text = text.substr(0, end);
+  if (text.find('#', body) == std::string_view::npos) return std::nullopt;
+  for (auto at = end_of_item(text, pass_blanks(text, body)); at;) {
+    const Offset next = pass_blanks(text, *at);
+    if (next >= text.size() || (text[next] != '(' && text[next] != ')')) return std::nullopt;
+    if (const auto found = begun_in_comments(text, *at, next)) return found;
+    if (text[next] == ')') return std::nullopt;
+    at = end_of_item(text, next);
+  }
+  return std::nullopt;
+}
+
+}  // namespace kztns

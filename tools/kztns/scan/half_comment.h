@@ -1,0 +1,21 @@
+// Entries of which the first lines are comments and the others are not.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "trace/build_trace.h"
+
+namespace kztns {
+
+struct HalfComment {
+  Offset comment;  // its "#"
+  Span name;       // in it
+  Offset rest;     // what is no comment
+};
+
+// The first one after the first block of an entry whose text stands between two places: to the
+// library its rest is part of that entry.
+std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end);
+
+}  // namespace kztns
