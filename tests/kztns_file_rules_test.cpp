@@ -145,6 +145,24 @@ TEST_F(FileRules, AnEntryOfWhichTheFirstLinesAreComments) {
               entry("a") + first + rest_as_comment + entry("c"));
 }
 
+TEST_F(FileRules, LinesOfAMailAndNumberedLines) {
+  const std::string lines[] = {"b =", "  (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))",
+                               "    (CONNECT_DATA = (SID = s)))"};
+  const std::string plain = lines[0] + "\n" + lines[1] + "\n" + lines[2] + "\n";
+  const auto prefixed = [&](const std::vector<std::string> &prefixes) {
+    std::string text;
+    for (std::size_t i = 0; i < prefixes.size(); ++i) text += prefixes[i] + lines[i] + "\n";
+    return text;
+  };
+  for (const auto &prefixes :
+       {std::vector<std::string>{"> ", "> ", "> "}, {"8 ", "9 ", "10 "}, {"1: ", "2: ", "3: "}})
+    EXPECT_EQ(unsafely_fixed(entry("a") + prefixed(prefixes) + entry("c")),
+              entry("a") + plain + entry("c"))
+        << prefixes[0];
+  // No numbering.
+  EXPECT_EQ(unsafely_fixed(entry("a") + "1 2\n" + entry("c")), entry("a") + "# 1 2\n" + entry("c"));
+}
+
 // A whole entry, a key, a remark.
 TEST_F(FileRules, CommentsBetweenBlocksThatAreNoNames) {
   const std::string block = entry("a").substr(std::string("a =").size());

@@ -103,6 +103,21 @@ TEST(Faults, OfASizeWithAUnitHaveNoFix) {
   }
 }
 
+TEST(Settings, ThatAreMisspeltAreMended) {
+  const auto fixed = [](const std::string &items) {
+    const std::string text = "KZCISYSTEMVARIABLES=" + items + "\n";
+    const kztns::CheckReport report = report_of(text);
+    EXPECT_EQ(report.findings.size(), 1u) << items;
+    return edited(text, report.findings[0].fix.edits);
+  };
+  EXPECT_EQ(fixed("(LOGPATH=x)"), "KZCISYSTEMVARIABLES=(LOG_PATH=x)\n");
+  EXPECT_EQ(fixed("(SLOWSQL_TRESHOLD=5)"), "KZCISYSTEMVARIABLES=(SLOWSQL_THRESHOLD=5)\n");
+  EXPECT_EQ(fixed("(LOG_LEVEL=warning)"), "KZCISYSTEMVARIABLES=(LOG_LEVEL=WARN)\n");
+  EXPECT_EQ(fixed("(LOG_LEVEL=EROR)"), "KZCISYSTEMVARIABLES=(LOG_LEVEL=ERROR)\n");
+  EXPECT_EQ(fixed("(LOG_LEVEL=LOUD)"), "KZCISYSTEMVARIABLES=(LOG_LEVEL=LOUD)\n");
+  EXPECT_EQ(fixed("(COLOR=1)"), "KZCISYSTEMVARIABLES=(COLOR=1)\n");
+}
+
 TEST(Faults, OfAColonAfterANameAreMendedByAnEqualSign) {
   const std::string entry = " " + in_description(address + data) + "\n";
   for (const std::string before : {"x :", "x :=", "x:", "x -", "x ->", "x :\n"}) {

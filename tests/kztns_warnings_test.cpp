@@ -59,6 +59,27 @@ TEST(Warnings, OfHostsThatNobodyFilledIn) {
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=\"h\xC2\xA0\")(PORT=1))" + data), Rules{});
 }
 
+TEST(Warnings, OfHostsThatAreNone) {
+  const auto of_host = [](const std::string &host) {
+    return rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data);
+  };
+  for (const char *const host :
+       {"h:1521", "http://h", "10.0.1.256", "10.0.1.", "10.0.1", "1.2.3.4.5"})
+    EXPECT_EQ(of_host(host), Rules{"placeholder"}) << host;
+  for (const char *const host : {"fe80::1", "::1", "10.0.1.255", "0.0.0.0", "h1.2", "h:x"})
+    EXPECT_EQ(of_host(host), Rules{}) << host;
+}
+
+TEST(Warnings, OfQuotesThatArePartOfAValue) {
+  const auto of_service = [](const std::string &name) {
+    return rules_of(address + "(CONNECT_DATA=(SERVICE_NAME=" + name + "))");
+  };
+  for (const char *const name : {"'s'", "\u2018s\u2019", "\u201Cs\u201D", "\u201Es\u201C"})
+    EXPECT_EQ(of_service(name), Rules{"foreign-quotes"}) << name;
+  for (const char *const name : {"\"'s'\"", "s'", "''", "'"})
+    EXPECT_EQ(of_service(name), Rules{}) << name;
+}
+
 TEST(Warnings, OfInvisibleCharactersAtTheEndsOfTexts) {
   const auto of_sid = [](const std::string &sid) {
     return rules_of(address + "(CONNECT_DATA=(SID=" + sid + "))");

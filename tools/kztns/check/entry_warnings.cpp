@@ -18,8 +18,8 @@ constexpr sb8 largest_port = 65535;  // TCP's
 
 // Of templates, what separates values elsewhere, and quotes that quote nothing here: the last
 // four are those of word processors.
-constexpr std::string_view not_of_hosts[] = {"<", ">",      "{",      "}",      ",",     ";",
-                                             "'", "\u2018", "\u2019", "\u201C", "\u201D"};
+constexpr std::string_view not_of_hosts[] = {"<", ">", "/",      "{",      "}",      ",",
+                                             ";", "'", "\u2018", "\u2019", "\u201C", "\u201D"};
 
 std::optional<sb8> number(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -27,6 +27,26 @@ std::optional<sb8> number(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return value;
+}
+
+// Whether a host is made of numbers and no address of four of them.
+bool is_bad_address(std::string_view host) {
+  if (host.find_first_not_of("0123456789.") != host.npos) return false;
+  std::size_t parts = 0;
+  for (std::size_t at = 0; at <= host.size(); ++parts) {
+    const std::size_t end = std::min(host.find('.', at), host.size());
+    const std::optional<sb8> part = number(host.substr(at, end - at));
+    if (!part || *part > 255) return true;
+    at = end + 1;
+  }
+  return parts != 4;
+}
+
+// The port of "h:1521"; absent in other hosts. A network address has several colons.
+std::optional<std::string_view> port_in(std::string_view host) {
+  const std::size_t colon = host.find(':');
+  if (colon == host.npos || !number(host.substr(colon + 1))) return std::nullopt;
+  return host.substr(colon + 1);
 }
 
 bool may_be_negative(KZCILBKeyType type) {
@@ -143,7 +163,17 @@ class EntryWarnings {
     const bool is_odd =
         std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
                     [&](std::string_view sign) { return host.find(sign) != host.npos; });
-    if (is_odd) add(Rule::placeholder, item, value_of(item) + ", no name of a host");
+    if (is_odd || is_bad_address(host) || port_in(host))
+      add(Rule::placeholder, item, value_of(item) + ", no name of a host",
+          port_in(host) ? "write the port as (PORT = " + std::string(*port_in(host)) + ")" : "");
+  }
+
+  // Where no other quotes are needed they are part of the value. Those of a host are told as that.
+  void check_foreign_quotes(const Item &item, const Key &key) {
+    if (key.value.kind == ValueKind::text && item.type != LB_HOST &&
+        !trace_.slice(item.value).starts_with('"') &&
+        !in_foreign_quotes(trace_.value_of(item)).empty())
+      add(Rule::foreign_quotes, item, value_of(item) + ": these quotes are part of the value");
   }
 
   // Elsewhere such a character is an error. A quoted one is meant, and so may be one within a

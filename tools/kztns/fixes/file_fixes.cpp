@@ -5,6 +5,7 @@
 #include "fixes/invisible_fixes.h"
 #include "scan/further_stops.h"
 #include "scan/item_words.h"
+#include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
@@ -79,6 +80,13 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   // The entry that begins on the same line would become a comment, too.
   if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
   return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
+}
+
+// Of lines that are quoted from a mail, or numbered.
+Fix without_line_prefixes(std::string_view text, Offset at) {
+  std::vector<Edit> edits;
+  for (const Span prefix : line_prefixes(text, at)) edits.push_back({prefix.begin, prefix.end, {}});
+  return edits.empty() ? Fix() : unsafe_fix(std::move(edits));
 }
 
 // Those that follow each other on the line.
@@ -180,6 +188,8 @@ Edit equal_for_colon(std::string_view text, Offset colon) {
 
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at) {
   const std::string_view text = scan.text().text();
+  if (rule == Rule::stray_text || rule == Rule::missing_equal)
+    if (Fix fix = without_line_prefixes(text, stop.name)) return fix;
   switch (rule) {
     case Rule::byte_order_mark:
       return safe_fix({{0, 3, {}}});

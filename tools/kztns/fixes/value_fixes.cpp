@@ -94,6 +94,8 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
   if (!may_have_any_character(*key) || holds_item(value)) return {};
   if (ends_quoted) return unsafe_fix({{begin, begin, "\""}});
+  if (const std::string_view inner = in_foreign_quotes(value); !inner.empty())
+    return unsafe_fix({{begin, end, '"' + std::string(inner) + '"'}});
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
 

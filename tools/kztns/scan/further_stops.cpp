@@ -4,6 +4,7 @@
 
 #include "scan/item_text.h"
 #include "scan/item_words.h"
+#include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
@@ -128,6 +129,8 @@ class FurtherStops {
   Offset after(const Stop &stop, Offset limit) const {
     if (is_foreign_comment(text_.substr(stop.name, 2)) || end_of_long_comment(text_, stop.name))
       return end_of_stray_text(text_, stop.name, limit);
+    if (const auto prefixes = line_prefixes(text_, stop.name); !prefixes.empty())
+      return std::min(end_of_line(text_, prefixes.back().begin), limit);
     switch (stop.met) {
       case TNS_RIGHT_PARENTHESES:
         return after_closes(stop.at, limit);

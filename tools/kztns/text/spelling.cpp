@@ -57,6 +57,15 @@ bool is_one_of(std::string_view word, std::initializer_list<std::string_view> wo
                      [&](std::string_view other) { return equal_but_for_case(word, other); });
 }
 
+std::string_view in_foreign_quotes(std::string_view text) {
+  constexpr std::string_view pairs[][2] = {
+      {"'", "'"}, {"\u2018", "\u2019"}, {"\u201C", "\u201D"}, {"\u201E", "\u201C"}};
+  for (const auto &[open, close] : pairs)
+    if (text.size() > open.size() + close.size() && text.starts_with(open) && text.ends_with(close))
+      return text.substr(open.size(), text.size() - open.size() - close.size());
+  return {};
+}
+
 std::string_view longer_or_shorter_word(std::string_view word,
                                         const std::vector<std::string_view> &words) {
   constexpr std::size_t shortest = 4;

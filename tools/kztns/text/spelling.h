@@ -23,6 +23,10 @@ bool equal_but_for_case(std::string_view left, std::string_view right);
 // Whether a word is one of some, whatever their case.
 bool is_one_of(std::string_view word, std::initializer_list<std::string_view> words);
 
+// What is in quotes that quote nothing here, 'x' or those of word processors; empty for a text that
+// is not.
+std::string_view in_foreign_quotes(std::string_view text);
+
 // The one of some words that is near; empty when none is.
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words);
 

@@ -1,0 +1,70 @@
+#include "scan/line_prefixes.h"
+
+#include <charconv>
+#include <optional>
+
+#include "scan/item_words.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+// The number at a place; absent for none, and for one that goes on as another word.
+std::optional<std::uint32_t> number_at(std::string_view text, Offset at, Offset &end) {
+  std::uint32_t number = 0;
+  const auto [stop, error] = std::from_chars(text.data() + at, text.data() + text.size(), number);
+  end = static_cast<Offset>(stop - text.data());
+  if (error != std::errc()) return std::nullopt;
+  if (end < text.size() && std::string_view(".:|").find(text[end]) != std::string_view::npos) ++end;
+  if (end < text.size() && !is_blank(text[end])) return std::nullopt;
+  return number;
+}
+
+// Reads the prefixes of lines that follow each other.
+class Prefixes {
+ public:
+  Prefixes(std::string_view text, Offset at)
+      : text_(text), quoted_(text.substr(at).starts_with('>')) {}
+
+  // That of a line, if it goes on with those before.
+  std::optional<Span> next(Offset at) {
+    Offset end = at + 1;
+    if (quoted_) {
+      if (text_[at] != '>' || (end < text_.size() && !is_blank(text_[end]))) return std::nullopt;
+    } else {
+      const auto number = number_at(text_, at, end);
+      if (!number || (due_ >= 0 && *number != due_)) return std::nullopt;
+      due_ = std::int64_t{*number} + 1;
+    }
+    const bool blank = end < text_.size() && (text_[end] == ' ' || text_[end] == '\t');
+    return Span{at, end + (blank ? 1 : 0)};
+  }
+
+  std::size_t fewest() const { return quoted_ ? 1 : 2; }
+
+ private:
+  std::string_view text_;
+  bool quoted_;
+  std::int64_t due_ = -1;  // the next number; any one at first
+};
+
+}  // namespace
+
+std::vector<Span> line_prefixes(std::string_view text, Offset at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
+  if (before != std::string_view::npos && text[before] != '\n') return {};
+  Prefixes prefixes(text, at);
+  std::vector<Span> found;
+  for (std::size_t line = at; line < text.size();) {
+    const std::size_t first = text.find_first_not_of(" \t", line);
+    if (first == std::string_view::npos) break;
+    const auto prefix = prefixes.next(static_cast<Offset>(first));
+    if (!prefix) break;
+    found.push_back(*prefix);
+    line = end_of_line(text, prefix->begin) + std::size_t{1};
+  }
+  if (found.size() < prefixes.fewest()) found.clear();
+  return found;
+}
+
+}  // namespace kztns

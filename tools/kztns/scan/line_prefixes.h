@@ -1,0 +1,15 @@
+// What mails and listings put before lines.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "trace/build_trace.h"
+
+namespace kztns {
+
+// The ">" of quoted lines, or the numbers of numbered ones, from the line on that begins with a
+// place, each with a blank after it; empty where the line has none. One number is no numbering.
+std::vector<Span> line_prefixes(std::string_view text, Offset at);
+
+}  // namespace kztns
