@@ -103,6 +103,13 @@ TEST(Faults, OfASizeWithAUnitHaveNoFix) {
   }
 }
 
+TEST(Faults, OfABlockInABraceAreNoEntry) {
+  const std::string lines = "ADDRESS_LIST =\n    " + address + "\n  )\n  " + data + ")\n";
+  EXPECT_EQ(report_of("x = (DESCRIPTION =\n  {" + lines).verdicts[0], 0u);
+  const kztns::CheckReport report = report_of("x = (DESCRIPTION =\n  {" + lines);
+  for (const kztns::Finding &finding : report.findings) EXPECT_EQ(finding.entry, "x");
+}
+
 TEST(Settings, ThatAreMisspeltAreMended) {
   const auto fixed = [](const std::string &items) {
     const std::string text = "KZCISYSTEMVARIABLES=" + items + "\n";

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "scan/item_text.h"
+#include "scan/tokens.h"
 #include "text/spelling.h"
 
 namespace kztns {
@@ -14,6 +15,21 @@ bool sets_same(std::string_view left, std::string_view right) {
     return equal_but_for_case(word, "SERVICE_NAME") || equal_but_for_case(word, "SID");
   };
   return equal_but_for_case(left, right) || (is_service(left) && is_service(right));
+}
+
+// The comments of an item, each with the end of its line.
+std::string comments_in(std::string_view item) {
+  std::string comments;
+  TokenReader tokens(item);
+  Offset from = 0;
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+    for (std::size_t at = item.find('#', from); at < token.span.begin; at = item.find('#', from)) {
+      from = end_of_line(item, static_cast<Offset>(at));
+      comments += ' ' + std::string(item.substr(at, from - at)) + '\n';
+    }
+    from = token.span.end;
+  }
+  return comments;
 }
 
 }  // namespace
@@ -49,7 +65,7 @@ bool FaultPlace::is_set(const std::vector<WrittenItem> &items, std::string_view 
 Fix FaultPlace::removal(Offset open, Applicability applicability) const {
   const std::optional<Span> span = item_to_remove(text_, open);
   if (!span) return {};
-  return {applicability, {{span->begin, span->end, {}}}};
+  return {applicability, {{span->begin, span->end, comments_in(slice(*span))}}};
 }
 
 Fix FaultPlace::with_value(Applicability applicability, std::string_view value) const {

@@ -147,21 +147,59 @@ std::optional<WrittenItem> taker(const FaultPlace &place, KZCILBKeyType type) {
   return takers[0];
 }
 
-Fix moved_into(const FaultPlace &place, const WrittenItem &item, const WrittenItem &target) {
-  if (place.is_set(place.children(target), place.key_of(item))) return {};
-  if (place.text().find_first_not_of(blanks, target.end) == item.open)
-    return unsafe_fix({{target.end - 1, target.end, {}}, {item.end, item.end, ")"}});
+// After the item of a block in which a place is; before the block's ")" for any other place.
+Offset end_after(const FaultPlace &place, const WrittenItem &block, Offset at) {
+  for (const WrittenItem &child : place.children(block))
+    if (child.open < at && at < child.end) return child.end;
+  return block.end - 1;
+}
+
+// Removes an item, and puts it at another place, with something before and after it.
+Fix moved_to(const FaultPlace &place, const WrittenItem &item, Offset to,
+             const std::string &before = {}, const std::string &after = {}) {
   Fix fix = place.removal(item.open);
-  if (!fix) return {};
-  const Offset end = target.end - 1;
-  if (fix.edits[0].begin < end && end < fix.edits[0].end) return {};
-  fix.edits.push_back({end, end, text_of(place, item)});
+  if (!fix || (fix.edits[0].begin < to && to < fix.edits[0].end)) return {};
+  fix.edits.push_back({to, to, before + text_of(place, item) + after});
   sort_edits(fix.edits);
   return fix;
 }
 
-bool is_of_connect_data(KZCILBKeyType type) {
-  return kzoci::tns::key_of(Block::connect_data, type) != nullptr;
+Fix moved_into(const FaultPlace &place, const WrittenItem &item, const WrittenItem &target) {
+  const bool is_address = place.has_key(item, "ADDRESS") || place.has_key(item, "ADDRESS_LIST");
+  if (is_address) return moved_to(place, item, end_after(place, target, item.open));
+  if (place.is_set(place.children(target), place.key_of(item))) return {};
+  if (place.text().find_first_not_of(blanks, target.end) == item.open)
+    return unsafe_fix({{target.end - 1, target.end, {}}, {item.end, item.end, ")"}});
+  return moved_to(place, item, target.end - 1);
+}
+
+bool is_of(Block block, KZCILBKeyType type) { return kzoci::tns::key_of(block, type) != nullptr; }
+
+// An item of CONNECT_DATA in a description that has none.
+Fix in_connect_data(const FaultPlace &place, const WrittenItem &item) {
+  const std::string before = "(CONNECT_DATA = ";
+  const std::vector<Frame> &frames = place.trace().frames();
+  int frame = place.fault().frame;
+  while (frame > 0 && frames[static_cast<std::size_t>(frame)].block != Block::description)
+    frame = frames[static_cast<std::size_t>(frame)].parent;
+  const auto description = place.opener(frames[static_cast<std::size_t>(frame)]);
+  if (!description || place.is_set(place.children(*description), "CONNECT_DATA")) return {};
+  if (frame == place.fault().frame)
+    return unsafe_fix({{item.open, item.open, before}, {item.end, item.end, ")"}});
+  return moved_to(place, item, description->end - 1, before, ")");
+}
+
+// HOST, PORT and the like that follow each other where an address may stand.
+Fix in_address(const FaultPlace &place, const WrittenItem &item) {
+  if (key_named(place.block(), "ADDRESS") == nullptr) return {};
+  std::vector<WrittenItem> run;
+  for (const WrittenItem &other : place.items_of(place.frame())) {
+    if (other.open < item.open) continue;
+    if (key_named(Block::address, place.key_of(other)) == nullptr) break;
+    run.push_back(other);
+  }
+  if (!place.is_set(run, "HOST")) return {};
+  return unsafe_fix({{item.open, item.open, "(ADDRESS = "}, {run.back().end, run.back().end, ")"}});
 }
 
 // An item of the entry itself: its blocks belong in a DESCRIPTION.
@@ -269,10 +307,11 @@ void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {
   }
   if (const auto target = taker(place, place.item()->type))
     diagnosis.fix = moved_into(place, *item, *target);
-  else if (place.block() == Block::description && is_of_connect_data(place.item()->type) &&
-           !place.is_set(place.items_of(place.frame()), "CONNECT_DATA"))
-    diagnosis.fix =
-        unsafe_fix({{item->open, item->open, "(CONNECT_DATA = "}, {item->end, item->end, ")"}});
+  else if (is_of(Block::connect_data, place.item()->type))
+    diagnosis.fix = in_connect_data(place, *item);
+  // Where the block has an address already, this is another one.
+  if (!diagnosis.fix && is_of(Block::address, place.item()->type))
+    diagnosis.fix = in_address(place, *item);
 }
 
 }  // namespace kztns

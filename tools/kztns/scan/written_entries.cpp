@@ -66,10 +66,11 @@ class Scanner {
     return true;
   }
 
-  // Whether a name is the key of an item whose "(" was forgotten.
+  // Whether a name is the key of an item whose "(" was forgotten, or is another bracket.
   bool is_item(const WrittenEntry &name) const {
-    return (depth_ > 0 || last_ == '=') &&
-           item_word(text_.substr(name.name_begin, name.name_end - name.name_begin));
+    std::string_view word = text_.substr(name.name_begin, name.name_end - name.name_begin);
+    word.remove_prefix(std::min(word.find_first_not_of("{["), word.size()));
+    return (depth_ > 0 || last_ == '=') && item_word(word);
   }
 
   // The entries in such a comment are not meant to be read.
