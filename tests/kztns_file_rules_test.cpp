@@ -104,6 +104,10 @@ TEST_F(FileRules, TheReservedEntryStaysWhereLookupsOfItCome) {
   EXPECT_EQ(safely_fixed(two), entry("a") + entry("b") +
                                    "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n"
                                    "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n");
+  // It is put at the end of a line.
+  const std::string b = entry("b").substr(0, entry("b").size() - 1) + " stray\n";
+  EXPECT_EQ(safely_fixed("KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") + b + entry("c")),
+            entry("a") + "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + b + entry("c"));
   // Nothing comes after this one.
   const std::string last = "KZCISYSTEMVARIABLES = (LOG_COUNT = 5)\n" + entry("a") +
                            "KZCISYSTEMVARIABLES = (LOG_COUNT = 6)\n";

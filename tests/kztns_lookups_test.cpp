@@ -118,6 +118,17 @@ TEST(LookupJson, OfOneThatIsRefused) {
   EXPECT_EQ(object["fault"]["text"], "DESCRIPTION: unknown key SERVER");
 }
 
+TEST(Lookups, OfALiteralSpeakOfItsText) {
+  const auto fault = [](const std::string &literal) {
+    return kztns::report_of_literal(literal).fault->text;
+  };
+  EXPECT_EQ(
+      fault("(DESCRIPTION=(ADDRESS=(HOST=h)"),
+      "DESCRIPTION: ADDRESS is not closed: expected \")\" before the end of the text at 1:31");
+  EXPECT_EQ(fault("(DESCRIPTION=(ADDRESS=(HOST=\"h"),
+            "DESCRIPTION/ADDRESS: unterminated quote: the text ends at 1:31");
+}
+
 TEST(LookupJson, HoldsNoPassword) {
   const json object =
       json_of("user/secret@sales", {}, kztns::report_of_name("user/secret@sales", sales));

@@ -198,7 +198,7 @@ std::optional<kztns::Diagnosis> fault_of(const std::string &content,
                                          const std::string &name = "a") {
   const kztns::NamesText text(content);
   const auto body = static_cast<kztns::Offset>(content.find('=') + 1);
-  return kztns::find_parenthesis_fault(text, {body, text.size()}, name);
+  return kztns::find_parenthesis_fault({text, "file"}, {body, text.size()}, name);
 }
 
 // A broken text in which "^" stands before the place that is told, the rule, and the text

@@ -157,7 +157,7 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
                          std::string_view name) {
   Diagnosis diagnosis = diagnose_with_fix(subject, trace, name);
   if (is_about_hidden_text(diagnosis.rule)) return diagnosis;
-  auto fault = find_parenthesis_fault(subject.text, range, name);
+  auto fault = find_parenthesis_fault(subject, range, name);
   if (!fault) return diagnosis;
   if (fault->rule == Rule::unclosed_block) add_fix_of_comments(subject.text, range, fault->fix);
   return *std::move(fault);

@@ -94,7 +94,7 @@ class StopExplainer {
     const Entry *const entry = scan_.last_reached();
     if (entry == nullptr) return std::nullopt;
     const EntryRange range = EntryRanges(subject_.text).range_of(entry->body);
-    auto fault = find_parenthesis_fault(subject_.text, range, scan_.name(*entry));
+    auto fault = find_parenthesis_fault(subject_, range, scan_.name(*entry));
     if (!fault || !closes_early(fault->rule) || fault->at > stop_.at) return std::nullopt;
     return StopCause{fault->rule, fault->at, std::move(fault->text), std::move(fault->remedy),
                      std::move(fault->fix)};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "kzoci/platform/my_strtoll10.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
@@ -9,6 +10,9 @@
 
 namespace kztns {
 namespace {
+
+// In the name of the reserved entry.
+constexpr std::size_t most_slips = 3;
 
 class FaultExplainer {
  public:
@@ -84,8 +88,12 @@ class FaultExplainer {
   }
 
   Diagnosis misplaced_key() const {
+    const std::string_view reserved = kzoci::tns::reserved_name;
+    const bool is_misspelt =
+        frame().block == Block::entry && edit_distance(name_, reserved, most_slips) <= most_slips;
     return found(Rule::misplaced_key,
-                 "misplaced key " + key() + ": it belongs in " + places_of(item()->type));
+                 "misplaced key " + key() + ": it belongs in " + places_of(item()->type),
+                 is_misspelt ? "did you mean " + std::string(reserved) + "?" : "");
   }
 
   Diagnosis no_block() const {
@@ -99,7 +107,9 @@ class FaultExplainer {
                    "expected \"(\" after \"=\", found the invisible character " + visible(odd));
     if (text().substr(fault_.at).starts_with("\"("))
       return found(Rule::quoted_entry, "expected \"(\" after \"=\", found a value in quotes");
-    return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
+    const bool is_reserved = equal_but_for_case(name_, kzoci::tns::reserved_name);
+    return found(Rule::no_block, "expected \"(\" after \"=\", found " + met(),
+                 is_reserved ? "write " + std::string(name_) + " = (KEY = value)" : "");
   }
 
   // A comment between the value and what was met, which hides a ")".

@@ -12,9 +12,14 @@ namespace {
 class ParenthesisExplainer {
  public:
   // last says whether no entry comes after this one.
-  ParenthesisExplainer(const NamesText &text, const std::vector<EntryToken> &tokens,
+  ParenthesisExplainer(const Subject &subject, const std::vector<EntryToken> &tokens,
                        const ParenthesisChange &change, bool last)
-      : text_(text), tokens_(tokens), change_(change), at_(tokens[change.token]), last_(last) {}
+      : subject_(subject),
+        text_(subject.text),
+        tokens_(tokens),
+        change_(change),
+        at_(tokens[change.token]),
+        last_(last) {}
 
   Diagnosis diagnose() const {
     switch (change_.edit) {
@@ -73,7 +78,7 @@ class ParenthesisExplainer {
     if (at_.kind == '(' && key_of(change_.token) != nullptr)
       return "before " + word(*key_of(change_.token)) + place;
     if (at_.kind != '\0') return "before \"" + word(at_) + "\"" + place;
-    if (last_) return "before the end of the file" + place;
+    if (last_) return "before the end of the " + std::string(subject_.noun) + place;
     return "before the next entry" + place;
   }
 
@@ -91,6 +96,7 @@ class ParenthesisExplainer {
     return path;
   }
 
+  const Subject &subject_;
   const NamesText &text_;
   const std::vector<EntryToken> &tokens_;
   const ParenthesisChange &change_;
@@ -100,17 +106,18 @@ class ParenthesisExplainer {
 
 }  // namespace
 
-std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRange range,
+std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRange range,
                                                 std::string_view name) {
-  const auto tokens = entry_tokens(text.text(), range.body, range.end);
+  const std::string_view text = subject.text.text();
+  const auto tokens = entry_tokens(text, range.body, range.end);
   if (!tokens) return std::nullopt;
   // A literal descriptor has no name.
   const bool reserved =
       !name.empty() && kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
-  const auto change = first_parenthesis_change(text.text(), *tokens,
-                                               reserved ? Block::system_variables : Block::entry);
+  const auto change =
+      first_parenthesis_change(text, *tokens, reserved ? Block::system_variables : Block::entry);
   if (!change) return std::nullopt;
-  return ParenthesisExplainer(text, *tokens, *change, range.last).diagnose();
+  return ParenthesisExplainer(subject, *tokens, *change, range.last).diagnose();
 }
 
 std::optional<Offset> no_name_after(std::string_view text, Offset body) {

@@ -18,7 +18,7 @@ struct EntryRange {
 
 // Whether the parentheses of an entry's text balance, and if not, what is wrong first. The
 // fix puts one in or takes one out. name is the entry's.
-std::optional<Diagnosis> find_parenthesis_fault(const NamesText &text, EntryRange range,
+std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRange range,
                                                 std::string_view name);
 
 // Whether such a fault makes the parentheses of an entry match before its end.
