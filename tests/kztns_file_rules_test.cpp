@@ -1,11 +1,33 @@
 // What keeps lookups from entries: what is told of it, and what its fix makes of the file.
 #include <algorithm>
 
+#include "check/stop_causes.h"
 #include "fixes/file_fixes.h"
 #include "support/checked_file.h"
 
 using namespace std::string_literals;
 using namespace support;
+
+TEST_F(FileRules, EntriesThatAreSkippedAsPartOfAnotherOne) {
+  const std::string open =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)(CONNECT_DATA = (SID = s)))\n";
+  const std::string closed = entry("d").substr(0, entry("d").size() - 1) + ")\n";
+  EXPECT_TRUE(told(open + entry("b") + entry("c") + closed)
+                  .ends_with("2:1 unreachable: lookups skip it as part of a at 1:1, and the 2 "
+                             "entries after it: c, d\n"))
+      << told(open + entry("b") + entry("c") + closed);
+}
+
+TEST_F(FileRules, WhatEndsLookupsIsToldWithoutTheEntry) {
+  class NoVisitor : public kztns::EntryVisitor {
+   public:
+    void visit(const kztns::EntryView &) override {}
+    void progress(kztns::Offset) override {}
+  } visitor;
+  const kztns::NamesText open("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n" + entry("b"));
+  EXPECT_EQ(kztns::cause_of_stop(kztns::FileScan(open, visitor)).text,
+            "the parentheses of a never balance");
+}
 
 TEST_F(FileRules, AllStrayLinesAreToldInOneWalk) {
   const std::string text = "-- one\n" + entry("a") + "two\n" + entry("b") + "IFILE = /x\n" +

@@ -197,6 +197,10 @@ std::vector<Row> value_rows() {
       unsafe("unquoted-value", address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=web shop\"))",
              address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=\"web shop\"))"),
       none("unquoted-value", address + "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=web \"shop\"))"),
+      unsafe(
+          "bad-number",
+          "(KZLB_BLACKLIST=(APPEND_STRATEGY=(NAME=RETRYDURATION)(DURATION=5s)))" + address + data,
+          "(KZLB_BLACKLIST=(APPEND_STRATEGY=(NAME=RETRYDURATION)(DURATION=5)))" + address + data),
       unsafe("unclosed-quote", "(ADDRESS=(HOST=\"h)(PORT=1))" + data,
              "(ADDRESS=(HOST=\"h\")(PORT=1))" + data),
       {"quoted-entry", Applicability::safe, "\"" + in_description(address + data) + "\"",

@@ -165,6 +165,10 @@ TEST(Faults, OfAValueWithAUnitAreToldOfTheKeyThatIsThere) {
       report_of("x=" + in_description("(CONNECT_TIMEOUT=90ms)" + address + data) + "\n");
   ASSERT_EQ(report.findings.size(), 1u);
   EXPECT_EQ(report.findings[0].text, "unknown key CONNECT_TIMEOUT");
+  EXPECT_EQ(
+      report.findings[0].remedy,
+      "write KZLB_CONNECT_TIMEOUT: it takes a number without a unit, so check it (other readers "
+      "of this file need it)");
 }
 
 TEST(Faults, SayWhereCheckingEnds) {

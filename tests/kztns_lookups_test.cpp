@@ -78,6 +78,13 @@ TEST(LookupReport, OfANameThatIsThereHasNoNote) {
   EXPECT_EQ(kztns::report_of_name("u/p@sales", "u/p@" + sales).note, "");
 }
 
+TEST(LookupReport, NamesFourNearEntries) {
+  std::string text;
+  for (const char end : {'1', '2', '3', '4', '5', '6'})
+    text += "sale" + std::string(1, end) + sales.substr(sales.find(' '));
+  EXPECT_EQ(kztns::report_of_name("sales", text).near.size(), 4u);
+}
+
 TEST(LookupReport, TellsFurtherEntriesOfTheName) {
   const kztns::LookupReport report =
       kztns::report_of_name("sales", sales + "x" + sales + sales + sales);

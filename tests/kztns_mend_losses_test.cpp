@@ -103,6 +103,15 @@ TEST(CommentingOut, TakesARefusedNamesakeOfAServedEntry) {
   EXPECT_TRUE(result.ends_with("\n# a = (DESCRIPTION = (NOBODY_KNOWS = x))\n")) << result;
 }
 
+// Without one of them lookups get no further.
+TEST(Mending, LeavesWhatItsFixesDoNotMend) {
+  const std::string text =
+      "a = (DESCRIPTION =\n  (ADDRESS_LIST =\n    (ADDRESS = (HOST = h)(PORT = 1))))\n  )\n"
+      "  (CONNECT_DATA = (SID = s))\n)\n" +
+      entry("b");
+  EXPECT_EQ(mended(text), text);
+}
+
 TEST(CommentingOut, LeavesWhatWouldLoseAnotherEntry) {
   const std::string text = unclosed + closed_twice + entry("c");
   EXPECT_EQ(commented(text), text);

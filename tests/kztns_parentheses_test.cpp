@@ -238,6 +238,19 @@ TEST(Parentheses, AreToldBesideForeignItems) {
   EXPECT_GE(figures_of(ForeignItems::some, 300).told, 290);
 }
 
+// No key here tells whether Z is of SECURITY.
+TEST(Parentheses, AreToldByTheIndentation) {
+  const std::string address = "(ADDRESS = (HOST = h)(PORT = 1)))";
+  const Row rows[] = {
+      {"a = (DESCRIPTION =\n  ^(SECURITY =\n    (X = 1)\n  (Z = 2)\n  " + address,
+       Rule::unclosed_block,
+       "a = (DESCRIPTION =\n  (SECURITY =\n    (X = 1))\n  (Z = 2)\n  " + address},
+      {"a = (DESCRIPTION =\n  ^(SECURITY =\n    (X = 1)\n    (Z = 2)\n  " + address,
+       Rule::unclosed_block,
+       "a = (DESCRIPTION =\n  (SECURITY =\n    (X = 1)\n    (Z = 2))\n  " + address}};
+  for (const Row &row : rows) expect_told(row);
+}
+
 TEST(Parentheses, AreToldByTheKeysThatABlockAllows) {
   const Row rows[] = {
       {"a = (DESCRIPTION = ^(ADDRESS = (HOST = h)(PORT = 1) (CONNECT_DATA = (SID = s)))",
