@@ -240,11 +240,16 @@ TEST(Parentheses, AreToldBesideForeignItems) {
 
 // No key here tells whether Z is of SECURITY.
 TEST(Parentheses, AreToldByTheIndentation) {
-  const std::string address = "(ADDRESS = (HOST = h)(PORT = 1)))";
+  const std::string address = "(ADDRESS =\n    (HOST = h)(PORT = 1)))";
   const Row rows[] = {
       {"a = (DESCRIPTION =\n  ^(SECURITY =\n    (X = 1)\n  (Z = 2)\n  " + address,
        Rule::unclosed_block,
        "a = (DESCRIPTION =\n  (SECURITY =\n    (X = 1))\n  (Z = 2)\n  " + address},
+      {"a = (DESCRIPTION =\n  ^(SECURITY = (X = 1)\n  (Z = 2)\n  " + address, Rule::unclosed_block,
+       "a = (DESCRIPTION =\n  (SECURITY = (X = 1))\n  (Z = 2)\n  " + address},
+      {"a = (DESCRIPTION =\n  ^(SECURITY = (X = 1)\n    (Z = 2)\n  " + address,
+       Rule::unclosed_block,
+       "a = (DESCRIPTION =\n  (SECURITY = (X = 1)\n    (Z = 2))\n  " + address},
       {"a = (DESCRIPTION =\n  ^(SECURITY =\n    (X = 1)\n    (Z = 2)\n  " + address,
        Rule::unclosed_block,
        "a = (DESCRIPTION =\n  (SECURITY =\n    (X = 1)\n    (Z = 2))\n  " + address}};
