@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 #include "check/conflicts.h"
 #include "check/entry_faults.h"
@@ -51,8 +52,14 @@ struct Candidate {
 // One scan of the text at hand.
 class Unserved {
  public:
-  explicit Unserved(Mender &mender)
-      : mender_(mender), text_(mender.text().text()), scan_(mender.text(), visitor_) {}
+  explicit Unserved(Mender &mender) : text_(mender.text().text()), scan_(mender.text(), visitor_) {
+    for (const Entry &entry : scan_.entries()) starts_[scan_.name(entry)].push_back(entry.at);
+    for (const Finding &finding : mender.report().findings) {
+      if (finding.severity != Severity::error || is_lost_elsewhere(finding)) continue;
+      errors_.push_back(&finding);
+      if (const auto start = start_of_named(finding)) of_entries_.emplace(*start, &finding);
+    }
+  }
 
   const FileScan &scan() const { return scan_; }
 
@@ -136,26 +143,30 @@ class Unserved {
 
   // Null for none. An entry that goes on into what comes after its part has its error there.
   const Finding *first_error(Offset begin, Offset end) const {
-    for (const Finding &finding : mender_.report().findings) {
-      if (finding.severity != Severity::error || finding.at < begin || is_lost_elsewhere(finding))
-        continue;
-      if (finding.at < end || start_of_named(finding) == begin) return &finding;
-    }
-    return nullptr;
+    const auto first =
+        std::lower_bound(errors_.begin(), errors_.end(), begin,
+                         [](const Finding *finding, Offset place) { return finding->at < place; });
+    const Finding *const within = first != errors_.end() && (*first)->at < end ? *first : nullptr;
+    const auto found = of_entries_.find(begin);
+    if (found == of_entries_.end()) return within;
+    return within != nullptr && within->at <= found->second->at ? within : found->second;
   }
 
   // Where the entry begins that a finding names; absent for none.
   std::optional<Offset> start_of_named(const Finding &finding) const {
-    if (finding.entry.empty()) return std::nullopt;
-    for (auto next = scan_.first_after(finding.at); next != scan_.entries().begin();)
-      if (scan_.name(*--next) == finding.entry) return next->at;
-    return std::nullopt;
+    const auto starts = starts_.find(finding.entry);
+    if (finding.entry.empty() || starts == starts_.end()) return std::nullopt;
+    const auto after = std::upper_bound(starts->second.begin(), starts->second.end(), finding.at);
+    if (after == starts->second.begin()) return std::nullopt;
+    return *std::prev(after);
   }
 
-  Mender &mender_;
   std::string_view text_;
   NoVisitor visitor_;
   FileScan scan_;
+  std::unordered_map<std::string_view, std::vector<Offset>> starts_;  // of entries, by their names
+  std::vector<const Finding *> errors_;                               // in the order of the text
+  std::unordered_map<Offset, const Finding *> of_entries_;  // the first error that names an entry
 };
 
 bool try_parts(Mender &mender, const std::vector<Candidate> &found,
