@@ -9,11 +9,13 @@
 #include <nlohmann/json.hpp>
 
 #include "check/check_file.h"
+#include "check/findings.h"
 #include "commands/list.h"
 #include "report/check_formats.h"
 #include "report/check_text.h"
 #include "support/json_schema.h"
 #include "support/names_report.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 #include "trace/key_words.h"
 #include "trace/platform.h"
@@ -42,6 +44,28 @@ std::string violations_of(const std::string &schema, const json &instance) {
 }
 
 }  // namespace
+
+TEST(Findings, GetWordsAppendedByRuleAndPlace) {
+  using kztns::Rule;
+  const kztns::NamesText text("ab");
+  kztns::CheckReport report;
+  kztns::Findings findings(text, 1000, report);
+  findings.add_if_wanted(Rule::no_block, 0, {}, "one");
+  findings.add_if_wanted(Rule::stray_text, 1, {}, "two");
+  findings.add_if_wanted(Rule::no_block, 1, {}, "three");
+  findings.append(Rule::no_block, 1, " more");
+  findings.append(Rule::stray_text, 0, " more");
+  ASSERT_EQ(report.findings.size(), 3u);
+  EXPECT_EQ(report.findings[0].text, "one");
+  EXPECT_EQ(report.findings[1].text, "two");
+  EXPECT_EQ(report.findings[2].text, "three more");
+}
+
+// A tilde, which people write before a home folder, is none.
+TEST(Blanks, AreTrimmedAlone) {
+  EXPECT_EQ(kztns::trimmed(" \t\r\n~a~ \t\r\n"), "~a~");
+  EXPECT_EQ(kztns::trimmed(" \t\r\n"), "");
+}
 
 TEST(Positions, AreCountedInBytesFromOne) {
   const kztns::NamesText text("ab\n\ncd");
