@@ -207,15 +207,3 @@ TEST(KeepOfDuplicates, LastIsReachedWhereTheOtherStaysOutOfReach) {
             "# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "1") + entry("a", "2") +
                 "stray\n# duplicate name: the entry at 2:1 is kept\n# " + entry("a", "3"));
 }
-
-// The second entry of the name ends up within the first one, which is refused until it is a
-// comment.
-TEST(Mend, FixesOnceMoreWhatWasRefusedBeforeCommentsWereMade) {
-  const NamesText original(
-      "KZCISYSTEMVARIABLE = (\r\n)\n"
-      "a = (DESCRIPTION = (KZLB_BLACKLIST = (REMOVE_STRATEGY = (NAME = TIMEOU)(TIMEOUT = 3)))\n"
-      "  (ADDRESS = (PROTOCOL = TCP)))\n= (");
-  Mender mender(original, {"names.ora", true});
-  kztns::mend(mender, {kztns::Keep::last, true});
-  EXPECT_NE(mender.text().text().find("NAME = TIMEOUT"), std::string::npos) << mender.text().text();
-}

@@ -253,6 +253,15 @@ TEST(TryEdits, GivesInsertedLinesTheEndsOfTheFile) {
   EXPECT_EQ(mender.text().text(), "# d\r\n# e\r\n" + text);
 }
 
+// What is moved keeps its own.
+TEST(Mending, MovesLinesOfBothKindsOfEnds) {
+  const std::string reserved = "KZCISYSTEMVARIABLES = (LOG_COUNT =\r\n  5)\n";
+  const NamesText original(reserved + entry("a"));
+  Mender mender(original, {"names.ora"});
+  mender.apply_fixes();
+  EXPECT_EQ(mender.text().text(), entry("a") + reserved);
+}
+
 TEST(Mender, TellsWhatIsLostAndNew) {
   const NamesText original(entry("a") + entry("b", "x y"));
   Mender mender(original, {"names.ora"});

@@ -58,10 +58,12 @@ bool Mender::may_go_on() {
 
 std::vector<Edit> Mender::with_line_ends(std::vector<Edit> edits) const {
   if (!crlf_) return edits;
-  for (Edit &edit : edits)
+  for (Edit &edit : edits) {
+    if (edit.copy_of) continue;  // it is what stands there
     for (std::size_t at = edit.text.find('\n'); at != std::string::npos;
          at = edit.text.find('\n', at + 1))
       if (at == 0 || edit.text[at - 1] != '\r') edit.text.insert(at++, 1, '\r');
+  }
   return edits;
 }
 
@@ -99,7 +101,6 @@ Offset Mender::origin(Offset at) const { return edited_ ? edited_->origin(at) : 
 
 void Mender::apply_fixes() {
   const State before = state();
-  left_alone_.clear();  // what became a comment since may have been what was in their way
   for (;;) {
     apply_while_any_helps();
     const std::set<Offset> refused = changed_in_vain();
