@@ -143,6 +143,9 @@ TEST_F(FileRules, AnEntryThatIsBegunBeforeAnotherOfItsNameBecomesAComment) {
   EXPECT_EQ(unsafely_fixed(begun + entry("a") + entry("b")),
             "# " + begun + entry("a") + entry("b"));
   EXPECT_EQ(unsafely_fixed("a = (\n" + entry("a")), "# a = (\n" + entry("a"));
+  // It has no value at all.
+  EXPECT_EQ(unsafely_fixed("a =\n\n" + entry("b")), "# a =\n\n" + entry("b"));
+  EXPECT_EQ(unsafely_fixed(entry("b") + "a ="), entry("b") + "# a =");
   // The name only begins like it.
   EXPECT_EQ(unsafely_fixed(begun + entry("ab")),
             "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP)))\n" + entry("ab"));

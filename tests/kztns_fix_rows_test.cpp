@@ -207,6 +207,8 @@ std::vector<Row> value_rows() {
        in_description(address + data)},
       {"no-block", Applicability::unsafe, "//h:1/s",
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "\"h:1/s\"",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
       {"no-block", Applicability::none, "h/s", "h/s"},
   };
 }

@@ -170,7 +170,8 @@ Diagnosis EntryFaults::first_of(const EntryView &view) {
 
 void EntryFaults::report(const EntryView &view, const Diagnosis &first,
                          const std::string &consequence) {
-  if (is_replaced(view, first)) return report_replaced(view, first, consequence);
+  if (const std::string_view remedy = remedy_of_begun(view, first); !remedy.empty())
+    return report_begun(view, first, remedy, consequence);
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_);
@@ -208,19 +209,24 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   report_entry_warnings(copy.trace(), view.name, findings_, complete);
 }
 
-// Whether an entry that was not written to its end is followed by another one of its name.
-bool EntryFaults::is_replaced(const EntryView &view, const Diagnosis &first) const {
-  const std::string_view next = std::string_view(text_.text()).substr(range_.end);
-  return first.rule == Rule::unclosed_block && view.service == nullptr && !view.name.empty() &&
-         next.starts_with(view.name) &&
-         next.substr(view.name.size()).find_first_of("=( \t\r\n#") == 0;
+// What to do about an entry that was only begun; empty for others.
+std::string_view EntryFaults::remedy_of_begun(const EntryView &view, const Diagnosis &first) const {
+  const std::string_view text = text_.text();
+  if (view.service != nullptr || view.name.empty()) return {};
+  if (first.rule == Rule::no_block && pass_blanks(text, view.entry.body) >= range_.end)
+    return "give it a block, or remove its line";
+  // Closed, it would be found instead of the other one.
+  const std::string_view next = text.substr(range_.end);
+  if (first.rule == Rule::unclosed_block && next.starts_with(view.name) &&
+      next.substr(view.name.size()).find_first_of("=( \t\r\n#") == 0)
+    return "remove its lines: another entry of the name follows";
+  return {};
 }
 
-// Closed, it would be found instead of the other one.
-void EntryFaults::report_replaced(const EntryView &view, Diagnosis told,
-                                  const std::string &consequence) {
+void EntryFaults::report_begun(const EntryView &view, Diagnosis told, std::string_view remedy,
+                               const std::string &consequence) {
   told.text += consequence;
-  told.remedy = "remove its lines: another entry of the name follows";
+  told.remedy = remedy;
   told.fix = fix_of_lines(text_.text(), view.entry.at, range_.end);
   add(view.name, Severity::error, std::move(told));
 }

@@ -41,8 +41,9 @@ class EntryFaults {
   EntryRange range() const { return range_; }
 
  private:
-  bool is_replaced(const EntryView &view, const Diagnosis &first) const;
-  void report_replaced(const EntryView &view, Diagnosis told, const std::string &consequence);
+  std::string_view remedy_of_begun(const EntryView &view, const Diagnosis &first) const;
+  void report_begun(const EntryView &view, Diagnosis told, std::string_view remedy,
+                    const std::string &consequence);
   Subject subject(const NamesText &text, Offset end);
   void add(std::string_view entry, Severity severity, Diagnosis found);
   bool is_free(std::string_view name);

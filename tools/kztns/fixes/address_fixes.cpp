@@ -62,6 +62,8 @@ Fix written_descriptor(const FaultPlace &place, Offset at) {
   word = word.substr(0, word.find_first_of(blanks));
   const auto end = at + static_cast<Offset>(word.size());
   if (!ends_value(place.text(), end)) return {};
+  if (word.size() > 2 && word.starts_with('"') && word.ends_with('"'))
+    word = word.substr(1, word.size() - 2);
   if (word.starts_with("//")) word.remove_prefix(2);
   const std::size_t slash = word.find('/');
   std::string_view host;
