@@ -17,6 +17,7 @@ class Changed {
   // Whether none of the edits changes what is changed already; if so, they do.
   bool add(const Fix &fix) {
     const bool by_copy = copies(fix);
+    if (overlap(fix.edits)) return false;
     for (const Edit &edit : fix.edits)
       if (!is_free(edit, by_copy)) return false;
     for (const Edit &edit : fix.edits) {

@@ -97,11 +97,13 @@ class EntryChecker : public EntryVisitor {
 
   // To the library the block is part of this entry, and so are its faults.
   bool report_half_comment(const EntryView &view) {
+    if (view.trace.is_system_variables()) return false;  // which has items without a block
     const bool built = view.service != nullptr;
-    const Offset limit = built ? view.entry.end : faults_.find_range(view).end;
+    const Offset limit = built ? view.entry.end : faults_.enter(view).end;
     const auto half = find_half_comment(text_.text(), view.entry.body, limit);
     if (!half) return false;
-    const EntryRange range = faults_.find_range(view);
+    const EntryRange range = built ? faults_.enter(view) : faults_.range();
+    const auto end = end_of_rest(std::string_view(text_.text()).substr(0, range.end), half->rest);
     const std::string_view name =
         std::string_view(text_.text()).substr(half->name.begin, half->name.end - half->name.begin);
     NewFinding found = {Rule::half_comment,
@@ -111,11 +113,10 @@ class EntryChecker : public EntryVisitor {
                         "read as part of this entry: the name of the block, " +
                             quoted(excerpt(name)) + ", is in a comment at " +
                             findings_.place(half->name.begin)};
-    found.fix = fix_of_lines(text_.text(), half->rest, range.end);
+    if (end) found.fix = fix_of_lines(text_.text(), half->rest, *end);
     found.related = half->name.begin;
     if (view.entry.reached && !range.last) reported_stop_ = {found.rule, found.at, found.text};
-    if (closed_early_.size() < Findings::most_of_a_rule)
-      closed_early_.push_back({half->comment, range.end});
+    closed_early_.push_back({half->comment, end.value_or(range.end)});
     const Severity severity = built && range.last ? Severity::warning : Severity::error;
     if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
     return true;
@@ -131,14 +132,13 @@ class EntryChecker : public EntryVisitor {
     const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
     const std::optional<EntryRange> loose = loose_items(view);
-    if (loose && closed_early_.size() < Findings::most_of_a_rule) closed_early_.push_back(*loose);
+    if (loose) closed_early_.push_back(*loose);
     const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
     if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
       reported_stop_ = {first.rule, first.at, first.text};
       consequence_of_first = consequence(view.stop);
     }
-    if (closes_early(first.rule) && closed_early_.size() < Findings::most_of_a_rule)
-      closed_early_.push_back({first.at, faults_.range().end});
+    if (closes_early(first.rule)) closed_early_.push_back({first.at, faults_.range().end});
     faults_.report(view, first, consequence_of_first);
   }
 

@@ -7,6 +7,7 @@
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "scan/item_text.h"
+#include "scan/tokens.h"
 #include "scan/written_entries.h"
 
 namespace kztns {
@@ -147,6 +148,26 @@ void add_fix_of_comments(const NamesText &text, EntryRange range, Fix &fix) {
   sort_edits(fix.edits);
 }
 
+// Whether a fix closes an entry after all of its text.
+bool ends_where_closed(std::string_view text, EntryRange range, const Fix &fix) {
+  Offset end = range.body;
+  TokenReader tokens(text.substr(0, range.end), range.body);
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+    end = token.span.end;
+  return std::any_of(fix.edits.begin(), fix.edits.end(),
+                     [&](const Edit &edit) { return edit.text == ")" && edit.begin == end; });
+}
+
+// Whether an entry of a name begins at a place, and is built.
+bool is_entry_of(const std::string &text, Offset at, std::string_view name) {
+  if (!std::string_view(text).substr(at).starts_with(name)) return false;
+  const Offset equal = pass_blanks(text, at + static_cast<Offset>(name.size()));
+  if (equal >= text.size() || text[equal] != '=') return false;
+  bool built = false;
+  with_service(text, equal + 1, name, [&](KZCITnsService &) { built = true; });
+  return built;
+}
+
 bool is_same(const Diagnosis &left, const Diagnosis &right) {
   return left.rule == right.rule && left.at == right.at;
 }
@@ -164,7 +185,7 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
 }
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
-  find_range(view);
+  enter(view);
   return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
 }
 
@@ -211,14 +232,13 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
 
 // What to do about an entry that was only begun; empty for others.
 std::string_view EntryFaults::remedy_of_begun(const EntryView &view, const Diagnosis &first) const {
-  const std::string_view text = text_.text();
-  if (view.service != nullptr || view.name.empty()) return {};
+  const std::string &text = text_.text();
+  if (view.service != nullptr || view.name.empty() || view.entry.in_list) return {};
   if (first.rule == Rule::no_block && pass_blanks(text, view.entry.body) >= range_.end)
     return "give it a block, or remove its line";
   // Closed, it would be found instead of the other one.
-  const std::string_view next = text.substr(range_.end);
-  if (first.rule == Rule::unclosed_block && next.starts_with(view.name) &&
-      next.substr(view.name.size()).find_first_of("=( \t\r\n#") == 0)
+  if (first.rule == Rule::unclosed_block && ends_where_closed(text, range_, first.fix) &&
+      is_entry_of(text, range_.end, view.name))
     return "remove its lines: another entry of the name follows";
   return {};
 }

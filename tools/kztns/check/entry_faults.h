@@ -25,10 +25,8 @@ class EntryFaults {
   EntryFaults(const NamesText &text, Findings &findings)
       : text_(text), findings_(findings), ranges_(text) {}
 
-  // Where the text of an entry stands.
-  EntryRange find_range(const EntryView &view) {
-    return range_ = ranges_.range_of(view.entry.body);
-  }
+  // Makes an entry the one at hand; returns where its text stands.
+  EntryRange enter(const EntryView &view) { return range_ = ranges_.range_of(view.entry.body); }
   // The first fault of an entry that has one.
   Diagnosis first_of(const EntryView &view);
 

@@ -16,8 +16,8 @@ namespace {
 
 constexpr sb8 largest_port = 65535;  // TCP's
 
-// Of templates, what separates values elsewhere, and quotes that quote nothing here: the last
-// four are those of word processors.
+// Of templates and paths, what separates values elsewhere, and quotes that quote nothing here: the
+// last four are those of word processors.
 constexpr std::string_view not_of_hosts[] = {"<", ">", "/",      "{",      "}",      ",",
                                              ";", "'", "\u2018", "\u2019", "\u201C", "\u201D"};
 
@@ -31,7 +31,7 @@ std::optional<sb8> number(std::string_view text) {
 
 // Whether a host is made of numbers and no address of four of them.
 bool is_bad_address(std::string_view host) {
-  if (host.find_first_not_of("0123456789.") != host.npos) return false;
+  if (host.empty() || host.find_first_not_of("0123456789.") != host.npos) return false;
   std::size_t parts = 0;
   for (std::size_t at = 0; at <= host.size(); ++parts) {
     const std::size_t end = std::min(host.find('.', at), host.size());
@@ -45,8 +45,9 @@ bool is_bad_address(std::string_view host) {
 // The port of "h:1521"; absent in other hosts. A network address has several colons.
 std::optional<std::string_view> port_in(std::string_view host) {
   const std::size_t colon = host.find(':');
-  if (colon == host.npos || !number(host.substr(colon + 1))) return std::nullopt;
-  return host.substr(colon + 1);
+  const std::string_view port = host.substr(std::min(colon, host.size() - 1) + 1);
+  if (port.empty() || port.find_first_not_of("0123456789") != port.npos) return std::nullopt;
+  return port;
 }
 
 bool may_be_negative(KZCILBKeyType type) {

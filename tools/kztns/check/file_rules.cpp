@@ -18,13 +18,20 @@ namespace {
 class FileRules {
  public:
   FileRules(const FileScan &scan, const std::optional<StopCause> &reported,
-            const std::vector<EntryRange> &closed_early, Findings &findings)
+            std::vector<EntryRange> closed_early, Findings &findings)
       : text_(scan.text()),
         scan_(scan),
         reported_(reported),
-        closed_early_(closed_early),
+        closed_early_(std::move(closed_early)),
         findings_(findings),
-        lists_(scan) {}
+        lists_(scan) {
+    // Each range gets the end that comes last so far: one search tells whether any holds a place.
+    std::sort(
+        closed_early_.begin(), closed_early_.end(),
+        [](const EntryRange &left, const EntryRange &right) { return left.body < right.body; });
+    Offset last = 0;
+    for (EntryRange &range : closed_early_) range.end = last = std::max(last, range.end);
+  }
 
   void report() {
     if (is_utf_16(text_.text())) return report_utf_16();
@@ -92,8 +99,10 @@ class FileRules {
   }
 
   bool is_told(Offset at) const {
-    return std::any_of(closed_early_.begin(), closed_early_.end(),
-                       [at](const EntryRange &range) { return range.body < at && at < range.end; });
+    const auto after =
+        std::lower_bound(closed_early_.begin(), closed_early_.end(), at,
+                         [](const EntryRange &range, Offset place) { return range.body < place; });
+    return after != closed_early_.begin() && at < std::prev(after)->end;
   }
 
   void report_further_stop(const Stop &stop) {
@@ -241,7 +250,7 @@ class FileRules {
   const NamesText &text_;
   const FileScan &scan_;
   const std::optional<StopCause> &reported_;
-  const std::vector<EntryRange> &closed_early_;
+  std::vector<EntryRange> closed_early_;
   Findings &findings_;
   NameLists lists_;
   bool moved_ = false;
@@ -250,8 +259,8 @@ class FileRules {
 }  // namespace
 
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      const std::vector<EntryRange> &closed_early, Findings &findings) {
-  FileRules(scan, reported, closed_early, findings).report();
+                      std::vector<EntryRange> closed_early, Findings &findings) {
+  FileRules(scan, reported, std::move(closed_early), findings).report();
 }
 
 }  // namespace kztns

@@ -16,6 +16,6 @@ namespace kztns {
 // one of the closed_early is the rest of an entry whose parentheses match too early: it is
 // told there, too.
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      const std::vector<EntryRange> &closed_early, Findings &findings);
+                      std::vector<EntryRange> closed_early, Findings &findings);
 
 }  // namespace kztns

@@ -168,7 +168,7 @@ class StopExplainer {
     if (name_end > stop_.name + 1 && text()[name_end - 1] == ':') colon = --name_end;
     if (colon >= text().size() || (text()[colon] != ':' && text()[colon] != '-'))
       return std::nullopt;
-    const Offset end = end_of_colon(text(), colon);
+    const Offset end = end_of_foreign_equal(text(), colon);
     const Offset open = pass_blanks(text(), end);
     if (open >= text().size() || text()[open] != '(' || !begins_block(open)) return std::nullopt;
     return StopCause{Rule::missing_equal, colon,

@@ -118,6 +118,7 @@ void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {
   }
   Fix fix = place.removal(second->open);
   if (!fix) return;
+  fix.edits[0].text.clear();  // the comments of the items go with them
   fix.edits.insert(fix.edits.begin(), {first->end - 1, first->end - 1, std::move(added)});
   diagnosis.fix = std::move(fix);
 }

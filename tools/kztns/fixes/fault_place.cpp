@@ -23,7 +23,8 @@ std::string comments_in(std::string_view item) {
   TokenReader tokens(item);
   Offset from = 0;
   for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
-    for (std::size_t at = item.find('#', from); at < token.span.begin; at = item.find('#', from)) {
+    const std::string_view before = item.substr(0, token.span.begin);
+    for (std::size_t at = before.find('#', from); at != before.npos; at = before.find('#', from)) {
       from = end_of_line(item, static_cast<Offset>(at));
       comments += ' ' + std::string(item.substr(at, from - at)) + '\n';
     }

@@ -73,7 +73,8 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (Fix fix = fix_of_long_comment(text, at)) return fix;
   if (text[at] == '(') {
     if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
-    if (is_block(text, at)) return {};  // of the entry before it, as a rule
+    // It may belong to the entry before it.
+    if (is_block(text, at) && scan.entry_at_or_before(at) != nullptr) return {};
   }
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
@@ -97,7 +98,7 @@ Fix fix_of_closes(std::string_view text, Offset at) {
 }
 
 Fix fix_of_missing_equal(std::string_view text, Offset at) {
-  if (text[at] == ':' || text[at] == '-') return unsafe_fix({equal_for_colon(text, at)});
+  if (text[at] == ':' || text[at] == '-') return unsafe_fix({equal_for_foreign(text, at)});
   const bool after_blank = at > 0 && is_blank(text[at - 1]);
   return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
 }
@@ -176,20 +177,21 @@ Fix fix_of_long_comment(std::string_view text, Offset at) {
   return unsafe_fix(std::move(edits));
 }
 
-Offset end_of_colon(std::string_view text, Offset colon) {
+Offset end_of_foreign_equal(std::string_view text, Offset colon) {
   const std::string_view sign = text.substr(colon, 2);
   return colon + (sign == ":=" || sign == "->" ? 2 : 1);
 }
 
-Edit equal_for_colon(std::string_view text, Offset colon) {
+Edit equal_for_foreign(std::string_view text, Offset colon) {
   const bool after_blank = colon > 0 && is_blank(text[colon - 1]);
-  return {colon, end_of_colon(text, colon), after_blank ? "=" : " ="};
+  return {colon, end_of_foreign_equal(text, colon), after_blank ? "=" : " ="};
 }
 
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at) {
   const std::string_view text = scan.text().text();
   if (rule == Rule::stray_text || rule == Rule::missing_equal)
-    if (Fix fix = without_line_prefixes(text, stop.name)) return fix;
+    if (Fix fix = without_line_prefixes(text.substr(0, scan.next_entry(stop.name)), stop.name))
+      return fix;
   switch (rule) {
     case Rule::byte_order_mark:
       return safe_fix({{0, 3, {}}});

@@ -31,7 +31,7 @@ Fix fix_of_line_ends(std::string_view text);
 
 // A ":", ":=", "-" or "->" at a place, which other notations have for "=": where it ends, and the
 // edit that makes it one.
-Offset end_of_colon(std::string_view text, Offset colon);
-Edit equal_for_colon(std::string_view text, Offset colon);
+Offset end_of_foreign_equal(std::string_view text, Offset colon);
+Edit equal_for_foreign(std::string_view text, Offset colon);
 
 }  // namespace kztns

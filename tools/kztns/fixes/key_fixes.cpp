@@ -45,7 +45,9 @@ Fix renamed(const FaultPlace &place, std::string_view key, Applicability applica
 }
 
 // Whether a fix writes another key, and does not remove the item.
-bool renames(const Fix &fix) { return fix && !fix.edits[0].text.empty(); }
+bool renames(const FaultPlace &place, const Fix &fix) {
+  return fix && fix.edits[0].begin == place.item()->key.begin;
+}
 
 // The value of the item at fault; absent where it is no single word.
 std::optional<Span> value_at(const FaultPlace &place) {
@@ -63,7 +65,7 @@ Fix renamed_switch(const FaultPlace &place, std::string_view key) {
   if (word.empty()) return place.removal(place.item()->open);
   Fix fix = renamed(place, key, Applicability::unsafe);
   const Span value = *value_at(place);
-  if (renames(fix) && place.slice(value) != word)
+  if (renames(place, fix) && place.slice(value) != word)
     fix.edits.push_back({value.begin, value.end, std::string(word)});
   return fix;
 }
@@ -82,7 +84,7 @@ Fix number_at(const FaultPlace &place, std::string_view key) {
 Fix renamed_number(const FaultPlace &place, std::string_view key) {
   Fix fix = renamed(place, key, Applicability::unsafe);
   const Fix number = number_at(place, key);
-  if (renames(fix) && number) fix.edits.push_back(number.edits[0]);
+  if (renames(place, fix) && number) fix.edits.push_back(number.edits[0]);
   return fix;
 }
 
@@ -159,6 +161,7 @@ Fix moved_to(const FaultPlace &place, const WrittenItem &item, Offset to,
              const std::string &before = {}, const std::string &after = {}) {
   Fix fix = place.removal(item.open);
   if (!fix || (fix.edits[0].begin < to && to < fix.edits[0].end)) return {};
+  fix.edits[0].text.clear();  // its comments go with it
   fix.edits.push_back({to, to, before + text_of(place, item) + after});
   sort_edits(fix.edits);
   return fix;
@@ -195,7 +198,8 @@ Fix in_address(const FaultPlace &place, const WrittenItem &item) {
   std::vector<WrittenItem> run;
   for (const WrittenItem &other : place.items_of(place.frame())) {
     if (other.open < item.open) continue;
-    if (key_named(Block::address, place.key_of(other)) == nullptr) break;
+    const bool fits = key_named(Block::address, place.key_of(other)) != nullptr;
+    if (!fits || place.is_set(run, place.key_of(other))) break;  // another one begins
     run.push_back(other);
   }
   if (!place.is_set(run, "HOST")) return {};
@@ -259,7 +263,7 @@ bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
   if (mend_split_key(place, diagnosis)) return true;
   if (const std::optional<Offset> colon = colon_after_key(place)) {
     diagnosis.remedy = "put \"=\" instead of \":\"";
-    diagnosis.fix = safe_fix({{*colon, end_of_colon(place.text(), *colon), "="}});
+    diagnosis.fix = safe_fix({{*colon, end_of_foreign_equal(place.text(), *colon), "="}});
     return true;
   }
   return false;

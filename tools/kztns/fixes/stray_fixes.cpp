@@ -92,13 +92,17 @@ class StrayText {
   // All of the entry at once: who writes one writes them on each line.
   bool mend_continuations() {
     std::vector<Edit> edits;
+    std::int64_t depth = 0;
     TokenReader tokens(text_, at_);
     for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
       if (is_continuation(token.span))
         edits.push_back(without_blanks_before(token.span));
-      else if (edits.empty())
-        return false;
+      else if (edits.empty() || (is_of_entry() && depth == 0 && token.kind != TokenKind::open))
+        break;
+      if (token.kind == TokenKind::open) ++depth;
+      if (token.kind == TokenKind::close) --depth;
     }
+    if (edits.empty()) return false;
     return mended("remove \"\\\": an entry goes on by itself", safe_fix(std::move(edits)));
   }
 

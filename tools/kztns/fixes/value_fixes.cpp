@@ -146,7 +146,7 @@ Fix switched_word(const FaultPlace &place) {
 std::optional<Offset> value_after_colon(const FaultPlace &place) {
   const Offset at = place.fault().at;
   if (at >= place.text().size() || place.text()[at] != ':') return std::nullopt;
-  return pass_blanks(place.text(), end_of_colon(place.text(), at));
+  return pass_blanks(place.text(), end_of_foreign_equal(place.text(), at));
 }
 
 bool is_value(const FaultPlace &place, const Key &key, Offset at) {
@@ -178,7 +178,7 @@ Fix with_equal(const FaultPlace &place) {
   const Key *const key = place.trace().row_of(item);
   const std::optional<Offset> value = value_after_colon(place);
   if (key != nullptr && value && is_value(place, *key, *value))
-    return {Applicability::safe, {equal_for_colon(place.text(), place.fault().at)}};
+    return {Applicability::safe, {equal_for_foreign(place.text(), place.fault().at)}};
   const std::optional<WrittenItem> written = item_at(place.text(), item.open);
   if (key == nullptr || !written) return {};
   const bool is_block = key->value.kind == ValueKind::block;

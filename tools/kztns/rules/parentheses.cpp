@@ -62,7 +62,7 @@ class ParenthesisExplainer {
   Diagnosis never_closed() const {
     const std::size_t open = change_.blocks.back();
     const EntryToken *const key = key_of(open);
-    const Offset end = tokens_[change_.token - 1].end;
+    const Offset end = tokens_[last_of_items()].end;
     std::string text = key == nullptr ? "this \"(\"" : word(*key);
     text += " is not closed: expected \")\" " + next();
     return {Rule::unclosed_block,
@@ -71,6 +71,13 @@ class ParenthesisExplainer {
             std::move(text),
             "put \")\" at " + text_.place(end),
             unsafe_fix({{end, end, ")"}})};
+  }
+
+  // Before the place of the change, without words after an item, which may be another entry's.
+  std::size_t last_of_items() const {
+    std::size_t last = change_.token - 1;
+    while (last > 0 && tokens_[last].kind == 'w') --last;
+    return tokens_[last].kind == ')' ? last : change_.token - 1;
   }
 
   std::string next() const {

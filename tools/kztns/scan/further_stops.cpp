@@ -129,8 +129,9 @@ class FurtherStops {
   Offset after(const Stop &stop, Offset limit) const {
     if (is_foreign_comment(text_.substr(stop.name, 2)) || end_of_long_comment(text_, stop.name))
       return end_of_stray_text(text_, stop.name, limit);
-    if (const auto prefixes = line_prefixes(text_, stop.name); !prefixes.empty())
-      return std::min(end_of_line(text_, prefixes.back().begin), limit);
+    const std::string_view before = text_.substr(0, limit);
+    if (const auto prefixes = line_prefixes(before, stop.name); !prefixes.empty())
+      return end_of_line(before, prefixes.back().begin);
     switch (stop.met) {
       case TNS_RIGHT_PARENTHESES:
         return after_closes(stop.at, limit);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/written_entries.h"
@@ -16,6 +17,7 @@ std::optional<Span> name_in(std::string_view text, Offset comment, Offset end) {
   const std::size_t begin = line.find_first_not_of("# \t", comment);
   if (begin == std::string_view::npos) return std::nullopt;
   const std::size_t name_end = std::min(line.find_first_of(" \t=()#\",", begin), line.size());
+  if (name_end == begin) return std::nullopt;
   const std::size_t equal = line.find_first_not_of(" \t", name_end);
   if (equal == std::string_view::npos || line[equal] != '=') return std::nullopt;
   const std::size_t value = line.find_first_not_of(" \t\r", equal + 1);
@@ -27,6 +29,8 @@ std::optional<Span> name_in(std::string_view text, Offset comment, Offset end) {
 // An entry that is begun and not ended in the comments between two tokens.
 std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from, Offset to) {
   std::optional<HalfComment> begun;
+  text = text.substr(0, to);
+  if (text.find('#', from) == std::string_view::npos) return begun;
   std::int64_t depth = 0;
   bool any = false;  // whether it has a parenthesis
   const std::size_t first = text.find('\n', from);
@@ -50,6 +54,16 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 }
 
 }  // namespace
+
+std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {
+  Offset end = text[rest] == '(' ? end_of_items(text, rest).value_or(rest) : rest;
+  for (Offset next = pass_blanks(text, end); next < text.size() && text[next] == ')';
+       next = pass_blanks(text, end))
+    end = next + 1;
+  const std::size_t next = text.find_first_not_of(blanks_of_line, end);
+  const bool ends_line = next == std::string_view::npos || text[next] == '\n' || text[next] == '#';
+  return end > rest && ends_line ? std::optional<Offset>(end) : std::nullopt;
+}
 
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end) {
   text = text.substr(0, end);

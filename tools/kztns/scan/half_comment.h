@@ -18,4 +18,8 @@ struct HalfComment {
 // library its rest is part of that entry.
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end);
 
+// Where the rest of such an entry ends. Absent where it is not known, and where something else is
+// on its last line.
+std::optional<Offset> end_of_rest(std::string_view text, Offset rest);
+
 }  // namespace kztns

@@ -63,7 +63,11 @@ std::vector<Span> line_prefixes(std::string_view text, Offset at) {
     found.push_back(*prefix);
     line = end_of_line(text, prefix->begin) + std::size_t{1};
   }
-  if (found.size() < prefixes.fewest()) found.clear();
+  const bool names_follow =
+      !found.empty() &&
+      std::string_view("()=").find(text[std::min<std::size_t>(
+          text.find_first_not_of(" \t", found[0].end), text.size() - 1)]) == std::string_view::npos;
+  if (found.size() < prefixes.fewest() || !names_follow) found.clear();
   return found;
 }
 

@@ -209,7 +209,9 @@ std::optional<std::pair<Offset, Offset>> quotes_around_items(std::string_view te
   for (std::size_t open = text.find('"', from); open != text.npos;) {
     const std::size_t close = text.find('"', open + 1);
     if (close == text.npos) return std::nullopt;
-    if (has_items(text.substr(open, close - open)))
+    // After a quote that closes, a blank or a sign follows.
+    const bool closes = close + 1 >= text.size() || ends_name(text[close + 1]);
+    if (!closes && has_items(text.substr(open, close - open)))
       return std::pair(static_cast<Offset>(open), static_cast<Offset>(close));
     open = text.find('"', close + 1);
   }

@@ -72,7 +72,10 @@ std::string_view longer_or_shorter_word(std::string_view word,
   std::string_view found;
   for (const std::string_view other : words) {
     const std::size_t common = std::min(word.size(), other.size());
-    if (common >= shortest && (found.empty() || other.size() < found.size()) &&
+    const std::string_view rest = (word.size() > common ? word : other).substr(common);
+    // Another part of a name makes another name: KZLB_FOO is no KZLB.
+    if (common >= shortest && rest.find('_') == rest.npos &&
+        (found.empty() || other.size() < found.size()) &&
         equal_but_for_case(word.substr(0, common), other.substr(0, common)))
       found = other;
   }

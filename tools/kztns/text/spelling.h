@@ -30,8 +30,8 @@ std::string_view in_foreign_quotes(std::string_view text);
 // The one of some words that is near; empty when none is.
 std::string_view near_word(std::string_view word, const std::vector<std::string_view> &words);
 
-// The shortest one of some words that begins with a word or begins it, "DESC" or "WARNING"; empty
-// for none, and for short words.
+// The shortest one of some words that begins with a word or begins it, "DESC" or "WARNING", with
+// no further part after a "_"; empty for none, and for short words.
 std::string_view longer_or_shorter_word(std::string_view word,
                                         const std::vector<std::string_view> &words);
 

@@ -1,0 +1,110 @@
+// What fix --unsafe leaves of what people paste, comment out and mistype: nothing is lost by it.
+#include "mend/mend_file.h"
+#include "support/checked_file.h"
+
+using namespace std::string_literals;
+using support::entry;
+
+namespace {
+
+std::string mended(const std::string &content) {
+  const kztns::NamesText original(content);
+  kztns::Mender mender(original, {"names.ora", true});
+  mender.apply_fixes();
+  return mender.text().text();
+}
+
+const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
+const std::string data = "(CONNECT_DATA = (SID = s))";
+const std::string block = "(DESCRIPTION = " + address + data + ")";
+
+}  // namespace
+
+TEST(Mending, OfASwitchWithACommentLeavesTheRestAlone) {
+  EXPECT_EQ(mended("a = (DESCRIPTION = (KZLB = ON)(LOAD_BALANCE = # c\n yes)" + address + data +
+                   ")\n" + entry("b")),
+            "a = (DESCRIPTION = (KZLB = ON) # c\n" + address + data + ")\n" + entry("b"));
+}
+
+TEST(Mending, OfAHalfCommentedEntryEndsWithItsBlock) {
+  const std::string half = entry("a") + "#b =\n  " + block;
+  const std::string commented = entry("a") + "#b =\n#   " + block;
+  EXPECT_EQ(mended(half + "\nc " + block + "\n" + entry("d")),
+            commented + "\n" + entry("c") + entry("d"));
+  // Another entry is on its line.
+  EXPECT_EQ(mended(half + " " + entry("c")), half + " " + entry("c"));
+}
+
+TEST(Mending, TakesNoSettingForAHalfCommentedEntry) {
+  const std::string settings =
+      "KZCISYSTEMVARIABLES =\n  (LOG_LEVEL = INFO)\n  # rotation =\n  (LOG_COUNT = 3)\n";
+  EXPECT_EQ(mended(settings), settings);
+  const std::string nameless = entry("a") + "#=\n " + block + "\n";
+  EXPECT_EQ(mended(nameless), nameless);
+}
+
+TEST(Mending, OfAHalfCommentedEntryThatIsTheFirstOne) {
+  EXPECT_EQ(mended("#b =\n" + block + "\n" + entry("c")), "#b =\n# " + block + "\n" + entry("c"));
+}
+
+// Only a whole entry of the name replaces one that is only begun.
+TEST(Mending, KeepsABegunEntryThatNothingReplaces) {
+  const std::string begun = " = (DESCRIPTION = " + address + data + "\n";
+  const std::string closed = " = (DESCRIPTION = " + address + data + ")\n";
+  EXPECT_EQ(mended("a, b" + begun + entry("a")), "b" + closed + entry("a"));
+  EXPECT_EQ(mended("a" + begun + "b : " + block + "\n" + entry("a")),
+            "a" + closed + entry("b") + entry("a"));
+  EXPECT_EQ(mended("a" + begun + "a = (NOBODY_KNOWS = x)\n"),
+            "a" + closed + "a = (NOBODY_KNOWS = x)\n");
+}
+
+TEST(Mending, MakesNoOneAddressOfTwoHosts) {
+  const std::string result =
+      mended("a = (DESCRIPTION = (HOST = h)(PORT = 1)(HOST = i)(PORT = 2)" + data + ")\n");
+  EXPECT_EQ(result.find("(PORT = 1)(HOST = i)(PORT = 2))"), std::string::npos) << result;
+}
+
+TEST(Mending, RemovesAKeyThatOnlyBeginsLikeOne) {
+  EXPECT_EQ(mended("a = (DESCRIPTION = (KZLB_FOO = 5)" + address + data + ")\n"), entry("a"));
+}
+
+TEST(Mending, OfEntriesWithNumbersForNamesPutsEqualSigns) {
+  EXPECT_EQ(mended("1 " + block + "\n2 " + block + "\n" + entry("x")),
+            entry("1") + entry("2") + entry("x"));
+}
+
+TEST(Mending, LeavesQuotesThatAreClosedRightly) {
+  const std::string text =
+      "a = (DESCRIPTION = " + address + "(CONNECT_DATA = (SERVICE_NAME = \"two\nlines\" x)))\n";
+  EXPECT_EQ(mended(text), text);
+}
+
+TEST(Mending, OfAMovedItemTakesItsCommentOnce) {
+  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)\n (SID = # why\n s)))\n"),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)\n )"
+            "(CONNECT_DATA = (SID = # why\n s)))\n");
+}
+
+// Each fault is told with what mends it, not with what mends the others.
+TEST(Mending, OfSignsOfAnEntryEndsWithIt) {
+  const std::string block_with_signs = "(DESCRIPTION == (ADDRESS == (HOST = h)(PORT = 1)))\n";
+  const std::string text = "a == " + block_with_signs + "b == " + block_with_signs;
+  const kztns::CheckReport report = kztns::check_file(kztns::NamesText(text), {"names.ora"});
+  ASSERT_FALSE(report.findings.empty());
+  ASSERT_FALSE(report.findings[0].fix.edits.empty());
+  EXPECT_LT(report.findings[0].fix.edits.back().end, text.find('\n'));
+}
+
+// The time is that of reading it a few times; quadratic, it would take minutes.
+TEST(Mending, OfManyLinesTakesALinearTime) {
+  const auto repeated = [](const std::string &line, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += line;
+    return text;
+  };
+  for (const std::string &text :
+       {repeated("> x\n> = ()\n", 100'000),
+        "a = (DESCRIPTION = (FOO = " + repeated("(x = y)", 400'000) + ")" + data + ")\n",
+        "a = " + repeated("(b)", 400'000) + " #\n" + entry("b")})
+    EXPECT_FALSE(kztns::check_once(kztns::NamesText(text), {.file = "names"}).findings.empty());
+}
