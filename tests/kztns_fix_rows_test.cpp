@@ -62,6 +62,14 @@ std::vector<Row> key_rows() {
              address + "(CONNECT_DATA=(SERVICE_NAME=s))"),
       unsafe("missing-equal", "(ADDRESS LIST=" + address + ")" + data,
              "(ADDRESS_LIST=" + address + ")" + data),
+      unsafe("unknown-key", "(ADDRESS=(HO=ST=h)(PORT=1))" + data, address + data),
+      unsafe("unknown-key", "(ADDRESS=(H OST=h)(PORT=1))" + data, address + data),
+      unsafe("missing-key", "(ADDRESS=(=HOST=h)(PORT=1))" + data, address + data),
+      // What counts is not removed with an unknown key.
+      none("unknown-key", "(ADDRESS=(COLOR=h)(PORT=1))" + data),
+      none("unknown-key", address + "(CONNECT_DATA=(COLOR=s))"),
+      none("unknown-key", address + "(DATA=(SID=s))"),
+      none("unknown-key", "(ADDRESS_LIST=" + address + "(BOX=(HOST=i)(PORT=1)))" + data),
       // What is no item may be a value.
       none("unknown-key", "(ADDRESS=(HOST=h)(PORT1))" + data),
       none("unknown-key", address + "(CONNECT_DATA=(s))"),
@@ -174,6 +182,8 @@ std::vector<Row> value_rows() {
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TCP,)(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),
+      none("bad-protocol",
+           "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=: TCP)(HOST=i)(PORT=1))" + address + ")" + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL='TCPS')(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,
              "(ADDRESS=(PROTOCOL=TCP)(HOST=h)(PORT=1))" + data),

@@ -1,4 +1,6 @@
 // What fix --unsafe leaves of what people paste, comment out and mistype: nothing is lost by it.
+#include <random>
+
 #include "mend/mend_file.h"
 #include "support/checked_file.h"
 
@@ -17,6 +19,37 @@ std::string mended(const std::string &content) {
 const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
 const std::string data = "(CONNECT_DATA = (SID = s))";
 const std::string block = "(DESCRIPTION = " + address + data + ")";
+
+// An entry of the hosts NAME1 and NAME2 and the service NAME3.
+std::string entry_of_two(const std::string &name) {
+  return name + " =\n  (DESCRIPTION =\n    (ADDRESS_LIST =\n      (ADDRESS = (HOST = " + name +
+         "1)(PORT = 1))\n      (ADDRESS = (HOST = " + name +
+         "2)(PORT = 1)))\n    (CONNECT_DATA = (SERVICE_NAME = " + name + "3)))\n";
+}
+
+// One character less or more, a line that becomes a comment, or stands twice.
+std::string damaged(std::string text, std::mt19937 &random) {
+  const std::size_t at = random() % text.size();
+  const std::size_t line = text.find_last_of('\n', at) + 1;
+  switch (random() % 4) {
+    case 0:
+      return text.erase(at, 1);
+    case 1:
+      return text.insert(at, 1, "()=\"#:,;{}> \n"[random() % 13]);
+    case 2:
+      return text.insert(line, "#");
+    default:
+      return text.insert(line, text.substr(line, text.find('\n', line) + 1 - line));
+  }
+}
+
+// How many hosts and services of a text another one does not have, comments included.
+int lost_in(const std::string &text, const std::string &result) {
+  int lost = 0;
+  for (const char *const name : {"db1", "db2", "db3", "old1", "old2", "old3"})
+    if (text.find(name) != std::string::npos && result.find(name) == std::string::npos) ++lost;
+  return lost;
+}
 
 }  // namespace
 
@@ -107,4 +140,17 @@ TEST(Mending, OfManyLinesTakesALinearTime) {
         "a = (DESCRIPTION = (FOO = " + repeated("(x = y)", 400'000) + ")" + data + ")\n",
         "a = " + repeated("(b)", 400'000) + " #\n" + entry("b")})
     EXPECT_FALSE(kztns::check_once(kztns::NamesText(text), {.file = "names"}).findings.empty());
+}
+
+TEST(Mending, OfDamagedFilesLosesHardlyAServer) {
+  std::mt19937 random(1);
+  int lost = 0;
+  for (int i = 0; i < 5000; ++i) {
+    std::string text = damaged(entry_of_two("db") + "# note\n" + entry_of_two("old"), random);
+    if (i % 2 == 1) text = damaged(text, random);
+    const std::string result = mended(text);
+    EXPECT_EQ(mended(result), result) << text;
+    if (lost_in(text, result) > 0) ++lost;
+  }
+  EXPECT_LE(lost, 10);
 }

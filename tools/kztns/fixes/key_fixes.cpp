@@ -226,7 +226,7 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   return safe_fix(std::move(edits));
 }
 
-// A key that is written as two words: CONNECT DATA.
+// A key that is written as two words: CONNECT DATA, HO=ST.
 struct SplitKey {
   Span span;
   std::string_view key;
@@ -234,12 +234,47 @@ struct SplitKey {
 
 std::optional<SplitKey> split_key(const FaultPlace &place) {
   const Span first = place.item()->key;
-  const Offset next = pass_blanks(place.text(), first.end);
+  Offset next = pass_blanks(place.text(), first.end);
+  if (place.text().substr(next).starts_with('=')) next = pass_blanks(place.text(), next + 1);
   const Span second = {next, end_of_word(place.text(), next)};
-  const std::string word = std::string(place.slice(first)) + '_' + std::string(place.slice(second));
-  const Key *const key = key_named(place.block(), word);
-  if (key == nullptr) return std::nullopt;
-  return SplitKey{{first.begin, second.end}, key->word};
+  const bool is_key = place.text().substr(pass_blanks(place.text(), second.end)).starts_with('=');
+  const std::string begin(place.slice(first));
+  for (const char *const link : {"_", ""}) {
+    const Key *const key =
+        key_named(place.block(), begin + link + std::string(place.slice(second)));
+    if (key != nullptr && is_key) return SplitKey{{first.begin, second.end}, key->word};
+  }
+  return std::nullopt;
+}
+
+// Whether a server or a service is in the item at fault: its key is misspelt.
+bool holds_what_counts(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item) return true;
+  const std::vector<WrittenItem> items = place.children(*item);
+  const auto has = [&](std::string_view key) { return place.is_set(items, key); };
+  return has("HOST") || has("ADDRESS") || has("ADDRESS_LIST") || has("SERVICE_NAME") ||
+         has("CONNECT_DATA") || has("DESCRIPTION");
+}
+
+// Whether the block at fault has no server, or no service: an unknown item may be that.
+bool lacks_what_counts(const FaultPlace &place) {
+  const std::vector<WrittenItem> items = place.items_of(place.frame());
+  const auto has = [&](std::string_view key) { return place.is_set(items, key); };
+  switch (place.block()) {
+    case Block::entry:
+      return !has("DESCRIPTION");
+    case Block::description:
+      return !(has("ADDRESS") || has("ADDRESS_LIST")) || !has("CONNECT_DATA");
+    case Block::address_list:
+      return !has("ADDRESS");
+    case Block::address:
+      return !has("HOST") || !has("PORT");
+    case Block::connect_data:
+      return !has("SERVICE_NAME");  // or SID
+    default:
+      return false;
+  }
 }
 
 // "(KEY:value)": where its ":" is.
@@ -297,9 +332,10 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
   const std::string_view near = near_key(word, place.block());
   if (!is_item(place))
     diagnosis.remedy = row_of(Rule::missing_key).remedy;
-  else
-    diagnosis.fix = near.empty() ? place.removal(place.item()->open)
-                                 : renamed(place, near, Applicability::unsafe);
+  else if (!near.empty())
+    diagnosis.fix = renamed(place, near, Applicability::unsafe);
+  else if (!lacks_what_counts(place) && !holds_what_counts(place))
+    diagnosis.fix = place.removal(place.item()->open);
 }
 
 void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {

@@ -200,11 +200,27 @@ Fix without_outer_parentheses(const FaultPlace &place, Offset open) {
           {{open, open + 1, {}}, {outer->end - 1, outer->end, {}}}};
 }
 
+// "(=KEY = value)"
+Fix without_early_equal(const FaultPlace &place) {
+  const Offset at = place.fault().at;
+  if (!place.text().substr(at).starts_with('=')) return {};
+  const Offset key = pass_blanks(place.text(), at + 1);
+  const Offset end = end_of_word(place.text(), key);
+  const bool is_item = key_named(place.block(), place.slice({key, end})) != nullptr &&
+                       place.text().substr(pass_blanks(place.text(), end)).starts_with('=');
+  return is_item ? unsafe_fix({{at, at + 1, {}}}) : Fix();
+}
+
 // "()" says nothing; more than that is lost.
 void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
   if (last == std::string_view::npos || place.text()[last] != '(') return;
   const auto open = static_cast<Offset>(last);
+  diagnosis.fix = without_early_equal(place);
+  if (diagnosis.fix) {
+    diagnosis.remedy = "remove \"=\"";
+    return;
+  }
   diagnosis.fix = without_outer_parentheses(place, open);
   if (diagnosis.fix) {
     diagnosis.remedy = "remove the outer parentheses";
