@@ -4,6 +4,7 @@
 #include "fixes/fault_place.h"
 #include "fixes/invisible_fixes.h"
 #include "fixes/key_fixes.h"
+#include "fixes/misplaced_fixes.h"
 #include "fixes/stray_fixes.h"
 #include "fixes/value_fixes.h"
 

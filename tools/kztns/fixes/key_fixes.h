@@ -1,4 +1,4 @@
-// The fixes of keys that are unknown, or stand in a block that does not take them.
+// The fixes of keys that are unknown, or written otherwise than they have to be.
 #pragma once
 
 #include "fixes/fault_place.h"
@@ -9,6 +9,5 @@ namespace kztns {
 bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis);
 
 void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis);
-void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis);
 
 }  // namespace kztns

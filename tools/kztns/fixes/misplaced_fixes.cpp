@@ -1,0 +1,142 @@
+#include "fixes/misplaced_fixes.h"
+
+#include "fixes/file_fixes.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+// DESCRIPTION, ADDRESS_LIST, ADDRESS: blocks are not nested deeper.
+constexpr int deepest = 3;
+
+std::string text_of(const FaultPlace &place, const WrittenItem &item) {
+  return std::string(place.slice({item.open, item.end}));
+}
+
+// The written blocks within an item that take a key.
+void collect_takers(const FaultPlace &place, const WrittenItem &item, Block block,
+                    KZCILBKeyType type, int depth, std::vector<WrittenItem> &takers) {
+  if (kzoci::tns::key_of(block, type) != nullptr) takers.push_back(item);
+  if (depth == deepest) return;
+  for (const WrittenItem &child : place.children(item)) {
+    const Key *const key = key_named(block, place.key_of(child));
+    if (key != nullptr && key->value.kind == ValueKind::block)
+      collect_takers(place, child, key->value.opens, type, depth + 1, takers);
+  }
+}
+
+// The block that an item was meant for: the nearest one around it that takes its key, or
+// the only one of its description.
+std::optional<WrittenItem> taker(const FaultPlace &place, KZCILBKeyType type) {
+  const std::vector<Frame> &frames = place.trace().frames();
+  int top = place.fault().frame;
+  for (int frame = top; frame > 0; frame = frames[static_cast<std::size_t>(frame)].parent) {
+    top = frame;
+    const Frame &around = frames[static_cast<std::size_t>(frame)];
+    if (kzoci::tns::key_of(around.block, type) != nullptr) return place.opener(around);
+  }
+  const Frame &outermost = frames[static_cast<std::size_t>(top)];
+  const std::optional<WrittenItem> description = top > 0 ? place.opener(outermost) : std::nullopt;
+  if (!description) return std::nullopt;
+  std::vector<WrittenItem> takers;
+  collect_takers(place, *description, outermost.block, type, 1, takers);
+  if (takers.size() != 1) return std::nullopt;
+  return takers[0];
+}
+
+// After the item of a block in which a place is; before the block's ")" for any other place.
+Offset end_after(const FaultPlace &place, const WrittenItem &block, Offset at) {
+  for (const WrittenItem &child : place.children(block))
+    if (child.open < at && at < child.end) return child.end;
+  return block.end - 1;
+}
+
+// Removes an item, and puts it at another place, with something before and after it.
+Fix moved_to(const FaultPlace &place, const WrittenItem &item, Offset to,
+             const std::string &before = {}, const std::string &after = {}) {
+  Fix fix = place.removal(item.open);
+  if (!fix || (fix.edits[0].begin < to && to < fix.edits[0].end)) return {};
+  fix.edits[0].text.clear();  // its comments go with it
+  fix.edits.push_back({to, to, before + text_of(place, item) + after});
+  sort_edits(fix.edits);
+  return fix;
+}
+
+Fix moved_into(const FaultPlace &place, const WrittenItem &item, const WrittenItem &target) {
+  const bool is_address = place.has_key(item, "ADDRESS") || place.has_key(item, "ADDRESS_LIST");
+  if (is_address) return moved_to(place, item, end_after(place, target, item.open));
+  if (place.is_set(place.children(target), place.key_of(item))) return {};
+  if (place.text().find_first_not_of(blanks, target.end) == item.open)
+    return unsafe_fix({{target.end - 1, target.end, {}}, {item.end, item.end, ")"}});
+  return moved_to(place, item, target.end - 1);
+}
+
+bool is_of(Block block, KZCILBKeyType type) { return kzoci::tns::key_of(block, type) != nullptr; }
+
+// An item of CONNECT_DATA in a description that has none.
+Fix in_connect_data(const FaultPlace &place, const WrittenItem &item) {
+  const std::string before = "(CONNECT_DATA = ";
+  const std::vector<Frame> &frames = place.trace().frames();
+  int frame = place.fault().frame;
+  while (frame > 0 && frames[static_cast<std::size_t>(frame)].block != Block::description)
+    frame = frames[static_cast<std::size_t>(frame)].parent;
+  const auto description = place.opener(frames[static_cast<std::size_t>(frame)]);
+  if (!description || place.is_set(place.children(*description), "CONNECT_DATA")) return {};
+  if (frame == place.fault().frame)
+    return unsafe_fix({{item.open, item.open, before}, {item.end, item.end, ")"}});
+  return moved_to(place, item, description->end - 1, before, ")");
+}
+
+// HOST, PORT and the like that follow each other where an address may stand.
+Fix in_address(const FaultPlace &place, const WrittenItem &item) {
+  if (key_named(place.block(), "ADDRESS") == nullptr) return {};
+  std::vector<WrittenItem> run;
+  for (const WrittenItem &other : place.items_of(place.frame())) {
+    if (other.open < item.open) continue;
+    const bool fits = key_named(Block::address, place.key_of(other)) != nullptr;
+    if (!fits || place.is_set(run, place.key_of(other))) break;  // another one begins
+    run.push_back(other);
+  }
+  if (!place.is_set(run, "HOST")) return {};
+  return unsafe_fix({{item.open, item.open, "(ADDRESS = "}, {run.back().end, run.back().end, ")"}});
+}
+
+// An item of the entry itself: its blocks belong in a DESCRIPTION.
+Fix in_description(const FaultPlace &place, const WrittenItem &item) {
+  const std::vector<WrittenItem> items = place.items_of(place.frame());
+  if (key_named(Block::description, place.key_of(item)) == nullptr) return {};
+  std::optional<WrittenItem> description;
+  for (const WrittenItem &other : items) {
+    if (!place.has_key(other, "DESCRIPTION")) continue;
+    if (description) return {};
+    description = other;
+  }
+  if (description) return moved_into(place, item, *description);
+  std::vector<Edit> edits = {{items.front().open, items.front().open, "(DESCRIPTION = "}};
+  // Comments that are in the block now must not lead lookups astray.
+  for (std::size_t i = 1; i < items.size(); ++i)
+    for (Edit &edit : fix_of_comments(place.text(), items[i - 1].end, items[i].open).edits)
+      edits.push_back(std::move(edit));
+  edits.push_back({items.back().end, items.back().end, ")"});
+  return safe_fix(std::move(edits));
+}
+
+}  // namespace
+
+void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item) return;
+  if (place.block() == Block::entry) {
+    diagnosis.fix = in_description(place, *item);
+    return;
+  }
+  if (const auto target = taker(place, place.item()->type))
+    diagnosis.fix = moved_into(place, *item, *target);
+  else if (is_of(Block::connect_data, place.item()->type))
+    diagnosis.fix = in_connect_data(place, *item);
+  // Where the block has an address already, this is another one.
+  if (!diagnosis.fix && is_of(Block::address, place.item()->type))
+    diagnosis.fix = in_address(place, *item);
+}
+
+}  // namespace kztns
