@@ -2,6 +2,7 @@
 #include <random>
 
 #include "mend/mend_file.h"
+#include "scan/half_comment.h"
 #include "support/checked_file.h"
 
 using namespace std::string_literals;
@@ -66,6 +67,13 @@ TEST(Mending, OfAHalfCommentedEntryEndsWithItsBlock) {
             commented + "\n" + entry("c") + entry("d"));
   // Another entry is on its line.
   EXPECT_EQ(mended(half + " " + entry("c")), half + " " + entry("c"));
+}
+
+TEST(Mending, KnowsNoEndOfAHalfThatIsNotThere) {
+  EXPECT_FALSE(kztns::end_of_rest("a = (b)", 7));
+  EXPECT_FALSE(kztns::end_of_rest("a = (b)", 8));
+  EXPECT_FALSE(kztns::end_of_rest("(b", 0));
+  EXPECT_EQ(kztns::end_of_rest("(b))", 0), 4u);
 }
 
 TEST(Mending, TakesNoSettingForAHalfCommentedEntry) {

@@ -56,6 +56,7 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 }  // namespace
 
 std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {
+  if (rest >= text.size()) return std::nullopt;
   Offset end = text[rest] == '(' ? end_of_items(text, rest).value_or(rest) : rest;
   for (Offset next = pass_blanks(text, end); next < text.size() && text[next] == ')';
        next = pass_blanks(text, end))
