@@ -20,16 +20,9 @@ bool sets_same(std::string_view left, std::string_view right) {
 // The comments of an item, each with the end of its line.
 std::string comments_in(std::string_view item) {
   std::string comments;
-  TokenReader tokens(item);
-  Offset from = 0;
-  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
-    const std::string_view before = item.substr(0, token.span.begin);
-    for (std::size_t at = before.find('#', from); at != before.npos; at = before.find('#', from)) {
-      from = end_of_line(item, static_cast<Offset>(at));
-      comments += ' ' + std::string(item.substr(at, from - at)) + '\n';
-    }
-    from = token.span.end;
-  }
+  for_each_comment(item, 0, static_cast<Offset>(item.size()), [&](Offset begin, Offset end) {
+    comments += ' ' + std::string(item.substr(begin, end - begin)) + '\n';
+  });
   return comments;
 }
 

@@ -137,27 +137,6 @@ void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector
   for (const Offset at : found) edits.push_back({at, at + 1, text[at] == '(' ? "[" : "]"});
 }
 
-// Calls visit(begin, end) for the comments between tokens, up to a place.
-template <class Visit>
-void for_each_comment(std::string_view text, Offset from, Offset to, const Visit &visit) {
-  TokenReader tokens(text.substr(0, to), from);
-  for (bool more = true; more;) {
-    const Token token = tokens.next();
-    more = token.kind != TokenKind::end;
-    for (Offset at = from; at < token.span.begin;) {
-      if (text[at] != '#') {
-        ++at;
-        continue;
-      }
-      const auto end =
-          static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), token.span.begin));
-      visit(at, end);
-      at = end;
-    }
-    from = token.span.end;
-  }
-}
-
 }  // namespace
 
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {

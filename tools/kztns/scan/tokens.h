@@ -1,6 +1,7 @@
 // The tokens of a names file, as the module reads them but for the length of words.
 #pragma once
 
+#include <algorithm>
 #include <string_view>
 
 #include "trace/build_trace.h"
@@ -26,5 +27,27 @@ class TokenReader {
   std::string_view text_;
   Offset at_;
 };
+
+// Calls visit(begin, end) for the comments between the tokens of a part of a text, which begins
+// outside of both.
+template <class Visit>
+void for_each_comment(std::string_view text, Offset from, Offset to, const Visit &visit) {
+  TokenReader tokens(text.substr(0, to), from);
+  for (bool more = true; more;) {
+    const Token token = tokens.next();
+    more = token.kind != TokenKind::end;
+    for (Offset at = from; at < token.span.begin;) {
+      if (text[at] != '#') {
+        ++at;
+        continue;
+      }
+      const auto end =
+          static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), token.span.begin));
+      visit(at, end);
+      at = end;
+    }
+    from = token.span.end;
+  }
+}
 
 }  // namespace kztns
