@@ -47,9 +47,9 @@ class EntryChecker : public EntryVisitor {
   // The finding about the last entry, when its fault ends the lookups too.
   const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
 
-  // Of entries whose parentheses match too early what comes after that, and entries whose
-  // items stand outside of a description: what ends lookups there is told with the entry.
-  const std::vector<EntryRange> &closed_early() const { return closed_early_; }
+  // Where what ends lookups is told with the entry before: what comes after parentheses that match
+  // too early, items outside of a description, the rest of half-commented entries.
+  const std::vector<EntryRange> &told_ranges() const { return told_ranges_; }
 
  private:
   // Of the names of a list one is enough; a comment of other readers is no entry.
@@ -116,7 +116,7 @@ class EntryChecker : public EntryVisitor {
     if (end) found.fix = fix_of_lines(text_.text(), half->rest, *end);
     found.related = half->name.begin;
     if (view.entry.reached && !range.last) reported_stop_ = {found.rule, found.at, found.text};
-    closed_early_.push_back({half->comment, end.value_or(range.end)});
+    told_ranges_.push_back({half->comment, end.value_or(range.end)});
     const Severity severity = built && range.last ? Severity::warning : Severity::error;
     if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
     return true;
@@ -132,13 +132,13 @@ class EntryChecker : public EntryVisitor {
     const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
     const std::optional<EntryRange> loose = loose_items(view);
-    if (loose) closed_early_.push_back(*loose);
+    if (loose) told_ranges_.push_back(*loose);
     const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
     if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
       reported_stop_ = {first.rule, first.at, first.text};
       consequence_of_first = consequence(view.stop);
     }
-    if (closes_early(first.rule)) closed_early_.push_back({first.at, faults_.range().end});
+    if (closes_early(first.rule)) told_ranges_.push_back({first.at, faults_.range().end});
     faults_.report(view, first, consequence_of_first);
   }
 
@@ -149,7 +149,7 @@ class EntryChecker : public EntryVisitor {
   EntryFaults faults_;
   Offset list_ = 0;  // the body of the last list of names
   std::optional<StopCause> reported_stop_;
-  std::vector<EntryRange> closed_early_;
+  std::vector<EntryRange> told_ranges_;
 };
 
 void list_entries(const NamesText &text, const FileScan &scan, CheckReport &report) {
@@ -238,7 +238,7 @@ CheckReport check_once(const NamesText &text, const CheckRequest &request) {
   Findings findings(text, request.most_of_a_rule, report);
   EntryChecker checker(text, request, findings);
   const FileScan scan(text, checker);
-  apply_file_rules(scan, checker.reported_stop(), checker.closed_early(), findings);
+  apply_file_rules(scan, checker.reported_stop(), checker.told_ranges(), findings);
   report_conflicts(text, findings, report);
   for (const Entry &entry : scan.entries())
     ++report.verdicts[static_cast<std::size_t>(entry.verdict)];

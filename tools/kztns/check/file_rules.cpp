@@ -18,19 +18,19 @@ namespace {
 class FileRules {
  public:
   FileRules(const FileScan &scan, const std::optional<StopCause> &reported,
-            std::vector<EntryRange> closed_early, Findings &findings)
+            std::vector<EntryRange> told_ranges, Findings &findings)
       : text_(scan.text()),
         scan_(scan),
         reported_(reported),
-        closed_early_(std::move(closed_early)),
+        told_ranges_(std::move(told_ranges)),
         findings_(findings),
         lists_(scan) {
     // Each range gets the end that comes last so far: one search tells whether any holds a place.
     std::sort(
-        closed_early_.begin(), closed_early_.end(),
+        told_ranges_.begin(), told_ranges_.end(),
         [](const EntryRange &left, const EntryRange &right) { return left.body < right.body; });
     Offset last = 0;
-    for (EntryRange &range : closed_early_) range.end = last = std::max(last, range.end);
+    for (EntryRange &range : told_ranges_) range.end = last = std::max(last, range.end);
   }
 
   void report() {
@@ -100,9 +100,9 @@ class FileRules {
 
   bool is_told(Offset at) const {
     const auto after =
-        std::lower_bound(closed_early_.begin(), closed_early_.end(), at,
+        std::lower_bound(told_ranges_.begin(), told_ranges_.end(), at,
                          [](const EntryRange &range, Offset place) { return range.body < place; });
-    return after != closed_early_.begin() && at < std::prev(after)->end;
+    return after != told_ranges_.begin() && at < std::prev(after)->end;
   }
 
   void report_further_stop(const Stop &stop) {
@@ -250,7 +250,7 @@ class FileRules {
   const NamesText &text_;
   const FileScan &scan_;
   const std::optional<StopCause> &reported_;
-  std::vector<EntryRange> closed_early_;
+  std::vector<EntryRange> told_ranges_;
   Findings &findings_;
   NameLists lists_;
   bool moved_ = false;
@@ -259,8 +259,8 @@ class FileRules {
 }  // namespace
 
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      std::vector<EntryRange> closed_early, Findings &findings) {
-  FileRules(scan, reported, std::move(closed_early), findings).report();
+                      std::vector<EntryRange> told_ranges, Findings &findings) {
+  FileRules(scan, reported, std::move(told_ranges), findings).report();
 }
 
 }  // namespace kztns

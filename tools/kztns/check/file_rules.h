@@ -12,10 +12,9 @@
 namespace kztns {
 
 // reported is the finding about the last entry that already explains what ends the
-// lookups; absent when there is none. It is told there which entries are lost. What is in
-// one of the closed_early is the rest of an entry whose parentheses match too early: it is
-// told there, too.
+// lookups; absent when there is none. It is told there which entries are lost. What ends
+// lookups in one of the told_ranges is told with an entry already.
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      std::vector<EntryRange> closed_early, Findings &findings);
+                      std::vector<EntryRange> told_ranges, Findings &findings);
 
 }  // namespace kztns
