@@ -114,6 +114,44 @@ TEST(Mending, OfEntriesWithNumbersForNamesPutsEqualSigns) {
             entry("1") + entry("2") + entry("x"));
 }
 
+TEST(Mending, OfAnEntryFromAMailRemovesTheSignsBeforeItsLines) {
+  const std::string lines = " =\n>  (DESCRIPTION =\n>    " + address + "\n\n>    " + data + ")\n";
+  const std::string plain = " =\n  (DESCRIPTION =\n    " + address + "\n\n    " + data + ")\n";
+  EXPECT_EQ(mended(">a" + lines + ">b" + lines), "a" + plain + "b" + plain);
+  EXPECT_EQ(mended(">>a =\n> > " + block + "\n"), "a =\n " + block + "\n");
+}
+
+TEST(Mending, OfAnEntryWhoseLinesHaveNoSignsLeavesItsName) {
+  EXPECT_EQ(mended(entry(">a")), entry(">a"));
+  EXPECT_EQ(mended(">a = (DESCRIPTION = > " + block + ")\n"),
+            ">a = (DESCRIPTION = > " + block + ")\n");
+}
+
+TEST(Mending, OfANameThatStandsTwiceRemovesOne) {
+  EXPECT_EQ(mended("a = a = " + block + "\n" + entry("b")), entry("a") + entry("b"));
+  EXPECT_EQ(mended("a=a=" + block + "\n"), "a=" + block + "\n");
+  // Which one is meant, is not known.
+  for (const std::string other : {"b", "aa", "a\"b"})
+    EXPECT_EQ(mended("ba = " + other + " = " + block + "\n"),
+              "ba = " + other + " = " + block + "\n");
+}
+
+TEST(Mending, OfItemsWithoutParenthesesPutsThem) {
+  const std::string sound = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))" + data + ")\n";
+  const auto written = [&](const std::string &items) {
+    return "a = (DESCRIPTION = (ADDRESS = " + items + ")" + data + ")\n";
+  };
+  EXPECT_EQ(mended(written("HOST = h,PORT = 1")), sound);
+  EXPECT_EQ(mended(written("HOST = h;PORT = 1;")), sound);
+  EXPECT_EQ(mended(written("HOST = h, PORT = 1")), written("(HOST = h) (PORT = 1)"));
+  EXPECT_EQ(mended(written("HOST = h\n  PORT = 1")), written("(HOST = h)\n  (PORT = 1)"));
+  EXPECT_EQ(mended(written("HOST = \"h,i\", PORT = 1")), written("(HOST = \"h,i\") (PORT = 1)"));
+  EXPECT_EQ(mended("a = DESCRIPTION = ADDRESS = (HOST = h)(PORT = 1)\n"),
+            "a = DESCRIPTION = ADDRESS = (HOST = h)(PORT = 1)\n");
+  for (const std::string items : {"HOST = , PORT = 1", "HOST = h, SID = s", "HOST = h, PORT"})
+    EXPECT_EQ(mended(written(items)), written(items));
+}
+
 TEST(Mending, LeavesQuotesThatAreClosedRightly) {
   const std::string text =
       "a = (DESCRIPTION = " + address + "(CONNECT_DATA = (SERVICE_NAME = \"two\nlines\" x)))\n";

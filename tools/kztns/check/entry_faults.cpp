@@ -7,6 +7,7 @@
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "scan/item_text.h"
+#include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 
@@ -192,7 +193,11 @@ Diagnosis EntryFaults::first_of(const EntryView &view) {
 void EntryFaults::report(const EntryView &view, const Diagnosis &first,
                          const std::string &consequence) {
   if (const std::string_view remedy = remedy_of_begun(view, first); !remedy.empty())
-    return report_begun(view, first, remedy, consequence);
+    return report_whole(view, first, remedy, fix_of_lines(text_.text(), view.entry.at, range_.end),
+                        consequence);
+  if (Fix fix = without_quote_signs(view, first))
+    return report_whole(view, first, "remove the \">\" before its lines", std::move(fix),
+                        consequence);
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_);
@@ -243,11 +248,23 @@ std::string_view EntryFaults::remedy_of_begun(const EntryView &view, const Diagn
   return {};
 }
 
-void EntryFaults::report_begun(const EntryView &view, Diagnosis told, std::string_view remedy,
-                               const std::string &consequence) {
+// Of an entry from a quoted mail; none for others.
+Fix EntryFaults::without_quote_signs(const EntryView &view, const Diagnosis &first) const {
+  const std::string &text = text_.text();
+  if (view.service != nullptr || view.entry.in_list || !view.name.starts_with('>') ||
+      first.at >= range_.end || text[first.at] != '>')
+    return {};
+  std::vector<Edit> edits;
+  for (const Span sign : quote_signs(text, view.entry.at, range_.end))
+    edits.push_back({sign.begin, sign.end, {}});
+  return edits.size() > 1 ? unsafe_fix(std::move(edits)) : Fix();
+}
+
+void EntryFaults::report_whole(const EntryView &view, Diagnosis told, std::string_view remedy,
+                               Fix fix, const std::string &consequence) {
   told.text += consequence;
   told.remedy = remedy;
-  told.fix = fix_of_lines(text_.text(), view.entry.at, range_.end);
+  told.fix = std::move(fix);
   add(view.name, Severity::error, std::move(told));
 }
 

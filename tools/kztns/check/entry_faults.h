@@ -40,7 +40,9 @@ class EntryFaults {
 
  private:
   std::string_view remedy_of_begun(const EntryView &view, const Diagnosis &first) const;
-  void report_begun(const EntryView &view, Diagnosis told, std::string_view remedy,
+  Fix without_quote_signs(const EntryView &view, const Diagnosis &first) const;
+  // One finding of all of the entry.
+  void report_whole(const EntryView &view, Diagnosis told, std::string_view remedy, Fix fix,
                     const std::string &consequence);
   Subject subject(const NamesText &text, Offset end);
   void add(std::string_view entry, Severity severity, Diagnosis found);

@@ -24,6 +24,29 @@ void fold(std::string_view name, std::string &into) {
   std::transform(name.begin(), name.end(), into.begin(), kzoci::capital);
 }
 
+// What quoted mails, lists and other notations put around names.
+constexpr std::string_view foreign_signs = "><{}[];:'`*|";
+// Typographic quotes and a bullet.
+constexpr std::string_view typographic_signs[] = {"\u2018", "\u2019", "\u201C", "\u201D",
+                                                  "\u201E", "\u00AB", "\u00BB", "\u2022"};
+
+// The one that a name begins with; empty for none.
+std::string_view leading_sign(std::string_view name) {
+  if (!name.empty() && foreign_signs.find(name.front()) != name.npos) return name.substr(0, 1);
+  for (const std::string_view sign : typographic_signs)
+    if (name.starts_with(sign)) return sign;
+  return {};
+}
+
+// The one that it ends with.
+std::string_view trailing_sign(std::string_view name) {
+  if (!name.empty() && foreign_signs.find(name.back()) != name.npos)
+    return name.substr(name.size() - 1);
+  for (const std::string_view sign : typographic_signs)
+    if (name.ends_with(sign)) return sign;
+  return {};
+}
+
 class NameRules {
  public:
   NameRules(const FileScan &scan, NameLists &lists, Findings &findings)
@@ -103,6 +126,7 @@ class NameRules {
           Rule::key_cut, entry.at, name,
           "a name of " + std::to_string(longest_token) + " characters may be cut");
     if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
+    if (entry.built && !entry.quoted) report_foreign_signs(entry, name);
     const std::string_view odd = odd_character(name);
     if (odd.empty() || !findings_.wanted(rule_of_odd(entry, odd))) return;
     findings_.add({rule_of_odd(entry, odd),
@@ -115,6 +139,16 @@ class NameRules {
                    entry.quoted
                        ? Fix{}
                        : fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length)});
+  }
+
+  void report_foreign_signs(const Entry &entry, std::string_view name) {
+    const bool first = !leading_sign(name).empty();
+    const std::string_view sign = first ? leading_sign(name) : trailing_sign(name);
+    if (sign.empty()) return;
+    const std::size_t at = first ? 0 : name.size() - sign.size();
+    findings_.add_if_wanted(Rule::odd_name, entry.at + static_cast<Offset>(at), name,
+                            (first ? "begins with " : "ends with ") + quoted(sign) +
+                                ": the entry is found only by a name with it");
   }
 
   static Rule rule_of_odd(const Entry &entry, std::string_view odd) {

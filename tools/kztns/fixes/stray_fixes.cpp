@@ -46,7 +46,7 @@ class StrayText {
       case Rule::value_for_block:
       case Rule::missing_close:
         return mend_continuations() || mend_signs(at_) || mend_separators() || mend_comment() ||
-               mend_brackets() || mend_bare_item() || mend_words();
+               mend_brackets() || mend_repeated_name() || mend_bare_items() || mend_words();
       default:
         return false;
     }
@@ -237,18 +237,57 @@ class StrayText {
     return static_cast<Offset>(std::min(text_.find('"', at + 1), text_.size() - 1));
   }
 
-  // "KEY = VALUE" without both parentheses, where an item is due.
-  bool mend_bare_item() {
-    const Offset equal = pass_blanks(text_, end_of_word(text_, at_));
-    if (!stands_at(text_, equal, '=') || !may_be_here(word_at(text_, at_))) return false;
+  // "NAME = NAME = (...)"
+  bool mend_repeated_name() {
+    const Offset end = end_of_word(text_, at_);
+    const Offset equal = pass_blanks(text_, end);
+    if (!is_of_entry() || end == at_ || !stands_at(text_, equal, '=')) return false;
     const Offset value = pass_blanks(text_, equal + 1);
-    const std::optional<Offset> end =
-        stands_at(text_, value, '(') ? end_of_items(text_, value) : end_of_word(text_, value);
-    if (!end || *end == value) return false;
-    const Offset next = pass_blanks(text_, *end);
+    std::string_view before = trimmed(text_.substr(0, at_));
+    if (!stands_at(text_, value, '(') || !before.ends_with('=')) return false;
+    before.remove_suffix(1);
+    before = trimmed(before);
+    const std::string_view name = text_.substr(at_, end - at_);
+    if (!before.ends_with(name)) return false;
+    before.remove_suffix(name.size());
+    if (!before.empty() && !is_blank(before.back())) return false;
+    return mended(remedy_of_removal(at_, equal + 1), safe_fix({{at_, value, {}}}));
+  }
+
+  // "KEY = VALUE" without both parentheses, where an item is due, and others after it.
+  bool mend_bare_items() {
+    std::vector<Edit> edits;
+    Offset next = at_;
+    do {
+      const std::optional<Span> item = bare_item(next);
+      if (!item) return false;
+      edits.push_back({item->begin, item->begin, "("});
+      const Offset separators = pass_blanks(text_, item->end);
+      const Offset after_them = after(",;", separators);
+      edits.push_back({item->end, after_them > separators ? after_them : item->end, ")"});
+      next = pass_blanks(text_, after_them);
+    } while (next < text_.size() && !is_sign(text_[next]));
     const bool before_item = is_between_items() && stands_at(text_, next, '(');
     if (next < text_.size() && text_[next] != ')' && !before_item) return false;
-    return mended("put the item in parentheses", unsafe_fix({{at_, at_, "("}, {*end, *end, ")"}}));
+    const bool one = edits.size() == 2;
+    return mended(one ? "put the item in parentheses" : "put the items in parentheses",
+                  unsafe_fix(std::move(edits)));
+  }
+
+  // One that begins at a place, without the separators after it.
+  std::optional<Span> bare_item(Offset at) const {
+    const Offset equal = pass_blanks(text_, end_of_word(text_, at));
+    if (!stands_at(text_, equal, '=') || !may_be_here(word_at(text_, at))) return std::nullopt;
+    const Offset value = pass_blanks(text_, equal + 1);
+    if (stands_at(text_, value, '(')) {
+      const auto end = end_of_items(text_, value);
+      return end ? std::optional(Span{at, *end}) : std::nullopt;
+    }
+    Offset end = end_of_word(text_, value);
+    const std::size_t unquoted =
+        std::max<std::size_t>(text_.substr(0, end).find_last_of('"') + 1, value);
+    end = static_cast<Offset>(std::min<std::size_t>(text_.find_first_of(",;", unquoted), end));
+    return end > value ? std::optional(Span{at, end}) : std::nullopt;
   }
 
   // Whether an item of that key belongs to the block that is due here.
