@@ -182,7 +182,8 @@ TEST(Mending, OfManyLinesTakesALinearTime) {
     return text;
   };
   for (const std::string &text :
-       {repeated("> x\n> = ()\n", 100'000),
+       {repeated("> x\n> = ()\n", 100'000), ">a =\n" + repeated("> (x)\n", 200'000),
+        "a = (DESCRIPTION = (ADDRESS = " + repeated("HOST = h ", 200'000) + ")" + data + ")\n",
         "a = (DESCRIPTION = (FOO = " + repeated("(x = y)", 400'000) + ")" + data + ")\n",
         "a = " + repeated("(b)", 400'000) + " #\n" + entry("b")})
     EXPECT_FALSE(kztns::check_once(kztns::NamesText(text), {.file = "names"}).findings.empty());

@@ -284,9 +284,9 @@ class StrayText {
       return end ? std::optional(Span{at, *end}) : std::nullopt;
     }
     Offset end = end_of_word(text_, value);
-    const std::size_t unquoted =
-        std::max<std::size_t>(text_.substr(0, end).find_last_of('"') + 1, value);
-    end = static_cast<Offset>(std::min<std::size_t>(text_.find_first_of(",;", unquoted), end));
+    const std::size_t after_quotes = text_.substr(value, end - value).find_last_of('"') + 1;
+    end = static_cast<Offset>(
+        std::min<std::size_t>(text_.substr(0, end).find_first_of(",;", value + after_quotes), end));
     return end > value ? std::optional(Span{at, end}) : std::nullopt;
   }
 

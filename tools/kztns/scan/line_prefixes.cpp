@@ -48,6 +48,11 @@ class Prefixes {
   std::int64_t due_ = -1;  // the next number; any one at first
 };
 
+bool goes_on_with_word(std::string_view text, Offset at) {
+  const std::size_t next = text.find_first_not_of(" \t", at);
+  return next == std::string_view::npos || !is_sign(text[next]);
+}
+
 }  // namespace
 
 std::vector<Span> line_prefixes(std::string_view text, Offset at) {
@@ -60,14 +65,11 @@ std::vector<Span> line_prefixes(std::string_view text, Offset at) {
     if (first == std::string_view::npos) break;
     const auto prefix = prefixes.next(static_cast<Offset>(first));
     if (!prefix) break;
+    if (found.empty() && !goes_on_with_word(text, prefix->end)) break;
     found.push_back(*prefix);
     line = end_of_line(text, prefix->begin) + std::size_t{1};
   }
-  const bool names_follow =
-      !found.empty() &&
-      std::string_view("()=").find(text[std::min<std::size_t>(
-          text.find_first_not_of(" \t", found[0].end), text.size() - 1)]) == std::string_view::npos;
-  if (found.size() < prefixes.fewest() || !names_follow) found.clear();
+  if (found.size() < prefixes.fewest()) found.clear();
   return found;
 }
 
