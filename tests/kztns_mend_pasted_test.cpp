@@ -137,19 +137,61 @@ TEST(Mending, OfANameThatStandsTwiceRemovesOne) {
 }
 
 TEST(Mending, OfItemsWithoutParenthesesPutsThem) {
-  const std::string sound = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))" + data + ")\n";
   const auto written = [&](const std::string &items) {
     return "a = (DESCRIPTION = (ADDRESS = " + items + ")" + data + ")\n";
   };
-  EXPECT_EQ(mended(written("HOST = h,PORT = 1")), sound);
-  EXPECT_EQ(mended(written("HOST = h;PORT = 1;")), sound);
-  EXPECT_EQ(mended(written("HOST = h, PORT = 1")), written("(HOST = h) (PORT = 1)"));
-  EXPECT_EQ(mended(written("HOST = h\n  PORT = 1")), written("(HOST = h)\n  (PORT = 1)"));
-  EXPECT_EQ(mended(written("HOST = \"h,i\", PORT = 1")), written("(HOST = \"h,i\") (PORT = 1)"));
-  EXPECT_EQ(mended("a = DESCRIPTION = ADDRESS = (HOST = h)(PORT = 1)\n"),
-            "a = DESCRIPTION = ADDRESS = (HOST = h)(PORT = 1)\n");
+  const std::string sound = written("(HOST = h)(PORT = 1)");
+  for (const std::string items :
+       {"HOST = h,PORT = 1", "HOST = h;PORT = 1;", "HOST = h, PORT = 1", "HOST = h PORT = 1 ,",
+        "HOST = h, SDU = 2, PORT = 1", "HOST = h, PORT = 1, SDU = 2"}) {
+    EXPECT_EQ(mended(written(items)), sound) << items;
+    EXPECT_EQ(mended(written("(" + items + ")")), sound) << items;
+  }
+  EXPECT_EQ(mended(written("HOST = h,\n  SDU = 2,\n  PORT = 1")),
+            written("(HOST = h)\n  (PORT = 1)"));
+  EXPECT_EQ(mended(written("(HOST = h # one\n  PORT = 1)")),
+            written("(HOST = h) # one\n  (PORT = 1)"));
+  EXPECT_EQ(mended(written("HOST = \"h,i\", PORT = 1")), written("(HOST = \"h,i\")(PORT = 1)"));
   for (const std::string items : {"HOST = , PORT = 1", "HOST = h, SID = s", "HOST = h, PORT"})
     EXPECT_EQ(mended(written(items)), written(items));
+}
+
+TEST(Mending, OfABlockWithoutItsKeyWritesIt) {
+  const auto written = [&](const std::string &list, const std::string &one,
+                           const std::string &last) {
+    return "a = (DESCRIPTION = (" + list + " = (" + one + " = (HOST = h)(PORT = 1)))(" + last +
+           " = (SID = s)))\n";
+  };
+  EXPECT_EQ(mended(written("", "ADDRESS", "")),
+            written(" ADDRESS_LIST", "ADDRESS", " CONNECT_DATA"));
+  EXPECT_EQ(mended(written("ADDRESS_LIST", "", "CONNECT_DATA")),
+            written("ADDRESS_LIST", " ADDRESS", "CONNECT_DATA"));
+  EXPECT_EQ(mended("a = (DESCRIPTION = " + address + "( = (x = y)))\n"),
+            "a = (DESCRIPTION = " + address + ")\n");
+}
+
+TEST(Mending, OfAnEqualSecondConnectDataRemovesIt) {
+  const auto written = [&](const std::string &connect_data) {
+    return "a = (DESCRIPTION = (FOO = 1)(ADDRESS = (HOST = h)(PORT = 1))" + connect_data + ")\n";
+  };
+  EXPECT_EQ(mended(written(data + "(CONNECT_DATA = (sid = s))")), entry("a"));
+}
+
+TEST(Mending, OfAnUnknownProtocolKeepsTheAddress) {
+  const auto written = [&](const std::string &protocol) {
+    return "a = (DESCRIPTION = (ADDRESS_LIST = (ADDRESS = (PROTOCOL = " + protocol +
+           ")(HOST = h)(PORT = 1))" + address + ")" + data + ")\n";
+  };
+  for (const std::string protocol : {"TCPTCP", "TCP\\", "TPC"})
+    EXPECT_EQ(mended(written(protocol)), written("TCP")) << protocol;
+  EXPECT_EQ(mended(written("IPC")),
+            "a = (DESCRIPTION = (ADDRESS_LIST = " + address + ")" + data + ")\n");
+}
+
+TEST(Mending, PutsParenthesesBeforeKeysOnly) {
+  const std::string rest = "(HOST = h)\n    (PORT = 1))\n  (CONNECT_DATA = (SERVICE_NAME = s)))\n";
+  EXPECT_EQ(mended("a = (DESCRIPTION =\n#  (ADDRESS =\n    " + rest),
+            "a = (DESCRIPTION =\n#  [ADDRESS =\n    (ADDRESS = " + rest);
 }
 
 TEST(Mending, LeavesQuotesThatAreClosedRightly) {

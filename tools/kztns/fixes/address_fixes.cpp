@@ -37,18 +37,19 @@ bool ends_value(std::string_view text, Offset at) {
 
 void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
   std::string_view protocol = trimmed(place.value());
-  protocol = protocol.substr(0, protocol.find_last_not_of(",;") + 1);
+  protocol = protocol.substr(0, protocol.find_last_not_of(",;=\\") + 1);
   if (protocol.size() > 1 && protocol.starts_with('\'') && protocol.ends_with('\''))
     protocol = protocol.substr(1, protocol.size() - 2);
   // Of two that are equally near, the encrypted one: encryption is not given up in silence.
   const std::string_view near = near_word(protocol, {"TCPS", "WSS", "HTTPS", "TCP"});
-  const bool plain = near == "TCP" || is_one_of(protocol, {"TCPIP", "TCP/IP", "TCP4", "TCP6"});
+  const bool plain =
+      near == "TCP" || is_one_of(protocol, {"TCP", "TCPIP", "TCP/IP", "TCP4", "TCP6", "TCPTCP"});
   if (plain) {
     diagnosis.remedy = "did you mean TCP?";
     diagnosis.fix = place.with_value(Applicability::unsafe, "TCP");
     return;
   }
-  if (!near.empty()) {
+  if (!near.empty() && !is_one_of(protocol, {"HTTP", "WS"})) {
     diagnosis.remedy = "give an address that is served by TCP, if it may do without the encryption";
     return;
   }

@@ -113,13 +113,15 @@ void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::vector<WrittenItem> kept = place.children(*first);
   std::string added;
   for (const WrittenItem &item : place.children(*second)) {
+    if (place.has_equal(kept, item)) continue;
     if (place.is_set(kept, place.key_of(item))) return;
     added += place.slice({item.open, item.end});
   }
   Fix fix = place.removal(second->open);
   if (!fix) return;
   fix.edits[0].text.clear();  // the comments of the items go with them
-  fix.edits.insert(fix.edits.begin(), {first->end - 1, first->end - 1, std::move(added)});
+  if (!added.empty())
+    fix.edits.insert(fix.edits.begin(), {first->end - 1, first->end - 1, std::move(added)});
   diagnosis.fix = std::move(fix);
 }
 

@@ -56,6 +56,21 @@ bool FaultPlace::is_set(const std::vector<WrittenItem> &items, std::string_view 
                      [&](const WrittenItem &item) { return sets_same(key_of(item), word); });
 }
 
+bool FaultPlace::has_equal(const std::vector<WrittenItem> &items, const WrittenItem &other) const {
+  const std::optional<Span> value = word_of(text_, other);
+  return value && std::any_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+           const std::optional<Span> word = word_of(text_, item);
+           return word && equal_but_for_case(key_of(item), key_of(other)) &&
+                  slice(*word) == slice(*value);
+         });
+}
+
+bool FaultPlace::holds_what_counts(const std::vector<WrittenItem> &items) const {
+  const auto has = [&](std::string_view key) { return is_set(items, key); };
+  return has("HOST") || has("ADDRESS") || has("ADDRESS_LIST") || has("SERVICE_NAME") ||
+         has("CONNECT_DATA") || has("DESCRIPTION");
+}
+
 Fix FaultPlace::removal(Offset open, Applicability applicability) const {
   const std::optional<Span> span = item_to_remove(text_, open);
   if (!span) return {};

@@ -38,6 +38,11 @@ const ForeignKey *foreign_key(std::string_view word) {
   return nullptr;
 }
 
+bool is_dropped(std::string_view word) {
+  const ForeignKey *const key = foreign_key(word);
+  return key != nullptr && key->treatment == ForeignTreatment::drop;
+}
+
 std::string remedy_of(const ForeignKey &key, std::string_view why) {
   return action_of(key) + std::string(why) +
          (key.shared ? " (other readers of this file need it)" : "");

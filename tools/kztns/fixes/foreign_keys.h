@@ -34,6 +34,9 @@ std::span<const ForeignKey> foreign_keys();
 // The row of a key in any case; null for none.
 const ForeignKey *foreign_key(std::string_view word);
 
+// Whether items of that key say nothing here.
+bool is_dropped(std::string_view word);
+
 // "remove the item: it is tuning only"
 std::string remedy_of(const ForeignKey &key, std::string_view why);
 inline std::string remedy_of(const ForeignKey &key) { return remedy_of(key, key.here); }

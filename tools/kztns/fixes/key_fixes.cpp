@@ -135,11 +135,7 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
 // Whether a server or a service is in the item at fault: its key is misspelt.
 bool holds_what_counts(const FaultPlace &place) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  if (!item) return true;
-  const std::vector<WrittenItem> items = place.children(*item);
-  const auto has = [&](std::string_view key) { return place.is_set(items, key); };
-  return has("HOST") || has("ADDRESS") || has("ADDRESS_LIST") || has("SERVICE_NAME") ||
-         has("CONNECT_DATA") || has("DESCRIPTION");
+  return !item || place.holds_what_counts(place.children(*item));
 }
 
 // Whether the block at fault has no server, or no service: an unknown item may be that.

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
+#include "fixes/foreign_keys.h"
 #include "scan/further_stops.h"
 #include "scan/item_words.h"
 #include "scan/tokens.h"
@@ -256,38 +258,23 @@ class StrayText {
 
   // "KEY = VALUE" without both parentheses, where an item is due, and others after it.
   bool mend_bare_items() {
-    std::vector<Edit> edits;
-    Offset next = at_;
-    do {
-      const std::optional<Span> item = bare_item(next);
-      if (!item) return false;
-      edits.push_back({item->begin, item->begin, "("});
-      const Offset separators = pass_blanks(text_, item->end);
-      const Offset after_them = after(",;", separators);
-      edits.push_back({item->end, after_them > separators ? after_them : item->end, ")"});
-      next = pass_blanks(text_, after_them);
-    } while (next < text_.size() && !is_sign(text_[next]));
+    const std::vector<BareItem> items = bare_items(text_, at_, [&](std::string_view key) {
+      return is_dropped(key) || may_be_here(item_word(key));
+    });
+    if (items.empty()) return false;
+    const Offset next = pass_blanks(text_, items.back().separated);
     const bool before_item = is_between_items() && stands_at(text_, next, '(');
     if (next < text_.size() && text_[next] != ')' && !before_item) return false;
-    const bool one = edits.size() == 2;
-    return mended(one ? "put the item in parentheses" : "put the items in parentheses",
-                  unsafe_fix(std::move(edits)));
-  }
-
-  // One that begins at a place, without the separators after it.
-  std::optional<Span> bare_item(Offset at) const {
-    const Offset equal = pass_blanks(text_, end_of_word(text_, at));
-    if (!stands_at(text_, equal, '=') || !may_be_here(word_at(text_, at))) return std::nullopt;
-    const Offset value = pass_blanks(text_, equal + 1);
-    if (stands_at(text_, value, '(')) {
-      const auto end = end_of_items(text_, value);
-      return end ? std::optional(Span{at, *end}) : std::nullopt;
-    }
-    Offset end = end_of_word(text_, value);
-    const std::size_t after_quotes = text_.substr(value, end - value).find_last_of('"') + 1;
-    end = static_cast<Offset>(
-        std::min<std::size_t>(text_.substr(0, end).find_first_of(",;", value + after_quotes), end));
-    return end > value ? std::optional(Span{at, end}) : std::nullopt;
+    std::vector<Edit> edits = {{at_, at_, "("}};
+    for (Edit &edit : separated(text_, items)) edits.push_back(std::move(edit));
+    const Offset end = items.back().separated;
+    if (edits.back().end == end && edits.back().text.empty())
+      edits.back().text = ")";
+    else
+      edits.push_back({end, end, ")"});
+    return mended(
+        items.size() == 1 ? "put the item in parentheses" : "put the items in parentheses",
+        unsafe_fix(std::move(edits)));
   }
 
   // Whether an item of that key belongs to the block that is due here.

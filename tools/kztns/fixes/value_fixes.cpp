@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fixes/address_fixes.h"
+#include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "scan/further_stops.h"
@@ -37,30 +38,19 @@ bool may_be_in(Block block, std::string_view word) {
   return key_named(block, word) != nullptr || foreign_key(word) != nullptr;
 }
 
-// "(KEY = a, KEY = b)": several items in one pair of parentheses.
-Fix separate_items(const FaultPlace &place) {
-  if (!place.item()->has_value) return {};
-  std::vector<Edit> edits;
-  TokenReader tokens(place.text(), place.item()->value.begin);
-  for (Token value = tokens.next(); value.kind == TokenKind::word; value = tokens.next()) {
-    const std::string_view word = place.slice(value.span);
-    const std::size_t length = word.find_last_not_of(",;") + 1;
-    Token next = tokens.next();
-    if (next.kind == TokenKind::close && length > 0 && !edits.empty()) {
-      const Offset end = value.span.begin + static_cast<Offset>(length);
-      if (end < value.span.end) edits.push_back({end, value.span.end, {}});
-      return unsafe_fix(std::move(edits));
-    }
-    if (next.kind == TokenKind::word && is_one_of(place.slice(next.span), {",", ";"}))
-      next = tokens.next();
-    if (next.kind != TokenKind::word || !may_be_in(place.block(), place.slice(next.span)) ||
-        length == 0)
-      return {};
-    const Offset end = value.span.begin + static_cast<Offset>(length);
-    edits.push_back({end, next.span.begin, ")("});
-    if (tokens.next().kind != TokenKind::equal) return {};
-  }
-  return {};
+// "(KEY = a, KEY = b)": whether several items in one pair of parentheses are the fault; if so, it
+// is mended.
+bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
+  if (!place.item()->has_value) return false;
+  const std::vector<BareItem> items =
+      bare_items(place.text(), place.item()->key.begin,
+                 [&](std::string_view key) { return may_be_in(place.block(), key); });
+  if (items.size() < 2 ||
+      !place.text().substr(pass_blanks(place.text(), items.back().separated)).starts_with(')'))
+    return false;
+  diagnosis.fix = unsafe_fix(separated(place.text(), items));
+  diagnosis.remedy = "put each item in parentheses of its own";
+  return true;
 }
 
 // Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
@@ -97,15 +87,6 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if (const std::string_view inner = in_foreign_quotes(value); !inner.empty())
     return unsafe_fix({{begin, end, '"' + std::string(inner) + '"'}});
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
-}
-
-// Whether several items in one pair are the fault; if so, it is mended.
-bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
-  Fix fix = separate_items(place);
-  if (!fix) return false;
-  diagnosis.fix = std::move(fix);
-  diagnosis.remedy = "put each item in parentheses of its own";
-  return true;
 }
 
 void mend_unquoted_value(const FaultPlace &place, Diagnosis &diagnosis) {
@@ -211,6 +192,30 @@ Fix without_early_equal(const FaultPlace &place) {
   return is_item ? unsafe_fix({{at, at + 1, {}}}) : Fix();
 }
 
+// The key of a block of some items: that of most of them, as people write them.
+std::string_view key_of_block(const FaultPlace &place, const std::vector<WrittenItem> &items) {
+  for (const auto &[item, block] : {std::pair("ADDRESS", "ADDRESS_LIST"),
+                                    {"HOST", "ADDRESS"},
+                                    {"PORT", "ADDRESS"},
+                                    {"SERVICE_NAME", "CONNECT_DATA"}})
+    if (place.is_set(items, item)) return block;
+  return {};
+}
+
+// "( = (HOST = h)(PORT = 1))": the block without its key.
+bool mend_block_without_key(const FaultPlace &place, Diagnosis &diagnosis) {
+  const Offset at = place.fault().at;
+  if (!place.text().substr(at).starts_with('=')) return false;
+  const std::vector<WrittenItem> items = items_from(place.text(), at + 1);
+  if (!place.holds_what_counts(items)) return false;
+  const std::string_view key = key_of_block(place, items);
+  if (!key.empty() && key_named(place.block(), key) != nullptr) {
+    diagnosis.fix = unsafe_fix({{at, at, std::string(key) + " "}});
+    diagnosis.remedy = "write (" + std::string(key) + " = ...)";
+  }
+  return true;
+}
+
 // "()" says nothing; more than that is lost.
 void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
@@ -226,6 +231,7 @@ void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
     diagnosis.remedy = "remove the outer parentheses";
     return;
   }
+  if (mend_block_without_key(place, diagnosis)) return;
   diagnosis.fix = place.removal(open);
   if (!diagnosis.fix) return;
   const Edit &removal = diagnosis.fix.edits[0];

@@ -31,7 +31,11 @@ class Inliner {
       if (files_ > most_files) break;
       if (std::optional<std::string> inlined = text_of(path, text, line)) {
         if (open_.size() == 1) tell(text, line);
-        edits.push_back({line.whole.begin, line.whole.end, std::move(*inlined)});
+        const std::string_view whole =
+            std::string_view(text.text())
+                .substr(line.whole.begin, line.whole.end - line.whole.begin);
+        edits.push_back(
+            {line.whole.begin, line.whole.end, comment_of(whole, line.file) + *inlined});
       }
     }
     open_.pop_back();
@@ -60,6 +64,13 @@ class Inliner {
     if (!content) return refuse(fault.text);
     room_ -= content->size();
     return expanded(included, *content);
+  }
+
+  // The comment of a line, as a line before what comes in its place.
+  static std::string comment_of(std::string_view line, std::string_view file) {
+    const auto after_file = static_cast<std::size_t>(file.data() - line.data()) + file.size();
+    const std::size_t comment = line.find('#', after_file);
+    return comment == line.npos ? "" : std::string(line.substr(comment)) + "\n";
   }
 
   // A file's text with the files that it includes, without the line end that the line has.

@@ -82,11 +82,16 @@ class Search {
         readings_.push_back(changed(reading, ParenthesisEdit::add_close, i));
         close(readings_.back());
       }
-      if (kind == 'w' && reading.phase != Phase::opened && reading.phase != Phase::keyed) {
+      if (is_key(i) && reading.phase != Phase::opened && reading.phase != Phase::keyed) {
         readings_.push_back(changed(reading, ParenthesisEdit::add_open, i));
         open(readings_.back(), i);
       }
     }
+  }
+
+  // Whether a token may be the key of an item whose "(" is missing.
+  bool is_key(std::size_t i) const {
+    return tokens_[i].kind == 'w' && (words_[i] || tokens_[i + 1].kind == '=');
   }
 
   // At the end all that is open is closed, the item that is not written to its end as well.
