@@ -188,6 +188,27 @@ TEST(Mending, OfAnUnknownProtocolKeepsTheAddress) {
             "a = (DESCRIPTION = (ADDRESS_LIST = " + address + ")" + data + ")\n");
 }
 
+TEST(Mending, OfTheRestOfAnEntryMakesComments) {
+  const std::string sound = "a =\n  " + block + "\n";
+  EXPECT_EQ(mended(sound + "  " + address + "\n  " + data + ")\n" + entry("b")),
+            sound + "#   " + address + "\n#   " + data + ")\n" + entry("b"));
+  EXPECT_EQ(mended(sound + "(HOST = i)(PORT = 2))\n  " + data + " # old\n  )\n\n" + entry("b")),
+            sound + "# (HOST = i)(PORT = 2))\n#   " + data + " # old\n#   )\n\n" + entry("b"));
+  EXPECT_EQ(mended(sound + data + "\n"), sound + "# " + data + "\n");
+  EXPECT_EQ(mended(entry("a") + ")\n(CONNECT_DATA =\n" + entry("b")),
+            entry("a") + "\n# (CONNECT_DATA =\n" + entry("b"));
+}
+
+TEST(Mending, OfItemsThatMayBelongToAnEntryMakesNone) {
+  // The entry has no service, or another block follows.
+  EXPECT_EQ(mended("a = (DESCRIPTION = " + address + ")\n" + data + ")\n"),
+            entry("a").replace(entry("a").find("(CONN"), 0, "\n"));
+  const std::string text = entry("a") + block + "\n" + data + "\n";
+  EXPECT_EQ(mended(text).find("# " + data), std::string::npos);
+  // Another entry is on the last line.
+  EXPECT_EQ(mended(entry("a") + data + ") " + entry("b")).find("# " + data), std::string::npos);
+}
+
 TEST(Mending, PutsParenthesesBeforeKeysOnly) {
   const std::string rest = "(HOST = h)\n    (PORT = 1))\n  (CONNECT_DATA = (SERVICE_NAME = s)))\n";
   EXPECT_EQ(mended("a = (DESCRIPTION =\n#  (ADDRESS =\n    " + rest),

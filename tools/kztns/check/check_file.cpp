@@ -17,6 +17,7 @@
 #include "scan/half_comment.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
+#include "scan/left_over.h"
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/utf_16.h"
@@ -36,7 +37,7 @@ class EntryChecker : public EntryVisitor {
     if (view.service == nullptr && view.trace.is_system_variables() &&
         view.name != kzoci::tns::reserved_name)
       return;  // the name is to blame
-    if (is_told_already(view) || report_half_comment(view)) return;
+    if (is_told_already(view) || report_half_comment(view) || report_left_over(view)) return;
     if (view.trace.fault().kind != FaultKind::none) report_fault(view);
     if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
       report_entry_warnings(view.trace, view.name, findings_);
@@ -115,11 +116,30 @@ class EntryChecker : public EntryVisitor {
                             findings_.place(half->name.begin)};
     if (end) found.fix = fix_of_lines(text_.text(), half->rest, *end);
     found.related = half->name.begin;
-    if (view.entry.reached && !range.last) reported_stop_ = {found.rule, found.at, found.text};
     told_ranges_.push_back({half->comment, end.value_or(range.end)});
-    const Severity severity = built && range.last ? Severity::warning : Severity::error;
-    if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
+    report_rest(view, std::move(found), built && range.last ? Severity::warning : Severity::error);
     return true;
+  }
+
+  bool report_left_over(const EntryView &view) {
+    if (view.service != nullptr || view.trace.is_system_variables()) return false;
+    const auto rest = find_left_over(text_.text(), view.entry.body, faults_.enter(view).end);
+    if (!rest) return false;
+    NewFinding found = {Rule::left_over,
+                        rest->begin,
+                        view.name,
+                        {},
+                        "read as part of this entry, which is complete before it"};
+    found.fix = fix_of_lines(text_.text(), rest->begin, rest->end);
+    told_ranges_.push_back({rest->begin, rest->end});
+    report_rest(view, std::move(found), Severity::error);
+    return true;
+  }
+
+  void report_rest(const EntryView &view, NewFinding found, Severity severity) {
+    if (view.entry.reached && !faults_.range().last)
+      reported_stop_ = {found.rule, found.at, found.text};
+    if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
   }
 
   std::string consequence(const Stop *stop) const {

@@ -74,7 +74,8 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (text[at] == '(') {
     if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
     // It may belong to the entry before it.
-    if (is_block(text, at) && scan.entry_at_or_before(at) != nullptr) return {};
+    const bool is_whole = end_of_items(text.substr(0, scan.next_entry(at)), at).has_value();
+    if (is_whole && is_block(text, at) && scan.entry_at_or_before(at) != nullptr) return {};
   }
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);

@@ -1,0 +1,87 @@
+#include "scan/left_over.h"
+
+#include <algorithm>
+
+#include "scan/item_words.h"
+#include "scan/tokens.h"
+#include "scan/written_entries.h"
+#include "scan/written_items.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+bool has_key(std::string_view text, const std::vector<WrittenItem> &items, KZCILBKeyType type) {
+  return std::any_of(items.begin(), items.end(),
+                     [&](const WrittenItem &item) { return key_word(text, item).type == type; });
+}
+
+bool is_complete(std::string_view text, const WrittenItem &block) {
+  const std::vector<WrittenItem> items = items_from(text, block.value);
+  return key_word(text, block).type == LB_DESCRIPTION && has_key(text, items, LB_CONNECT_DATA) &&
+         (has_key(text, items, LB_ADDRESS) || has_key(text, items, LB_ADDRESS_LIST));
+}
+
+bool begins_line(std::string_view text, Offset at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(blanks_of_line);
+  return before == std::string_view::npos || text[before] == '\n';
+}
+
+bool ends_line(std::string_view text, Offset at) {
+  const std::size_t next = text.find_first_not_of(blanks_of_line, at);
+  return next == std::string_view::npos || text[next] == '\n' || text[next] == '#';
+}
+
+// The parentheses from a place on, up to a word outside of them.
+class Rest {
+ public:
+  Rest(std::string_view text, Offset at) : end_(at) {
+    TokenReader tokens(text, at);
+    for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+      if (token.kind == TokenKind::open) ++depth_;
+      if (token.kind == TokenKind::word || token.kind == TokenKind::equal) {
+        if (depth_ == 0) return;
+        if (before_ == TokenKind::open)
+          take_key(item_word(text.substr(token.span.begin, token.span.end - token.span.begin)));
+      }
+      if (token.kind == TokenKind::close && depth_ > 0) --depth_;
+      before_ = token.kind;
+      end_ = token.span.end;
+    }
+  }
+
+  Offset end() const { return end_; }
+  bool has_service() const { return has_service_; }
+  bool has_description() const { return has_description_; }
+
+ private:
+  void take_key(ItemWord key) {
+    if (key.type == LB_CONNECT_DATA) has_service_ = true;
+    if (key.type == LB_DESCRIPTION) has_description_ = true;
+  }
+
+  Offset end_;
+  std::int64_t depth_ = 0;
+  TokenKind before_ = TokenKind::end;
+  bool has_service_ = false;
+  bool has_description_ = false;
+};
+
+}  // namespace
+
+std::optional<Span> find_left_over(std::string_view text, Offset body, Offset end) {
+  text = text.substr(0, end);
+  const Offset open = pass_blanks(text, body);
+  if (open >= text.size() || text[open] != '(') return std::nullopt;
+  const std::optional<WrittenItem> block = item_at(text, open);
+  if (!block || !is_complete(text, *block)) return std::nullopt;
+  const Offset begin = pass_blanks(text, block->end);
+  if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
+    return std::nullopt;
+  const Rest rest(text, begin);
+  if (!rest.has_service() || rest.has_description() || !ends_line(text, rest.end()))
+    return std::nullopt;
+  return Span{begin, rest.end()};
+}
+
+}  // namespace kztns
