@@ -123,8 +123,8 @@ TEST(Mending, OfAnEntryFromAMailRemovesTheSignsBeforeItsLines) {
 
 TEST(Mending, OfAnEntryWhoseLinesHaveNoSignsLeavesItsName) {
   EXPECT_EQ(mended(entry(">a")), entry(">a"));
-  EXPECT_EQ(mended(">a = (DESCRIPTION = > " + block + ")\n"),
-            ">a = (DESCRIPTION = > " + block + ")\n");
+  const std::string items = "> " + address + data + ")\n";
+  EXPECT_EQ(mended(">a = (DESCRIPTION = " + items), entry(">a"));
 }
 
 TEST(Mending, OfANameThatStandsTwiceRemovesOne) {
@@ -207,6 +207,51 @@ TEST(Mending, OfItemsThatMayBelongToAnEntryMakesNone) {
   EXPECT_EQ(mended(text).find("# " + data), std::string::npos);
   // Another entry is on the last line.
   EXPECT_EQ(mended(entry("a") + data + ") " + entry("b")).find("# " + data), std::string::npos);
+}
+
+TEST(Mending, OfAnOpeningThatStandsTwiceRemovesOne) {
+  const std::string items = "\n    " + address + "\n    " + data + "\n  )";
+  const std::string sound = "a =\n  (DESCRIPTION =" + items + "\n" + entry("b");
+  EXPECT_EQ(mended("a =\n  (DESCRIPTION =\n  (DESCRIPTION =" + items + "\n" + entry("b")), sound);
+  EXPECT_EQ(mended("a =\n  (DESCRIPTION =\n  (DESCRIPTION =" + items + ")\n" + entry("b")), sound);
+  const auto list = [&](const std::string &opening, const std::string &closing) {
+    return "a = (DESCRIPTION = " + opening + "\n  " + address + closing + data + ")\n";
+  };
+  const std::string listed = list("(ADDRESS_LIST =", ")");
+  EXPECT_EQ(mended(list("(ADDRESS_LIST = (ADDRESS_LIST =", ")")), listed);
+  EXPECT_EQ(mended(list("(ADDRESS_LIST = # one\n(address_list =", "))")),
+            list("(ADDRESS_LIST = # one\n", ")"));
+  // One of two in a list is another matter.
+  const std::string two = "a = (DESCRIPTION = (ADDRESS_LIST = " + address +
+                          "(ADDRESS_LIST = " + address + "))" + data + ")\n";
+  EXPECT_NE(mended(two).find(address + ")(ADDRESS_LIST = " + address), std::string::npos)
+      << mended(two);
+}
+
+TEST(Mending, OfQuotesThatALaterEntryClosesClosesThem) {
+  for (const std::string host : {"\"h", "h\""}) {
+    std::string text;
+    std::string sound;
+    for (const std::string name : {"a", "b"}) {
+      std::string one = entry(name);
+      text += one.replace(one.find("= h)") + 2, 1, host);
+    }
+    const std::string closed = host == "\"h" ? "\"h\"" : "h";
+    for (const std::string name : {"a", "b"}) {
+      std::string one = entry(name);
+      sound += one.replace(one.find("= h)") + 2, 1, closed);
+    }
+    EXPECT_EQ(mended(text + entry("c")), sound + entry("c"));
+  }
+}
+
+TEST(Mending, OfAListOfNamesAndAnotherWord) {
+  EXPECT_EQ(mended("a, b, = " + block + "\n" + entry("c")), entry("a") + entry("b") + entry("c"));
+  EXPECT_EQ(mended("Regards,\n\na = " + block + "\n"), "# Regards,\n\n" + entry("a"));
+  EXPECT_EQ(mended("Regards,\nAnna,\n\na,\nb = " + block + "\n"),
+            "# Regards,\n# Anna,\n\n" + entry("a") + entry("b"));
+  EXPECT_EQ(mended("a a = " + block + "\n" + entry("b")), entry("a") + entry("b"));
+  EXPECT_EQ(mended("c a = " + block + "\n").find("c = ("), std::string::npos);
 }
 
 TEST(Mending, PutsParenthesesBeforeKeysOnly) {

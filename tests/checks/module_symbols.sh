@@ -11,7 +11,7 @@ files='(open|fcntl|[fl]stat|ftruncate)(64)?|__(fcntl|[fl]stat64)_time64|close|wr
 platform_libc="$files|malloc|free|v?snprintf|strlen|mem(chr|cmp|cpy|move|set)|(__)?clock_gettime(64)?|__errno_location|pthread_(mutex_(un)?lock|atfork)"
 # Besides what the code asks for: what the compiler calls for arithmetic that the processor
 # lacks, and instead of some of the above when it fortifies.
-compiler='__stack_chk_fail(_local)?|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0|__[a-z]+_chk|__(ctz|u?div|u?mod|u?divmod)di[234]|__x86.get_pc_thunk.[a-z]+'
+compiler='__stack_chk_fail(_local)?|_GLOBAL_OFFSET_TABLE_|__gxx_personality_v0|__[a-z]+_chk|__(ctz|u?div|u?mod|u?divmod)di[234]|__aeabi_[a-z0-9]+|__x86.get_pc_thunk.[a-z]+'
 instrumentation='__(asan|ubsan|tsan|gcov|sanitizer)_[a-z0-9_]*|_?_?tls_get_addr'
 
 case $1 in

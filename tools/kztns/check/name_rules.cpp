@@ -104,13 +104,16 @@ class NameRules {
   // Fixes that were applied to a copy may have changed the order of the file.
   void report_duplicate(const Entry &entry, const Entry &first) {
     if (text_.origin(first.at) > text_.origin(entry.at)) return report_duplicate(first, entry);
+    const bool passed_over =
+        first.at < entry.at && first.verdict == Verdict::shadowed && entry.verdict == Verdict::ok;
     if (!findings_.wanted(Rule::duplicate)) return;
     findings_.add({Rule::duplicate,
                    entry.at,
                    scan_.name(entry),
                    {},
                    "duplicate name: the first entry, at " + text_.place(first.at) +
-                       ", is used; other readers of such files use the last one",
+                       (passed_over ? ", is not reached"
+                                    : ", is used; other readers of such files use the last one"),
                    {},
                    {},
                    first.at});

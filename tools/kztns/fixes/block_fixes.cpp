@@ -138,6 +138,16 @@ Fix without_address(const FaultPlace &place) {
   return has_another(place, description, list->open) ? place.removal(list->open) : Fix();
 }
 
+Fix without_inner_block(const FaultPlace &place, const WrittenItem &inner) {
+  const std::optional<WrittenItem> outer = place.opener(place.frame());
+  const bool same = outer && equal_but_for_case(place.key_of(*outer), place.key_of(inner));
+  if (!same || place.children(*outer).size() != 1 || place.children(inner).empty()) return {};
+  // Without the blanks before it, so that the items keep their lines.
+  const bool alone = trimmed(place.slice({outer->value, inner.open})).empty();
+  const Offset begin = alone ? outer->value : inner.open;
+  return unsafe_fix({{begin, inner.value, {}}, without_closing(place, *outer)});
+}
+
 Fix unwrapped(const FaultPlace &place, std::string_view name) {
   const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
   if (place.block() != Block::entry || !list) return {};

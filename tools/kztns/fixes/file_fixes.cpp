@@ -65,8 +65,20 @@ bool is_block(std::string_view text, Offset open) {
   return opens_block(item_word(text.substr(key, end_of_word(text, key) - key)));
 }
 
+// "NAME NAME ="
+Fix without_repeated_name(std::string_view text, Offset at) {
+  const Offset end = end_of_word(text, at);
+  const Offset next = pass_blanks(text, end);
+  const std::string_view name = text.substr(at, end - at);
+  const Offset next_end = end_of_word(text, next);
+  const bool repeats = !name.empty() && text.substr(next, next_end - next) == name &&
+                       text.substr(pass_blanks(text, next_end)).starts_with('=');
+  return repeats ? safe_fix({{at, next, {}}}) : Fix();
+}
+
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
+  if (Fix fix = without_repeated_name(text, at)) return fix;
   const Offset line_end = end_of_line(text, at);
   if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));

@@ -1,5 +1,6 @@
 #include "fixes/misplaced_fixes.h"
 
+#include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
 #include "text/characters.h"
 
@@ -128,6 +129,11 @@ void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {
   if (!item) return;
   if (place.block() == Block::entry) {
     diagnosis.fix = in_description(place, *item);
+    return;
+  }
+  diagnosis.fix = without_inner_block(place, *item);
+  if (diagnosis.fix) {
+    diagnosis.remedy = "remove one of the two";
     return;
   }
   if (const auto target = taker(place, place.item()->type))

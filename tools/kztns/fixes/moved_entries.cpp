@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fixes/file_fixes.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
@@ -146,10 +147,11 @@ constexpr std::size_t most_copied = 1 << 20;
 
 struct NameList {
   std::vector<Span> names;
+  Offset end = 0;  // of the last one, the comma after it included
   Offset equal = 0;
 };
 
-// "A, B ="; absent where the text at a place is no list, or has a comma too many.
+// "A, B ="; absent where the text at a place is no list. A comma may follow the last name.
 std::optional<NameList> read_list(std::string_view text, Offset at) {
   NameList list;
   for (bool more = true; more;) {
@@ -157,19 +159,34 @@ std::optional<NameList> read_list(std::string_view text, Offset at) {
     if (end == at) return std::nullopt;
     if (list.names.size() == most_names_of_list) return std::nullopt;
     list.names.push_back({at, static_cast<Offset>(end)});
-    at = pass_blanks(text, static_cast<Offset>(end));
+    list.end = static_cast<Offset>(end);
+    at = pass_blanks(text, list.end);
     more = at < text.size() && text[at] == ',';
-    if (more) at = pass_blanks(text, at + 1);
+    if (!more) break;
+    list.end = at + 1;
+    at = pass_blanks(text, list.end);
+    more = at >= text.size() || text[at] != '=';
   }
   list.equal = at;
   if (at >= text.size() || text[at] != '=') return std::nullopt;
   return list;
 }
 
+// The end of the last name before a blank line: "Regards," is no name of the entry that follows.
+std::optional<Offset> last_gap(std::string_view text, const NameList &list) {
+  std::optional<Offset> gap;
+  for (std::size_t i = 0; i + 1 < list.names.size(); ++i) {
+    const Offset end = list.names[i].end;
+    const Offset line = std::min(end_of_line(text, end), list.names[i + 1].begin);
+    if (line < list.names[i + 1].begin && after_blank_lines(text, line + 1) > line + 1) gap = end;
+  }
+  return gap;
+}
+
 // Leaves one name of the list, and its comments.
 std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span kept) {
   const Offset begin = list.names.front().begin;
-  const Offset end = list.names.back().end;
+  const Offset end = list.end;
   std::vector<Edit> edits;
   if (text.substr(begin, end - begin).find('#') == std::string_view::npos) {
     edits.push_back({begin, kept.begin, {}});
@@ -191,6 +208,7 @@ Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_list(text, at);
   if (!list) return {};
+  if (const auto gap = last_gap(text, *list)) return fix_of_lines(text, at, *gap);
   const Offset limit = scan_.next_entry(list->equal);
   const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
   const auto after = end ? end_with_line(text, *end) : std::nullopt;

@@ -133,6 +133,11 @@ class FaultExplainer {
     return quote ? quote : open_quote(text(), from, to);
   }
 
+  // Whether quotes of a later entry close what a quote opens.
+  bool is_quoted_later(Offset quote) const {
+    return text().find('"', quote + 1) != std::string_view::npos;
+  }
+
   // Quotes of a later value close it, as the library reads it.
   std::optional<Diagnosis> quote_closed_late(Offset from, Offset to) const {
     const auto quotes = quotes_around_items(text(), from, std::min(to, subject_.end));
@@ -177,7 +182,10 @@ class FaultExplainer {
     const auto quote = unclosed_quote(fault_.at, size);
     if (quote)
       if (auto early = quote_closed_late(fault_.at, size)) return *std::move(early);
-    if (quote) return found_at(Rule::unclosed_quote, *quote, "unterminated quote: " + end());
+    if (quote)
+      return found_at(Rule::unclosed_quote, *quote,
+                      "unterminated quote: " +
+                          (is_quoted_later(*quote) ? "not closed before the next entry" : end()));
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }
 

@@ -5,6 +5,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/parenthesis_search.h"
 #include "scan/written_entries.h"
+#include "text/spelling.h"
 
 namespace kztns {
 namespace {
@@ -111,6 +112,44 @@ class ParenthesisExplainer {
   bool last_;
 };
 
+// The "(KEY =" that stands twice, where a block of that key has none of the same in it: the second
+// one's index.
+std::optional<std::size_t> find_repeated_opening(std::string_view text,
+                                                 const std::vector<EntryToken> &tokens) {
+  const auto key_at = [&](std::size_t open) {
+    const bool opens =
+        tokens[open].kind == '(' && tokens[open + 1].kind == 'w' && tokens[open + 2].kind == '=';
+    const EntryToken &key = tokens[open + 1];
+    return opens ? text.substr(key.at, key.end - key.at) : std::string_view();
+  };
+  for (std::size_t i = 0; i + 6 < tokens.size(); ++i) {
+    const std::string_view key = key_at(i);
+    if (key.empty() || !equal_but_for_case(key, key_at(i + 3))) continue;
+    const Placement outer = placement_of(item_word(key), {Content::foreign});
+    if (opens_block(item_word(key)) && placement_of(item_word(key), outer.content).fit == Fit::bad)
+      return i + 3;
+  }
+  return std::nullopt;
+}
+
+bool is_short_of_closes(const std::vector<EntryToken> &tokens) {
+  std::int64_t depth = 0;
+  for (const EntryToken &token : tokens)
+    depth += token.kind == '(' ? 1 : token.kind == ')' ? -1 : 0;
+  return depth > 0;
+}
+
+Diagnosis repeated_opening(std::string_view text, const std::vector<EntryToken> &tokens,
+                           std::size_t open) {
+  const EntryToken &key = tokens[open + 1];
+  return {Rule::extra_open,
+          tokens[open].at,
+          {},
+          "unmatched \"(\": " + excerpt(text.substr(key.at, key.end - key.at)) + " is opened twice",
+          "remove one of them",
+          unsafe_fix({{tokens[open - 1].end, tokens[open + 2].end, {}}})};
+}
+
 }  // namespace
 
 std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRange range,
@@ -118,6 +157,8 @@ std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRan
   const std::string_view text = subject.text.text();
   const auto tokens = entry_tokens(text, range.body, range.end);
   if (!tokens) return std::nullopt;
+  if (const auto open = find_repeated_opening(text, *tokens); open && is_short_of_closes(*tokens))
+    return repeated_opening(text, *tokens, *open);
   // A literal descriptor has no name.
   const bool reserved =
       !name.empty() && kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
