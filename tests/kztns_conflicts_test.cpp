@@ -13,8 +13,8 @@ using kztns::NamesText;
 using kztns::Rule;
 using support::entry;
 
-// Its value has to be in quotes.
-std::string unquoted(const std::string &name, const std::string &value = "web shop") {
+// A value with a blank has to be in quotes.
+std::string entry_with_info(const std::string &name, const std::string &value = "web shop") {
   return name + " = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)" +
          "(KZ_USER_EXTRA_INFO = " + value + ")))\n";
 }
@@ -99,16 +99,16 @@ TEST(Conflicts, AreNotWhatOnlyLooksLikeThem) {
 }
 
 TEST(Conflicts, AreNotMended) {
-  const std::string text = conflict(unquoted("a"), entry("b")) + "stray\n";
-  const std::vector<Finding> findings = findings_in(unquoted("c") + text);
+  const std::string text = conflict(entry_with_info("a"), entry("b")) + "stray\n";
+  const std::vector<Finding> findings = findings_in(entry_with_info("c") + text);
   ASSERT_GE(findings.size(), 3u);
   EXPECT_EQ(findings[0].rule, Rule::unquoted_value);
   EXPECT_TRUE(findings[0].fix);
   EXPECT_EQ(findings[1].rule, Rule::conflict_marker);
   EXPECT_EQ(findings[2].rule, Rule::unquoted_value);
   EXPECT_FALSE(findings[2].fix);
-  const std::string markers = conflict(unquoted("a"), entry("b"));
-  EXPECT_EQ(mend(unquoted("c") + markers), unquoted("c", "\"web shop\"") + markers);
+  const std::string markers = conflict(entry_with_info("a"), entry("b"));
+  EXPECT_EQ(mend(entry_with_info("c") + markers), entry_with_info("c", "\"web shop\"") + markers);
 }
 
 // An item before a conflict may go on to after it.

@@ -140,12 +140,11 @@ TEST_P(Probes, WhyTellsTheCause) {
     EXPECT_NE(kztns::describe_failure(lookup, report).find(to_string(report.fault->position)),
               std::string::npos);
   } else if (probe.find == 0) {
-    EXPECT_TRUE(report.fault.has_value() || !report.near.empty() || probe.file.starts_with("05"))
-        << probe.reason;
+    EXPECT_TRUE(report.fault.has_value() || !report.near.empty()) << probe.reason;
   } else {
     EXPECT_FALSE(report.fault.has_value()) << probe.reason;
     EXPECT_TRUE(report.entry.has_value()) << probe.reason;
-    EXPECT_EQ(report.warnings.empty() && probe.line != 0, false) << probe.reason;
+    EXPECT_FALSE(report.warnings.empty() && probe.line != 0) << probe.reason;
   }
 }
 
