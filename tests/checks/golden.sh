@@ -6,12 +6,15 @@
 #   golden.sh CASE SOURCE_DIR PROGRAM...
 set -uo pipefail
 case_file=$1
-source_dir=$2
+source_dir=$(realpath "$2")
 shift 2
 out=$(mktemp -d)
 trap 'rm -rf "$out"' EXIT
 mkdir "$out"/{bin,case,scratch,expected,actual}
-ln -s "$@" "$out/bin/"
+# Links keep the names of the programs, which may be links themselves.
+for program; do
+  ln -s "$(realpath -s "$program")" "$out/bin/"
+done
 ln -s "$source_dir"/{examples,docs} "$out/case/"
 
 # Each section into a file of its name; the names of escaped ones to standard output.

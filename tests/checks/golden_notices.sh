@@ -41,4 +41,10 @@ run 1 $'# A failure, and none expected.\n-- command --\nexit 1'
 run 1 "${good#*$'\n'}"
 run 1 "A case without a comment's mark.${good#*.}"
 run 1 $'# No command.\n-- stdout --'
+
+printf '#!/bin/sh\necho here\n' >"$work/program"
+chmod +x "$work/program"
+printf '# A program.\n-- command --\nprogram\n-- stdout --\nhere\n' >"$work/case.golden"
+(cd "$work" && "$source_dir/tests/checks/golden.sh" case.golden "$source_dir" ./program) ||
+  { echo "a program with a relative path is not found"; failed=1; }
 exit $failed
