@@ -19,14 +19,8 @@ TEST_F(FileRules, EntriesThatAreSkippedAsPartOfAnotherOne) {
 }
 
 TEST_F(FileRules, WhatEndsLookupsIsToldWithoutTheEntry) {
-  class NoVisitor : public kztns::EntryVisitor {
-   public:
-    void visit(const kztns::EntryView &) override {}
-    void progress(kztns::Offset) override {}
-  } visitor;
   const kztns::NamesText open("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n" + entry("b"));
-  EXPECT_EQ(kztns::cause_of_stop(kztns::FileScan(open, visitor)).text,
-            "the parentheses of a never balance");
+  EXPECT_EQ(kztns::cause_of_stop(kztns::FileScan(open)).text, "the parentheses of a never balance");
 }
 
 TEST_F(FileRules, AllStrayLinesAreToldInOneWalk) {

@@ -20,12 +20,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-class Nobody : public kztns::EntryVisitor {
- public:
-  void visit(const kztns::EntryView &) override {}
-  void progress(kztns::Offset) override {}
-};
-
 struct Outcome {
   sword status;
   boolean find;
@@ -76,8 +70,7 @@ class Verdicts : public testing::Test {
     SCOPED_TRACE(content);
     folder_.write("names", content);
     const kztns::NamesText text(content);
-    Nobody nobody;
-    const kztns::FileScan scan(text, nobody);
+    const kztns::FileScan scan(text);
     for (const kztns::Entry &entry : scan.entries())
       check_entry(entry, std::string(scan.name(entry)));
     check_report(text);

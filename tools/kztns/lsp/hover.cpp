@@ -87,12 +87,6 @@ std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
   return text;
 }
 
-class NoVisitor : public EntryVisitor {
- public:
-  void visit(const EntryView &) override {}
-  void progress(Offset) override {}
-};
-
 // What keeps lookups from a place: what ends them before it, or leads them past it.
 std::optional<StopCause> cause_before(const FileScan &scan, Offset at) {
   const Entry *const last = scan.last_reached();
@@ -113,8 +107,7 @@ std::optional<StopCause> cause_before(const FileScan &scan, Offset at) {
 
 std::string cause_of_loss(const Question &question, const Analysis &analysis, Offset at) {
   const NamesText text(question.document.text());
-  NoVisitor visitor;
-  const std::optional<StopCause> cause = cause_before(FileScan(text, visitor), at);
+  const std::optional<StopCause> cause = cause_before(FileScan(text), at);
   if (!cause) return {};
   std::string words = cause->text;
   for (const Finding &finding : analysis.report.findings)

@@ -14,12 +14,6 @@
 namespace kztns {
 namespace {
 
-class NoVisitor : public EntryVisitor {
- public:
-  void visit(const EntryView &) override {}
-  void progress(Offset) override {}
-};
-
 Offset line_start(std::string_view text, Offset at) {
   return static_cast<Offset>(text.substr(0, at).rfind('\n') + 1);
 }
@@ -52,7 +46,7 @@ struct Candidate {
 // One scan of the text at hand.
 class Unserved {
  public:
-  explicit Unserved(Mender &mender) : text_(mender.text().text()), scan_(mender.text(), visitor_) {
+  explicit Unserved(Mender &mender) : text_(mender.text().text()), scan_(mender.text()) {
     for (const Entry &entry : scan_.entries()) starts_[scan_.name(entry)].push_back(entry.at);
     for (const Finding &finding : mender.report().findings) {
       if (finding.severity != Severity::error || is_lost_elsewhere(finding)) continue;
@@ -162,7 +156,6 @@ class Unserved {
   }
 
   std::string_view text_;
-  NoVisitor visitor_;
   FileScan scan_;
   std::unordered_map<std::string_view, std::vector<Offset>> starts_;  // of entries, by their names
   std::vector<const Finding *> errors_;                               // in the order of the text

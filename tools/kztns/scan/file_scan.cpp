@@ -36,6 +36,12 @@ class MetToken : public LogListener {
   }
 };
 
+class NoVisitor : public EntryVisitor {
+ public:
+  void visit(const EntryView &) override {}
+  void progress(Offset) override {}
+};
+
 // A parse state after the "=" of an entry.
 KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_view name) {
   KZCITnsParseParams params = parse_at(text, body);
@@ -313,8 +319,15 @@ KZCITnsParseParams parse_at(const std::string &text, Offset at) {
   return params;
 }
 
-FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) {
-  Builder builder(text, visitor);
+FileScan::FileScan(const NamesText &text, EntryVisitor &visitor) : text_(text) { run(visitor); }
+
+FileScan::FileScan(const NamesText &text) : text_(text) {
+  NoVisitor visitor;
+  run(visitor);
+}
+
+void FileScan::run(EntryVisitor &visitor) {
+  Builder builder(text_, visitor);
   NameIndex names;
   Walk(*this, builder, names).run();
   if (!comes_past_all()) UnreachedEntries(*this, builder, names).run();

@@ -85,6 +85,8 @@ class FileScan {
   // Walks through the text; the visitor sees every entry as it is built, which
   // is not quite the order of the text.
   FileScan(const NamesText &text, EntryVisitor &visitor);
+  // The same with nobody who sees them.
+  explicit FileScan(const NamesText &text);
 
   const std::vector<Entry> &entries() const { return entries_; }  // in the text's order
   const Stop &stop() const { return stop_; }
@@ -119,6 +121,7 @@ class FileScan {
   friend class Walk;
   friend class UnreachedEntries;
 
+  void run(EntryVisitor &visitor);
   // Whether each entry begins where the one before ends, so that no other is in the text.
   bool comes_past_all() const;
 
