@@ -51,13 +51,13 @@ KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_vie
   return params;
 }
 
-}  // namespace
-
 // More are not worth telling: the first ones are hardly mended yet.
 constexpr std::size_t most_skip_mismatches = 100;
 
+}  // namespace
+
 // Builds entries, decides on their verdicts and shows them to the visitor.
-class Builder {
+class FileScan::Builder {
  public:
   Builder(const NamesText &text, EntryVisitor &visitor) : visitor_(visitor), trace_(text.text()) {}
 
@@ -89,7 +89,7 @@ class Builder {
 };
 
 // The way that a lookup goes through the file, to where it ends.
-class Walk {
+class FileScan::Walk {
  public:
   Walk(FileScan &scan, Builder &builder, NameIndex &names)
       : scan_(scan), builder_(builder), names_(names) {
@@ -233,7 +233,7 @@ class Walk {
 };
 
 // The entries that stand in the text but are not reached.
-class UnreachedEntries {
+class FileScan::UnreachedEntries {
  public:
   UnreachedEntries(FileScan &scan, Builder &builder, NameIndex &names)
       : scan_(scan), builder_(builder), names_(names), reached_(scan.entries_.size()) {}

@@ -118,8 +118,9 @@ class FileScan {
   }
 
  private:
-  friend class Walk;
-  friend class UnreachedEntries;
+  class Builder;
+  class Walk;
+  class UnreachedEntries;
 
   void run(EntryVisitor &visitor);
   // Whether each entry begins where the one before ends, so that no other is in the text.
