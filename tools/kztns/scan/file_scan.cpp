@@ -158,21 +158,23 @@ class FileScan::Walk {
     scan_.names_.append(params_.tns_key, params_.tns_key_len);
   }
 
-  bool is_second() {
+  // Whether no entry before has the name.
+  bool add_name() {
     const std::string_view name = scan_.name(entry_);
     const auto index = static_cast<std::uint32_t>(scan_.entries_.size());
     return names_.find_or_add(name_hash(name), index, [&](std::uint32_t other) {
       return same_name(scan_.name(scan_.entries_[other]), name);
-    }) != NameIndex::none;
+    }) == NameIndex::none;
   }
 
-  Verdict verdict(bool built) {
-    const std::string_view name = scan_.name(entry_);
-    // Such a name is never looked up: it is built itself.
-    if (IsDescriptionTns(const_cast<char *>(name.data()), entry_.name_length))
-      return Verdict::unreachable;
-    if (is_second()) return Verdict::shadowed;
-    if (!built) return Verdict::refused;
+  // Such a name is never looked up: it is built itself.
+  bool is_descriptor() const {
+    return IsDescriptionTns(const_cast<char *>(scan_.name(entry_).data()), entry_.name_length);
+  }
+
+  Verdict verdict(bool is_first) const {
+    if (!is_first) return Verdict::shadowed;
+    if (!entry_.built) return Verdict::refused;
     return builder_.trace().is_system_variables() ? Verdict::reserved : Verdict::ok;
   }
 
@@ -182,7 +184,7 @@ class FileScan::Walk {
     builder_.build(params_, [&](KZCITnsService *service, Offset end) {
       entry_.built = service != nullptr;
       entry_.end = end;
-      entry_.verdict = verdict(entry_.built);
+      entry_.verdict = is_descriptor() ? Verdict::unreachable : verdict(add_name());
       const Offset body = here(params_);
       goes_on = pass_over();
       note_skip_mismatch();
