@@ -48,7 +48,7 @@ struct ReportEntry {
   Verdict verdict;
 };
 
-constexpr std::size_t severity_count = 3;
+constexpr std::size_t severity_count = static_cast<std::size_t>(Severity::note) + 1;
 using SeverityCounts = std::array<std::size_t, severity_count>;
 
 struct CheckReport {

@@ -291,11 +291,17 @@ Formatted format_file(const NamesText &text, const FormatOptions &options,
 }
 
 std::string_view name_of(KeptBecause reason) {
-  constexpr std::string_view names[] = {"the library refuses it",
-                                        "its text is not that of one entry",
-                                        "a comment in it ignores findings of its line",
-                                        "with another layout, lookups would not find the same"};
-  return names[static_cast<std::size_t>(reason)];
+  switch (reason) {
+    case KeptBecause::refused:
+      return "the library refuses it";
+    case KeptBecause::unclear:
+      return "its text is not that of one entry";
+    case KeptBecause::ignores:
+      return "a comment in it ignores findings of its line";
+    case KeptBecause::would_differ:
+      return "with another layout, lookups would not find the same";
+  }
+  return "";
 }
 
 }  // namespace kztns

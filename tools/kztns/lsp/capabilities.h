@@ -17,8 +17,6 @@ Json code_actions(const Question &question);
 Json resolved_action(const Question &question);
 
 Json completion(const Question &question);
-// What a verdict means, in the words of hover.
-std::string_view meaning_of(Verdict verdict);
 Json hover(const Question &question);
 
 // Of more entries an outline has the names alone: with their blocks it is megabytes, and

@@ -166,13 +166,6 @@ std::string text_of_item(const Question &question, const Place &place) {
 
 }  // namespace
 
-std::string_view meaning_of(Verdict verdict) {
-  constexpr std::string_view meanings[] = {
-      "lookups find it", "the library cannot build it", "no lookup comes to it",
-      "an earlier entry has this name", "the system variables"};
-  return meanings[static_cast<std::size_t>(verdict)];
-}
-
 Json hover(const Question &question) {
   const std::optional<LinePosition> position = position_in(member(question.params, "position"));
   if (!position) return question.refuse(invalid_params, "expected a position");

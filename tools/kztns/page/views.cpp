@@ -81,7 +81,7 @@ Json meanings_of_verdicts() {
   Json meanings = Json::object();
   for (std::size_t i = 0; i < verdict_count; ++i) {
     const auto verdict = static_cast<Verdict>(i);
-    meanings[std::string(name_of(verdict))] = lsp::meaning_of(verdict);
+    meanings[std::string(name_of(verdict))] = meaning_of(verdict);
   }
   return meanings;
 }

@@ -84,8 +84,17 @@ std::string plain_section(std::string_view markdown) {
 
 // What --rules says of the fixes of a rule.
 std::string_view words_of(FixKinds kinds) {
-  constexpr std::string_view words[] = {"", "safe", "unsafe", "safe or unsafe"};
-  return words[static_cast<std::size_t>(kinds)];
+  switch (kinds) {
+    case FixKinds::none:
+      return "";
+    case FixKinds::safe:
+      return "safe";
+    case FixKinds::unsafe:
+      return "unsafe";
+    case FixKinds::both:
+      return "safe or unsafe";
+  }
+  return "";
 }
 
 std::string padded(std::string_view text, std::size_t width) {

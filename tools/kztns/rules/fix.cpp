@@ -3,8 +3,15 @@
 namespace kztns {
 
 std::string_view name_of(Applicability applicability) {
-  constexpr std::string_view names[] = {"none", "safe", "unsafe"};
-  return names[static_cast<std::size_t>(applicability)];
+  switch (applicability) {
+    case Applicability::none:
+      return "none";
+    case Applicability::safe:
+      return "safe";
+    case Applicability::unsafe:
+      return "unsafe";
+  }
+  return "";
 }
 
 }  // namespace kztns

@@ -344,11 +344,6 @@ bool FileScan::comes_past_all() const {
                      [](const Entry &entry) { return entry.built; });
 }
 
-std::string_view name_of(Verdict verdict) {
-  constexpr std::string_view names[] = {"ok", "refused", "unreachable", "shadowed", "reserved"};
-  return names[static_cast<std::size_t>(verdict)];
-}
-
 void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace) {
   const AllocationScope scope;
   KZCITns tns = {};

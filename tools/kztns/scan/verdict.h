@@ -15,7 +15,10 @@ enum class Verdict : std::uint8_t {
   reserved      // built as system variables
 };
 
+constexpr std::size_t verdict_count = static_cast<std::size_t>(Verdict::reserved) + 1;
+
 std::string_view name_of(Verdict verdict);
-constexpr std::size_t verdict_count = 5;
+// What it means, in the words that editors and the page show.
+std::string_view meaning_of(Verdict verdict);
 
 }  // namespace kztns
