@@ -23,7 +23,7 @@ std::size_t count_of(const kztns::CheckReport &report, Verdict verdict) {
 }
 
 std::size_t errors_of(const kztns::CheckReport &report) {
-  return report.severities[static_cast<std::size_t>(kztns::Severity::error)];
+  return count(report, kztns::Severity::error);
 }
 
 // What is not served is reported.

@@ -81,7 +81,7 @@ TEST(MendForeignFiles, ReportsWhatIsNotServed) {
   for_files_and_choices([](const support::ForeignFile &file, const Choice &choice) {
     const std::string result = mended(file.text, choice);
     const kztns::CheckReport report = report_of(result);
-    const bool errors = report.severities[static_cast<std::size_t>(kztns::Severity::error)] > 0;
+    const bool errors = count(report, kztns::Severity::error) > 0;
     if (choice.commenting.unserved) {
       EXPECT_FALSE(errors) << result;
     } else if (!errors) {

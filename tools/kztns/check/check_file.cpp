@@ -222,7 +222,6 @@ class FurtherChecks {
     finding.at = edited_.origin(finding.at);
     if (is_consequence(finding.rule) || !known_.insert(finding.at).second) return;
     finding.fix.to_origin(edited_);
-    ++report_.severities[static_cast<std::size_t>(finding.severity)];
     report_.findings.push_back(std::move(finding));
   }
 
@@ -246,8 +245,6 @@ void add_findings_of_converted(const NamesText &text, const CheckRequest &reques
   for (std::size_t i = 0; i < rule_count; ++i)
     for (std::size_t severity = 0; severity < severity_count; ++severity)
       report.left_out[i][severity] += found.left_out[i][severity];
-  for (std::size_t i = 0; i < found.severities.size(); ++i)
-    report.severities[i] += found.severities[i];
 }
 
 }  // namespace

@@ -57,15 +57,17 @@ struct CheckReport {
   // How many findings of a rule are left out, since there are too many, by severity.
   std::array<SeverityCounts, rule_count> left_out = {};
   std::array<std::size_t, verdict_count> verdicts = {};
-  SeverityCounts severities = {};    // how many of each, those left out too
   bool lookups_end = false;          // before the end of the file, or go astray in it
   bool splits = false;               // whether a fix makes entries that are not checked yet
   std::vector<ReportEntry> entries;  // only where the format shows them
   std::vector<Offset> starts;        // of all entries, only where there are findings
 };
 
+// How many findings there are of each severity, those left out too.
+SeverityCounts severities_of(const CheckReport &report);
+
 inline std::size_t count(const CheckReport &report, Severity severity) {
-  return report.severities[static_cast<std::size_t>(severity)];
+  return severities_of(report)[static_cast<std::size_t>(severity)];
 }
 
 // How many findings of the rule are left out.

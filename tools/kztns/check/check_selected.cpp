@@ -21,14 +21,6 @@ void leave_out_more_than(std::size_t most, CheckReport &report) {
   });
 }
 
-void count_severities(CheckReport &report) {
-  report.severities = {};
-  for (const SeverityCounts &counts : report.left_out)
-    for (std::size_t i = 0; i < severity_count; ++i) report.severities[i] += counts[i];
-  for (const Finding &finding : report.findings)
-    ++report.severities[static_cast<std::size_t>(finding.severity)];
-}
-
 void leave_out_rules(const RuleSet &disabled, CheckReport &report) {
   const auto is_disabled = [&](const Finding &finding) {
     return disabled[static_cast<std::size_t>(finding.rule)];
@@ -63,7 +55,6 @@ CheckReport check_with(Check check, const NamesText &text, const CheckRequest &r
   ignores.report_unknown(findings);
   sort(report.findings);
   if (disabled.any()) leave_out_rules(disabled, report);
-  if (disabled.any() || !ignores.empty()) count_severities(report);
   return report;
 }
 

@@ -74,7 +74,6 @@ void report_conflicts(const NamesText &text, Findings &findings, CheckReport &re
       others.push_back(std::move(finding));
       continue;
     }
-    --report.severities[static_cast<std::size_t>(finding.severity)];
     told.emplace(around->begin, std::move(finding));
   }
   report.findings = std::move(others);

@@ -8,7 +8,6 @@ bool Findings::wanted(Rule rule) { return wanted(rule, row_of(rule).severity); }
 
 bool Findings::wanted(Rule rule, Severity severity) {
   const auto index = static_cast<std::size_t>(rule);
-  ++report_.severities[static_cast<std::size_t>(severity)];
   if (++counts_[index] <= most_) return true;
   ++report_.left_out[index][static_cast<std::size_t>(severity)];
   return false;

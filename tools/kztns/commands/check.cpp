@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "check/check_selected.h"
 #include "io/exit_status.h"
@@ -20,9 +21,9 @@ namespace {
 void make_warnings_errors(CheckReport &report) {
   for (Finding &finding : report.findings)
     if (finding.severity == Severity::warning) finding.severity = Severity::error;
-  std::size_t &warnings = report.severities[static_cast<std::size_t>(Severity::warning)];
-  report.severities[static_cast<std::size_t>(Severity::error)] += warnings;
-  warnings = 0;
+  for (SeverityCounts &counts : report.left_out)
+    counts[static_cast<std::size_t>(Severity::error)] +=
+        std::exchange(counts[static_cast<std::size_t>(Severity::warning)], 0);
 }
 
 // Checks one file after the other.

@@ -42,8 +42,7 @@ class Fixer {
     const int written = write();
     if (written != exit_success) return written;
     tell();
-    const bool errors = left_.severities[static_cast<std::size_t>(Severity::error)] > 0;
-    return errors ? exit_findings : exit_success;
+    return count(left_, Severity::error) > 0 ? exit_findings : exit_success;
   }
 
  private:
@@ -173,7 +172,7 @@ class Fixer {
   // "3 left, 1 of them with an unsafe fix"
   std::string left() const {
     std::size_t all = 0;
-    for (const std::size_t count : left_.severities) all += count;
+    for (const std::size_t count : severities_of(left_)) all += count;
     const auto is_unsafe = [](const Finding &finding) {
       return finding.applied_among == Applicability::unsafe;
     };

@@ -170,7 +170,7 @@ std::string checked_json(const lsp::Analysis &analysis, const lsp::Document &doc
   return std::string("{\"complete\":") + (analysis.complete ? "true" : "false") +
          ",\"fixes\":" + array_of(analysis.report.findings, fix) +
          ",\"texts\":" + array_of(analysis.report.findings, text) +
-         ",\"severities\":" + lsp::text_of(analysis.report.severities) +
+         ",\"severities\":" + lsp::text_of(severities_of(analysis.report)) +
          ",\"verdicts\":" + lsp::text_of(analysis.report.verdicts) + "}";
 }
 

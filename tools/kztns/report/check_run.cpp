@@ -5,7 +5,7 @@ namespace kztns {
 RunTotals totals_of(const CheckReport &report) {
   RunTotals totals;
   totals.verdicts = report.verdicts;
-  totals.severities = report.severities;
+  totals.severities = severities_of(report);
   for (const Finding &finding : report.findings) {
     if (finding.applied_among == Applicability::safe) ++totals.fixes.safe;
     if (finding.applied_among == Applicability::unsafe) ++totals.fixes.unsafe;
