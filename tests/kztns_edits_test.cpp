@@ -3,6 +3,7 @@
 
 #include "check/apply_fixes.h"
 #include "scan/item_text.h"
+#include "support/safe_edits.h"
 #include "text/names_text.h"
 
 using kztns::Edit;
@@ -124,10 +125,10 @@ TEST(Fixes, OfTwoThatChangeTheSameTheFirstApplies) {
       with(kztns::safe_fix({{2, 5, ""}})),
       with(kztns::safe_fix({{4, 4, "before a"}}))};
   std::vector<bool> applied;
-  EXPECT_EQ(kztns::edits_of(findings, true, &applied),
+  EXPECT_EQ(kztns::edits_of(findings, &applied),
             (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}, {6, 6, "after a"}}));
   EXPECT_EQ(applied, (std::vector<bool>{true, false, true, false, false, true}));
-  EXPECT_EQ(kztns::edits_of(findings, false), (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}}));
+  EXPECT_EQ(support::safe_edits_of(findings), (std::vector<Edit>{{4, 4, "before a"}, {4, 6, "a"}}));
 }
 
 TEST(Fixes, WhatIsCopiedIsCopiedWithItsFixes) {
@@ -136,7 +137,7 @@ TEST(Fixes, WhatIsCopiedIsCopiedWithItsFixes) {
       with(kztns::safe_fix({{1, 4, " ="}, {4, 4, "(wrong)(odd)", 7}, {4, 6, "\nb ="}})),
       with(kztns::safe_fix({{8, 13, "right"}})), with(kztns::safe_fix({{14, 19, ""}}))};
   EditedText edited(text);
-  edited.apply(kztns::edits_of(findings, true));
+  edited.apply(kztns::edits_of(findings));
   EXPECT_EQ(edited.text(), "a =(right)\nb = (right)\n");
   EXPECT_EQ(edited.origin(3), 7u);
   EXPECT_EQ(edited.origin(9), 13u);
@@ -145,7 +146,7 @@ TEST(Fixes, WhatIsCopiedIsCopiedWithItsFixes) {
 TEST(Fixes, APartIsNotRemovedAroundAnInsertion) {
   const std::vector<kztns::Finding> findings = {with(kztns::safe_fix({{5, 5, "new"}})),
                                                 with(kztns::safe_fix({{3, 8, ""}}))};
-  EXPECT_EQ(kztns::edits_of(findings, false), (std::vector<Edit>{{5, 5, "new"}}));
+  EXPECT_EQ(support::safe_edits_of(findings), (std::vector<Edit>{{5, 5, "new"}}));
 }
 
 namespace {

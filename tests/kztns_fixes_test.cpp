@@ -21,22 +21,21 @@ TEST(Fixes, KeepTheTreeOfAnEntryThatIsBuilt) {
   EXPECT_TRUE(is_served(text));
   const kztns::CheckReport report = report_of(text);
   ASSERT_NE(finding_of(report, "second-connect-data"), nullptr);
-  EXPECT_TRUE(kztns::edits_of(report.findings, true).empty());
+  EXPECT_TRUE(kztns::edits_of(report.findings).empty());
 }
 
 TEST(Fixes, SplitAListOfDescriptionsBeforeOtherEntries) {
   const std::string description = in_description(address + data);
   const std::string other = "y=" + description + "\n";
   const std::string before = "x=(DESCRIPTION_LIST=" + description + description + ")\n" + other;
-  EXPECT_EQ(edited(before, kztns::edits_of(report_of(before).findings, true)),
+  EXPECT_EQ(edited(before, kztns::edits_of(report_of(before).findings)),
             "x=" + description + "\nx_2 =\n  " + description + "\n" + other);
   // Numbers that are taken are passed over.
   const std::string taken = other + "x_2=" + description + "\nx_4=" + description + "\n";
   EXPECT_EQ(edited("x=(DESCRIPTION_LIST=" + description + description + description + ")\n" + taken,
                    kztns::edits_of(report_of("x=(DESCRIPTION_LIST=" + description + description +
                                              description + ")\n" + taken)
-                                       .findings,
-                                   true)),
+                                       .findings)),
             "x=" + description + "\nx_3 =\n  " + description + "\nx_5 =\n  " + description + "\n" +
                 taken);
 }

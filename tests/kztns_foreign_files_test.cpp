@@ -8,6 +8,7 @@
 #include "check/apply_fixes.h"
 #include "check/check_file.h"
 #include "support/foreign_lookups.h"
+#include "support/safe_edits.h"
 
 using support::for_foreign_files;
 using support::trees_found;
@@ -29,7 +30,9 @@ std::string edited(const std::string &content, const std::vector<kztns::Edit> &e
 std::string mended(std::string text, bool with_unsafe) {
   constexpr int most_rounds = 20;
   for (int round = 0; round < most_rounds; ++round) {
-    const std::vector<kztns::Edit> edits = kztns::edits_of(findings_of(text), with_unsafe);
+    const std::vector<kztns::Finding> findings = findings_of(text);
+    const std::vector<kztns::Edit> edits =
+        with_unsafe ? kztns::edits_of(findings) : support::safe_edits_of(findings);
     if (edits.empty()) return text;
     text = edited(text, edits);
   }
@@ -54,7 +57,7 @@ TEST(ForeignFiles, EveryFixHelpsWithTheOthersOfItsEntry) {
     for (const auto &[entry, findings] : by_entry(findings_of(file.text))) {
       std::vector<bool> applied;
       kztns::EditedText text(file.text);
-      text.apply(kztns::edits_of(findings, true, &applied));
+      text.apply(kztns::edits_of(findings, &applied));
       std::set<std::pair<kztns::Rule, kztns::Offset>> left;
       for (const kztns::Finding &finding : findings_of(text.text()))
         left.emplace(finding.rule, text.origin(finding.at));

@@ -13,6 +13,7 @@
 #include "names_entry.h"
 #include "parsing.h"
 #include "report/check_text.h"
+#include "safe_edits.h"
 
 namespace support {
 
@@ -40,7 +41,8 @@ inline std::size_t count_of(const std::string &lines, const std::string &part) {
 inline std::string fixed(const std::string &content, bool with_unsafe) {
   const kztns::NamesText text(content);
   kztns::EditedText edited(content);
-  edited.apply(kztns::edits_of(kztns::check_once(text, {.file = "names"}).findings, with_unsafe));
+  const auto findings = kztns::check_once(text, {.file = "names"}).findings;
+  edited.apply(with_unsafe ? kztns::edits_of(findings) : safe_edits_of(findings));
   return edited.text();
 }
 

@@ -71,7 +71,13 @@ void add_edited_copy(const Edit &copy, const std::vector<Edit> &others, std::vec
 
 }  // namespace
 
-std::vector<Edit> edits_of(const std::vector<Finding> &findings, bool with_unsafe,
+std::vector<Edit> edits_of(const std::vector<Finding> &findings, std::vector<bool> *applied) {
+  return edits_of(
+      findings, [](std::size_t) { return true; }, applied);
+}
+
+std::vector<Edit> edits_of(const std::vector<Finding> &findings,
+                           const std::function<bool(std::size_t)> &is_wanted,
                            std::vector<bool> *applied) {
   Changed changed;
   std::vector<Edit> edits;
@@ -79,9 +85,7 @@ std::vector<Edit> edits_of(const std::vector<Finding> &findings, bool with_unsaf
   if (applied != nullptr) applied->assign(findings.size(), false);
   for (std::size_t i = 0; i < findings.size(); ++i) {
     const Fix &fix = findings[i].fix;
-    const bool wanted = fix.applicability == Applicability::safe ||
-                        (with_unsafe && fix.applicability == Applicability::unsafe);
-    if (!wanted || !changed.add(fix)) continue;
+    if (!fix || !is_wanted(i) || !changed.add(fix)) continue;
     std::vector<Edit> &all = copies(fix) ? of_copies : edits;
     all.insert(all.end(), fix.edits.begin(), fix.edits.end());
     if (applied != nullptr) (*applied)[i] = true;

@@ -188,11 +188,11 @@ class FurtherChecks {
   }
 
   void run() {
-    std::vector<Edit> edits = edits_of(report_.findings, true);
+    std::vector<Edit> edits = edits_of(report_.findings);
     for (int walks = 1; walks < most_walks && !edits.empty() && is_complete(); ++walks) {
       edited_.apply(edits);
       CheckReport found = check_once(text_, request_);
-      edits = edits_of(found.findings, true);
+      edits = edits_of(found.findings);
       for (Finding &finding : found.findings) add(std::move(finding));
     }
   }

@@ -20,16 +20,9 @@ bool is_about_name(const Finding &finding, Offset entry) {
 }  // namespace
 
 Mender::Walk::Walk(Mender &mender) : mender_(mender), report_(*mender.report_) {
-  for (const Finding &finding : report_.findings) {
+  for (const Finding &finding : report_.findings)
     entries_.push_back(mender_.served().entry_around(finding.at));
-    applicability_.push_back(finding.fix.applicability);
-  }
   make_units();
-}
-
-Mender::Walk::~Walk() {
-  const std::size_t count = std::min(report_.findings.size(), applicability_.size());
-  for (std::size_t i = 0; i < count; ++i) report_.findings[i].fix.applicability = applicability_[i];
 }
 
 std::optional<Offset> Mender::Walk::start_of_entry(std::size_t finding) const {
@@ -84,11 +77,11 @@ bool Mender::Walk::run() {
 }
 
 Mender::Trial Mender::Walk::try_out(const Units &units) {
-  for (Finding &finding : report_.findings) finding.fix.applicability = Applicability::none;
+  std::vector<bool> tried(report_.findings.size());
   for (const std::size_t unit : units)
-    for (const std::size_t i : units_[unit].findings)
-      report_.findings[i].fix.applicability = applicability_[i];
-  return mender_.try_out(edits_of(report_.findings, true, &applied_));
+    for (const std::size_t i : units_[unit].findings) tried[i] = true;
+  const auto is_tried = [&](std::size_t i) { return tried[i]; };
+  return mender_.try_out(edits_of(report_.findings, is_tried, &applied_));
 }
 
 Mender::Walk::Units Mender::Walk::blamed(const Trial &trial, const Units &open) {
@@ -208,7 +201,6 @@ void Mender::Walk::take(Trial trial) {
       mender_.mended_entries_.insert(*entry);
     mender_.add_mended({finding, describe(finding.fix.edits, text)});
   }
-  applicability_.clear();
   mender_.accept(std::move(trial));
 }
 

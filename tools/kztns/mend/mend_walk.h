@@ -24,7 +24,6 @@ struct Mender::Trial {
 class Mender::Walk {
  public:
   explicit Walk(Mender &mender);
-  ~Walk();
   Walk(const Walk &) = delete;
   Walk &operator=(const Walk &) = delete;
 
@@ -81,9 +80,8 @@ class Mender::Walk {
   void take(Trial trial);
 
   Mender &mender_;
-  CheckReport &report_;
-  std::vector<std::size_t> entries_;          // of the findings
-  std::vector<Applicability> applicability_;  // of their fixes
+  const CheckReport &report_;
+  std::vector<std::size_t> entries_;  // of the findings
   std::vector<Unit> units_;
   std::vector<bool> applied_;
 };
