@@ -69,9 +69,7 @@ void add_check(CLI::App &app, Arguments &arguments) {
   CLI::App *const check =
       add_command(app, "check", "Check names files for errors", check_statuses, arguments);
   add_files(check, arguments);
-  check->add_option("--format", arguments.format, one_of(report_formats()))
-      ->type_name("FORMAT")
-      ->check(is_one_of_these("format", report_formats()));
+  add_report_format(check, report_formats(), arguments);
   add_outcome(check, arguments);
   add_rules(check, arguments);
   check->add_option("--color", arguments.color, "auto, always or never")

@@ -86,10 +86,11 @@ CLI::Validator is_one_of_these(std::string_view kind, std::vector<std::string_vi
       listed);
 }
 
-void add_text_or_json(CLI::App *command, Arguments &arguments) {
-  command->add_option("--format", arguments.format, "text or json")
+void add_report_format(CLI::App *command, std::vector<std::string_view> words,
+                       Arguments &arguments) {
+  command->add_option("--format", arguments.format, one_of(words))
       ->type_name("FORMAT")
-      ->check(is_one_of_these("format", {"text", "json"}));
+      ->check(is_one_of_these("format", std::move(words)));
 }
 
 void add_disable(CLI::App *command, const char *purpose, Arguments &arguments) {

@@ -108,8 +108,9 @@ Meaning chosen(const Choice<Meaning> (&choices)[count], std::string_view word) {
   return choices[i].meaning;
 }
 
-// --format for a subcommand that prints text or JSON.
-void add_text_or_json(CLI::App *command, Arguments &arguments);
+// --format for a subcommand that prints a report, with the words that it takes.
+void add_report_format(CLI::App *command, std::vector<std::string_view> words,
+                       Arguments &arguments);
 
 // The names file that the command line names.
 std::optional<std::string> given_file(const CLI::App &command, const Arguments &arguments);

@@ -161,10 +161,9 @@ int list(const ListOptions &options) {
   const FileScan scan(text, links);
   progress.reset();
   links.sort();
-  const ListFormat format = options.json                 ? ListFormat::json
-                            : isatty(STDOUT_FILENO) != 0 ? ListFormat::columns
-                                                         : ListFormat::tabs;
-  Lister(text, scan, links, options).print(format);
+  const bool on_terminal = isatty(STDOUT_FILENO) != 0;
+  const ListFormat as_text = on_terminal ? ListFormat::columns : ListFormat::tabs;
+  Lister(text, scan, links, options).print(options.format.value_or(as_text));
   const int written = finish_output();
   const std::vector<std::string> missing = names_not_there(scan, options.names);
   for (const std::string &name : missing) {

@@ -20,7 +20,7 @@ struct ListOptions {
   std::string stdin_name = {};      // of standard input
   std::vector<std::string> names;   // only entries of these; none: all
   std::uint64_t max_size = default_max_size;
-  bool json = false;
+  std::optional<ListFormat> format;          // absent: columns on a terminal, tabs elsewhere
   VerdictSet verdicts = VerdictSet().set();  // only entries with one of these
 };
 

@@ -10,6 +10,9 @@ namespace {
 
 constexpr char list_statuses[] = "0 listed, 1 a NAME is not there";
 
+constexpr Choice<std::optional<ListFormat>> list_formats[] = {{"text", std::nullopt},
+                                                              {"json", ListFormat::json}};
+
 std::vector<std::string_view> verdict_names() {
   std::vector<std::string_view> names;
   for (std::size_t i = 0; i < verdict_count; ++i) names.push_back(name_of(static_cast<Verdict>(i)));
@@ -55,7 +58,7 @@ void add_list(CLI::App &app, Arguments &arguments) {
       ->delimiter(',')
       ->allow_extra_args(false)
       ->check(is_one_of_these("verdict", verdict_names()).description(""));
-  add_text_or_json(list, arguments);
+  add_report_format(list, words_of(list_formats), arguments);
   list->callback([list, &arguments] { take_file(*list, arguments); });
 }
 
@@ -65,7 +68,7 @@ int run_list(const CLI::App &command, const Arguments &arguments) {
   options.stdin_name = arguments.stdin_name;
   options.names = arguments.names;
   options.max_size = arguments.max_size;
-  options.json = arguments.format == "json";
+  options.format = chosen(list_formats, arguments.format);
   options.verdicts = verdicts_of(arguments.verdicts);
   return list(options);
 }

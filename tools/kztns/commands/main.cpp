@@ -58,6 +58,9 @@ constexpr kztns::Choice<kztns::ShowWhat> tree_formats[] = {{"tree", kztns::ShowW
                                                            {"dot", kztns::ShowWhat::dot},
                                                            {"svg", kztns::ShowWhat::svg}};
 
+constexpr kztns::Choice<kztns::WhyFormat> why_formats[] = {{"text", kztns::WhyFormat::text},
+                                                           {"json", kztns::WhyFormat::json}};
+
 // The exit statuses that each subcommand has of its own.
 constexpr char show_statuses[] =
     "0 found and shown, 1 not found, 2 malformed or without what is asked for,\n69 graphviz is not "
@@ -114,7 +117,7 @@ void add_why(CLI::App &app, Arguments &arguments) {
       add_command(app, "why", "Explain one lookup, step by step", why_statuses, arguments);
   add_log(why, arguments);
   add_identifier(why, arguments);
-  kztns::add_text_or_json(why, arguments);
+  kztns::add_report_format(why, kztns::words_of(why_formats), arguments);
 }
 
 kztns::ShowWhat shown_part(const Arguments &arguments) {
@@ -132,9 +135,7 @@ int run_lookup(const CLI::App &command, const Arguments &arguments) {
   if (command.count("--log") > 0) options.shown = shown_level(arguments.level);
   if (command.get_name() == "settings") return kztns::settings(options);
   if (command.get_name() == "why")
-    return kztns::why(arguments.identifier,
-                      arguments.format == "json" ? kztns::WhyFormat::json : kztns::WhyFormat::text,
-                      options);
+    return kztns::why(arguments.identifier, kztns::chosen(why_formats, arguments.format), options);
   return kztns::show(arguments.identifier, shown_part(arguments), options);
 }
 
