@@ -132,6 +132,19 @@ TEST(KeyWords, TakeTheWordsOfTheirBlock) {
   EXPECT_TRUE(choices(kztns::Block::address, LB_HOST).empty());
 }
 
+// As the library reads them: the first word that begins with the value.
+TEST(KeyWords, AreReadWhenTheyAreAbbreviated) {
+  const auto read_as = [](KZCILBKeyType type, std::string_view value) {
+    return kztns::word_read_as(*kzoci::tns::key_of(kztns::Block::description, type), value);
+  };
+  EXPECT_EQ(read_as(LB_KZLB, "OFF"), "OFF");
+  EXPECT_EQ(read_as(LB_KZLB, "of"), "OFF");
+  EXPECT_EQ(read_as(LB_KZLB, "o"), "ON");
+  EXPECT_EQ(read_as(LB_KZLB, ""), "ON");
+  EXPECT_EQ(read_as(LB_KZLB, "OFFS"), "");
+  EXPECT_EQ(read_as(LB_CONNECT_DATA, "ON"), "");
+}
+
 TEST(LogRecords, AreRecognisedByTheAddressOfTheirFormat) {
   for (const kzoci::tns::MessageRow &row : kzoci::tns::messages) {
     EXPECT_EQ(kztns::message_of(row.format), row.id) << row.name;

@@ -246,14 +246,8 @@ class EntryWarnings {
   }
 
   void check_abbreviated_word(const Item &item, const Key &key) {
-    if (key.value.kind != ValueKind::word) return;
-    const std::string_view text = trace_.value_of(item);
-    for (const std::string_view word : choices(key)) {
-      if (text.size() > word.size() || !equal_but_for_case(text, word.substr(0, text.size())))
-        continue;
-      if (text.size() < word.size()) add_abbreviated(item, word);
-      return;
-    }
+    const std::string_view word = word_read_as(key, trace_.value_of(item));
+    if (trace_.value_of(item).size() < word.size()) add_abbreviated(item, word);
   }
 
   void check_retry_delay(const Item &item, const Key &) {

@@ -141,14 +141,6 @@ std::string text_of_key(const Key &key) {
   return text + "\n";
 }
 
-// The word that an abbreviated one is read as; empty for none.
-std::string_view read_as(const Key &key, const std::string &value) {
-  for (const std::string_view word : choices(key))
-    if (value.size() < word.size() && equal_but_for_case(value, word.substr(0, value.size())))
-      return word;
-  return {};
-}
-
 std::string text_of_item(const Question &question, const Place &place) {
   const std::string_view all = question.document.text();
   const std::string word =
@@ -158,8 +150,8 @@ std::string text_of_item(const Question &question, const Place &place) {
   if (key == nullptr) return {};
   std::string text = text_of_key(*key);
   if (is_key) return text;
-  const std::string_view whole = read_as(*key, word);
-  if (!whole.empty())
+  const std::string_view whole = word_read_as(*key, word);
+  if (word.size() < whole.size())
     text.append("\n").append(code(word)).append(" is read as ").append(code(whole)).append(".\n");
   return text;
 }

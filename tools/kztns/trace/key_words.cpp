@@ -41,6 +41,13 @@ std::vector<std::string_view> choices(const Key &key) {
   return words;
 }
 
+std::string_view word_read_as(const Key &key, std::string_view value) {
+  for (const std::string_view word : choices(key))
+    if (value.size() <= word.size() && equal_but_for_case(value, word.substr(0, value.size())))
+      return word;
+  return {};
+}
+
 std::string one_of(const std::vector<std::string_view> &words) {
   std::string text;
   for (std::size_t i = 0; i < words.size(); ++i) {

@@ -25,6 +25,9 @@ std::string places_of(KZCILBKeyType type);
 // that takes no word.
 std::vector<std::string_view> choices(const Key &key);
 
+// The one of them that a value is read as, which may be abbreviated; empty for none.
+std::string_view word_read_as(const Key &key, std::string_view value);
+
 // "a, b or c"
 std::string one_of(const std::vector<std::string_view> &words);
 
