@@ -41,7 +41,7 @@ void check_report(const NamesText &text) {
 std::string fixed_once(const std::string &content, bool with_unsafe,
                        const kztns::Commenting &commenting, bool &stopped) {
   const NamesText text(content);
-  Mender mender(text, {"names", with_unsafe});
+  Mender mender(text, {.file = "names", .with_unsafe = with_unsafe});
   kztns::mend(mender, commenting);
   stopped = mender.stopped();
   const NamesText result(mender.text().text());

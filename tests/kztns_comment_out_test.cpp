@@ -17,7 +17,7 @@ std::string bad(const std::string &name) {
 
 std::string comment_out(const std::string &content, kztns::RuleSet disabled = {}) {
   const NamesText original(content);
-  Mender mender(original, {"names.ora", false, disabled});
+  Mender mender(original, {.file = "names.ora", .disabled = disabled});
   kztns::comment_out_unserved(mender);
   return mender.text().text();
 }

@@ -37,7 +37,7 @@ std::string found_in(const std::string &content) {
 
 std::string mend(const std::string &content, const kztns::Commenting &commenting = {}) {
   const NamesText original(content);
-  kztns::Mender mender(original, {"names.ora", true});
+  kztns::Mender mender(original, {.file = "names.ora", .with_unsafe = true});
   kztns::mend(mender, commenting);
   return mender.text().text();
 }

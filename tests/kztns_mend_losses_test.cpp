@@ -25,7 +25,7 @@ const std::string closed_twice =
 
 std::string mended(const std::string &content) {
   const NamesText original(content);
-  Mender mender(original, {"names.ora", true});
+  Mender mender(original, {.file = "names.ora", .with_unsafe = true});
   mender.apply_fixes();
   return mender.text().text();
 }

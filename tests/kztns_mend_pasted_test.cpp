@@ -12,7 +12,7 @@ namespace {
 
 std::string mended(const std::string &content) {
   const kztns::NamesText original(content);
-  kztns::Mender mender(original, {"names.ora", true});
+  kztns::Mender mender(original, {.file = "names.ora", .with_unsafe = true});
   mender.apply_fixes();
   return mender.text().text();
 }

@@ -29,7 +29,7 @@ struct Result {
 
 Result mend(const std::string &content, bool with_unsafe = false) {
   const NamesText original(content);
-  Mender mender(original, {"names.ora", with_unsafe});
+  Mender mender(original, {.file = "names.ora", .with_unsafe = with_unsafe});
   mender.apply_fixes();
   Result result = {mender.text().text(), {}};
   for (const kztns::MendedFinding &one : mender.mended())
@@ -191,7 +191,7 @@ TEST(Mend, LeavesWhatIsDisabled) {
   const NamesText original(entry("a", "x y") + "-- remark\n" + entry("b"));
   kztns::RuleSet disabled;
   disabled.set(static_cast<std::size_t>(kztns::Rule::stray_text));
-  Mender mender(original, {"names.ora", false, disabled});
+  Mender mender(original, {.file = "names.ora", .disabled = disabled});
   mender.apply_fixes();
   EXPECT_EQ(mender.text().text(), entry("a", "\"x y\"") + "-- remark\n" + entry("b"));
 }

@@ -9,7 +9,7 @@ namespace {
 
 std::string left_by_mender(const std::string &content, bool with_unsafe) {
   const kztns::NamesText original(content);
-  kztns::Mender mender(original, {"names.ora", with_unsafe});
+  kztns::Mender mender(original, {.file = "names.ora", .with_unsafe = with_unsafe});
   mender.apply_fixes();
   return mender.text().text();
 }

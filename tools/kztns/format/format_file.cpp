@@ -113,7 +113,7 @@ class Layouter {
     const std::string_view indentation = indentation_of(entry.at);
     const auto keep = [&](KeptBecause reason) {
       const auto line = static_cast<Offset>(entry.at - indentation.size());
-      if (moves && begins_line(entry.at)) lay_out_gap(before, line, true);
+      if (moves && begins_line(entry.at)) lay_out_gap(before, line, GapEnd::entry);
       return reason;
     };
     if (!entry.built) return keep(KeptBecause::refused);
@@ -123,7 +123,7 @@ class Layouter {
     const std::vector<std::string> gaps = layout_of(text_, pieces, options_);
     if (gaps.empty()) return KeptBecause::unclear;
     if (ignores_findings_of_line(pieces)) return keep(KeptBecause::ignores);
-    if (moves) lay_out_gap(before, entry.at, true);
+    if (moves) lay_out_gap(before, entry.at, GapEnd::entry);
     for (std::size_t i = 1; i < pieces.size(); ++i)
       replace(pieces[i - 1].span.end, pieces[i].span.begin,
               further_in(gaps[i], moves ? "" : indentation));
@@ -194,8 +194,10 @@ class Layouter {
            words.find(ignore_mark) != std::string_view::npos;
   }
 
+  enum class GapEnd { entry, file };
+
   // Comments between entries, and the blanks up to the next one, or to the file's end.
-  void lay_out_gap(const std::vector<Piece> &comments, Offset to, bool entry_follows) {
+  void lay_out_gap(const std::vector<Piece> &comments, Offset to, GapEnd end) {
     Offset from = from_;
     for (const Piece &comment : comments) {
       const bool begins_file = from == 0;
@@ -206,7 +208,7 @@ class Layouter {
                           : line_feeds_before(comment));
       from = comment.span.end;
     }
-    if (!entry_follows) {
+    if (end == GapEnd::file) {
       if (from > 0) replace(from, to, "\n");
       return;
     }
@@ -219,7 +221,7 @@ class Layouter {
   void end_file() {
     const auto size = static_cast<Offset>(text_.size());
     const std::vector<Piece> comments = pieces_of(text_, from_, size);
-    if (is_clean(comments, size)) lay_out_gap(comments, size, false);
+    if (is_clean(comments, size)) lay_out_gap(comments, size, GapEnd::file);
   }
 
   void replace(Offset begin, Offset end, std::string blanks) {

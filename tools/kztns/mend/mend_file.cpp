@@ -24,7 +24,8 @@ Mender::Mender(const NamesText &original, MendRequest request)
     : request_(std::move(request)), original_(original), crlf_(has_crlf(original.text())) {}
 
 CheckReport Mender::check(const NamesText &text, ServedNames *served) const {
-  CheckRequest request = {request_.file, false, all_findings, request_.progress};
+  CheckRequest request = {
+      .file = request_.file, .most_of_a_rule = all_findings, .progress = request_.progress};
   if (served != nullptr) request.visit = [served](const EntryView &view) { served->take(view); };
   CheckReport report = check_selected_once(text, request, request_.disabled);
   if (served != nullptr) served->sort();

@@ -9,11 +9,11 @@
 
 namespace kztns {
 
-// FORMAT(name, whether it lists the entries, whether it shows edits): printed by render_name.
-#define KZTNS_CHECK_FORMATS(FORMAT) \
-  FORMAT(text, false, false)        \
-  FORMAT(json, true, true)          \
-  FORMAT(sarif, false, true)
+// FORMAT(name, what it shows), as fields of CheckFormat: printed by render_name.
+#define KZTNS_CHECK_FORMATS(FORMAT)                        \
+  FORMAT(text, .with_entries = false, .with_edits = false) \
+  FORMAT(json, .with_entries = true, .with_edits = true)   \
+  FORMAT(sarif, .with_entries = false, .with_edits = true)
 
 // For people; the other formats leave it aside.
 struct TextStyle {
@@ -29,12 +29,11 @@ KZTNS_CHECK_FORMATS(KZTNS_DECLARE_FORMAT)
 struct CheckFormat {
   std::string_view name;
   std::string (*render)(const CheckRun &run, const TextStyle &style);
-  bool with_entries;
-  bool with_edits;
+  bool with_entries;  // whether it lists the entries
+  bool with_edits;    // whether it shows what fixes change
 };
 
-#define KZTNS_FORMAT_ROW(name, with_entries, with_edits) \
-  {#name, render_##name, with_entries, with_edits},
+#define KZTNS_FORMAT_ROW(id, ...) {.name = #id, .render = render_##id, __VA_ARGS__},
 inline constexpr CheckFormat check_formats[] = {KZTNS_CHECK_FORMATS(KZTNS_FORMAT_ROW)};
 #undef KZTNS_FORMAT_ROW
 
