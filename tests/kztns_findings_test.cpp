@@ -50,9 +50,9 @@ TEST(Findings, GetWordsAppendedByRuleAndPlace) {
   const kztns::NamesText text("ab");
   kztns::CheckReport report;
   kztns::Findings findings(text, 1000, report);
-  findings.add_if_wanted(Rule::no_block, 0, {}, "one");
-  findings.add_if_wanted(Rule::stray_text, 1, {}, "two");
-  findings.add_if_wanted(Rule::no_block, 1, {}, "three");
+  findings.add(Rule::no_block, {.at = 0, .text = "one"});
+  findings.add(Rule::stray_text, {.at = 1, .text = "two"});
+  findings.add(Rule::no_block, {.at = 1, .text = "three"});
   findings.append(Rule::no_block, 1, " more");
   findings.append(Rule::stray_text, 0, " more");
   ASSERT_EQ(report.findings.size(), 3u);

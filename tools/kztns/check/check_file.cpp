@@ -107,8 +107,7 @@ class EntryChecker : public EntryVisitor {
     const auto end = end_of_rest(std::string_view(text_.text()).substr(0, range.end), half->rest);
     const std::string_view name =
         std::string_view(text_.text()).substr(half->name.begin, half->name.end - half->name.begin);
-    NewFinding found = {Rule::half_comment,
-                        half->rest,
+    NewFinding found = {half->rest,
                         view.name,
                         {},
                         "read as part of this entry: the name of the block, " +
@@ -117,7 +116,8 @@ class EntryChecker : public EntryVisitor {
     if (end) found.fix = fix_of_lines(text_.text(), half->rest, *end);
     found.related = half->name.begin;
     told_ranges_.push_back({half->comment, end.value_or(range.end)});
-    report_rest(view, std::move(found), built && range.last ? Severity::warning : Severity::error);
+    report_rest(view, Rule::half_comment, built && range.last ? Severity::warning : Severity::error,
+                std::move(found));
     return true;
   }
 
@@ -125,21 +125,18 @@ class EntryChecker : public EntryVisitor {
     if (view.service != nullptr || view.trace.is_system_variables()) return false;
     const auto rest = find_left_over(text_.text(), view.entry.body, faults_.enter(view).end);
     if (!rest) return false;
-    NewFinding found = {Rule::left_over,
-                        rest->begin,
-                        view.name,
-                        {},
-                        "read as part of this entry, which is complete before it"};
+    NewFinding found = {.at = rest->begin,
+                        .entry = view.name,
+                        .text = "read as part of this entry, which is complete before it"};
     found.fix = fix_of_lines(text_.text(), rest->begin, rest->end);
     told_ranges_.push_back({rest->begin, rest->end});
-    report_rest(view, std::move(found), Severity::error);
+    report_rest(view, Rule::left_over, Severity::error, std::move(found));
     return true;
   }
 
-  void report_rest(const EntryView &view, NewFinding found, Severity severity) {
-    if (view.entry.reached && !faults_.range().last)
-      reported_stop_ = {found.rule, found.at, found.text};
-    if (findings_.wanted(found.rule, severity)) findings_.add(std::move(found), severity);
+  void report_rest(const EntryView &view, Rule rule, Severity severity, NewFinding found) {
+    if (view.entry.reached && !faults_.range().last) reported_stop_ = {rule, found.at, found.text};
+    findings_.add(rule, severity, std::move(found));
   }
 
   std::string consequence(const Stop *stop) const {

@@ -78,10 +78,9 @@ void report_conflicts(const NamesText &text, Findings &findings, CheckReport &re
   }
   report.findings = std::move(others);
   for (const Conflicts::Conflict &conflict : conflicts.all()) {
-    if (!findings.wanted(Rule::conflict_marker)) continue;
     const Finding &of_marker = told[conflict.begin];
-    findings.add({Rule::conflict_marker, conflict.begin, of_marker.entry, of_marker.path,
-                  "version control conflict marker"});
+    findings.add(Rule::conflict_marker, {conflict.begin, of_marker.entry, of_marker.path,
+                                         "version control conflict marker"});
   }
 }
 

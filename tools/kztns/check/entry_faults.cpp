@@ -273,11 +273,10 @@ Subject EntryFaults::subject(const NamesText &text, Offset end) {
 }
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
-  if (!findings_.wanted(found.rule, severity)) return;
   if (found.rule == Rule::ifile) entry = {};  // that is no name
-  findings_.add({found.rule, found.at, entry, std::move(found.path), std::move(found.text),
-                 std::move(found.remedy), std::move(found.fix)},
-                severity);
+  findings_.add(found.rule, severity,
+                {found.at, entry, std::move(found.path), std::move(found.text),
+                 std::move(found.remedy), std::move(found.fix)});
 }
 
 bool EntryFaults::is_free(std::string_view name) {

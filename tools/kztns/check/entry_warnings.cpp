@@ -98,7 +98,7 @@ class EntryWarnings {
  private:
   void add(Rule rule, Offset at, int frame, const std::string &text,
            const std::string &remedy = {}) {
-    if (findings_.wanted(rule)) findings_.add({rule, at, name_, trace_.path(frame), text, remedy});
+    findings_.add(rule, [&] { return NewFinding{at, name_, trace_.path(frame), text, remedy}; });
   }
 
   // About an item's value.
@@ -184,26 +184,29 @@ class EntryWarnings {
     const std::string_view odd = odd_character(value);
     const bool at_end = value.starts_with(odd) || value.ends_with(odd);
     if (key.value.kind != ValueKind::text || odd.empty() || (item.type != LB_HOST && !at_end) ||
-        trace_.slice(item.value).starts_with('"') ||
-        !findings_.wanted(Rule::odd_bytes, Severity::warning))
+        trace_.slice(item.value).starts_with('"'))
       return;
-    findings_.add({Rule::odd_bytes, item.value.begin, name_, trace_.path(item.frame),
-                   "the invisible character " + visible(odd) + " is part of the value of " +
-                       excerpt(trace_.key_word_of(item))},
-                  Severity::warning);
+    findings_.add(Rule::odd_bytes, Severity::warning, [&] {
+      return NewFinding{item.value.begin, name_, trace_.path(item.frame),
+                        "the invisible character " + visible(odd) + " is part of the value of " +
+                            excerpt(trace_.key_word_of(item))};
+    });
   }
 
   void add_unknown_setting(const Item &item) {
-    if (!findings_.wanted(Rule::unknown_setting)) return;
+    findings_.add(Rule::unknown_setting, [&] { return unknown_setting(item); });
+  }
+
+  NewFinding unknown_setting(const Item &item) const {
     const std::string_view word = trace_.key_word_of(item);
     const std::string_view near = near_key(word, Block::system_variables);
-    NewFinding found = {Rule::unknown_setting, item.key.begin, name_, trace_.path(item.frame),
+    NewFinding found = {item.key.begin, name_, trace_.path(item.frame),
                         excerpt(word) + " is not a system variable"};
     if (key_named(Block::system_variables, near) != nullptr) {
       found.remedy = "did you mean " + std::string(near) + "?";
       found.fix = unsafe_fix({{item.key.begin, item.key.end, std::string(near)}});
     }
-    findings_.add(std::move(found));
+    return found;
   }
 
   void add_dropped(const Item &item, const Key &key) {
@@ -222,27 +225,28 @@ class EntryWarnings {
 
   void check_log_level(const Item &item, const Key &) {
     const std::string_view level = trace_.value_of(item);
-    if (item.type != LB_LOG_LEVEL || is_level(level) || !findings_.wanted(Rule::log_level)) return;
-    std::string_view near = near_word(level, levels());
-    if (near.empty()) near = longer_or_shorter_word(level, levels());
-    findings_.add({Rule::log_level, item.value.begin, name_, trace_.path(item.frame),
-                   excerpt(trace_.key_word_of(item)) + value_of(item) + ", not a log level",
-                   "write " + one_of(levels()),
-                   near.empty()
-                       ? Fix()
-                       : unsafe_fix({{item.value.begin, item.value.end, std::string(near)}})});
+    if (item.type != LB_LOG_LEVEL || is_level(level)) return;
+    findings_.add(Rule::log_level, [&] {
+      NewFinding found = {item.value.begin, name_, trace_.path(item.frame),
+                          excerpt(trace_.key_word_of(item)) + value_of(item) + ", not a log level",
+                          "write " + one_of(levels())};
+      std::string_view near = near_word(level, levels());
+      if (near.empty()) near = longer_or_shorter_word(level, levels());
+      if (!near.empty())
+        found.fix = unsafe_fix({{item.value.begin, item.value.end, std::string(near)}});
+      return found;
+    });
   }
 
   void add_abbreviated(const Item &item, std::string_view word) {
-    if (!findings_.wanted(Rule::abbreviated_word)) return;
-    findings_.add(
-        {Rule::abbreviated_word,
-         item.value.begin,
-         name_,
-         trace_.path(item.frame),
-         excerpt(trace_.key_word_of(item)) + value_of(item) + ", read as " + std::string(word),
-         {},
-         safe_fix({{item.value.begin, item.value.end, std::string(word)}})});
+    findings_.add(Rule::abbreviated_word, [&] {
+      return NewFinding{.at = item.value.begin,
+                        .entry = name_,
+                        .path = trace_.path(item.frame),
+                        .text = excerpt(trace_.key_word_of(item)) + value_of(item) + ", read as " +
+                                std::string(word),
+                        .fix = safe_fix({{item.value.begin, item.value.end, std::string(word)}})};
+    });
   }
 
   void check_abbreviated_word(const Item &item, const Key &key) {

@@ -49,18 +49,19 @@ class FileRules {
 
   void report_utf_16() {
     std::string converted = utf_8_of_utf_16(text_.text());
-    findings_.add_if_wanted(Rule::utf_16, 0, {},
-                            "the file is in UTF-16, in which no name can be read",
-                            safe_fix({{0, text_.size(), std::move(converted)}}));
+    findings_.add(Rule::utf_16, {.at = 0,
+                                 .text = "the file is in UTF-16, in which no name can be read",
+                                 .fix = safe_fix({{0, text_.size(), std::move(converted)}})});
   }
 
   void report_line_ends() {
     const auto at = hiding_carriage_return(text_.text());
     if (at)
-      findings_.add_if_wanted(
-          Rule::cr_line_ends, *at, {},
-          "a carriage return alone does not end this comment: what follows is part of it",
-          fix_of_line_ends(text_.text()));
+      findings_.add(
+          Rule::cr_line_ends,
+          {.at = *at,
+           .text = "a carriage return alone does not end this comment: what follows is part of it",
+           .fix = fix_of_line_ends(text_.text())});
   }
 
   // The stop is a finding of its own unless an entry's finding explains it.
@@ -117,7 +118,10 @@ class FileRules {
   }
 
   void report_cause(const Stop &stop, StopCause cause) {
-    if (!findings_.wanted(cause.rule)) return;
+    findings_.add(cause.rule, [&] { return finding_of(stop, std::move(cause)); });
+  }
+
+  NewFinding finding_of(const Stop &stop, StopCause cause) {
     const Entry *const entry = entry_of(cause);
     Fix fix = cause.rule == Rule::comma_list ? lists_.split(cause.at) : Fix{};
     if (entry != nullptr && cause.rule == Rule::second_block) fix = moved_to_end(*entry);
@@ -127,13 +131,11 @@ class FileRules {
     const bool between_entries = cause.rule == Rule::extra_close && cause.at == stop.at;
     if (!fix && !between_entries) fix = cause.fix;
     if (!fix) fix = fix_of_stop(scan_, stop, cause.rule, cause.at);
-    findings_.add({cause.rule,
-                   cause.at,
-                   entry == nullptr ? name_without_block(stop, cause.rule) : scan_.name(*entry),
-                   {},
-                   std::move(cause.text),
-                   std::move(cause.remedy),
-                   std::move(fix)});
+    return {.at = cause.at,
+            .entry = entry == nullptr ? name_without_block(stop, cause.rule) : scan_.name(*entry),
+            .text = std::move(cause.text),
+            .remedy = std::move(cause.remedy),
+            .fix = std::move(fix)};
   }
 
   // The entry that a stop is about, if it is about one.
@@ -190,18 +192,16 @@ class FileRules {
       const Lost entries = lost_through(lost, i);
       const bool last = entry.body == this->entries().back().body;
       if (last && entries.count() == 0 && cause->rule == Rule::paren_in_quotes) continue;
-      if (!findings_.wanted(cause->rule)) continue;
-      if (entries.count() > 0) cause->text += "; " + entries.sentence(scan_);
-      Fix fix = cause->rule == Rule::paren_in_comment
-                    ? fix_of_comments(text_.text(), entry.body, skip_mismatch.built_to)
-                    : moved_to_end(entry);
-      findings_.add({cause->rule,
-                     cause->at,
-                     scan_.name(entry),
-                     {},
-                     std::move(cause->text),
-                     {},
-                     std::move(fix)});
+      findings_.add(cause->rule, [&] {
+        if (entries.count() > 0) cause->text += "; " + entries.sentence(scan_);
+        return NewFinding{
+            .at = cause->at,
+            .entry = scan_.name(entry),
+            .text = std::move(cause->text),
+            .fix = cause->rule == Rule::paren_in_comment
+                       ? fix_of_comments(text_.text(), entry.body, skip_mismatch.built_to)
+                       : moved_to_end(entry)};
+      });
     }
   }
 
@@ -214,10 +214,12 @@ class FileRules {
   void report_swallowed(const Swallowed &swallowed) {
     if (is_told(swallowed)) return;
     const Entry &first = *swallowed.entries.first();
-    findings_.add_if_wanted(Rule::unreachable, first.at, scan_.name(first),
-                            "lookups skip it as part of " + excerpt(scan_.name(*swallowed.by)) +
-                                " at " + text_.place(swallowed.by->at) +
-                                others(swallowed.entries, ", and"));
+    findings_.add(
+        Rule::unreachable,
+        {.at = first.at,
+         .entry = scan_.name(first),
+         .text = "lookups skip it as part of " + excerpt(scan_.name(*swallowed.by)) + " at " +
+                 text_.place(swallowed.by->at) + others(swallowed.entries, ", and")});
   }
 
   // "; so do the 2 entries after it: b, c"; empty for one entry.
@@ -231,20 +233,19 @@ class FileRules {
   }
 
   void report_after_reserved(const Lost &lost) {
-    if (lost.count() == 0 || !findings_.wanted(Rule::after_reserved)) return;
+    if (lost.count() == 0) return;
     const Entry &last = *scan_.last_reached();
     const Entry &first = *lost.first();
     const bool one = lost.count() == 1;
-    findings_.add({Rule::after_reserved,
-                   first.at,
-                   scan_.name(first),
-                   {},
-                   "comes after " + excerpt(scan_.name(last)) + " at " + text_.place(last.at) +
-                       ", where every lookup ends" +
-                       others(lost, lost.count() == 2 ? "; so does" : "; so do"),
-                   one ? "" : "move them before that entry",
-                   move_reserved(scan_),
-                   last.at});
+    findings_.add(Rule::after_reserved,
+                  {.at = first.at,
+                   .entry = scan_.name(first),
+                   .text = "comes after " + excerpt(scan_.name(last)) + " at " +
+                           text_.place(last.at) + ", where every lookup ends" +
+                           others(lost, lost.count() == 2 ? "; so does" : "; so do"),
+                   .remedy = one ? "" : "move them before that entry",
+                   .fix = move_reserved(scan_),
+                   .related = last.at});
   }
 
   const NamesText &text_;

@@ -4,28 +4,16 @@
 
 namespace kztns {
 
-bool Findings::wanted(Rule rule) { return wanted(rule, row_of(rule).severity); }
-
-bool Findings::wanted(Rule rule, Severity severity) {
+bool Findings::count(Rule rule, Severity severity) {
   const auto index = static_cast<std::size_t>(rule);
   if (++counts_[index] <= most_) return true;
   ++report_.left_out[index][static_cast<std::size_t>(severity)];
   return false;
 }
 
-void Findings::add(NewFinding found) {
-  const Severity severity = row_of(found.rule).severity;
-  add(std::move(found), severity);
-}
-
-void Findings::add_if_wanted(Rule rule, Offset at, std::string_view entry, std::string text,
-                             Fix fix, std::string remedy) {
-  if (wanted(rule)) add({rule, at, entry, {}, std::move(text), std::move(remedy), std::move(fix)});
-}
-
-void Findings::add(NewFinding found, Severity severity) {
+void Findings::keep(Rule rule, Severity severity, NewFinding found) {
   Finding finding = {};
-  finding.rule = found.rule;
+  finding.rule = rule;
   finding.severity = severity;
   finding.at = in_text(found.at);
   finding.position = text_.position(finding.at);
@@ -33,7 +21,7 @@ void Findings::add(NewFinding found, Severity severity) {
   finding.entry = found.entry;
   finding.path = std::move(found.path);
   finding.text = std::move(found.text);
-  finding.remedy = found.remedy.empty() ? row_of(found.rule).remedy : std::move(found.remedy);
+  finding.remedy = found.remedy.empty() ? row_of(rule).remedy : std::move(found.remedy);
   finding.fix = std::move(found.fix);
   if (copy_ != nullptr) finding.fix.to_origin(*copy_);
   finding.source = text_.line_around(finding.at, finding.caret);

@@ -1,6 +1,9 @@
 // Collects findings: with positions, source lines, and a limit for each rule.
 #pragma once
 
+#include <concepts>
+#include <utility>
+
 #include "check/check_report.h"
 
 namespace kztns {
@@ -8,10 +11,9 @@ namespace kztns {
 // A finding as a rule reports it, before it gets its position and source line. An empty remedy
 // means the rule's own.
 struct NewFinding {
-  Rule rule;
   Offset at;
-  std::string_view entry;  // as in the file
-  std::string path;
+  std::string_view entry = {};  // as in the file
+  std::string path = {};
   std::string text;
   std::string remedy = {};
   Fix fix = {};
@@ -43,23 +45,29 @@ class Findings {
   // A place as messages give it.
   std::string place(Offset at) const { return text_.place(in_text(at)); }
 
-  // Counts a finding; whether it is to be added, too. Asking first saves making
-  // texts that are invisible.
-  bool wanted(Rule rule);
-  bool wanted(Rule rule, Severity severity);
+  // Adds a finding; beyond the limit it is counted only.
+  void add(Rule rule, Severity severity, NewFinding found) {
+    if (count(rule, severity)) keep(rule, severity, std::move(found));
+  }
+  void add(Rule rule, NewFinding found) { add(rule, row_of(rule).severity, std::move(found)); }
 
-  // Adds a wanted finding.
-  void add(NewFinding found);
-  void add(NewFinding found, Severity severity);
-
-  // Counts a finding, and adds it when it is wanted.
-  void add_if_wanted(Rule rule, Offset at, std::string_view entry, std::string text, Fix fix = {},
-                     std::string remedy = {});
+  // The same of what a function makes: texts that are not shown are not made, either.
+  template <std::invocable Make>
+  void add(Rule rule, Severity severity, const Make &make) {
+    if (count(rule, severity)) keep(rule, severity, make());
+  }
+  template <std::invocable Make>
+  void add(Rule rule, const Make &make) {
+    add(rule, row_of(rule).severity, make);
+  }
 
   // Appends words to the text of a finding that was added, when it is there.
   void append(Rule rule, Offset at, std::string_view words);
 
  private:
+  // Whether the finding is within the limit.
+  bool count(Rule rule, Severity severity);
+  void keep(Rule rule, Severity severity, NewFinding found);
   Offset in_text(Offset at) const { return copy_ == nullptr ? at : copy_->origin(at); }
 
   const NamesText &text_;

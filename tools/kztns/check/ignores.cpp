@@ -151,15 +151,13 @@ RuleSet Ignores::read_rules(std::string_view list, Offset at) {
 
 void Ignores::report_unknown(Findings &findings) const {
   for (const auto &[at, word] : unknown_) {
-    if (!findings.wanted(Rule::unknown_rule)) continue;
-    const std::string_view near = near_word(word, rule_ids());
-    findings.add({Rule::unknown_rule,
-                  at,
-                  {},
-                  {},
-                  word.empty() ? "this comment names no rule to ignore"
-                               : "unknown rule " + excerpt(word) + " in a comment",
-                  near.empty() ? "" : "did you mean " + std::string(near) + "?"});
+    findings.add(Rule::unknown_rule, [&, at = at, word = word] {
+      const std::string_view near = near_word(word, rule_ids());
+      return NewFinding{.at = at,
+                        .text = word.empty() ? "this comment names no rule to ignore"
+                                             : "unknown rule " + excerpt(word) + " in a comment",
+                        .remedy = near.empty() ? "" : "did you mean " + std::string(near) + "?"};
+    });
   }
 }
 

@@ -114,8 +114,8 @@ class ListWarnings {
 
   void add(Rule rule, Offset at, int frame, const std::string &text,
            std::optional<Offset> related = std::nullopt) {
-    if (!findings_.wanted(rule)) return;
-    findings_.add({rule, at, name_, trace_.path(frame), text, {}, {}, related});
+    findings_.add(rule,
+                  [&] { return NewFinding{at, name_, trace_.path(frame), text, {}, {}, related}; });
   }
 
   const Trace &trace_;

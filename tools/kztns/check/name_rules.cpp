@@ -64,24 +64,18 @@ class NameRules {
     report_name(entry);
     const std::string_view name = scan_.name(entry);
     if (entry.reached && entry.verdict == Verdict::unreachable)
-      findings_.add_if_wanted(Rule::unreachable, entry.at, name,
-                              "a name like this is read as a descriptor, and never looked up");
+      findings_.add(Rule::unreachable,
+                    {.at = entry.at,
+                     .entry = name,
+                     .text = "a name like this is read as a descriptor, and never looked up"});
     // No lookup finds the names of a list.
     if (entry.in_list) return;
     const std::uint32_t same = first_same(i, name);
     const std::uint32_t alike = first_alike(i, name);
     if (same != NameIndex::none) {
       report_duplicate(entry, entries()[same]);
-    } else if (alike != NameIndex::none && findings_.wanted(Rule::case_differs)) {
-      findings_.add({Rule::case_differs,
-                     entry.at,
-                     name,
-                     {},
-                     "differs only in case from " + excerpt(scan_.name(entries()[alike])) + " at " +
-                         text_.place(entries()[alike].at),
-                     {},
-                     {},
-                     entries()[alike].at});
+    } else if (alike != NameIndex::none) {
+      report_case(entry, entries()[alike]);
     }
   }
 
@@ -106,17 +100,25 @@ class NameRules {
     if (text_.origin(first.at) > text_.origin(entry.at)) return report_duplicate(first, entry);
     const bool passed_over =
         first.at < entry.at && first.verdict == Verdict::shadowed && entry.verdict == Verdict::ok;
-    if (!findings_.wanted(Rule::duplicate)) return;
-    findings_.add({Rule::duplicate,
-                   entry.at,
-                   scan_.name(entry),
-                   {},
-                   "duplicate name: the first entry, at " + text_.place(first.at) +
-                       (passed_over ? ", is not reached"
-                                    : ", is used; other readers of such files use the last one"),
-                   {},
-                   {},
-                   first.at});
+    findings_.add(Rule::duplicate, [&] {
+      return NewFinding{
+          .at = entry.at,
+          .entry = scan_.name(entry),
+          .text = "duplicate name: the first entry, at " + text_.place(first.at) +
+                  (passed_over ? ", is not reached"
+                               : ", is used; other readers of such files use the last one"),
+          .related = first.at};
+    });
+  }
+
+  void report_case(const Entry &entry, const Entry &first) {
+    findings_.add(Rule::case_differs, [&] {
+      return NewFinding{.at = entry.at,
+                        .entry = scan_.name(entry),
+                        .text = "differs only in case from " + excerpt(scan_.name(first)) + " at " +
+                                text_.place(first.at),
+                        .related = first.at};
+    });
   }
 
   void report_name(const Entry &entry) {
@@ -125,23 +127,23 @@ class NameRules {
         name != reserved_name)
       report_reserved_part(entry, name);
     if (entry.name_length == longest_token)
-      findings_.add_if_wanted(
-          Rule::key_cut, entry.at, name,
-          "a name of " + std::to_string(longest_token) + " characters may be cut");
+      findings_.add(Rule::key_cut, {.at = entry.at,
+                                    .entry = name,
+                                    .text = "a name of " + std::to_string(longest_token) +
+                                            " characters may be cut"});
     if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
     if (entry.built && !entry.quoted) report_foreign_signs(entry, name);
     const std::string_view odd = odd_character(name);
-    if (odd.empty() || !findings_.wanted(rule_of_odd(entry, odd))) return;
-    findings_.add({rule_of_odd(entry, odd),
-                   entry.at,
-                   name,
-                   {},
-                   "invisible character " + visible(odd) +
-                       " in the name: the entry is found only by a name with it",
-                   {},
-                   entry.quoted
-                       ? Fix{}
-                       : fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length)});
+    if (odd.empty()) return;
+    findings_.add(rule_of_odd(entry, odd), [&] {
+      NewFinding found = {.at = entry.at,
+                          .entry = name,
+                          .text = "invisible character " + visible(odd) +
+                                  " in the name: the entry is found only by a name with it"};
+      if (!entry.quoted)
+        found.fix = fix_of_invisible(text_.text(), entry.at, entry.at + entry.name_length);
+      return found;
+    });
   }
 
   void report_foreign_signs(const Entry &entry, std::string_view name) {
@@ -149,9 +151,10 @@ class NameRules {
     const std::string_view sign = first ? leading_sign(name) : trailing_sign(name);
     if (sign.empty()) return;
     const std::size_t at = first ? 0 : name.size() - sign.size();
-    findings_.add_if_wanted(Rule::odd_name, entry.at + static_cast<Offset>(at), name,
-                            (first ? "begins with " : "ends with ") + quoted(sign) +
-                                ": the entry is found only by a name with it");
+    findings_.add(Rule::odd_name, {.at = entry.at + static_cast<Offset>(at),
+                                   .entry = name,
+                                   .text = (first ? "begins with " : "ends with ") + quoted(sign) +
+                                           ": the entry is found only by a name with it"});
   }
 
   static Rule rule_of_odd(const Entry &entry, std::string_view odd) {
@@ -174,17 +177,17 @@ class NameRules {
 
   void report_commas(const Entry &entry, std::string_view name) {
     if (std::vector<Edit> commas = commas_around(entry, name); !commas.empty()) {
-      findings_.add_if_wanted(Rule::stray_comma, entry.at, name,
-                              "the comma is read as part of the name",
-                              entry.quoted ? Fix{} : safe_fix(std::move(commas)));
-    } else if (findings_.wanted(Rule::comma_list)) {
-      findings_.add({Rule::comma_list,
-                     entry.at,
-                     name,
-                     {},
-                     "a list of names is read as one name: no lookup finds its parts",
-                     {},
-                     entry.quoted ? Fix{} : lists_.split(entry.at)});
+      findings_.add(Rule::stray_comma, {.at = entry.at,
+                                        .entry = name,
+                                        .text = "the comma is read as part of the name",
+                                        .fix = entry.quoted ? Fix{} : safe_fix(std::move(commas))});
+    } else {
+      findings_.add(Rule::comma_list, [&] {
+        return NewFinding{.at = entry.at,
+                          .entry = name,
+                          .text = "a list of names is read as one name: no lookup finds its parts",
+                          .fix = entry.quoted ? Fix{} : lists_.split(entry.at)};
+      });
     }
   }
 
@@ -193,8 +196,7 @@ class NameRules {
     std::string text = "a prefix of " + std::string(reserved_name);
     text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
     if (stops) text += "; the entries after it are lost";
-    if (findings_.wanted(Rule::reserved_part))
-      findings_.add({Rule::reserved_part, entry.at, name, {}, std::move(text)});
+    findings_.add(Rule::reserved_part, {.at = entry.at, .entry = name, .text = std::move(text)});
   }
 
   const NamesText &text_;
