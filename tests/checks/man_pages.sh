@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The man pages and docs/kztns.md against what they describe: each function of the public headers with its
-# declaration, each option and exit status of the command, the example program.
+# declaration, each option of the command with the words that it takes, each exit status, the example
+# program.
 #   man_pages.sh PROJECT MAN_DIR LIBRARY_DIR KZTNS C_COMPILER [FLAG...]
 set -euo pipefail
 project=$1 man=$2 libraries=$3 kztns=$4 cc=$5
@@ -74,17 +75,38 @@ fi
 options_of_help() { "$kztns" "$@" --help | grep -oE '^ +-[^ ]+' | grep -oE -- '--[a-z-]+'; }
 options_of_page() { { grep '^\.It Fl' || true; } | grep -oE 'Fl Fl [a-z-]+' | sed 's/Fl Fl /--/'; }
 
+# "--format text,json": an option whose words the help of a subcommand lists, one a line.
+words_of_help() { "$kztns" "$1" --help | sed -nE 's/^ +(-[a-z],)?(--[a-z-]+) [A-Z]+:\{([^}]*)\}.*/\2 \3/p'; }
+words_of_page() {
+  section kztns.1 ".Ss $1:" |
+    awk -v option=".It Fl Fl ${2#--} " '/^\.(It|El)/ {on = 0} on {print} index($0, option) == 1 {on = 1}' |
+    sed -nE 's/^\.Cm ([a-z]+).*/\1/p'
+}
+# Of the synopsis, where a subcommand may go on over several lines.
+words_of_document() {
+  awk -v call="kztns $1 " '/^(kztns |```)/ {on = 0} index($0, call) == 1 {on = 1} on {print}' \
+    "$project/docs/kztns.md" | { grep -oE -- "$2 [a-z|]+" || true; } | sed "s/^$2 //" | tr '|' '\n'
+}
+
 common=$(section kztns.1 '.Ss Options of' '.Ss show' | options_of_page)
 subcommands=(show why check fix format lsp list settings)
 same "subcommands" "$(printf '%s\n' "${subcommands[@]}")" \
   "$("$kztns" --help | sed -n '/^Subcommands:/,$ s/^  \([a-z]*\) .*/\1/p')"
 of_helps=$(options_of_help)
+listed=
 for subcommand in "${subcommands[@]}"; do
   own=$(section kztns.1 ".Ss $subcommand:" | options_of_page || true)
   in_help=$(options_of_help "$subcommand")
   of_helps+=$'\n'$in_help
+  while read -r option words; do
+    same "words of $subcommand $option" "${words//,/$'\n'}" "$(words_of_page "$subcommand" "$option")"
+    same "words of $subcommand $option, in the document" "${words//,/$'\n'}" \
+      "$(words_of_document "$subcommand" "$option")"
+    listed+=" $option"
+  done < <(words_of_help "$subcommand")
   same "options of $subcommand" "$(grep -vxF -- "$common" <<<"$in_help" || echo none)" "${own:-none}"
 done
+[ -n "$listed" ] || fail "no help lists the words of an option"
 same "options of several subcommands" "$common" "$(grep -xF -- "$common" <<<"$of_helps")"
 
 statuses=$(for subcommand in "${subcommands[@]}"; do
