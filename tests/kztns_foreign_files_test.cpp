@@ -2,11 +2,13 @@
 // stays what it was.
 #include <map>
 #include <set>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "check/apply_fixes.h"
 #include "check/check_file.h"
+#include "support/fix_kinds.h"
 #include "support/foreign_lookups.h"
 #include "support/safe_edits.h"
 
@@ -17,7 +19,9 @@ namespace {
 
 std::vector<kztns::Finding> findings_of(const std::string &content) {
   const kztns::NamesText text(content);
-  return kztns::check_once(text, {.file = "names.ora"}).findings;
+  kztns::CheckReport report = kztns::check_once(text, {.file = "names.ora"});
+  support::expect_allowed_fixes(report);
+  return std::move(report.findings);
 }
 
 std::string edited(const std::string &content, const std::vector<kztns::Edit> &edits) {

@@ -10,6 +10,7 @@
 #include "report/check_formats.h"
 #include "report/check_text.h"
 #include "report/rule_text.h"
+#include "support/fix_kinds.h"
 #include "support/json_schema.h"
 
 namespace {
@@ -238,6 +239,19 @@ TEST(RuleText, EveryRuleIsListedAndExplained) {
     EXPECT_NE(kztns::explanation(rule).find("\n\nWhat to do: "), std::string::npos) << row.id;
     EXPECT_EQ(kztns::explanation(rule).find("```"), std::string::npos) << row.id;
   }
+}
+
+TEST(RuleText, AllowsTheFixesOfTheExamples) {
+  const std::string_view fence = "```names\n";
+  int examples = 0;
+  for (std::size_t i = 0; i < kztns::rule_count; ++i) {
+    std::string_view section = kztns::section_of(static_cast<Rule>(i));
+    for (std::size_t at; (at = section.find(fence)) != section.npos; ++examples) {
+      section.remove_prefix(at + fence.size());
+      support::expect_allowed_fixes(report_of(std::string(section.substr(0, section.find("```")))));
+    }
+  }
+  EXPECT_GT(examples, 0);
 }
 
 // As far as the documents have an example of it.

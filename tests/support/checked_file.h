@@ -9,6 +9,7 @@
 
 #include "check/apply_fixes.h"
 #include "check/check_file.h"
+#include "fix_kinds.h"
 #include "lookup/lookup.h"
 #include "names_entry.h"
 #include "parsing.h"
@@ -24,7 +25,9 @@ inline const std::string block =
 inline std::string told(const std::string &content) {
   const kztns::NamesText text(content);
   std::string lines;
-  for (const kztns::Finding &finding : kztns::check_file(text, {.file = "names"}).findings)
+  const kztns::CheckReport report = kztns::check_file(text, {.file = "names"});
+  expect_allowed_fixes(report);
+  for (const kztns::Finding &finding : report.findings)
     lines += to_string(finding.position) + " " + std::string(row_of(finding.rule).id) + ": " +
              finding.text + "\n";
   return lines;

@@ -10,6 +10,7 @@
 
 #include "check/apply_fixes.h"
 #include "check/check_file.h"
+#include "fix_kinds.h"
 #include "io/memory_file.h"
 #include "lookup/lookup.h"
 
@@ -46,7 +47,9 @@ inline Row none(const std::string &rule, const std::string &before) {
 
 inline kztns::CheckReport report_of(const std::string &content) {
   const kztns::NamesText text(content);
-  return kztns::check_once(text, {.file = "names.ora"});
+  kztns::CheckReport report = kztns::check_once(text, {.file = "names.ora"});
+  expect_allowed_fixes(report);
+  return report;
 }
 
 inline bool is_served(const std::string &text) {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "check/check_file.h"
+#include "fix_kinds.h"
 
 namespace support {
 
@@ -12,7 +13,9 @@ inline kztns::CheckReport report_of(const std::string &content) {
   kztns::CheckRequest request;
   request.file = "names.ora";
   request.with_entries = true;
-  return kztns::check_file(text, request);
+  kztns::CheckReport report = kztns::check_file(text, request);
+  expect_allowed_fixes(report);
+  return report;
 }
 
 inline std::string good_entry(const std::string &name) {
