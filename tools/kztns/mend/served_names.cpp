@@ -75,7 +75,8 @@ std::vector<ServedName> ServedNames::not_in(const ServedNames &others) const {
   std::vector<ServedName> missing;
   std::set_difference(names_.begin(), names_.end(), others.names_.begin(), others.names_.end(),
                       std::back_inserter(missing), comes_before);
-  // Settings that a fault kept from the reserved entry may come to it.
+  // The settings of the reserved entry may change: it is built with a wrong word, which a fix
+  // corrects, and without what a fault keeps from it.
   std::erase_if(missing,
                 [&](const ServedName &one) { return one.reserved && others.has(one.name); });
   return missing;
