@@ -121,7 +121,7 @@ KZOCI_API sword KZCITnsCheckBuffer(KZCITnsParseParams *parse_params);
 
 /*
  * Passes over spaces, tabs, line feeds, carriage returns and comments ("#" to
- * the end of the line).
+ * the end of the line, or to a zero byte).
  *
  * Returns 0: buffer_pos is on the next other character. 100: the input has
  * ended (DEBUG). -2: null record, not logged. Another status of

@@ -14,6 +14,7 @@
 
 #include "kzoci/oci_tnsname/grammar.h"
 #include "kzoci/oci_tnsname/items.h"
+#include "kzoci/oci_tnsname/record_fields.h"
 #include "support/key_inputs.h"
 #include "support/memory_file.h"
 #include "support/model_reader.h"
@@ -156,13 +157,22 @@ TEST(Keys, RowsOfOneWordHaveOneIdentifier) {
   }
 }
 
-// Its builder passes over it; any other number would be stored somewhere.
+// Its builder passes over it; any other number is stored somewhere.
 TEST(Keys, OnlyRetryDelayIsNotKept) {
   for (const tns::Key &row : tns::grammar) {
     const bool is_kept = row.value.field.storage != tns::Storage::nowhere;
     const bool is_passed_over =
         row.value.kind == tns::ValueKind::block || row.type == LB_RETRY_DELAY;
     EXPECT_NE(is_kept, is_passed_over) << row.word;
+  }
+}
+
+TEST(Keys, AFieldWithoutANumberIsLeftAlone) {
+  for (const tns::Storage storage : {tns::Storage::nowhere, tns::Storage::text}) {
+    sb8 record = 7;
+    tns::store_number(&record, {.storage = storage}, 9);
+    EXPECT_EQ(record, 7);
+    EXPECT_EQ(tns::number_of(&record, {.storage = storage}), 0);
   }
 }
 

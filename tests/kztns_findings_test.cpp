@@ -11,6 +11,7 @@
 #include "check/check_file.h"
 #include "check/findings.h"
 #include "commands/list.h"
+#include "kzoci/oci_tnsname.hpp"
 #include "report/check_formats.h"
 #include "report/check_text.h"
 #include "support/json_schema.h"
@@ -272,6 +273,34 @@ TEST(ListLine, HasThreeForms) {
       "x  1  refused\n");
   const json object = json::parse(kztns::list_line(entry, kztns::ListFormat::json, {}));
   EXPECT_EQ(violations_of("/docs/list.schema.json", json::array({object})), "");
+}
+
+namespace {
+
+// Finds no memory for its first record.
+class WithoutMemory : public kztns::LogListener {
+ public:
+  int records = 0;
+
+ private:
+  void record(log_level, const char *, std::va_list) override {
+    if (++records == 1) throw std::bad_alloc();
+  }
+};
+
+}  // namespace
+
+TEST(AllocationScope, TellsThatAListenerFoundNoMemory) {
+  const kztns::AllocationScope scope;
+  scope.require_memory();
+  WithoutMemory listener;
+  {
+    const kztns::Listening listening(listener);
+    kzoci::Tns tns;
+    EXPECT_FALSE(tns.look_up("(DESCRIPTION=(x=y))"));
+  }
+  EXPECT_GT(listener.records, 1);
+  EXPECT_THROW(scope.require_memory(), std::bad_alloc);
 }
 
 TEST(AllocationScope, ReleasesWhatAFailedBuildLeaves) {

@@ -20,9 +20,9 @@ constexpr Field not_kept = {};
 // A number, a word or a text of a record.
 #define KZ_FIELD(storage, record, field) \
   Field { Storage::storage, offsetof(record, field) }
-#define KZ_TEXT(record, field)                                                                     \
-  Field {                                                                                          \
-    Storage::number, offsetof(record, field), offsetof(record, field##_len), sizeof(record::field) \
+#define KZ_TEXT(record, field)                                                                   \
+  Field {                                                                                        \
+    Storage::text, offsetof(record, field), offsetof(record, field##_len), sizeof(record::field) \
   }
 
 constexpr ub4 max_text = 256;  // limit of most texts: the longest key

@@ -24,9 +24,10 @@ enum class Block : unsigned char {
 
 enum class ValueKind : unsigned char { block, word, integer, text };
 
-// How a field keeps a number.
+// How a field keeps a value.
 enum class Storage : unsigned char {
-  nowhere,  // not kept
+  nowhere,  // not at all
+  text,     // characters, and their number beside them
   number,   // sb8
   seconds,  // time_t
   count,    // ub4, the value's low 32 bits

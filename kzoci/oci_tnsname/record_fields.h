@@ -18,7 +18,8 @@ inline const void *field_of(const void *record, const Field &field) {
   return static_cast<const char *>(record) + field.at;
 }
 
-// Stores a number in a field of a record, in the field's type.
+// Stores a number in a field of a record, in the field's type; of a key that is not kept,
+// nothing.
 inline void store_number(void *record, const Field &field, sb8 number) {
   const auto store = [&](auto as_stored) {
     std::memcpy(field_of(record, field), &as_stored, sizeof as_stored);
@@ -30,8 +31,11 @@ inline void store_number(void *record, const Field &field, sb8 number) {
       return store(static_cast<ub4>(number));
     case Storage::option:
       return store(static_cast<int>(number));
-    default:
+    case Storage::number:
       return store(number);
+    case Storage::nowhere:
+    case Storage::text:
+      return;
   }
 }
 
@@ -42,7 +46,7 @@ sb8 stored_number(const void *record, const Field &field) {
   return static_cast<sb8>(stored);
 }
 
-// The number that a field of a record holds.
+// The number that a field of a record holds; 0 for a field without one.
 inline sb8 number_of(const void *record, const Field &field) {
   switch (field.storage) {
     case Storage::seconds:
@@ -51,9 +55,13 @@ inline sb8 number_of(const void *record, const Field &field) {
       return stored_number<ub4>(record, field);
     case Storage::option:
       return stored_number<int>(record, field);
-    default:
+    case Storage::number:
       return stored_number<sb8>(record, field);
+    case Storage::nowhere:
+    case Storage::text:
+      break;
   }
+  return 0;
 }
 
 // The characters of a text field, never more than its array holds.

@@ -51,7 +51,7 @@ sword read_key_word(KZCITnsParseParams *params) {
 }
 
 // "(" DESCRIPTION "=" description
-sword read_block(KZCITnsService *service, KZCITnsParseParams *params) {
+sword read_description_block(KZCITnsService *service, KZCITnsParseParams *params) {
   sword status = read_key_word(params);
   if (status == success) status = expect(params, TNS_EQUAL_SIGN);
   if (status == success) status = check_is_description(*params);
@@ -82,7 +82,8 @@ Blocks read_blocks(KZCITnsService *service, KZCITnsParseParams *params) {
   for (;;) {
     blocks.status = expect(params, TNS_LEFT_PARENTHESES);
     if (blocks.status == success)
-      blocks.status = reserved ? read_setting(service, params) : read_block(service, params);
+      blocks.status =
+          reserved ? read_setting(service, params) : read_description_block(service, params);
     if (blocks.status == success) blocks.status = expect(params, TNS_RIGHT_PARENTHESES);
     if (blocks.status != success) return blocks;
     blocks.one_completed = true;

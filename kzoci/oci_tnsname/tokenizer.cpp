@@ -4,7 +4,7 @@
 //   key     := { character | quoted }        up to a blank, "(", ")" or "="
 //   quoted  := '"' { any but '"' } '"'
 //   blank   := space | tab | line feed | carriage return
-//   comment := "#" { any but line feed }     only where a token may begin
+//   comment := "#" { any but line feed and zero byte }     only where a token may begin
 //
 // Blanks and comments may precede every token.
 #include "tokenizer.h"

@@ -71,7 +71,7 @@ LookupReport report_of(const std::string &identifier, const Lookup &lookup,
     report.note = form_of(identifier).note;
   add_file_note(lookup, report.note);
   // An entry that is refused for want of memory alone would be told as malformed.
-  if (scope.ran_out()) throw std::bad_alloc();
+  scope.require_memory();
   return report;
 }
 

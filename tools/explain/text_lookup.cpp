@@ -50,7 +50,7 @@ Outcome look_up_in_text(const std::string &identifier, const std::string &text) 
   const AllocationScope scope;
   kzoci::Tns tns;
   const kzoci::Result result = tns.look_up_in(file.get(), identifier);
-  if (scope.ran_out()) throw std::bad_alloc();
+  scope.require_memory();
   return outcome_of(result);
 }
 

@@ -74,6 +74,7 @@ class FileScan::Builder {
       trace_.begin(params);
       KZCITnsServiceBuild(&tns, &params);
     }
+    scope.require_memory();
     then(tns.tns_service, here(params));
   }
 
@@ -351,6 +352,7 @@ void build_entry(const std::string &text, Offset body, std::string_view name, Tr
   const Listening listening(trace);
   trace.begin(params);
   KZCITnsServiceBuild(&tns, &params);
+  scope.require_memory();
 }
 
 void with_service(const std::string &text, Offset body, std::string_view name,
@@ -359,6 +361,7 @@ void with_service(const std::string &text, Offset body, std::string_view name,
   KZCITns tns = {};
   KZCITnsParseParams params = at_body(text, body, name);
   KZCITnsServiceBuild(&tns, &params);
+  scope.require_memory();
   if (tns.tns_service != nullptr) then(*tns.tns_service);
 }
 

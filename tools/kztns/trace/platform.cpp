@@ -1,6 +1,7 @@
 #include "trace/platform.h"
 
 #include <cstdlib>
+#include <new>
 
 #include "kzoci/platform/memory.h"
 
@@ -45,7 +46,9 @@ AllocationScope::~AllocationScope() {
   if (newest_allocation != nullptr) newest_allocation->newer = nullptr;
 }
 
-bool AllocationScope::ran_out() const { return refused_allocations != refused_before_; }
+void AllocationScope::require_memory() const {
+  if (refused_allocations != refused_before_) throw std::bad_alloc();
+}
 
 }  // namespace kztns
 
@@ -55,7 +58,12 @@ extern "C" void kzoci_log_inner(enum log_level level, const char *, int, const c
   if (kztns::current_listener == nullptr) return;
   std::va_list arguments;
   va_start(arguments, format);
-  kztns::current_listener->record(level, format, arguments);
+  // The module has no exceptions: on some processors none gets through it.
+  try {
+    kztns::current_listener->record(level, format, arguments);
+  } catch (const std::bad_alloc &) {
+    ++kztns::refused_allocations;
+  }
   va_end(arguments);
 }
 

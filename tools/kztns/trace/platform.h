@@ -48,8 +48,9 @@ class AllocationScope {
   AllocationScope(const AllocationScope &) = delete;
   AllocationScope &operator=(const AllocationScope &) = delete;
 
-  // Whether a block was not to be had since the beginning.
-  bool ran_out() const;
+  // Throws std::bad_alloc when memory was not to be had since the beginning, for the module or for
+  // who listens to it.
+  void require_memory() const;
 
  private:
   AllocationLink mark_;
