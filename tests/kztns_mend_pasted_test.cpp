@@ -309,3 +309,20 @@ TEST(Mending, OfDamagedFilesLosesHardlyAServer) {
   }
   EXPECT_LE(lost, 10);
 }
+
+TEST(Mending, OfAnEntryThatAnotherOneFollowsOnTheLineClosesItBefore) {
+  const std::string open = "a = (DESCRIPTION = " + address + data;
+  EXPECT_EQ(mended(open + entry("b") + entry("c")), open + ")" + entry("b") + entry("c"));
+  EXPECT_EQ(mended(open + "b =\n  " + block + "\n"), open + ")b =\n  " + block + "\n");
+}
+
+TEST(Mending, OfAnEntryBeforeOneOfAnotherNotationClosesItBefore) {
+  const std::string open = "a = (DESCRIPTION = " + address + data;
+  const std::string connected =
+      "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))"
+      "(CONNECT_DATA = (SERVICE_NAME = s)))\n";
+  EXPECT_EQ(mended(open + "\nb = \"" + block + "\"\n" + entry("c")),
+            open + ")\n" + entry("b") + entry("c"));
+  EXPECT_EQ(mended(open + "\nb = h:1/s\n" + entry("c")), open + ")\nb = " + connected + entry("c"));
+  EXPECT_EQ(mended(open + "\nIFILE = more.ora\n"), open + ")\nIFILE = more.ora\n");
+}

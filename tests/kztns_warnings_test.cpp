@@ -98,4 +98,6 @@ TEST(Warnings, OfNumbersThatBecomeNegative) {
   EXPECT_EQ(of_timeout("9223372036854775808"), Rules{"narrowed-number"});
   EXPECT_EQ(of_timeout("9223372036854775807"), Rules{});
   EXPECT_EQ(of_timeout("\" 5\""), Rules{});
+  EXPECT_EQ(of_timeout("\" -5\""), Rules{"negative-number"});
+  EXPECT_EQ(of_timeout("\"\t9223372036854775808\""), Rules{"narrowed-number"});
 }

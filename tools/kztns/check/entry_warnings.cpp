@@ -7,9 +7,9 @@
 
 #include "check/list_warnings.h"
 #include "kzoci/platform/level_names.h"
-#include "kzoci/platform/my_strtoll10.h"
 #include "rules/diagnosis.h"
 #include "text/spelling.h"
+#include "trace/library_number.h"
 
 namespace kztns {
 namespace {
@@ -260,30 +260,25 @@ class EntryWarnings {
 
   void check_narrowed_number(const Item &item, const Key &key) {
     if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
-    const std::optional<sb8> value = number(trace_.value_of(item));
-    if (!value) return add_too_large(item);
-    if (const auto stored = narrowed(key, *value))
-      add(Rule::narrowed_number, item, " is " + std::to_string(*value) + ": " + *stored);
+    const std::string_view text = trace_.value_of(item);
+    const LibraryNumber number = library_number(text);
+    if (!number.fits) return;
+    if (number.wrapped)
+      add(Rule::narrowed_number, item,
+          " is " + excerpt(text) + ": " + std::to_string(number.value) + " is stored");
+    else if (const auto stored = narrowed(key, number.value))
+      add(Rule::narrowed_number, item, " is " + std::to_string(number.value) + ": " + *stored);
   }
 
   void check_negative_number(const Item &item, const Key &key) {
     if (key.value.kind != ValueKind::integer || may_be_negative(item.type)) return;
-    const std::optional<sb8> value = number(trace_.value_of(item));
-    if (value && *value < 0 && !narrowed(key, *value))
-      add(Rule::negative_number, item, " is " + std::to_string(*value));
+    const LibraryNumber number = library_number(trace_.value_of(item));
+    if (number.fits && !number.wrapped && number.value < 0 && !narrowed(key, number.value))
+      add(Rule::negative_number, item, " is " + std::to_string(number.value));
   }
 
   // The library takes numbers up to twice what 64 bits hold, the upper half as
   // negative ones.
-  void add_too_large(const Item &item) {
-    std::string text(trace_.value_of(item));
-    char *end = text.data() + text.size();
-    int error = 0;
-    const sb8 stored = my_strtoll10(text.data(), &end, &error);
-    if (error == 0 && stored < 0)
-      add(Rule::narrowed_number, item,
-          " is " + excerpt(text) + ": " + std::to_string(stored) + " is stored");
-  }
 
   void check_block(int index) {
     const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
-#include "kzoci/platform/my_strtoll10.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "trace/library_number.h"
 
 namespace kztns {
 namespace {
@@ -190,11 +190,7 @@ class FaultExplainer {
   }
 
   Diagnosis bad_number() const {
-    std::string number(item() == nullptr ? "" : trace_.value_of(*item()));
-    char *end = number.data() + number.size();
-    int error = 0;
-    my_strtoll10(number.data(), &end, &error);
-    const bool is_number = !number.empty() && end == number.data() + number.size();
+    const bool is_number = item() != nullptr && library_number(trace_.value_of(*item())).digits;
     return found(Rule::bad_number, key() + " is " + value() + ": expected a 64-bit integer",
                  is_number ? "write a number in range" : "");
   }

@@ -182,12 +182,16 @@ std::optional<Offset> no_name_after(std::string_view text, Offset body) {
   return next;
 }
 
-EntryRange EntryRanges::range_of(Offset body) {
-  if (!known_)
-    for_each_written_entry(text_.text(), [this](const WrittenEntry &written) {
-      names_.push_back(written.name_begin);
-    });
+void EntryRanges::find_names() {
+  names_ = foreign_entries(text_.text());
+  for_each_written_entry(
+      text_.text(), [this](const WrittenEntry &written) { names_.push_back(written.name_begin); });
+  std::sort(names_.begin(), names_.end());
   known_ = true;
+}
+
+EntryRange EntryRanges::range_of(Offset body) {
+  if (!known_) find_names();
   const auto next = std::upper_bound(names_.begin(), names_.end(), body);
   const Offset end = next == names_.end() ? text_.size() : *next;
   spent_ += end - body;

@@ -41,13 +41,14 @@ class EntryRanges {
   EntryRange range_of(Offset body);
 
  private:
+  void find_names();
   // Entries as people write them overlap nowhere.
   static constexpr std::uint64_t most_times_over = 4;
 
   const NamesText &text_;
   bool known_ = false;
   std::uint64_t spent_ = 0;    // characters of the ranges so far
-  std::vector<Offset> names_;  // where the entries that stand in the text begin
+  std::vector<Offset> names_;  // where entries begin, those of other readers, too
 };
 
 }  // namespace kztns

@@ -5,6 +5,7 @@
 
 #include "scan/item_words.h"
 #include "text/characters.h"
+#include "text/spelling.h"
 
 namespace kztns {
 namespace {
@@ -23,6 +24,9 @@ class Scanner {
 
  private:
   bool at_line_start() const { return at_ == 0 || text_[at_ - 1] == '\n'; }
+
+  // Right after a ")", where no word can be part of the entry before.
+  bool after_close() const { return at_ > 0 && text_[at_ - 1] == ')' && last_ == ')'; }
 
   // The names of a list, from a place on; empty when there are none.
   Offset read_names(Offset at, std::vector<WrittenEntry> &names) {
@@ -45,7 +49,7 @@ class Scanner {
 
   // Whether an entry begins here; if so, visits it and goes past its "=".
   bool take_entry() {
-    if (!at_line_start() && !indentation_only()) return false;
+    if (!at_line_start() && !indentation_only() && !after_close()) return false;
     if (ends_name(text_[at_]) || at_ < no_entry_before_) return false;
     std::vector<WrittenEntry> names;
     const Offset equal = read_names(at_, names);
@@ -54,6 +58,7 @@ class Scanner {
     if (open >= text_.size() || text_[open] != '(') return false;
     if (is_item(names.front())) return false;
     if (last_ == '(' && !(at_line_start() && begins_value(open))) return false;
+    if (after_close() && !begins_value(open)) return false;
     if (!at_line_start() && depth_ > 0 && !opens_block(key_after(open))) return false;
     for (WrittenEntry &name : names) {
       name.body = equal + 1;
@@ -147,6 +152,26 @@ class Scanner {
   char last_ = '\0';
 };
 
+// "host:port/service"
+bool is_connect_string(std::string_view value) {
+  if (value.starts_with("//")) value.remove_prefix(2);
+  const std::size_t colon = value.find_first_of(":/()=\"");
+  if (colon == value.npos || colon == 0 || value[colon] != ':') return false;
+  const std::size_t port_end = value.find_first_not_of("0123456789", colon + 1);
+  return port_end != value.npos && port_end > colon + 1 && value[port_end] == '/';
+}
+
+bool is_foreign_entry(std::string_view line) {
+  const std::size_t name_end =
+      static_cast<std::size_t>(std::find_if(line.begin(), line.end(), ends_name) - line.begin());
+  const std::string_view name = line.substr(0, name_end);
+  const std::size_t equal = line.find_first_not_of(" \t", name_end);
+  if (name.empty() || equal == line.npos || line[equal] != '=' || item_word(name)) return false;
+  const std::string_view value = trimmed(line.substr(equal + 1));
+  return value.starts_with("\"(") || is_connect_string(value) ||
+         (equal_but_for_case(name, "IFILE") && !value.empty() && !value.starts_with('('));
+}
+
 }  // namespace
 
 Offset pass_blanks(std::string_view text, Offset from) {
@@ -176,6 +201,13 @@ std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
 void for_each_written_entry(std::string_view text,
                             const std::function<void(const WrittenEntry &)> &visit) {
   Scanner(text, visit).run();
+}
+
+std::vector<Offset> foreign_entries(std::string_view text) {
+  std::vector<Offset> found;
+  for (Offset line = 0; line < text.size(); line = end_of_line(text, line) + 1)
+    if (is_foreign_entry(text.substr(line, end_of_line(text, line) - line))) found.push_back(line);
+  return found;
 }
 
 std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,

@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "text/names_text.h"
 
@@ -34,6 +35,10 @@ struct WrittenEntry {
 // further in with a block's key after the "(". Goes forward only.
 void for_each_written_entry(std::string_view text,
                             const std::function<void(const WrittenEntry &)> &visit);
+
+// The lines that begin what only other readers know as an entry: "NAME = host:port/service", a
+// descriptor in quotes, and IFILE lines.
+std::vector<Offset> foreign_entries(std::string_view text);
 
 // A parenthesis in a comment or in quotes.
 struct HiddenParenthesis {
