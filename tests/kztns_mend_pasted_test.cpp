@@ -250,6 +250,9 @@ TEST(Mending, OfAListOfNamesAndAnotherWord) {
   EXPECT_EQ(mended("Regards,\n\na = " + block + "\n"), "# Regards,\n\n" + entry("a"));
   EXPECT_EQ(mended("Regards,\nAnna,\n\na,\nb = " + block + "\n"),
             "# Regards,\n# Anna,\n\n" + entry("a") + entry("b"));
+  EXPECT_EQ(mended(entry("a") + "Regards,\nAnna (1234)\n\n" + entry("b")),
+            entry("a") + "# Regards,\n# Anna (1234)\n\n" + entry("b"));
+  EXPECT_EQ(mended("a,\nb " + block + "\n"), entry("a") + entry("b"));
   EXPECT_EQ(mended("a a = " + block + "\n" + entry("b")), entry("a") + entry("b"));
   EXPECT_EQ(mended("c a = " + block + "\n").find("c = ("), std::string::npos);
 }

@@ -83,10 +83,7 @@ class EntryChecker : public EntryVisitor {
   }
 
   static bool is_item_of_description(std::string_view text, Offset open) {
-    if (open >= text.size() || text[open] != '(') return false;
-    const Offset key = pass_blanks(text, open + 1);
-    const ItemWord word = item_word(text.substr(key, end_of_word(text, key) - key));
-    return placement_of(word, content_of(Block::description)).fit == Fit::good;
+    return placement_of(key_after(text, open), content_of(Block::description)).fit == Fit::good;
   }
 
   // Whether the fault leaves no name to read after the entry.

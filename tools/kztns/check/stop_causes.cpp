@@ -116,20 +116,18 @@ class StopExplainer {
     return end && pass_blanks(text(), *end) == stop_.at;
   }
 
-  // Whether the "(" at a place begins a block that may stand in an entry.
+  // Whether an entry's block, which may lack those around it, begins at a place.
   bool begins_block(Offset open) const {
-    const Offset key = pass_blanks(text(), open + 1);
-    const std::string_view word = text().substr(key, 11);
-    return equal_but_for_case(word, "DESCRIPTION") ||
-           equal_but_for_case(word.substr(0, 7), "ADDRESS");
+    const ItemWord key = key_after(text(), open);
+    return key.type == LB_DESCRIPTION || key.type == LB_ADDRESS || key.type == LB_ADDRESS_LIST ||
+           placement_of(key, content_of(Block::entry)).content.kind == Content::description_list;
   }
 
   // Whether a setting is after the reserved name and the "(" of the stop.
   bool begins_settings(std::string_view name) const {
-    const Offset key = pass_blanks(text(), stop_.at + 1);
-    const std::string_view word = text().substr(key, end_of_word(text(), key) - key);
+    const ItemWord key = key_after(text(), stop_.at);
     return trimmed(name) == kzoci::tns::reserved_name &&
-           placement_of(item_word(word), content_of(Block::system_variables)).fit == Fit::good;
+           placement_of(key, content_of(Block::system_variables)).fit == Fit::good;
   }
 
   StopCause no_name() const {

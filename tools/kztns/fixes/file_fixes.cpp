@@ -5,6 +5,7 @@
 #include "fixes/invisible_fixes.h"
 #include "scan/further_stops.h"
 #include "scan/item_words.h"
+#include "scan/left_over.h"
 #include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
@@ -59,12 +60,6 @@ std::optional<Offset> end_of_separator(std::string_view text, Offset at) {
   return static_cast<Offset>(end);
 }
 
-// Whether a block that the library knows begins at a place.
-bool is_block(std::string_view text, Offset open) {
-  const Offset key = pass_blanks(text, open + 1);
-  return opens_block(item_word(text.substr(key, end_of_word(text, key) - key)));
-}
-
 // "NAME NAME ="
 Fix without_repeated_name(std::string_view text, Offset at) {
   const Offset end = end_of_word(text, at);
@@ -76,6 +71,15 @@ Fix without_repeated_name(std::string_view text, Offset at) {
   return repeats ? safe_fix({{at, next, {}}}) : Fix();
 }
 
+// Whether items may be those of the entry before them, which lacks some.
+bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
+  const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
+  const Entry *const entry = scan.entry_at_or_before(at);
+  const ItemWord key = key_after(text, at);
+  if (entry == nullptr || !key || !end_of_items(text, at)) return false;
+  return opens_block(key) || !is_complete(text, entry->body);
+}
+
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   if (Fix fix = without_repeated_name(text, at)) return fix;
@@ -85,9 +89,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   if (Fix fix = fix_of_long_comment(text, at)) return fix;
   if (text[at] == '(') {
     if (Fix fix = without_parentheses_of_entry(text.substr(0, scan.next_entry(at)), at)) return fix;
-    // It may belong to the entry before it.
-    const bool is_whole = end_of_items(text.substr(0, scan.next_entry(at)), at).has_value();
-    if (is_whole && is_block(text, at) && scan.entry_at_or_before(at) != nullptr) return {};
+    if (may_belong_to_entry_before(scan, at)) return {};
   }
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);

@@ -172,6 +172,18 @@ std::optional<NameList> read_list(std::string_view text, Offset at) {
   return list;
 }
 
+// "Regards," on a line of its own, before something else than a list or a block.
+bool is_salutation(std::string_view text, Offset at) {
+  const Offset end = end_of_line(text, at);
+  const std::string_view line = trimmed(text.substr(at, end - at));
+  const Offset next = pass_blanks(text, end);
+  const Offset word_end = end_of_word(text, next);
+  const Offset after = pass_blanks(text, word_end);
+  return line.ends_with(',') && line.find_first_of("()=#\"") == line.npos &&
+         text[word_end - 1] != ',' && !text.substr(after).starts_with('=') &&
+         !key_after(text, after);
+}
+
 // The end of the last name before a blank line: "Regards," is no name of the entry that follows.
 std::optional<Offset> last_gap(std::string_view text, const NameList &list) {
   std::optional<Offset> gap;
@@ -207,7 +219,7 @@ std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span k
 Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_list(text, at);
-  if (!list) return {};
+  if (!list) return is_salutation(text, at) ? fix_of_lines(text, at, end_of_line(text, at)) : Fix();
   if (const auto gap = last_gap(text, *list)) return fix_of_lines(text, at, *gap);
   const Offset limit = scan_.next_entry(list->equal);
   const auto end = end_of_items(text.substr(0, limit), list->equal + 1);

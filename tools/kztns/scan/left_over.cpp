@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
@@ -16,7 +17,7 @@ bool has_key(std::string_view text, const std::vector<WrittenItem> &items, KZCIL
                      [&](const WrittenItem &item) { return key_word(text, item).type == type; });
 }
 
-bool is_complete(std::string_view text, const WrittenItem &block) {
+bool is_complete_block(std::string_view text, const WrittenItem &block) {
   const std::vector<WrittenItem> items = items_from(text, block.value);
   return key_word(text, block).type == LB_DESCRIPTION && has_key(text, items, LB_CONNECT_DATA) &&
          (has_key(text, items, LB_ADDRESS) || has_key(text, items, LB_ADDRESS_LIST));
@@ -69,13 +70,17 @@ class Rest {
 
 }  // namespace
 
+bool is_complete(std::string_view text, Offset body) {
+  const Offset open = pass_blanks(text, body);
+  if (open >= text.size() || text[open] != '(') return false;
+  const std::optional<WrittenItem> block = item_at(text, open);
+  return block && is_complete_block(text, *block);
+}
+
 std::optional<Span> find_left_over(std::string_view text, Offset body, Offset end) {
   text = text.substr(0, end);
-  const Offset open = pass_blanks(text, body);
-  if (open >= text.size() || text[open] != '(') return std::nullopt;
-  const std::optional<WrittenItem> block = item_at(text, open);
-  if (!block || !is_complete(text, *block)) return std::nullopt;
-  const Offset begin = pass_blanks(text, block->end);
+  if (!is_complete(text, body)) return std::nullopt;
+  const Offset begin = pass_blanks(text, *end_of_item(text, pass_blanks(text, body)));
   if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
     return std::nullopt;
   const Rest rest(text, begin);
