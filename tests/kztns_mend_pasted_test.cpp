@@ -329,3 +329,14 @@ TEST(Mending, OfAnEntryBeforeOneOfAnotherNotationClosesItBefore) {
   EXPECT_EQ(mended(open + "\nb = h:1/s\n" + entry("c")), open + ")\nb = " + connected + entry("c"));
   EXPECT_EQ(mended(open + "\nIFILE = more.ora\n"), open + ")\nIFILE = more.ora\n");
 }
+
+TEST(Mending, OfEntriesInQuotesOfOtherNotationsRemovesThem) {
+  const std::string quoted = "\"" + block + "\"";
+  for (const std::string &line : {"\"a\": " + quoted + ",", "a: " + quoted,
+                                  "\"a\" := " + quoted + ";", "\"a = " + block + "\""})
+    EXPECT_EQ(mended(line + "\n" + entry("b")), entry("a") + entry("b")) << line;
+  // A quote is missing, the name is none, or something else is on the line.
+  for (const std::string &line : {"\"a\": \"" + block, "\"a b\": " + quoted, "\"HOST\": " + quoted,
+                                  "\"a\": " + quoted + " x"})
+    EXPECT_EQ(mended(line + "\n" + entry("b")).find("a = ("), std::string::npos) << line;
+}

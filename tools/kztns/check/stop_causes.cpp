@@ -9,6 +9,7 @@
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
+#include "scan/quoted_entry.h"
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
@@ -156,7 +157,9 @@ class StopExplainer {
     if (stop_.met == TNS_LEFT_PARENTHESES && (begins_block(stop_.at) || begins_settings(name)))
       return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word,
               "put \"=\" after the name"};
-    return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows"};
+    const bool quoted_entry = quoted_entry_at(text(), stop_.name).has_value();
+    return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows",
+            quoted_entry ? "write NAME = (DESCRIPTION = ...), without quotes" : ""};
   }
 
   // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION", "NAME - (DESCRIPTION" and "NAME: (DESCRIPTION".

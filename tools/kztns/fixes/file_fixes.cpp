@@ -7,6 +7,7 @@
 #include "scan/item_words.h"
 #include "scan/left_over.h"
 #include "scan/line_prefixes.h"
+#include "scan/quoted_entry.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
@@ -71,6 +72,14 @@ Fix without_repeated_name(std::string_view text, Offset at) {
   return repeats ? safe_fix({{at, next, {}}}) : Fix();
 }
 
+// "NAME": "(...)", of other notations
+Fix without_quotes_of_entry(std::string_view text, Offset at) {
+  const auto entry = quoted_entry_at(text, at);
+  if (!entry) return {};
+  const std::string name(text.substr(entry->name.begin, entry->name.end - entry->name.begin));
+  return unsafe_fix({{at, entry->value.begin, name + " = "}, {entry->value.end, entry->end, {}}});
+}
+
 // Whether items may be those of the entry before them, which lacks some.
 bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
   const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
@@ -83,6 +92,7 @@ bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   if (Fix fix = without_repeated_name(text, at)) return fix;
+  if (Fix fix = without_quotes_of_entry(text, at)) return fix;
   const Offset line_end = end_of_line(text, at);
   if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));

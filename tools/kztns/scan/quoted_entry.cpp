@@ -1,0 +1,82 @@
+#include "scan/quoted_entry.h"
+
+#include <algorithm>
+
+#include "scan/item_text.h"
+#include "scan/item_words.h"
+#include "text/characters.h"
+
+namespace kztns {
+namespace {
+
+// Reads the characters of one line.
+class Line {
+ public:
+  Line(std::string_view text, Offset at) : text_(text.substr(0, end_of_line(text, at))), at_(at) {}
+
+  Offset at() const { return at_; }
+  std::string_view rest() const { return text_.substr(at_); }
+
+  bool take(char c) {
+    if (!rest().starts_with(c)) return false;
+    ++at_;
+    return true;
+  }
+
+  void pass_blanks() {
+    while (!rest().empty() && is_blank(text_[at_])) ++at_;
+  }
+
+  Span take_name() {
+    const Offset begin = at_;
+    while (!rest().empty() && !is_blank(text_[at_]) && !is_sign(text_[at_]) &&
+           std::string_view("\":,;#").find(text_[at_]) == std::string_view::npos)
+      ++at_;
+    return {begin, at_};
+  }
+
+  // "=", ":" or ":="
+  bool take_equal() {
+    const bool colon = take(':');
+    return take('=') || colon;
+  }
+
+  // "(...)"
+  std::optional<Span> take_block() {
+    const Offset begin = at_;
+    if (!rest().starts_with('(')) return std::nullopt;
+    const std::optional<Offset> end = end_of_item(text_, begin);
+    if (!end) return std::nullopt;
+    at_ = *end;
+    return Span{begin, at_};
+  }
+
+ private:
+  std::string_view text_;
+  Offset at_;
+};
+
+}  // namespace
+
+std::optional<QuotedEntry> quoted_entry_at(std::string_view text, Offset at) {
+  Line line(text, at);
+  const bool name_quoted = line.take('"');
+  const Span name = line.take_name();
+  const bool name_closed = name_quoted && line.take('"');
+  line.pass_blanks();
+  if (name.begin == name.end || !line.take_equal()) return std::nullopt;
+  line.pass_blanks();
+  const bool value_quoted = line.take('"');
+  const auto value = line.take_block();
+  // All that is opened is closed, and something is.
+  if (!value || (name_quoted && !name_closed) == value_quoted || !line.take('"'))
+    return std::nullopt;
+  if (!line.take(',')) line.take(';');
+  QuotedEntry entry = {name, *value, line.at()};
+  line.pass_blanks();
+  const bool is_key = static_cast<bool>(item_word(text.substr(name.begin, name.end - name.begin)));
+  const bool ends = line.rest().empty() || line.rest().starts_with('#');
+  return ends && !is_key ? std::optional(entry) : std::nullopt;
+}
+
+}  // namespace kztns
