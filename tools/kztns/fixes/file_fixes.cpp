@@ -137,11 +137,8 @@ Fix fix_of_commas(std::string_view text, Offset at) {
 // What another block of an entry is made of.
 Fix fix_of_second_block(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
-  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
   const auto end = end_of_items(text.substr(0, scan.next_entry(at)), at);
-  if (!end || before == std::string_view::npos || text[before] != '\n') return {};
-  const std::size_t after = text.find_first_not_of(blanks_of_line, *end);
-  if (after != std::string_view::npos && text[after] != '\n' && text[after] != '#') return {};
+  if (!end || !begins_line(text, at) || !ends_line(text, *end)) return {};
   return unsafe_fix(comment_lines(text, at, *end));
 }
 

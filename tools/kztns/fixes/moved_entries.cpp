@@ -23,10 +23,7 @@ Offset line_end(std::string_view text, Offset at) {
 
 // After the line, when nothing but blanks and a comment are left of it.
 std::optional<Offset> end_with_line(std::string_view text, Offset at) {
-  const std::size_t rest = text.find_first_not_of(blanks_of_line, at);
-  if (rest == std::string_view::npos) return static_cast<Offset>(text.size());
-  if (text[rest] != '#' && text[rest] != '\n') return std::nullopt;
-  return line_end(text, at);
+  return ends_line(text, at) ? std::optional(line_end(text, at)) : std::nullopt;
 }
 
 bool is_comment_line(std::string_view text, Offset begin) {

@@ -161,15 +161,10 @@ class StrayText {
     const Offset next = pass_blanks(text_, end);
     if (end == at_ || !(stands_at(text_, next, '(') || stands_at(text_, next, ')'))) return false;
     const bool may_be_comment = text_[at_] == ';' && next < end_of_line(text_, at_);
-    if (may_be_comment && begins_line()) return false;
+    if (may_be_comment && begins_line(text_, at_)) return false;
     const Applicability applicability =
         may_be_comment ? Applicability::unsafe : Applicability::safe;
     return mended(remedy_of_removal(at_, end), {applicability, {{at_, end, {}}}});
-  }
-
-  bool begins_line() const {
-    const std::size_t before = text_.substr(0, at_).find_last_not_of(" \t");
-    return before == std::string_view::npos || text_[before] == '\n';
   }
 
   bool mend_comment() {

@@ -113,11 +113,11 @@ class Layouter {
     const std::string_view indentation = indentation_of(entry.at);
     const auto keep = [&](KeptBecause reason) {
       const auto line = static_cast<Offset>(entry.at - indentation.size());
-      if (moves && begins_line(entry.at)) lay_out_gap(before, line, GapEnd::entry);
+      if (moves && begins_line(text_, entry.at)) lay_out_gap(before, line, GapEnd::entry);
       return reason;
     };
     if (!entry.built) return keep(KeptBecause::refused);
-    if (!entry.single || (!comes_after_blanks && !begins_line(entry.at)))
+    if (!entry.single || (!comes_after_blanks && !begins_line(text_, entry.at)))
       return KeptBecause::unclear;
     const std::vector<Piece> pieces = pieces_of_entry(entry);
     const std::vector<std::string> gaps = layout_of(text_, pieces, options_);
@@ -156,11 +156,6 @@ class Layouter {
     for (const Piece &piece : before)
       if (piece.kind != PieceKind::comment || piece.span.end > at) return false;
     return true;
-  }
-
-  bool begins_line(Offset at) const {
-    while (at > 0 && blanks_of_line.find(text_[at - 1]) != std::string_view::npos) --at;
-    return at == 0 || text_[at - 1] == '\n';
   }
 
   // The blanks before a place that begins its line; empty for another one.

@@ -61,9 +61,7 @@ std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {
   for (Offset next = pass_blanks(text, end); next < text.size() && text[next] == ')';
        next = pass_blanks(text, end))
     end = next + 1;
-  const std::size_t next = text.find_first_not_of(blanks_of_line, end);
-  const bool ends_line = next == std::string_view::npos || text[next] == '\n' || text[next] == '#';
-  return end > rest && ends_line ? std::optional<Offset>(end) : std::nullopt;
+  return end > rest && ends_line(text, end) ? std::optional<Offset>(end) : std::nullopt;
 }
 
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end) {

@@ -23,16 +23,6 @@ bool is_complete_block(std::string_view text, const WrittenItem &block) {
          (has_key(text, items, LB_ADDRESS) || has_key(text, items, LB_ADDRESS_LIST));
 }
 
-bool begins_line(std::string_view text, Offset at) {
-  const std::size_t before = text.substr(0, at).find_last_not_of(blanks_of_line);
-  return before == std::string_view::npos || text[before] == '\n';
-}
-
-bool ends_line(std::string_view text, Offset at) {
-  const std::size_t next = text.find_first_not_of(blanks_of_line, at);
-  return next == std::string_view::npos || text[next] == '\n' || text[next] == '#';
-}
-
 // The parentheses from a place on, up to a word outside of them.
 class Rest {
  public:

@@ -56,8 +56,7 @@ bool goes_on_with_word(std::string_view text, Offset at) {
 }  // namespace
 
 std::vector<Span> line_prefixes(std::string_view text, Offset at) {
-  const std::size_t before = text.substr(0, at).find_last_not_of(" \t");
-  if (before != std::string_view::npos && text[before] != '\n') return {};
+  if (!begins_line(text, at)) return {};
   Prefixes prefixes(text, at);
   std::vector<Span> found;
   for (std::size_t line = at; line < text.size();) {

@@ -19,6 +19,18 @@ inline bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c ==
 inline bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
+// Whether nothing but blanks is before a place on its line.
+inline bool begins_line(std::string_view text, std::size_t at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of(blanks_of_line);
+  return before == std::string_view::npos || text[before] == '\n';
+}
+
+// Whether nothing but blanks, or a comment, is after it.
+inline bool ends_line(std::string_view text, std::size_t at) {
+  const std::size_t next = text.find_first_not_of(blanks_of_line, at);
+  return next == std::string_view::npos || text[next] == '\n' || text[next] == '#';
+}
+
 // Without the blanks around it.
 inline std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(blanks);
