@@ -327,6 +327,8 @@ TEST(Mending, OfAnEntryBeforeOneOfAnotherNotationClosesItBefore) {
   EXPECT_EQ(mended(open + "\nb = \"" + block + "\"\n" + entry("c")),
             open + ")\n" + entry("b") + entry("c"));
   EXPECT_EQ(mended(open + "\nb = h:1/s\n" + entry("c")), open + ")\nb = " + connected + entry("c"));
+  EXPECT_EQ(mended(open + "\nb = h:1:s\n" + entry("c")), open + ")\n" + entry("b") + entry("c"));
+  EXPECT_EQ(mended("b = h:1:\n"), "b = h:1:\n");
   EXPECT_EQ(mended(open + "\nIFILE = more.ora\n"), open + ")\nIFILE = more.ora\n");
 }
 

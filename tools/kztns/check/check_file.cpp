@@ -50,7 +50,7 @@ class EntryChecker : public EntryVisitor {
 
   // Where what ends lookups is told with the entry before: what comes after parentheses that match
   // too early, items outside of a description, the rest of half-commented entries.
-  const std::vector<EntryRange> &told_ranges() const { return told_ranges_; }
+  const std::vector<Span> &told_ranges() const { return told_ranges_; }
 
  private:
   // Of the names of a list one is enough; a comment of other readers is no entry.
@@ -71,14 +71,14 @@ class EntryChecker : public EntryVisitor {
 
   // The items of an entry that is refused, when lookups that pass over the first one meet
   // another one that belongs in its description.
-  std::optional<EntryRange> loose_items(const EntryView &view) const {
+  std::optional<Span> loose_items(const EntryView &view) const {
     if (view.service != nullptr) return std::nullopt;
     const std::string_view text = std::string_view(text_.text()).substr(0, faults_.range().end);
     const auto first = end_of_item(text, pass_blanks(text, view.entry.body));
     if (!first || !is_item_of_description(text, pass_blanks(text, *first))) return std::nullopt;
     const auto end = end_of_items(text, view.entry.body);
     return end && !end_if_led_astray(text, view.entry.body, *end)
-               ? std::optional<EntryRange>({view.entry.body, *end})
+               ? std::optional<Span>({view.entry.body, *end})
                : std::nullopt;
   }
 
@@ -145,7 +145,7 @@ class EntryChecker : public EntryVisitor {
   void report_fault(const EntryView &view) {
     const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
-    const std::optional<EntryRange> loose = loose_items(view);
+    const std::optional<Span> loose = loose_items(view);
     if (loose) told_ranges_.push_back(*loose);
     const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
     if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
@@ -163,7 +163,7 @@ class EntryChecker : public EntryVisitor {
   EntryFaults faults_;
   Offset list_ = 0;  // the body of the last list of names
   std::optional<StopCause> reported_stop_;
-  std::vector<EntryRange> told_ranges_;
+  std::vector<Span> told_ranges_;
 };
 
 void list_entries(const NamesText &text, const FileScan &scan, CheckReport &report) {

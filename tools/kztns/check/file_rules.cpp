@@ -18,7 +18,7 @@ namespace {
 class FileRules {
  public:
   FileRules(const FileScan &scan, const std::optional<StopCause> &reported,
-            std::vector<EntryRange> told_ranges, Findings &findings)
+            std::vector<Span> told_ranges, Findings &findings)
       : text_(scan.text()),
         scan_(scan),
         reported_(reported),
@@ -26,11 +26,10 @@ class FileRules {
         findings_(findings),
         lists_(scan) {
     // Each range gets the end that comes last so far: one search tells whether any holds a place.
-    std::sort(
-        told_ranges_.begin(), told_ranges_.end(),
-        [](const EntryRange &left, const EntryRange &right) { return left.body < right.body; });
+    std::sort(told_ranges_.begin(), told_ranges_.end(),
+              [](const Span &left, const Span &right) { return left.begin < right.begin; });
     Offset last = 0;
-    for (EntryRange &range : told_ranges_) range.end = last = std::max(last, range.end);
+    for (Span &range : told_ranges_) range.end = last = std::max(last, range.end);
   }
 
   void report() {
@@ -102,7 +101,7 @@ class FileRules {
   bool is_told(Offset at) const {
     const auto after =
         std::lower_bound(told_ranges_.begin(), told_ranges_.end(), at,
-                         [](const EntryRange &range, Offset place) { return range.body < place; });
+                         [](const Span &range, Offset place) { return range.begin < place; });
     return after != told_ranges_.begin() && at < std::prev(after)->end;
   }
 
@@ -251,7 +250,7 @@ class FileRules {
   const NamesText &text_;
   const FileScan &scan_;
   const std::optional<StopCause> &reported_;
-  std::vector<EntryRange> told_ranges_;
+  std::vector<Span> told_ranges_;
   Findings &findings_;
   NameLists lists_;
   bool moved_ = false;
@@ -260,7 +259,7 @@ class FileRules {
 }  // namespace
 
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      std::vector<EntryRange> told_ranges, Findings &findings) {
+                      std::vector<Span> told_ranges, Findings &findings) {
   FileRules(scan, reported, std::move(told_ranges), findings).report();
 }
 

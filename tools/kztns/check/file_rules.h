@@ -15,6 +15,6 @@ namespace kztns {
 // lookups; absent when there is none. It is told there which entries are lost. What ends
 // lookups in one of the told_ranges is told with an entry already.
 void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
-                      std::vector<EntryRange> told_ranges, Findings &findings);
+                      std::vector<Span> told_ranges, Findings &findings);
 
 }  // namespace kztns

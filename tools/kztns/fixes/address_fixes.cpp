@@ -68,16 +68,18 @@ Fix written_descriptor(const FaultPlace &place, Offset at) {
   if (word.size() > 2 && word.starts_with('"') && word.ends_with('"'))
     word = word.substr(1, word.size() - 2);
   if (word.starts_with("//")) word.remove_prefix(2);
-  const std::size_t slash = word.find('/');
+  // The service comes after a slash, a SID after another colon.
+  const bool has_slash = word.find('/') != std::string_view::npos;
+  const std::size_t sign = has_slash ? word.find('/') : word.rfind(':');
   std::string_view host;
   std::string_view port;
-  if (slash == std::string_view::npos || !split_address(word.substr(0, slash), host, port))
-    return {};
-  const std::string_view service = word.substr(slash + 1);
+  if (sign == std::string_view::npos || !split_address(word.substr(0, sign), host, port)) return {};
+  const std::string_view service = word.substr(sign + 1);
   if (service.empty() || service.find_first_of("/:()=\"") != std::string_view::npos) return {};
-  return unsafe_fix({{at, end,
-                      "(DESCRIPTION = (ADDRESS = " + written_address(host, port) +
-                          ")(CONNECT_DATA = (SERVICE_NAME = " + std::string(service) + ")))"}});
+  return unsafe_fix(
+      {{at, end,
+        "(DESCRIPTION = (ADDRESS = " + written_address(host, port) + ")(CONNECT_DATA = (" +
+            (has_slash ? "SERVICE_NAME = " : "SID = ") + std::string(service) + ")))"}});
 }
 
 Fix written_address_block(const FaultPlace &place) {

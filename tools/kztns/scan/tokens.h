@@ -1,4 +1,5 @@
-// The tokens of a names file, as the module reads them but for the length of words.
+// The tokens of a names file, as the module reads them but for the length of words and for zero
+// bytes, which end comments there.
 #pragma once
 
 #include <algorithm>

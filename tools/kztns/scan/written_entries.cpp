@@ -152,13 +152,14 @@ class Scanner {
   char last_ = '\0';
 };
 
-// "host:port/service"
+// "host:port/service" or "host:port:sid"
 bool is_connect_string(std::string_view value) {
   if (value.starts_with("//")) value.remove_prefix(2);
   const std::size_t colon = value.find_first_of(":/()=\"");
   if (colon == value.npos || colon == 0 || value[colon] != ':') return false;
   const std::size_t port_end = value.find_first_not_of("0123456789", colon + 1);
-  return port_end != value.npos && port_end > colon + 1 && value[port_end] == '/';
+  return port_end != value.npos && port_end > colon + 1 &&
+         (value[port_end] == '/' || value[port_end] == ':');
 }
 
 bool is_foreign_entry(std::string_view line) {
