@@ -248,8 +248,7 @@ TEST(Mending, OfQuotesThatALaterEntryClosesClosesThem) {
 TEST(Mending, OfAListOfNamesAndAnotherWord) {
   EXPECT_EQ(mended("a, b, = " + block + "\n" + entry("c")), entry("a") + entry("b") + entry("c"));
   EXPECT_EQ(mended("Regards,\n\na = " + block + "\n"), "# Regards,\n\n" + entry("a"));
-  EXPECT_EQ(mended("Regards,\nAnna,\n\na,\nb = " + block + "\n"),
-            "# Regards,\n# Anna,\n\n" + entry("a") + entry("b"));
+  EXPECT_EQ(mended("a, b,\n\nc = " + block + "\n"), entry("a") + entry("b") + entry("c"));
   EXPECT_EQ(mended(entry("a") + "Regards,\nAnna (1234)\n\n" + entry("b")),
             entry("a") + "# Regards,\n# Anna (1234)\n\n" + entry("b"));
   EXPECT_EQ(mended("a,\nb " + block + "\n"), entry("a") + entry("b"));
@@ -341,4 +340,61 @@ TEST(Mending, OfEntriesInQuotesOfOtherNotationsRemovesThem) {
   for (const std::string &line : {"\"a\": \"" + block, "\"a b\": " + quoted, "\"HOST\": " + quoted,
                                   "\"a\": " + quoted + " x"})
     EXPECT_EQ(mended(line + "\n" + entry("b")).find("a = ("), std::string::npos) << line;
+}
+
+TEST(Mending, OfManyRefusedEntriesMendsTheLastOne) {
+  // The ranges of entries are asked for a few times over the whole text only.
+  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\nb => " +
+                   block + "\n"),
+            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\n" + entry("b"));
+}
+
+TEST(Mending, OfAnEntryThatIsNotCompleteKeepsWhatFollows) {
+  const std::string service = "(CONNECT_DATA = (SERVICE_NAME = s2)))\n";
+  for (const std::string rest : {"(CONNECT_DATA = (KZ_MODE = 1))", "(CONNECT_DATA = (SID = ))"}) {
+    const std::string result =
+        mended("a = (DESCRIPTION = " + address + rest + ")\n  " + service + entry("b"));
+    EXPECT_EQ(result.find('#'), std::string::npos) << result;
+    EXPECT_NE(result.find("s2"), std::string::npos) << result;
+  }
+  const std::string result = mended("a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP))" + data +
+                                    ")\n  (ADDRESS = (HOST = h2)(PORT = 2))" + service);
+  EXPECT_EQ(result.find('#'), std::string::npos) << result;
+}
+
+TEST(Check, TellsOfTheRestOfAnEntryAlone) {
+  const std::string rest = address + "\n" + data + ")\n";
+  for (const std::string &text :
+       {entry("a") + rest, entry("a") + rest + entry("b") + rest + entry("c")})
+    for (const kztns::Finding &finding :
+         kztns::check_file(kztns::NamesText(text), {"names"}).findings)
+      EXPECT_EQ(finding.rule, kztns::Rule::left_over) << finding.text;
+}
+
+TEST(Mending, OfAForeignItemAmongOthersKeepsThem) {
+  const auto written = [&](const std::string &items) {
+    return "a = (DESCRIPTION = " + address + "(CONNECT_DATA = (" + items + ")))\n";
+  };
+  EXPECT_EQ(mended(written("SERVER = DEDICATED, SID = s")), entry("a"));
+  EXPECT_EQ(
+      mended("a = (DESCRIPTION = (FAILOVER = on, ADDRESS = (HOST = h)(PORT = 1))" + data + ")\n"),
+      entry("a"));
+  const std::string commented = written("SERVER = DEDICATED # one\n, SID = s");
+  EXPECT_NE(mended(commented).find("# one"), std::string::npos);
+}
+
+TEST(Mending, OfNestedBlocksWithoutKeysKeepsTheirServers) {
+  const std::string text = "a = (DESCRIPTION = ( = ( = (HOST = h)(PORT = 1)))" + data + ")\n";
+  EXPECT_EQ(mended(text), text);
+}
+
+TEST(Mending, KeepsCommentsBetweenWhatItRemoves) {
+  EXPECT_EQ(mended("a # c\na = " + block + "\n"), "# a # c\n" + entry("a"));
+  const std::string twice = "a = a # c\n = " + block + "\n";
+  EXPECT_EQ(mended(twice), twice);
+  const std::string items =
+      "a = (DESCRIPTION = (ADDRESS = HOST = h # c\n, PORT = 1)" + data + ")\n";
+  EXPECT_EQ(mended(items), items);
+  EXPECT_EQ(mended("a = (DESCRIPTION = # c\n(DESCRIPTION = " + address + data + ")\n"),
+            "a = (DESCRIPTION = # c\n " + address + data + ")\n");
 }

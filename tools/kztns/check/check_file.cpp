@@ -126,13 +126,14 @@ class EntryChecker : public EntryVisitor {
                         .entry = view.name,
                         .text = "read as part of this entry, which is complete before it"};
     found.fix = fix_of_lines(text_.text(), rest->begin, rest->end);
-    told_ranges_.push_back({rest->begin, rest->end});
+    told_ranges_.push_back({rest->begin - 1, rest->end});
     report_rest(view, Rule::left_over, Severity::error, std::move(found));
     return true;
   }
 
   void report_rest(const EntryView &view, Rule rule, Severity severity, NewFinding found) {
-    if (view.entry.reached && !faults_.range().last) reported_stop_ = {rule, found.at, found.text};
+    const bool may_end_lookups = view.service == nullptr || !faults_.range().last;
+    if (view.entry.reached && may_end_lookups) reported_stop_ = {rule, found.at, found.text};
     findings_.add(rule, severity, std::move(found));
   }
 

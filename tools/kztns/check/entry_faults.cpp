@@ -239,7 +239,8 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
 std::string_view EntryFaults::remedy_of_begun(const EntryView &view, const Diagnosis &first) const {
   const std::string &text = text_.text();
   if (view.service != nullptr || view.name.empty() || view.entry.in_list) return {};
-  if (first.rule == Rule::no_block && pass_blanks(text, view.entry.body) >= range_.end)
+  const bool has_range = range_.body < range_.end || range_.end == text.size();
+  if (first.rule == Rule::no_block && has_range && pass_blanks(text, view.entry.body) >= range_.end)
     return "give it a block, or remove its line";
   // Closed, it would be found instead of the other one.
   if (first.rule == Rule::unclosed_block && ends_where_closed(text, range_, first.fix) &&

@@ -26,7 +26,11 @@ class EntryFaults {
       : text_(text), findings_(findings), ranges_(text) {}
 
   // Makes an entry the one at hand; returns where its text stands.
-  EntryRange enter(const EntryView &view) { return range_ = ranges_.range_of(view.entry.body); }
+  EntryRange enter(const EntryView &view) {
+    if (entered_ != view.entry.body) range_ = ranges_.range_of(view.entry.body);
+    entered_ = view.entry.body;
+    return range_;
+  }
   // The first fault of an entry that has one.
   Diagnosis first_of(const EntryView &view);
 
@@ -52,6 +56,7 @@ class EntryFaults {
   Findings &findings_;
   EntryRanges ranges_;
   std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
+  Offset entered_ = ~Offset{0};                 // the body of the entry at hand
   EntryRange range_ = {};                       // of the entry at hand
 };
 

@@ -47,9 +47,13 @@ std::vector<Edit> separated(std::string_view text, const std::vector<BareItem> &
   std::vector<Edit> edits;
   Offset end = items.front().span.end;  // of the last item that is kept
   Offset next = end;                    // after it and those that are dropped
+  const auto loses_comment = [&] {
+    return text.substr(end, next - end).find('#') != std::string_view::npos;
+  };
   for (std::size_t i = 0; i < items.size(); ++i) {
     const BareItem &item = items[i];
     if (i > 0 && !item.dropped) {
+      if (loses_comment()) return {};
       if (text.substr(next, item.span.begin - next).find('\n') == std::string_view::npos) {
         edits.push_back({end, item.span.begin, ")("});
       } else {
@@ -60,6 +64,7 @@ std::vector<Edit> separated(std::string_view text, const std::vector<BareItem> &
     }
     next = item.separated;
   }
+  if (loses_comment()) return {};
   if (end < next) edits.push_back({end, next, {}});
   return edits;
 }

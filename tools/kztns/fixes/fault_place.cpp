@@ -65,10 +65,17 @@ bool FaultPlace::has_equal(const std::vector<WrittenItem> &items, const WrittenI
          });
 }
 
-bool FaultPlace::holds_what_counts(const std::vector<WrittenItem> &items) const {
-  const auto has = [&](std::string_view key) { return is_set(items, key); };
-  return has("HOST") || has("ADDRESS") || has("ADDRESS_LIST") || has("SERVICE_NAME") ||
-         has("CONNECT_DATA") || has("DESCRIPTION");
+bool FaultPlace::holds_what_counts(Span span) const {
+  TokenReader tokens(text_.substr(0, span.end), span.begin);
+  TokenKind before = TokenKind::end;
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
+    if (before == TokenKind::open &&
+        is_one_of(slice(token.span), {"HOST", "ADDRESS", "ADDRESS_LIST", "SERVICE_NAME", "SID",
+                                      "CONNECT_DATA", "DESCRIPTION"}))
+      return true;
+    before = token.kind;
+  }
+  return false;
 }
 
 Fix FaultPlace::removal(Offset open, Applicability applicability) const {

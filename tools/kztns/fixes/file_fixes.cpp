@@ -67,7 +67,8 @@ Fix without_repeated_name(std::string_view text, Offset at) {
   const Offset next = pass_blanks(text, end);
   const std::string_view name = text.substr(at, end - at);
   const Offset next_end = end_of_word(text, next);
-  const bool repeats = !name.empty() && text.substr(next, next_end - next) == name &&
+  const bool repeats = !name.empty() && text.substr(at, next - at).find('#') == text.npos &&
+                       text.substr(next, next_end - next) == name &&
                        text.substr(pass_blanks(text, next_end)).starts_with('=');
   return repeats ? safe_fix({{at, next, {}}}) : Fix();
 }

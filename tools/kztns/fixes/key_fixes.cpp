@@ -1,5 +1,6 @@
 #include "fixes/key_fixes.h"
 
+#include "fixes/bare_items.h"
 #include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
@@ -135,7 +136,7 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
 // Whether a server or a service is in the item at fault: its key is misspelt.
 bool holds_what_counts(const FaultPlace &place) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  return !item || place.holds_what_counts(place.children(*item));
+  return !item || place.holds_what_counts({item->value, item->end});
 }
 
 // Whether the block at fault has no server, or no service: an unknown item may be that.
@@ -156,6 +157,20 @@ bool lacks_what_counts(const FaultPlace &place) {
     default:
       return false;
   }
+}
+
+// "(SERVER = DEDICATED, SERVICE_NAME = s)": removes the first one of several items in one pair of
+// parentheses, which is at fault.
+Fix without_first_of_joined(const FaultPlace &place) {
+  const Span key = place.item()->key;
+  const std::vector<BareItem> items =
+      bare_items(place.text(), key.begin, [&](std::string_view word) {
+        return key_named(place.block(), word) != nullptr || foreign_key(word) != nullptr;
+      });
+  if (items.size() < 2) return {};
+  const Span removed = {key.begin, items[1].span.begin};
+  if (place.slice(removed).find('#') != std::string_view::npos) return {};
+  return unsafe_fix({{removed.begin, removed.end, {}}});
 }
 
 // "(KEY:value)": where its ":" is.
@@ -201,6 +216,8 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
   if (const ForeignKey *const foreign = foreign_key(word)) {
     diagnosis.remedy = remedy_of(*foreign);
     diagnosis.fix = foreign_fix(place, name, *foreign);
+    if (const Fix first = without_first_of_joined(place); first && !renames(place, diagnosis.fix))
+      diagnosis.fix = first;
     const bool has_target =
         !foreign->target.empty() && key_named(place.block(), foreign->target) != nullptr;
     const std::string_view setter = has_target ? set_by(place, foreign->target) : "";

@@ -181,15 +181,15 @@ bool is_salutation(std::string_view text, Offset at) {
          !key_after(text, after);
 }
 
-// The end of the last name before a blank line: "Regards," is no name of the entry that follows.
-std::optional<Offset> last_gap(std::string_view text, const NameList &list) {
-  std::optional<Offset> gap;
-  for (std::size_t i = 0; i + 1 < list.names.size(); ++i) {
-    const Offset end = list.names[i].end;
-    const Offset line = std::min(end_of_line(text, end), list.names[i + 1].begin);
-    if (line < list.names[i + 1].begin && after_blank_lines(text, line + 1) > line + 1) gap = end;
-  }
-  return gap;
+// The end of the first name where a blank line follows: "Regards," is no name of the entry after
+// it.
+std::optional<Offset> end_before_gap(std::string_view text, const NameList &list) {
+  if (list.names.size() < 2) return std::nullopt;
+  const Offset next = list.names[1].begin;
+  const Offset end = list.names[0].end;
+  const Offset line = std::min(end_of_line(text, end), next);
+  const bool gap = line < next && after_blank_lines(text, line + 1) > line + 1;
+  return gap ? std::optional(end) : std::nullopt;
 }
 
 // Leaves one name of the list, and its comments.
@@ -217,7 +217,7 @@ Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_list(text, at);
   if (!list) return is_salutation(text, at) ? fix_of_lines(text, at, end_of_line(text, at)) : Fix();
-  if (const auto gap = last_gap(text, *list)) return fix_of_lines(text, at, *gap);
+  if (const auto end = end_before_gap(text, *list)) return fix_of_lines(text, at, *end);
   const Offset limit = scan_.next_entry(list->equal);
   const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
   const auto after = end ? end_with_line(text, *end) : std::nullopt;

@@ -241,7 +241,8 @@ class StrayText {
     if (!is_of_entry() || end == at_ || !stands_at(text_, equal, '=')) return false;
     const Offset value = pass_blanks(text_, equal + 1);
     std::string_view before = trimmed(text_.substr(0, at_));
-    if (!stands_at(text_, value, '(') || !before.ends_with('=')) return false;
+    const bool has_comment = text_.substr(at_, value - at_).find('#') != std::string_view::npos;
+    if (!stands_at(text_, value, '(') || has_comment || !before.ends_with('=')) return false;
     before.remove_suffix(1);
     before = trimmed(before);
     const std::string_view name = text_.substr(at_, end - at_);
@@ -262,6 +263,7 @@ class StrayText {
     if (next < text_.size() && text_[next] != ')' && !before_item) return false;
     std::vector<Edit> edits = {{at_, at_, "("}};
     for (Edit &edit : separated(text_, items)) edits.push_back(std::move(edit));
+    if (items.size() > 1 && edits.size() == 1) return false;
     const Offset end = items.back().separated;
     if (edits.back().end == end && edits.back().text.empty())
       edits.back().text = ")";

@@ -48,7 +48,9 @@ bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
   if (items.size() < 2 ||
       !place.text().substr(pass_blanks(place.text(), items.back().separated)).starts_with(')'))
     return false;
-  diagnosis.fix = unsafe_fix(separated(place.text(), items));
+  std::vector<Edit> edits = separated(place.text(), items);
+  if (edits.empty()) return false;
+  diagnosis.fix = unsafe_fix(std::move(edits));
   diagnosis.remedy = "put each item in parentheses of its own";
   return true;
 }
@@ -203,11 +205,13 @@ std::string_view key_of_block(const FaultPlace &place, const std::vector<Written
 }
 
 // "( = (HOST = h)(PORT = 1))": the block without its key.
-bool mend_block_without_key(const FaultPlace &place, Diagnosis &diagnosis) {
+bool mend_block_without_key(const FaultPlace &place, Offset open, Diagnosis &diagnosis) {
   const Offset at = place.fault().at;
-  if (!place.text().substr(at).starts_with('=')) return false;
+  const std::optional<WrittenItem> item = item_at(place.text(), open);
+  if (!item || !place.text().substr(at).starts_with('=') ||
+      !place.holds_what_counts({at, item->end}))
+    return false;
   const std::vector<WrittenItem> items = items_from(place.text(), at + 1);
-  if (!place.holds_what_counts(items)) return false;
   const std::string_view key = key_of_block(place, items);
   if (!key.empty() && key_named(place.block(), key) != nullptr) {
     diagnosis.fix = unsafe_fix({{at, at, std::string(key) + " "}});
@@ -231,7 +235,7 @@ void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
     diagnosis.remedy = "remove the outer parentheses";
     return;
   }
-  if (mend_block_without_key(place, diagnosis)) return;
+  if (mend_block_without_key(place, open, diagnosis)) return;
   diagnosis.fix = place.removal(open);
   if (!diagnosis.fix) return;
   const Edit &removal = diagnosis.fix.edits[0];

@@ -142,12 +142,16 @@ bool is_short_of_closes(const std::vector<EntryToken> &tokens) {
 Diagnosis repeated_opening(std::string_view text, const std::vector<EntryToken> &tokens,
                            std::size_t open) {
   const EntryToken &key = tokens[open + 1];
+  // Without the blanks before it, so that what comes after it keeps its line.
+  const Offset before = tokens[open - 1].end;
+  const Offset begin =
+      trimmed(text.substr(before, tokens[open].at - before)).empty() ? before : tokens[open].at;
   return {Rule::extra_open,
           tokens[open].at,
           {},
           "unmatched \"(\": " + excerpt(text.substr(key.at, key.end - key.at)) + " is opened twice",
           "remove one of them",
-          unsafe_fix({{tokens[open - 1].end, tokens[open + 2].end, {}}})};
+          unsafe_fix({{begin, tokens[open + 2].end, {}}})};
 }
 
 }  // namespace

@@ -12,15 +12,24 @@
 namespace kztns {
 namespace {
 
-bool has_key(std::string_view text, const std::vector<WrittenItem> &items, KZCILBKeyType type) {
-  return std::any_of(items.begin(), items.end(),
-                     [&](const WrittenItem &item) { return key_word(text, item).type == type; });
+// DESCRIPTION, ADDRESS_LIST, ADDRESS: blocks are not nested deeper.
+constexpr int deepest = 3;
+
+// Whether an item with a value is among some items, or in their blocks.
+bool is_set(std::string_view text, const std::vector<WrittenItem> &items,
+            const std::vector<KZCILBKeyType> &types, int depth = 1) {
+  return std::any_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+    const bool wanted =
+        std::find(types.begin(), types.end(), key_word(text, item).type) != types.end();
+    if (wanted) return word_of(text, item).has_value();
+    return depth < deepest && is_set(text, items_from(text, item.value), types, depth + 1);
+  });
 }
 
 bool is_complete_block(std::string_view text, const WrittenItem &block) {
   const std::vector<WrittenItem> items = items_from(text, block.value);
-  return key_word(text, block).type == LB_DESCRIPTION && has_key(text, items, LB_CONNECT_DATA) &&
-         (has_key(text, items, LB_ADDRESS) || has_key(text, items, LB_ADDRESS_LIST));
+  return key_word(text, block).type == LB_DESCRIPTION && is_set(text, items, {LB_HOST}) &&
+         is_set(text, items, {LB_SERVICE_NAME, LB_SID});
 }
 
 // The parentheses from a place on, up to a word outside of them.

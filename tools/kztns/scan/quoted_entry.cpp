@@ -41,12 +41,13 @@ class Line {
     return take('=') || colon;
   }
 
-  // "(...)"
+  // "(...)", without escapes
   std::optional<Span> take_block() {
     const Offset begin = at_;
     if (!rest().starts_with('(')) return std::nullopt;
     const std::optional<Offset> end = end_of_item(text_, begin);
-    if (!end) return std::nullopt;
+    if (!end || text_.substr(begin, *end - begin).find('\\') != std::string_view::npos)
+      return std::nullopt;
     at_ = *end;
     return Span{begin, at_};
   }
