@@ -7,6 +7,7 @@
 #include "fixes/file_fixes.h"
 #include "fixes/moved_entries.h"
 #include "rules/diagnosis.h"
+#include "rules/parentheses.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"

@@ -6,7 +6,6 @@
 
 #include "check/findings.h"
 #include "check/stop_causes.h"
-#include "rules/parentheses.h"
 #include "scan/file_scan.h"
 
 namespace kztns {
