@@ -380,7 +380,7 @@ TEST(Mending, OfAForeignItemAmongOthersKeepsThem) {
       mended("a = (DESCRIPTION = (FAILOVER = on, ADDRESS = (HOST = h)(PORT = 1))" + data + ")\n"),
       entry("a"));
   const std::string commented = written("SERVER = DEDICATED # one\n, SID = s");
-  EXPECT_NE(mended(commented).find("# one"), std::string::npos);
+  EXPECT_EQ(mended(commented), commented);
 }
 
 TEST(Mending, OfNestedBlocksWithoutKeysKeepsTheirServers) {

@@ -21,8 +21,8 @@ struct BareItem {
 std::vector<BareItem> bare_items(std::string_view text, Offset at,
                                  const std::function<bool(std::string_view)> &may_be_key);
 
-// Puts the parentheses between them, and removes those that say nothing, of which the first one is
-// none. Empty for a single item, and where a comment would be lost.
+// Puts the parentheses between them, and removes those that say nothing; the first one stays. Empty
+// for a single item, and where a comment would be lost.
 std::vector<Edit> separated(std::string_view text, const std::vector<BareItem> &items);
 
 }  // namespace kztns

@@ -15,7 +15,8 @@ Fix without_address(const FaultPlace &place);
 // its first block can be passed over: the other descriptions become entries of their own.
 Fix unwrapped(const FaultPlace &place, std::string_view name);
 
-// Of a block in the only item of which is a block of the same key, the inner one is taken away.
+// Takes away one of two blocks of the same key, where the inner one is all that the outer one
+// holds.
 Fix without_inner_block(const FaultPlace &place, const WrittenItem &inner);
 
 }  // namespace kztns

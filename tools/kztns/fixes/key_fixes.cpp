@@ -160,16 +160,16 @@ bool lacks_what_counts(const FaultPlace &place) {
 }
 
 // "(SERVER = DEDICATED, SERVICE_NAME = s)": removes the first one of several items in one pair of
-// parentheses, which is at fault.
-Fix without_first_of_joined(const FaultPlace &place) {
+// parentheses, which is at fault; no fix where a comment would be lost. Absent for a single item.
+std::optional<Fix> without_first_of_joined(const FaultPlace &place) {
   const Span key = place.item()->key;
   const std::vector<BareItem> items =
       bare_items(place.text(), key.begin, [&](std::string_view word) {
         return key_named(place.block(), word) != nullptr || foreign_key(word) != nullptr;
       });
-  if (items.size() < 2) return {};
+  if (items.size() < 2) return std::nullopt;
   const Span removed = {key.begin, items[1].span.begin};
-  if (place.slice(removed).find('#') != std::string_view::npos) return {};
+  if (place.slice(removed).find('#') != std::string_view::npos) return Fix();
   return unsafe_fix({{removed.begin, removed.end, {}}});
 }
 
@@ -216,8 +216,8 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
   if (const ForeignKey *const foreign = foreign_key(word)) {
     diagnosis.remedy = remedy_of(*foreign);
     diagnosis.fix = foreign_fix(place, name, *foreign);
-    if (const Fix first = without_first_of_joined(place); first && !renames(place, diagnosis.fix))
-      diagnosis.fix = first;
+    if (!renames(place, diagnosis.fix))
+      diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
     const bool has_target =
         !foreign->target.empty() && key_named(place.block(), foreign->target) != nullptr;
     const std::string_view setter = has_target ? set_by(place, foreign->target) : "";

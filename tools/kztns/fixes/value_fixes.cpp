@@ -194,7 +194,7 @@ Fix without_early_equal(const FaultPlace &place) {
   return is_item ? unsafe_fix({{at, at + 1, {}}}) : Fix();
 }
 
-// The key of a block of some items: that of most of them, as people write them.
+// The key of the block in which people write some items; empty for none.
 std::string_view key_of_block(const FaultPlace &place, const std::vector<WrittenItem> &items) {
   for (const auto &[item, block] : {std::pair("ADDRESS", "ADDRESS_LIST"),
                                     {"HOST", "ADDRESS"},

@@ -12,10 +12,6 @@ namespace kztns {
 // place, each with a blank after it; empty where the line has none. One number is no numbering.
 std::vector<Span> line_prefixes(std::string_view text, Offset at);
 
-// The ">" of a quoted mail before each line of an entry that begins at a place, the last lines
-// excepted if they have none; empty where a line before them has none, and for a single line.
-std::vector<Span> quote_signs(std::string_view text, Offset begin, Offset end);
-
 // The ">" before each line of an entry that begins with one, "> >" too, up to the first line
 // without.
 std::vector<Span> quote_signs(std::string_view text, Offset begin, Offset end);
