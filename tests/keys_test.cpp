@@ -14,7 +14,6 @@
 
 #include "kzoci/oci_tnsname/grammar.h"
 #include "kzoci/oci_tnsname/items.h"
-#include "kzoci/oci_tnsname/record_fields.h"
 #include "support/key_inputs.h"
 #include "support/memory_file.h"
 #include "support/model_reader.h"
@@ -164,15 +163,6 @@ TEST(Keys, OnlyRetryDelayIsNotKept) {
     const bool is_passed_over =
         row.value.kind == tns::ValueKind::block || row.type == LB_RETRY_DELAY;
     EXPECT_NE(is_kept, is_passed_over) << row.word;
-  }
-}
-
-TEST(Keys, AFieldWithoutANumberIsLeftAlone) {
-  for (const tns::Storage storage : {tns::Storage::nowhere, tns::Storage::text}) {
-    sb8 record = 7;
-    tns::store_number(&record, {.storage = storage}, 9);
-    EXPECT_EQ(record, 7);
-    EXPECT_EQ(tns::number_of(&record, {.storage = storage}), 0);
   }
 }
 

@@ -1,6 +1,7 @@
 // Reads and writes the field of a record that a row of the grammar names.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <ctime>
@@ -11,6 +12,17 @@
 
 namespace kzoci::tns {
 
+// A number that is stored without a field would be written over the record's first one.
+static_assert(std::all_of(std::begin(grammar), std::end(grammar),
+                          [](const Key &key) {
+                            const bool is_number = key.value.kind == ValueKind::integer ||
+                                                   key.value.kind == ValueKind::word;
+                            const bool has_field = key.value.field.storage != Storage::nowhere &&
+                                                   key.value.field.storage != Storage::text;
+                            return !is_number || has_field || key.type == LB_RETRY_DELAY;
+                          }),
+              "a number needs a field, or a builder that passes over it");
+
 inline void *field_of(void *record, const Field &field) {
   return static_cast<char *>(record) + field.at;
 }
@@ -18,8 +30,7 @@ inline const void *field_of(const void *record, const Field &field) {
   return static_cast<const char *>(record) + field.at;
 }
 
-// Stores a number in a field of a record, in the field's type; of a key that is not kept,
-// nothing.
+// Stores a number in a field of a record, in the field's type.
 inline void store_number(void *record, const Field &field, sb8 number) {
   const auto store = [&](auto as_stored) {
     std::memcpy(field_of(record, field), &as_stored, sizeof as_stored);
@@ -31,11 +42,8 @@ inline void store_number(void *record, const Field &field, sb8 number) {
       return store(static_cast<ub4>(number));
     case Storage::option:
       return store(static_cast<int>(number));
-    case Storage::number:
+    default:
       return store(number);
-    case Storage::nowhere:
-    case Storage::text:
-      return;
   }
 }
 
@@ -46,7 +54,7 @@ sb8 stored_number(const void *record, const Field &field) {
   return static_cast<sb8>(stored);
 }
 
-// The number that a field of a record holds; 0 for a field without one.
+// The number that a field of a record holds.
 inline sb8 number_of(const void *record, const Field &field) {
   switch (field.storage) {
     case Storage::seconds:
@@ -55,13 +63,9 @@ inline sb8 number_of(const void *record, const Field &field) {
       return stored_number<ub4>(record, field);
     case Storage::option:
       return stored_number<int>(record, field);
-    case Storage::number:
+    default:
       return stored_number<sb8>(record, field);
-    case Storage::nowhere:
-    case Storage::text:
-      break;
   }
-  return 0;
 }
 
 // The characters of a text field, never more than its array holds.
