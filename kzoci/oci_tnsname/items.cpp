@@ -68,11 +68,9 @@ sword read_value(const Key &key, KZCITnsParseParams *params, void *record) {
       return read_number(key.value, params, record);
     case ValueKind::word:
       return read_word(key.value, params, record);
-    case ValueKind::text:
-    case ValueKind::block:  // read by its builder
-      break;
+    default:
+      return read_text(key.value, params, record);
   }
-  return read_text(key.value, params, record);
 }
 
 sword read_by_grammar(Block block, const Message<> &key_refused, KZCITnsParseParams *params,
