@@ -5,6 +5,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/parenthesis_search.h"
 #include "scan/written_entries.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 
 namespace kztns {
