@@ -342,8 +342,7 @@ TEST(Mending, OfEntriesInQuotesOfOtherNotationsRemovesThem) {
     EXPECT_EQ(mended(line + "\n" + entry("b")).find("a = ("), std::string::npos) << line;
 }
 
-TEST(Mending, OfManyRefusedEntriesMendsTheLastOne) {
-  // The ranges of entries are asked for a few times over the whole text only.
+TEST(Mending, OfAnEntryAfterOneThatStaysRefused) {
   EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\nb => " +
                    block + "\n"),
             "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\n" + entry("b"));

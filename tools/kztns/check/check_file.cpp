@@ -49,7 +49,7 @@ class EntryChecker : public EntryVisitor {
   const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
 
   // Where what ends lookups is told with the entry before: what comes after parentheses that match
-  // too early, items outside of a description, the rest of half-commented entries.
+  // too early, items outside of a description, what is left of other entries.
   const std::vector<Span> &told_ranges() const { return told_ranges_; }
 
  private:

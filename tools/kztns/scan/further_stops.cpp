@@ -230,12 +230,6 @@ Offset end_of_word(std::string_view text, Offset begin) {
   return begin + static_cast<Offset>(word.size());
 }
 
-ItemWord key_after(std::string_view text, Offset open) {
-  if (open >= text.size() || text[open] != '(') return {};
-  const Offset key = pass_blanks(text, open + 1);
-  return item_word(text.substr(key, end_of_word(text, key) - key));
-}
-
 bool may_be_value(std::string_view name, ItemWord key) {
   return opens_block(key) || (ends_lookups(name) && is_setting(key));
 }

@@ -25,9 +25,6 @@ Offset pass_comments(std::string_view text, Offset from);
 // The end of a word that begins at a place, as far as the library reads it.
 Offset end_of_word(std::string_view text, Offset begin);
 
-// The key of the item that begins at a place; none where something else begins.
-ItemWord key_after(std::string_view text, Offset open);
-
 // The "(" of an entry whose "=" is on the line of a place or the next one, before any parenthesis;
 // absent for none.
 std::optional<Offset> value_on_line(std::string_view text, Offset at);

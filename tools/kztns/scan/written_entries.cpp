@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "scan/item_words.h"
 #include "text/characters.h"
 #include "text/spelling.h"
 
@@ -59,7 +58,7 @@ class Scanner {
     if (is_item(names.front())) return false;
     if (last_ == '(' && !(at_line_start() && begins_value(open))) return false;
     if (after_close() && !begins_value(open)) return false;
-    if (!at_line_start() && depth_ > 0 && !opens_block(key_after(open))) return false;
+    if (!at_line_start() && depth_ > 0 && !opens_block(key_after(text_, open))) return false;
     for (WrittenEntry &name : names) {
       name.body = equal + 1;
       name.in_list = names.size() > 1;
@@ -86,17 +85,9 @@ class Scanner {
     return end.has_value();
   }
 
-  // The key of the item that begins at a "(".
-  ItemWord key_after(Offset open) const {
-    const Offset begin = pass_blanks(text_, open + 1);
-    Offset end = begin;
-    while (end < text_.size() && !ends_name(text_[end])) ++end;
-    return item_word(text_.substr(begin, end - begin));
-  }
-
   // Whether the "(" at a place begins what only an entry has as its value.
   bool begins_value(Offset open) const {
-    return placement_of(key_after(open), content_of(Block::entry)).fit == Fit::good;
+    return placement_of(key_after(text_, open), content_of(Block::entry)).fit == Fit::good;
   }
 
   bool indentation_only() const {
@@ -186,6 +177,14 @@ Offset pass_blanks(std::string_view text, Offset from) {
       break;
   }
   return at;
+}
+
+ItemWord key_after(std::string_view text, Offset open) {
+  if (open >= text.size() || text[open] != '(') return {};
+  const Offset begin = pass_blanks(text, open + 1);
+  Offset end = begin;
+  while (end < text.size() && !ends_name(text[end])) ++end;
+  return item_word(text.substr(begin, end - begin));
 }
 
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {

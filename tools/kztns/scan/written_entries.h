@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "scan/item_words.h"
 #include "text/names_text.h"
 
 namespace kztns {
@@ -20,6 +21,9 @@ Offset pass_blanks(std::string_view text, Offset from);
 // After a comment in "/*" and "*/" that begins at a place, as other languages have it; absent when
 // none does.
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at);
+
+// The key of the item that begins at a place; none where something else begins.
+ItemWord key_after(std::string_view text, Offset open);
 
 // A name at the beginning of a line, followed by "=" and "(".
 struct WrittenEntry {
