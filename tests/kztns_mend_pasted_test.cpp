@@ -397,3 +397,16 @@ TEST(Mending, KeepsCommentsBetweenWhatItRemoves) {
   EXPECT_EQ(mended("a = (DESCRIPTION = # c\n(DESCRIPTION = " + address + data + ")\n"),
             "a = (DESCRIPTION = # c\n " + address + data + ")\n");
 }
+
+TEST(Mending, OfAQuoteThatIsForgottenInEveryEntryClosesAllOfThem) {
+  std::string damaged;
+  std::string whole;
+  for (int i = 0; i < 40; ++i) {
+    const std::string name = "s" + std::to_string(i);
+    const std::string before = name + " = (DESCRIPTION = (ADDRESS = (HOST = \"h" + name;
+    const std::string after = ")(PORT = 1))" + data + ")\n";
+    damaged += before + after;
+    whole += before + '"' + after;
+  }
+  EXPECT_EQ(mended(damaged), whole);
+}

@@ -37,7 +37,9 @@ class EntryChecker : public EntryVisitor {
     if (view.service == nullptr && view.trace.is_system_variables() &&
         view.name != kzoci::tns::reserved_name)
       return;  // the name is to blame
-    if (is_told_already(view) || report_half_comment(view) || report_left_over(view)) return;
+    if (is_told_already(view) || report_half_comment(view) || report_left_over(view) ||
+        report_read_on(view))
+      return;
     if (view.trace.fault().kind != FaultKind::none) report_fault(view);
     if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
       report_entry_warnings(view.trace, view.name, findings_);
@@ -129,6 +131,15 @@ class EntryChecker : public EntryVisitor {
     told_ranges_.push_back({rest->begin - 1, rest->end});
     report_rest(view, Rule::left_over, Severity::error, std::move(found));
     return true;
+  }
+
+  // To the library it has a value that nobody wrote.
+  bool report_read_on(const EntryView &view) {
+    if (view.service == nullptr || !view.trace.has_value_over_items()) return false;
+    const EntryRange range = faults_.enter(view);
+    const auto fault = faults_.report_alone(view);
+    if (fault) told_ranges_.push_back({*fault, range.end});
+    return fault.has_value();
   }
 
   void report_rest(const EntryView &view, Rule rule, Severity severity, NewFinding found) {

@@ -98,14 +98,16 @@ class EntryCopy {
       if (edit.begin < body_ || edit.end > edited_.text().size()) return false;
     before_ = edited_;
     edited_.apply(edits);
-    build_entry(edited_.text(), body_, name_, trace_);
+    build();
     return !edits.empty();
   }
 
   void take_back() {
     edited_ = before_;
-    build_entry(edited_.text(), body_, name_, trace_);
+    build();
   }
+
+  void build() { build_entry(edited_.text(), body_, name_, trace_); }
 
  private:
   Offset base_;
@@ -187,7 +189,7 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
 
 Diagnosis EntryFaults::first_of(const EntryView &view) {
   enter(view);
-  return diagnose_entry(subject(text_, range_.end), view.trace, range_, view.name);
+  return diagnose_entry(subject(text_, "file", range_.end), view.trace, range_, view.name);
 }
 
 void EntryFaults::report(const EntryView &view, const Diagnosis &first,
@@ -213,7 +215,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
     if (!copy.apply(edits)) return false;
     next.reset();
     if (copy.trace().fault().kind == FaultKind::none) return true;
-    next = found_in(copy, subject(copy.text(), copy.text().size()));
+    next = found_in(copy, subject(copy.text(), "entry", copy.text().size()));
     if (!is_same(next->told, found->told)) return true;
     copy.take_back();
     return false;
@@ -233,6 +235,16 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   if (built || copy.trace().fault().kind != FaultKind::none) return;
   const Findings::FromCopy from_copy(findings_, copy.text());
   report_entry_warnings(copy.trace(), view.name, findings_, complete);
+}
+
+std::optional<Offset> EntryFaults::report_alone(const EntryView &view) {
+  EntryCopy copy(text_, view.entry, view.name, range_);
+  copy.build();
+  if (copy.trace().fault().kind == FaultKind::none) return std::nullopt;
+  Found found = found_in(copy, subject(copy.text(), "entry", copy.text().size()));
+  const Offset at = found.told.at;
+  add(view.name, Severity::error, std::move(found.told));
+  return at;
 }
 
 // What to do about an entry that was only begun; empty for others.
@@ -269,8 +281,8 @@ void EntryFaults::report_whole(const EntryView &view, Diagnosis told, std::strin
   add(view.name, Severity::error, std::move(told));
 }
 
-Subject EntryFaults::subject(const NamesText &text, Offset end) {
-  return {text, "file", end, range_.last, [this](std::string_view name) { return is_free(name); }};
+Subject EntryFaults::subject(const NamesText &text, std::string_view noun, Offset end) {
+  return {text, noun, end, range_.last, [this](std::string_view name) { return is_free(name); }};
 }
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {

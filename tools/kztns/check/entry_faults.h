@@ -2,6 +2,7 @@
 // fault is left out of it, and the copy is built again.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -39,6 +40,10 @@ class EntryFaults {
   // fixes.
   void report(const EntryView &view, const Diagnosis &first, const std::string &consequence);
 
+  // Reports the fault of an entry at hand that is built with text of later ones only, and returns
+  // where it is; absent where the entry's own text is enough.
+  std::optional<Offset> report_alone(const EntryView &view);
+
   // Of the entry at hand.
   EntryRange range() const { return range_; }
 
@@ -48,7 +53,7 @@ class EntryFaults {
   // One finding of all of the entry.
   void report_whole(const EntryView &view, Diagnosis told, std::string_view remedy, Fix fix,
                     const std::string &consequence);
-  Subject subject(const NamesText &text, Offset end);
+  Subject subject(const NamesText &text, std::string_view noun, Offset end);
   void add(std::string_view entry, Severity severity, Diagnosis found);
   bool is_free(std::string_view name);
 

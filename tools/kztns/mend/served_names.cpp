@@ -21,17 +21,6 @@ bool holds(const std::vector<ServedName> &names, std::uint64_t name) {
   return found != names.end() && found->name == name;
 }
 
-// Whether quotes that are closed by those of a later entry make a value of what is between: nobody
-// wants to keep that.
-bool reads_on_into_next(const Trace &trace) {
-  return std::any_of(trace.items().begin(), trace.items().end(), [&](const Item &item) {
-    if (!item.has_value) return false;
-    const std::string_view value = trace.value_of(item);
-    const std::size_t line = value.find('\n');
-    return line != value.npos && value.find('(', line) != value.npos;
-  });
-}
-
 class Collector : public EntryVisitor {
  public:
   explicit Collector(ServedNames &names) : names_(names) {}
@@ -48,7 +37,7 @@ class Collector : public EntryVisitor {
 void ServedNames::take(const EntryView &view) {
   entries_.push_back(view.entry.at);
   if (view.service == nullptr) refused_.push_back(view.entry.at);
-  if (view.service == nullptr || reads_on_into_next(view.trace)) return;
+  if (view.service == nullptr || view.trace.has_value_over_items()) return;
   const bool served = view.entry.verdict == Verdict::ok || view.entry.verdict == Verdict::reserved;
   if (!served && view.entry.in_list) return;  // words of other text may be taken for its names
   std::vector<ServedName> &names = served ? names_ : unserved_;

@@ -133,9 +133,12 @@ class FaultExplainer {
     return quote ? quote : open_quote(text(), from, to);
   }
 
-  // Whether quotes of a later entry close what a quote opens.
-  bool is_quoted_later(Offset quote) const {
-    return text().find('"', quote + 1) != std::string_view::npos;
+  // Quotes of a later entry, before a place, may close it for the library.
+  Diagnosis unterminated(Offset quote, Offset to, const std::string &otherwise) const {
+    const bool is_closed = text().substr(0, to).find('"', quote + 1) != std::string_view::npos;
+    return found_at(
+        Rule::unclosed_quote, quote,
+        "unterminated quote: " + (is_closed ? "not closed before the next entry" : otherwise));
   }
 
   // Quotes of a later value close it, as the library reads it.
@@ -150,9 +153,8 @@ class FaultExplainer {
   Diagnosis cut(Span token, const std::string &what) const {
     const auto quote = unclosed_quote(token.begin, token.end);
     if (quote)
-      return found_at(
-          Rule::unclosed_quote, *quote,
-          "unterminated quote: not closed within " + std::to_string(longest_token) + " characters");
+      return unterminated(*quote, token.end,
+                          "not closed within " + std::to_string(longest_token) + " characters");
     return found_at(Rule::key_cut, token.begin,
                     what + " is cut at " + std::to_string(longest_token) + " characters");
   }
@@ -182,10 +184,7 @@ class FaultExplainer {
     const auto quote = unclosed_quote(fault_.at, size);
     if (quote)
       if (auto early = quote_closed_late(fault_.at, size)) return *std::move(early);
-    if (quote)
-      return found_at(Rule::unclosed_quote, *quote,
-                      "unterminated quote: " +
-                          (is_quoted_later(*quote) ? "not closed before the next entry" : end()));
+    if (quote) return unterminated(*quote, size, end());
     return found(Rule::unclosed_block, "the " + std::string(subject_.noun) + " ends with " + met());
   }
 

@@ -12,7 +12,7 @@ namespace kztns {
 // Where a traced text comes from.
 struct Subject {
   const NamesText &text;
-  std::string_view noun;  // "file" or "text"
+  std::string_view noun;  // what the text is: "file", "text" or "entry"
   // For fixes of an entry:
   Offset end = ~Offset{0};  // where it ends at the latest
   bool last = true;         // whether no entry comes after it

@@ -32,6 +32,15 @@ Offset Trace::here() const {
          params_->buffer_pos;
 }
 
+bool Trace::has_value_over_items() const {
+  return std::any_of(items_.begin(), items_.end(), [&](const Item &item) {
+    if (!item.has_value) return false;
+    const std::string_view value = value_of(item);
+    const std::size_t line = value.find('\n');
+    return line != value.npos && value.find('(', line) != value.npos;
+  });
+}
+
 std::string Trace::path(int frame) const {
   std::string path;
   for (; frame > 0; frame = frames_[static_cast<std::size_t>(frame)].parent) {

@@ -118,6 +118,10 @@ class Trace : public LogListener {
   }
   std::string_view key_word_of(const Item &item) const { return slice(item.key); }
 
+  // Whether a value takes in what follows on other lines, since its quotes are closed by those of
+  // a later item: nobody wants such a value.
+  bool has_value_over_items() const;
+
   // The grammar's row of an item's key; null for one that has no place in its block.
   const Key *row_of(const Item &item) const {
     return kzoci::tns::key_of(frames_[static_cast<std::size_t>(item.frame)].block, item.type);
