@@ -410,3 +410,26 @@ TEST(Mending, OfAQuoteThatIsForgottenInEveryEntryClosesAllOfThem) {
   }
   EXPECT_EQ(mended(damaged), whole);
 }
+
+TEST(Mending, OfAnEntryBetweenTheItemsOfAnotherMovesItAfterThat) {
+  const std::string begin = "a =\n  (DESCRIPTION =\n    " + address + "\n";
+  const std::string end = "    " + data + "\n  )\n";
+  const std::string rest = "\n" + entry("c");
+  EXPECT_EQ(mended(begin + entry("b") + end + rest), begin + end + entry("b") + rest);
+  EXPECT_EQ(mended(begin + "# of b\n" + entry("b") + "\n" + end + rest),
+            begin + end + "\n# of b\n" + entry("b") + rest);
+  EXPECT_EQ(mended(begin + entry("b") + end.substr(0, end.size() - 1)), begin + end + entry("b"));
+  EXPECT_EQ(mended(begin + entry("b") + end + begin + entry("c") + end),
+            begin + end + entry("b") + begin + end + entry("c"));
+  // What is wrong with it otherwise is mended as well.
+  std::string faulty = entry("b");
+  faulty.replace(faulty.find("PORT"), 4, "PROT");
+  EXPECT_EQ(mended(begin + faulty + end), begin + end + entry("b"));
+}
+
+TEST(Mending, OfWhatIsLeftAfterAListOfDescriptions) {
+  const std::string list = "a = (DESCRIPTION_LIST =" + block + block + ")\n";
+  EXPECT_EQ(mended(list + address + "\n" + data + "\n))\n" + entry("b")),
+            entry("a") + "a_2 =\n  " + block + "\n# " + address + "\n# " + data + "\n# ))\n" +
+                entry("b"));
+}

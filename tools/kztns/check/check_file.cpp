@@ -55,10 +55,12 @@ class EntryChecker : public EntryVisitor {
   const std::vector<Span> &told_ranges() const { return told_ranges_; }
 
  private:
-  // Of the names of a list one is enough; a comment of other readers is no entry.
+  // Of the names of a list one is enough; a comment of other readers is no entry; one that stands
+  // in another entry is told with that.
   bool is_told_already(const EntryView &view) {
     const bool comment = view.stop != nullptr && view.stop->kind == StopKind::no_open &&
                          is_foreign_comment(view.name);
+    if (faults_.is_inserted(view.entry.at)) return true;
     if (!view.entry.in_list) return comment;
     return std::exchange(list_, view.entry.body) == view.entry.body;
   }

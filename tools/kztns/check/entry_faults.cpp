@@ -6,7 +6,10 @@
 #include "check/entry_warnings.h"
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
+#include "fixes/moved_entries.h"
+#include "scan/further_stops.h"
 #include "scan/item_text.h"
+#include "scan/left_over.h"
 #include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
@@ -200,6 +203,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
   if (Fix fix = without_quote_signs(view, first))
     return report_whole(view, first, "remove the \">\" before its lines", std::move(fix),
                         consequence);
+  if (report_inserted(view, first, consequence)) return;
   const bool built = view.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, view.entry, view.name, range_);
@@ -271,6 +275,26 @@ Fix EntryFaults::without_quote_signs(const EntryView &view, const Diagnosis &fir
   for (const Span sign : quote_signs(text, view.entry.at, range_.end))
     edits.push_back({sign.begin, sign.end, {}});
   return edits.size() > 1 ? unsafe_fix(std::move(edits)) : Fix();
+}
+
+// Another entry was pasted between two items of this one.
+bool EntryFaults::report_inserted(const EntryView &view, const Diagnosis &first,
+                                  const std::string &consequence) {
+  const std::string &text = text_.text();
+  if (view.service != nullptr || first.rule != Rule::unclosed_block || range_.end >= text.size())
+    return false;
+  const Offset cut = range_.end;
+  const Offset inner = pass_blanks(text, end_of_word(text, cut)) + 1;
+  const auto found =
+      find_inserted(text, {view.entry.body, cut}, {inner, ranges_.range_of(inner).end});
+  Fix fix = found ? move_out(text_, *found) : Fix();
+  if (!fix) return false;
+  inserted_.insert(cut);
+  report_whole(view, first,
+               "move the entry at " + text_.place(cut) + " after this one, which ends at " +
+                   text_.place(found->rest_end),
+               std::move(fix), consequence);
+  return true;
 }
 
 void EntryFaults::report_whole(const EntryView &view, Diagnosis told, std::string_view remedy,

@@ -44,12 +44,17 @@ class EntryFaults {
   // where it is; absent where the entry's own text is enough.
   std::optional<Offset> report_alone(const EntryView &view);
 
+  // Whether the entry whose name is at a place stands in another one, and is told with it.
+  bool is_inserted(Offset at) const { return inserted_.count(at) > 0; }
+
   // Of the entry at hand.
   EntryRange range() const { return range_; }
 
  private:
   std::string_view remedy_of_begun(const EntryView &view, const Diagnosis &first) const;
   Fix without_quote_signs(const EntryView &view, const Diagnosis &first) const;
+  bool report_inserted(const EntryView &view, const Diagnosis &first,
+                       const std::string &consequence);
   // One finding of all of the entry.
   void report_whole(const EntryView &view, Diagnosis told, std::string_view remedy, Fix fix,
                     const std::string &consequence);
@@ -63,6 +68,7 @@ class EntryFaults {
   std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
   Offset entered_ = ~Offset{0};                 // the body of the entry at hand
   EntryRange range_ = {};                       // of the entry at hand
+  std::unordered_set<Offset> inserted_;
 };
 
 }  // namespace kztns

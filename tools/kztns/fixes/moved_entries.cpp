@@ -137,6 +137,14 @@ Fix move_to_end(const FileScan &scan, const Entry &entry) {
   return unsafe_fix(move_lines(text, {*lines}, scan.text().size()));
 }
 
+Fix move_out(const NamesText &names_text, const InsertedEntry &inserted) {
+  const std::string_view text = names_text.text();
+  const auto lines = lines_of(text, inserted.entry.begin, inserted.entry.end);
+  const auto to = end_with_line(text, inserted.rest_end);
+  if (!lines || !to) return {};
+  return {Applicability::unsafe, move_lines(text, {*lines}, *to), true};
+}
+
 namespace {
 
 // More bytes than that are not worth copying.

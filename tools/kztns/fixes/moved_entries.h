@@ -6,6 +6,7 @@
 
 #include "rules/fix.h"
 #include "scan/file_scan.h"
+#include "scan/left_over.h"
 
 namespace kztns {
 
@@ -17,6 +18,9 @@ Fix move_reserved(const FileScan &scan);
 // An entry after which lookups go astray is moved to the end of the file. No fix where
 // that would be in the way of another one.
 Fix move_to_end(const FileScan &scan, const Entry &entry);
+
+// An entry that stands in another one is moved after that.
+Fix move_out(const NamesText &text, const InsertedEntry &inserted);
 
 // Lists of names, "A, B = (...)".
 class NameLists {

@@ -1,6 +1,7 @@
 #include "scan/left_over.h"
 
 #include <algorithm>
+#include <string>
 
 #include "scan/item_text.h"
 #include "scan/item_words.h"
@@ -26,10 +27,19 @@ bool is_set(std::string_view text, const std::vector<WrittenItem> &items,
   });
 }
 
-bool is_complete_block(std::string_view text, const WrittenItem &block) {
+bool is_complete_description(std::string_view text, const WrittenItem &block) {
   const std::vector<WrittenItem> items = items_from(text, block.value);
   return key_word(text, block).type == LB_DESCRIPTION && is_set(text, items, {LB_HOST}) &&
          is_set(text, items, {LB_SERVICE_NAME, LB_SID});
+}
+
+bool is_complete_block(std::string_view text, const WrittenItem &block) {
+  const Placement entry = placement_of(key_word(text, block), content_of(Block::entry));
+  if (entry.content.kind != Content::description_list) return is_complete_description(text, block);
+  const std::vector<WrittenItem> items = items_from(text, block.value);
+  return !items.empty() && std::all_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+    return is_complete_description(text, item);
+  });
 }
 
 // The parentheses from a place on, up to a word outside of them.
@@ -86,6 +96,16 @@ std::optional<Span> find_left_over(std::string_view text, Offset body, Offset en
   if (!rest.has_service() || rest.has_description() || !ends_line(text, rest.end()))
     return std::nullopt;
   return Span{begin, rest.end()};
+}
+
+std::optional<InsertedEntry> find_inserted(std::string_view text, Span cut, Span inner) {
+  const auto rest = find_left_over(text, inner.begin, inner.end);
+  if (!rest) return std::nullopt;
+  const std::string whole = std::string(text.substr(cut.begin, cut.end - cut.begin))
+                                .append(text.substr(rest->begin, rest->end - rest->begin));
+  const auto whole_end = end_of_item(whole, pass_blanks(whole, 0));
+  if (whole_end != whole.size() || !is_complete(whole, 0)) return std::nullopt;
+  return InsertedEntry{{cut.end, *end_of_item(text, pass_blanks(text, inner.begin))}, rest->end};
 }
 
 }  // namespace kztns
