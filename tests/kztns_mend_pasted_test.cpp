@@ -295,7 +295,9 @@ TEST(Mending, OfManyLinesTakesALinearTime) {
        {repeated("> x\n> = ()\n", 100'000), ">a =\n" + repeated("> (x)\n", 200'000),
         "a = (DESCRIPTION = (ADDRESS = " + repeated("HOST = h ", 200'000) + ")" + data + ")\n",
         "a = (DESCRIPTION = (FOO = " + repeated("(x = y)", 400'000) + ")" + data + ")\n",
-        "a = " + repeated("(b)", 400'000) + " #\n" + entry("b")})
+        "a = " + repeated("(b)", 400'000) + " #\n" + entry("b"),
+        "x\n" + repeated(" ", 400'000) + entry("b"), "x\n" + repeated("/**/", 100'000),
+        "a = (DESCRIPTION = \"" + repeated("\xC2\xA0", 200'000) + "\"" + data + ")\n"})
     EXPECT_FALSE(kztns::check_once(kztns::NamesText(text), {.file = "names"}).findings.empty());
 }
 
@@ -432,4 +434,19 @@ TEST(Mending, OfWhatIsLeftAfterAListOfDescriptions) {
   EXPECT_EQ(mended(list + address + "\n" + data + "\n))\n" + entry("b")),
             entry("a") + "a_2 =\n  " + block + "\n# " + address + "\n# " + data + "\n# ))\n" +
                 entry("b"));
+}
+
+// To the library a zero byte ends a comment, and what comes after it counts.
+TEST(Mending, OfZeroBytesInComments) {
+  for (const std::string rest :
+       {")(PORT = 1)))(CONNECT_DATA = (SID = s))\n", ")(ADDRESS = (HOST = h))\n"})
+    EXPECT_FALSE(mended("a = (DESCRIPTION = (ADDRESS = (HOST = #\0h"s + rest).empty());
+  EXPECT_EQ(mended("x\0y\n"s + entry("b")), "# x\\x00y\n" + entry("b"));
+  const std::string sound = entry("a") + entry("b");
+  for (std::size_t at = 0; at < sound.size(); ++at) {
+    std::string text = sound;
+    text.insert(at, "#\0"s);
+    const std::string result = mended(text);
+    EXPECT_EQ(mended(result), result) << at;
+  }
 }

@@ -21,6 +21,7 @@
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/utf_16.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -78,7 +79,7 @@ class EntryChecker : public EntryVisitor {
   std::optional<Span> loose_items(const EntryView &view) const {
     if (view.service != nullptr) return std::nullopt;
     const std::string_view text = std::string_view(text_.text()).substr(0, faults_.range().end);
-    const auto first = end_of_item(text, pass_blanks(text, view.entry.body));
+    const auto first = end_of_first_block(text, view.entry.body);
     if (!first || !is_item_of_description(text, pass_blanks(text, *first))) return std::nullopt;
     const auto end = end_of_items(text, view.entry.body);
     return end && !end_if_led_astray(text, view.entry.body, *end)

@@ -7,12 +7,12 @@
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "fixes/moved_entries.h"
-#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/left_over.h"
 #include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

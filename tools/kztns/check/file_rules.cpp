@@ -8,10 +8,9 @@
 #include "fixes/moved_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/parentheses.h"
-#include "scan/further_stops.h"
 #include "scan/item_text.h"
-#include "scan/written_entries.h"
 #include "text/utf_16.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -159,7 +158,7 @@ class FileRules {
   Offset end_of(const Entry &entry) const {
     const Offset limit = scan_.next_entry(entry.body);
     const std::string_view text = std::string_view(text_.text()).substr(0, limit);
-    return end_of_item(text, pass_blanks(text, entry.body)).value_or(limit);
+    return end_of_first_block(text, entry.body).value_or(limit);
   }
 
   static bool is_parenthesis(Rule rule) {

@@ -8,6 +8,7 @@
 #include "rules/diagnosis.h"
 #include "text/characters.h"
 #include "text/name_index.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

@@ -14,6 +14,7 @@
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -113,7 +114,7 @@ class StopExplainer {
   bool is_after_block() const {
     const Entry *const entry = scan_.last_reached();
     if (entry == nullptr || stop_.met != TNS_LEFT_PARENTHESES) return false;
-    const auto end = end_of_item(text().substr(0, stop_.at), pass_blanks(text(), entry->body));
+    const auto end = end_of_first_block(text().substr(0, stop_.at), entry->body);
     return end && pass_blanks(text(), *end) == stop_.at;
   }
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "fixes/block_fixes.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "fixes/foreign_keys.h"
 #include "scan/further_stops.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

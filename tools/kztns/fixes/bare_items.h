@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "rules/fix.h"
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns {
 

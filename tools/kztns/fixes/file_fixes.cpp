@@ -12,6 +12,7 @@
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -30,6 +31,8 @@ std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end)
     }
     at = line_end + 1;
   }
+  write_out_zero_bytes(text, begin, end, edits);
+  sort_edits(edits);
   return edits;
 }
 
@@ -161,6 +164,15 @@ void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector
 }
 
 }  // namespace
+
+void write_out_zero_bytes(std::string_view text, Offset begin, Offset end,
+                          std::vector<Edit> &edits) {
+  text = text.substr(0, end);
+  for (std::size_t at = text.find('\0', begin); at != text.npos; at = text.find('\0', at + 1)) {
+    const auto zero = static_cast<Offset>(at);
+    edits.push_back({zero, zero + 1, "\\x00"});
+  }
+}
 
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {
   const auto line = static_cast<Offset>(text.substr(0, begin).find_last_of('\n') + 1);

@@ -19,13 +19,14 @@ std::optional<std::string_view> visible_instead(std::string_view odd) {
 
 // Puts blanks for invisible characters in a word, those in quotes excepted.
 bool make_visible(std::string_view word, Offset at, std::vector<Edit> &edits) {
+  bool in_quotes = false;
   for (std::size_t from = 0; from < word.size();) {
     const std::string_view odd = odd_character(word.substr(from));
     if (odd.empty()) return true;
     const std::size_t place = static_cast<std::size_t>(odd.data() - word.data());
-    from = place + odd.size();
-    if (std::count(word.begin(), word.begin() + static_cast<std::ptrdiff_t>(place), '"') % 2 != 0)
-      continue;
+    for (; from < place; ++from) in_quotes ^= word[from] == '"';
+    from += odd.size();
+    if (in_quotes) continue;
     const auto instead = visible_instead(odd);
     if (!instead) return false;
     const Offset begin = at + static_cast<Offset>(place);

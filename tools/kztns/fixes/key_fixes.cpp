@@ -5,10 +5,9 @@
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "fixes/value_fixes.h"
-#include "scan/further_stops.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/escape.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

@@ -105,7 +105,7 @@ Fix in_address(const FaultPlace &place, const WrittenItem &item) {
 // An item of the entry itself: its blocks belong in a DESCRIPTION.
 Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
-  if (key_named(Block::description, place.key_of(item)) == nullptr) return {};
+  if (items.empty() || key_named(Block::description, place.key_of(item)) == nullptr) return {};
   std::optional<WrittenItem> description;
   for (const WrittenItem &other : items) {
     if (!place.has_key(other, "DESCRIPTION")) continue;

@@ -7,6 +7,7 @@
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -79,7 +80,6 @@ std::optional<Offset> end_if_passed(const FileScan &scan, const Entry &entry) {
   const std::string_view text =
       std::string_view(scan.text().text()).substr(0, scan.next_entry(entry.body));
   const Offset open = pass_blanks(text, entry.body);
-  if (open == text.size() || text[open] != '(') return std::nullopt;
   const auto end = end_of_item(text, open);
   if (!end) return std::nullopt;
   const Offset next = pass_blanks(text, *end);

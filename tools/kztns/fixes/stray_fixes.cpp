@@ -10,6 +10,7 @@
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

@@ -6,11 +6,10 @@
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
-#include "scan/further_stops.h"
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

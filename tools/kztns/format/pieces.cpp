@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -39,29 +40,12 @@ class Reader {
   void take(PieceKind kind, std::uint32_t line_feeds) {
     const Offset begin = at_;
     Offset end = at_ + 1;
-    if (kind == PieceKind::word) end = end_of_word();
-    if (kind == PieceKind::comment) end = end_of_comment();
+    if (kind == PieceKind::word) end = end_of_whole_word(text_, begin).at;
+    if (kind == PieceKind::comment) end = end_of_comment(text_, begin);
     at_ = end;
     if (kind == PieceKind::comment)
       while (is_blank(text_[end - 1])) --end;
     pieces_.push_back({kind, {begin, end}, line_feeds});
-  }
-
-  Offset end_of_word() const {
-    bool in_quotes = false;
-    Offset at = at_;
-    for (; at < text_.size(); ++at) {
-      const char c = text_[at];
-      if (c == '"') in_quotes = !in_quotes;
-      if (!in_quotes && (is_blank(c) || c == '(' || c == ')' || c == '=')) break;
-    }
-    return at;
-  }
-
-  // A zero byte ends a comment, too.
-  Offset end_of_comment() const {
-    const std::size_t end = text_.find_first_of(std::string_view("\n\0", 2), at_);
-    return static_cast<Offset>(std::min(end, text_.size()));
   }
 
   std::string_view text_;

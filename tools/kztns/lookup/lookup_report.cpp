@@ -10,9 +10,9 @@
 #include "rules/diagnosis.h"
 #include "rules/parentheses.h"
 #include "scan/skip_mismatches.h"
-#include "scan/written_entries.h"
 #include "text/name_index.h"
 #include "text/utf_16.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "check/check_report.h"
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns::lsp {
 

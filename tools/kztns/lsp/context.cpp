@@ -6,6 +6,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
+#include "text/words.h"
 
 namespace kztns::lsp {
 namespace {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "text/offset.h"
-#include "trace/build_trace.h"
 
 namespace kztns::lsp {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns::lsp {
 

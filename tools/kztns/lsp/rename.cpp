@@ -7,6 +7,7 @@
 #include "mend/inline_files.h"
 #include "text/escape.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns::lsp {
 namespace {

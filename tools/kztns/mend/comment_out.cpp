@@ -7,6 +7,7 @@
 
 #include "check/conflicts.h"
 #include "check/entry_faults.h"
+#include "fixes/file_fixes.h"
 #include "scan/file_scan.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
@@ -229,13 +230,12 @@ std::vector<Edit> as_comments(std::string_view text, const std::vector<Commented
     const bool alone = is_blank_text(text.substr(line, part.begin - line));
     const Offset begin = alone ? line : part.begin;
     edits.push_back({begin, begin, (alone ? "# " : "\n# ") + part.reason + "\n# "});
-    for (Offset at = begin; at < part.end; ++at) {
+    for (Offset at = begin; at < part.end; ++at)
       if (text[at] == '\n' && at + 1 < part.end) edits.push_back({at + 1, at + 1, "# "});
-      // To the library a zero byte ends a comment.
-      if (text[at] == '\0') edits.push_back({at, at + 1, "\\x00"});
-    }
+    write_out_zero_bytes(text, begin, part.end, edits);
     if (goes_on(text, part.end)) edits.push_back({part.end, part.end, "\n"});
   }
+  sort_edits(edits);
   return edits;
 }
 

@@ -6,6 +6,7 @@
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 #include "trace/library_number.h"
 
 namespace kztns {

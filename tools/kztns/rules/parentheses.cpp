@@ -7,6 +7,7 @@
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {

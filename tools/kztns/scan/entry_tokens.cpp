@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -23,8 +24,7 @@ class Tokenizer {
       if (is_blank(c)) {
         pass(at_ + 1);
       } else if (c == '#') {
-        // A zero byte ends a comment, too.
-        pass(end_of(text_.find_first_of(std::string_view("\n\0", 2), at_)));
+        pass(end_of_comment(text_, at_));
       } else {
         if (!is_sign(c) && depth_ <= 0 && opened_) break;
         if (tokens_.size() == most_entry_tokens || !take(c)) return std::nullopt;
@@ -35,30 +35,15 @@ class Tokenizer {
   }
 
  private:
-  Offset end_of(std::size_t found) const {
-    return static_cast<Offset>(std::min(found, text_.size()));
-  }
-
   bool take(char c) {
-    const Offset end = is_sign(c) ? at_ + 1 : end_of_word();
-    if (end == 0) return false;
+    const WordEnd end = is_sign(c) ? WordEnd{at_ + 1, true} : end_of_whole_word(text_, at_);
+    if (!end.closed) return false;
     if (!in_line_) indentation_ = column_;
-    tokens_.push_back({is_sign(c) ? c : 'w', !in_line_, at_, end, column_, indentation_});
+    tokens_.push_back({is_sign(c) ? c : 'w', !in_line_, at_, end.at, column_, indentation_});
     depth_ += c == '(' ? 1 : c == ')' ? -1 : 0;
     opened_ = opened_ || c == '(';
-    pass(end);
+    pass(end.at);
     return true;
-  }
-
-  // 0 for one whose quotes are not closed.
-  Offset end_of_word() const {
-    bool in_quotes = false;
-    Offset at = at_;
-    for (; at < text_.size(); ++at) {
-      if (text_[at] == '"') in_quotes = !in_quotes;
-      if (!in_quotes && (is_blank(text_[at]) || is_sign(text_[at]))) break;
-    }
-    return in_quotes ? 0 : at;
   }
 
   void pass(Offset to) {

@@ -11,6 +11,7 @@
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -116,7 +117,7 @@ class FileScan::Walk {
     const Listening listening(listener);
     const Offset from = here(params_);
     sword status = KZCITnsParse(&params_, TNS_KEY);
-    const Offset at = std::min(pass_module_blanks(from), scan_.text_.size());
+    const Offset at = std::min(pass_blanks(text(), from), scan_.text_.size());
     if (status == kzoci::tns::no_data)
       return stop(at == scan_.text_.size() ? StopKind::end : StopKind::lost_name, at, at,
                   listener.met);
@@ -130,20 +131,6 @@ class FileScan::Walk {
                   here(params_), at, listener.met);
     begin_entry(at, name_end);
     return true;
-  }
-
-  // Unlike for a reader of the text, a zero byte ends a comment.
-  Offset pass_module_blanks(Offset at) const {
-    for (at = pass_once(at); at < text().size() && text()[at] == '#'; at = pass_once(at))
-      at = static_cast<Offset>(
-          std::min(text().find_first_of(std::string_view("\n\0", 2), at), text().size()));
-    return at;
-  }
-
-  Offset pass_once(Offset at) const {
-    while (at < text().size() && std::strchr(" \t\r\n", text()[at]) != nullptr && text()[at] != 0)
-      ++at;
-    return at;
   }
 
   void begin_entry(Offset at, Offset name_end) {

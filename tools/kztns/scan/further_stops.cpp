@@ -9,6 +9,7 @@
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -218,16 +219,6 @@ Offset pass_comments(std::string_view text, Offset from) {
   while (at < text.size() && is_foreign_comment(text.substr(at, 2)))
     at = pass_blanks(text, end_of_line(text, at));
   return at;
-}
-
-Offset end_of_word(std::string_view text, Offset begin) {
-  const std::string_view word = text.substr(begin, longest_token);
-  bool in_quotes = false;
-  for (Offset i = 0; i < word.size(); ++i) {
-    if (word[i] == '"') in_quotes = !in_quotes;
-    if (!in_quotes && word_ends.find(word[i]) != std::string_view::npos) return begin + i;
-  }
-  return begin + static_cast<Offset>(word.size());
 }
 
 bool may_be_value(std::string_view name, ItemWord key) {

@@ -22,9 +22,6 @@ bool is_foreign_comment(std::string_view word);
 // After the blanks and all comments from a place on, those of other readers too.
 Offset pass_comments(std::string_view text, Offset from);
 
-// The end of a word that begins at a place, as far as the library reads it.
-Offset end_of_word(std::string_view text, Offset begin);
-
 // The "(" of an entry whose "=" is on the line of a place or the next one, before any parenthesis;
 // absent for none.
 std::optional<Offset> value_on_line(std::string_view text, Offset at);

@@ -5,8 +5,8 @@
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -67,7 +67,7 @@ std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end) {
   text = text.substr(0, end);
   if (text.find('#', body) == std::string_view::npos) return std::nullopt;
-  for (auto at = end_of_item(text, pass_blanks(text, body)); at;) {
+  for (auto at = end_of_first_block(text, body); at;) {
     const Offset next = pass_blanks(text, *at);
     if (next >= text.size() || (text[next] != '(' && text[next] != ')')) return std::nullopt;
     if (const auto found = begun_in_comments(text, *at, next)) return found;

@@ -1,8 +1,8 @@
 #include "scan/item_text.h"
 
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -35,6 +35,7 @@ bool is_last(std::string_view text, Offset end) {
 }  // namespace
 
 std::optional<Offset> end_of_item(std::string_view text, Offset open) {
+  if (open >= text.size() || text[open] != '(') return std::nullopt;
   std::size_t depth = 0;
   TokenReader tokens(text, open);
   for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
@@ -42,6 +43,10 @@ std::optional<Offset> end_of_item(std::string_view text, Offset open) {
     if (token.kind == TokenKind::close && --depth == 0) return token.span.end;
   }
   return std::nullopt;
+}
+
+std::optional<Offset> end_of_first_block(std::string_view text, Offset body) {
+  return end_of_item(text, pass_blanks(text, body));
 }
 
 Offset counted_end(std::string_view text, Offset from, Offset limit) {

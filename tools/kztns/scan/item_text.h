@@ -4,16 +4,19 @@
 #include <optional>
 #include <string_view>
 
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns {
 
-// After the ")" that closes the "(" at open, quotes and comments observed; absent when
-// there is none.
+// After the ")" that closes the "(" at a place, quotes and comments observed; absent where one of
+// them is not there.
 std::optional<Offset> end_of_item(std::string_view text, Offset open);
 
+// The same of the first block of an entry, whose "=" is before a place.
+std::optional<Offset> end_of_first_block(std::string_view text, Offset body);
+
 // After the ")" that closes the first "(" from a place on when all parentheses count, as they
-// do for a lookup of another name; after a limit when it is not before that.
+// do for a lookup of another name; limit + 1 when it is not before a limit.
 Offset counted_end(std::string_view text, Offset from, Offset limit);
 
 // What to remove so that the item that begins at open is gone: the item or, when the

@@ -6,9 +6,9 @@
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -89,7 +89,7 @@ bool is_complete(std::string_view text, Offset body) {
 std::optional<Span> find_left_over(std::string_view text, Offset body, Offset end) {
   text = text.substr(0, end);
   if (!is_complete(text, body)) return std::nullopt;
-  const Offset begin = pass_blanks(text, *end_of_item(text, pass_blanks(text, body)));
+  const Offset begin = pass_blanks(text, *end_of_first_block(text, body));
   if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
     return std::nullopt;
   const Rest rest(text, begin);
@@ -103,9 +103,9 @@ std::optional<InsertedEntry> find_inserted(std::string_view text, Span cut, Span
   if (!rest) return std::nullopt;
   const std::string whole = std::string(text.substr(cut.begin, cut.end - cut.begin))
                                 .append(text.substr(rest->begin, rest->end - rest->begin));
-  const auto whole_end = end_of_item(whole, pass_blanks(whole, 0));
+  const auto whole_end = end_of_first_block(whole, 0);
   if (whole_end != whole.size() || !is_complete(whole, 0)) return std::nullopt;
-  return InsertedEntry{{cut.end, *end_of_item(text, pass_blanks(text, inner.begin))}, rest->end};
+  return InsertedEntry{{cut.end, *end_of_first_block(text, inner.begin)}, rest->end};
 }
 
 }  // namespace kztns

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns {
 

@@ -5,9 +5,13 @@
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
+
+// What ends a name in other notations, too.
+constexpr std::string_view name_ends = " \t\r\n()=\":,;#";
 
 // Reads the characters of one line.
 class Line {
@@ -29,9 +33,8 @@ class Line {
 
   Span take_name() {
     const Offset begin = at_;
-    while (!rest().empty() && !is_blank(text_[at_]) && !is_sign(text_[at_]) &&
-           std::string_view("\":,;#").find(text_[at_]) == std::string_view::npos)
-      ++at_;
+    const std::string_view name = text_.substr(at_, longest_token);
+    at_ += static_cast<Offset>(std::min(name.find_first_of(name_ends), name.size()));
     return {begin, at_};
   }
 

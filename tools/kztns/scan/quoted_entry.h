@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns {
 

@@ -1,15 +1,12 @@
 #include "scan/skip_mismatches.h"
 
 #include "scan/item_text.h"
-#include "scan/written_entries.h"
+#include "text/words.h"
 
 namespace kztns {
 
 std::optional<Offset> end_if_led_astray(std::string_view text, Offset body, Offset limit) {
-  const std::string_view before = text.substr(0, limit);
-  const Offset open = pass_blanks(before, body);
-  if (open >= limit || text[open] != '(') return std::nullopt;
-  const std::optional<Offset> end = end_of_item(before, open);
+  const std::optional<Offset> end = end_of_first_block(text.substr(0, limit), body);
   if (!end || counted_end(text, body, *end) == *end) return std::nullopt;
   return end;
 }

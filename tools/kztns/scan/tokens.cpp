@@ -1,7 +1,7 @@
 #include "scan/tokens.h"
 
-#include "scan/written_entries.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -27,12 +27,7 @@ Token TokenReader::next() {
   if (begin >= text_.size()) return {TokenKind::end, {begin, begin}};
   const TokenKind kind = kind_of(text_[begin]);
   if (kind != TokenKind::word) return {kind, {begin, ++at_}};
-  bool in_quotes = false;
-  for (; at_ < text_.size(); ++at_) {
-    const char c = text_[at_];
-    if (c == '"') in_quotes = !in_quotes;
-    if (!in_quotes && word_ends.find(c) != std::string_view::npos) break;
-  }
+  at_ = end_of_whole_word(text_, begin).at;
   return {kind, {begin, at_}};
 }
 

@@ -1,11 +1,10 @@
-// The tokens of a names file, as the module reads them but for the length of words and for zero
-// bytes, which end comments there.
+// The tokens of a names file, as the module reads them but for the length of words.
 #pragma once
 
 #include <algorithm>
 #include <string_view>
 
-#include "trace/build_trace.h"
+#include "text/words.h"
 
 namespace kztns {
 
@@ -42,8 +41,7 @@ void for_each_comment(std::string_view text, Offset from, Offset to, const Visit
         ++at;
         continue;
       }
-      const auto end =
-          static_cast<Offset>(std::min<std::size_t>(text.find('\n', at), token.span.begin));
+      const Offset end = std::min(end_of_comment(text, at), token.span.begin);
       visit(at, end);
       at = end;
     }

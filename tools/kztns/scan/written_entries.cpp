@@ -5,6 +5,7 @@
 
 #include "text/characters.h"
 #include "text/spelling.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -98,10 +99,11 @@ class Scanner {
   void take_token() {
     const char c = text_[at_];
     if (c == '#') {
-      at_ = end_of_line(text_, at_);
+      at_ = end_of_comment(text_, at_);
     } else if (is_blank(c)) {
-      ++at_;
-      if (c == '\n') line_ = at_;
+      // Neither an entry nor a long comment begins at one.
+      for (; at_ < text_.size() && is_blank(text_[at_]); ++at_)
+        if (text_[at_] == '\n') line_ = at_ + 1;
     } else if (is_sign(c)) {
       depth_ = c == '(' ? depth_ + 1 : c == ')' ? std::max<std::int64_t>(depth_ - 1, 0) : depth_;
       last_ = c;
@@ -166,19 +168,6 @@ bool is_foreign_entry(std::string_view line) {
 
 }  // namespace
 
-Offset pass_blanks(std::string_view text, Offset from) {
-  Offset at = from;
-  while (at < text.size()) {
-    if (text[at] == '#')
-      at = end_of_line(text, at);
-    else if (is_blank(text[at]))
-      ++at;
-    else
-      break;
-  }
-  return at;
-}
-
 ItemWord key_after(std::string_view text, Offset open) {
   if (open >= text.size() || text[open] != '(') return {};
   const Offset begin = pass_blanks(text, open + 1);
@@ -212,20 +201,18 @@ std::vector<Offset> foreign_entries(std::string_view text) {
 
 std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,
                                              char parenthesis) {
-  enum { between, in_key, in_quotes, in_comment } state = between;
-  for (Offset at = from; at < to; ++at) {
-    const char c = text[at];
-    if (c == parenthesis && (state == in_comment || state == in_quotes))
-      return HiddenParenthesis{at, state == in_comment};
-    if (state == in_comment) {
-      if (c == '\n') state = between;
-    } else if (c == '"') {
-      state = state == in_quotes ? in_key : in_quotes;
-    } else if (state != in_quotes) {
-      state = is_blank(c) || is_sign(c)      ? between
-              : c == '#' && state == between ? in_comment
-                                             : in_key;
+  text = text.substr(0, to);
+  for (Offset at = from; at < text.size();) {
+    if (is_blank(text[at]) || is_sign(text[at])) {
+      ++at;
+      continue;
     }
+    // In a word parentheses stand in quotes only.
+    const bool in_comment = text[at] == '#';
+    const Offset end = in_comment ? end_of_comment(text, at) : end_of_whole_word(text, at).at;
+    const std::size_t hidden = text.substr(0, end).find(parenthesis, at);
+    if (hidden != text.npos) return HiddenParenthesis{static_cast<Offset>(hidden), in_comment};
+    at = end;
   }
   return std::nullopt;
 }

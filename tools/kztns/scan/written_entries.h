@@ -15,9 +15,6 @@ namespace kztns {
 // Of a longer list not every name is worth knowing.
 constexpr std::size_t most_names_of_list = 256;
 
-// After the blanks and comments from a place on.
-Offset pass_blanks(std::string_view text, Offset from);
-
 // After a comment in "/*" and "*/" that begins at a place, as other languages have it; absent when
 // none does.
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at);

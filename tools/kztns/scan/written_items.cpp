@@ -4,7 +4,7 @@
 
 #include "scan/item_text.h"
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
+#include "text/words.h"
 
 namespace kztns {
 

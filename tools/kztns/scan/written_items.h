@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "scan/item_words.h"
-#include "trace/build_trace.h"
+#include "text/offset.h"
 
 namespace kztns {
 

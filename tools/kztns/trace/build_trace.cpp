@@ -4,6 +4,7 @@
 
 #include "kzoci/oci_tnsname/status.h"
 #include "text/characters.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -149,8 +150,7 @@ void Trace::pass_to_token() {
   for (; cursor_ < text.size(); ++cursor_) {
     const char c = text[cursor_];
     if (c == '#') {
-      cursor_ = static_cast<Offset>(
-          std::min(text.find_first_of(std::string_view("\n\0", 2), cursor_), text.size()));
+      cursor_ = end_of_comment(text, cursor_);
       if (cursor_ == text.size() || text[cursor_] == '\0') return;
     } else if (c == '(' || c == ')' || c == '=') {
       if (c == '(') open_ = cursor_;

@@ -15,15 +15,6 @@
 
 namespace kztns {
 
-// A token in the text, quotes included.
-struct Span {
-  Offset begin = 0;
-  Offset end = 0;
-};
-
-// What is left of a longer token is read as another one.
-constexpr Offset longest_token = sizeof(KZCITnsParseParams::tns_key);
-
 // Key words, by their types.
 class KeySet {
  public:
