@@ -9,11 +9,13 @@
 #if defined(_WIN32)
 
 #include <io.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 // An empty value removes a variable there.
@@ -45,12 +47,21 @@ constexpr bool on_windows = true;
 constexpr bool on_windows = false;
 #endif
 
-// As std::tmpfile: there two processes may take the same name, of which one fails.
+// As std::tmpfile, which there may open a file that another process has just made.
 inline std::FILE *temporary_file() {
-  constexpr int most_tries = 100;
-  std::FILE *file = std::tmpfile();
-  for (int i = 1; i < most_tries && file == nullptr; ++i) file = std::tmpfile();
-  return file;
+#if defined(_WIN32)
+  constexpr int most_tries = 1000;
+  constexpr int flags = _O_CREAT | _O_EXCL | _O_TEMPORARY | _O_RDWR | _O_BINARY;
+  const std::string begin =
+      (std::filesystem::temp_directory_path() / "kzoci_").string() + std::to_string(getpid()) + "_";
+  for (int i = 0; i < most_tries; ++i) {
+    const int file = _open((begin + std::to_string(i)).c_str(), flags, _S_IREAD | _S_IWRITE);
+    if (file >= 0) return _fdopen(file, "w+b");
+  }
+  return nullptr;
+#else
+  return std::tmpfile();
+#endif
 }
 
 }  // namespace support

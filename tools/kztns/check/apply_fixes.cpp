@@ -11,6 +11,8 @@ bool copies(const Fix &fix) {
                      [](const Edit &edit) { return edit.copy_of.has_value(); });
 }
 
+bool begins_comment(const Edit &edit) { return edit.text.starts_with('#'); }
+
 // The parts of a text that edits change, by their beginnings.
 class Changed {
  public:
@@ -24,6 +26,7 @@ class Changed {
       Part &part = parts_[edit.begin];
       part.end = std::max(part.end, edit.end);
       part.by_copy = part.by_copy || by_copy;
+      part.comments = part.comments || begins_comment(edit);
     }
     return true;
   }
@@ -31,7 +34,8 @@ class Changed {
  private:
   struct Part {
     Offset end = 0;
-    bool by_copy = false;  // a fix that copies changes it
+    bool by_copy = false;   // a fix that copies changes it
+    bool comments = false;  // a comment begins there
   };
 
   bool is_free(const Edit &edit, bool by_copy) const {
@@ -39,8 +43,10 @@ class Changed {
     if (after != parts_.end() && after->first < edit.end) return false;
     if (after == parts_.begin()) return true;
     const auto &[begin, part] = *std::prev(after);
-    // What is put where a copy is put might get into the copy, or before it.
-    if (edit.begin == begin && (by_copy || part.by_copy)) return false;
+    // What is put where a copy is put might get into the copy, or before it. What begins a comment
+    // would make one of what comes after removed text.
+    if (edit.begin == begin && (by_copy || part.by_copy || begins_comment(edit) || part.comments))
+      return false;
     return edit.begin >= part.end || (edit.begin == edit.end && edit.begin == begin);
   }
 

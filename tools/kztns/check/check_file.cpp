@@ -75,12 +75,15 @@ class EntryChecker : public EntryVisitor {
   }
 
   // The items of an entry that is refused, when lookups that pass over the first one meet
-  // another one that belongs in its description.
-  std::optional<Span> loose_items(const EntryView &view) const {
+  // another one that belongs in its description, or whose key is mended as its first fault.
+  std::optional<Span> loose_items(const EntryView &view, const Diagnosis &first_fault) const {
     if (view.service != nullptr) return std::nullopt;
     const std::string_view text = std::string_view(text_.text()).substr(0, faults_.range().end);
     const auto first = end_of_first_block(text, view.entry.body);
-    if (!first || !is_item_of_description(text, pass_blanks(text, *first))) return std::nullopt;
+    if (!first) return std::nullopt;
+    const Offset next = pass_blanks(text, *first);
+    const bool is_fault = first_fault.fix && first_fault.at == pass_blanks(text, next + 1);
+    if (!is_fault && !is_item_of_description(text, next)) return std::nullopt;
     const auto end = end_of_items(text, view.entry.body);
     return end && !end_if_led_astray(text, view.entry.body, *end)
                ? std::optional<Span>({view.entry.body, *end})
@@ -160,7 +163,7 @@ class EntryChecker : public EntryVisitor {
   void report_fault(const EntryView &view) {
     const Diagnosis first = faults_.first_of(view);
     std::string consequence_of_first;
-    const std::optional<Span> loose = loose_items(view);
+    const std::optional<Span> loose = loose_items(view, first);
     if (loose) told_ranges_.push_back(*loose);
     const bool met_loose = loose && view.entry.reached && view.stop == nullptr;
     if (ends_lookups_too(view) || loses_next_name(view, first) || met_loose) {
