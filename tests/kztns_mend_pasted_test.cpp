@@ -450,3 +450,54 @@ TEST(Mending, OfZeroBytesInComments) {
     EXPECT_EQ(mended(result), result) << at;
   }
 }
+
+TEST(Mending, OfAnItemAfterAnEntryKeepsTheNextOne) {
+  const std::string ur = "b = (DESCRIPTION = " + address + "(CONNECT_DATA = (SID = s)(UR = A)))\n";
+  EXPECT_EQ(mended(entry("a") + "(FAILOVER = on)\n" + ur), entry("a") + entry("b"));
+}
+
+TEST(Mending, OfAnEntryThatAnotherOneFollowsAfterABlankClosesItBefore) {
+  const std::string open = "a = (DESCRIPTION = " + address + data;
+  EXPECT_EQ(mended(open + " " + entry("b")), open + ") " + entry("b"));
+  EXPECT_EQ(mended(open + "\r" + entry("b")), open + ")\r" + entry("b"));
+}
+
+TEST(Mending, OfAQuoteThatAValueOfALaterEntryCloses) {
+  const std::string later = "b = (DESCRIPTION = " + address +
+                            "(CONNECT_DATA = (SID = s)(KZ_USER_EXTRA_INFO = \"x y\")))\n";
+  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (HOST = \"h)(PORT = 1))" + data + ")\n" + later),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = \"h\")(PORT = 1))" + data + ")\n" + later);
+}
+
+TEST(Mending, OfColonsRightAfterTheNameAndTheKeys) {
+  EXPECT_EQ(mended("a: (DESCRIPTION: (ADDRESS: (HOST: h)(PORT: 1))(CONNECT_DATA: (SID: s)))\n"),
+            "a = (DESCRIPTION= (ADDRESS= (HOST= h)(PORT= 1))(CONNECT_DATA= (SID= s)))\n");
+}
+
+TEST(Mending, OfAQuotedMailOfWhichALineIsWrapped) {
+  EXPECT_EQ(mended("> a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT =\n1))\n> " + data + ")\n"),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT =\n1))\n" + data + ")\n");
+  const std::string quoted = "a =\n> (DESCRIPTION =\n>   " + address + "\n>   " + data + ")\n";
+  EXPECT_EQ(mended(quoted), "a =\n(DESCRIPTION =\n" + address + "\n" + data + ")\n");
+  const kztns::NamesText original(quoted);
+  kztns::Mender safe(original, {.file = "names.ora", .with_unsafe = false});
+  safe.apply_fixes();
+  EXPECT_EQ(safe.text().text(), quoted);
+}
+
+TEST(Mending, PromisesSafeFixesOnlyWhereTheEntryHasNoOthers) {
+  const kztns::CheckReport report =
+      kztns::check_file(kztns::NamesText("a =\n)\n(CONNECT_DATA = (SID = s))\n)\n"), {"names.ora"});
+  for (const kztns::Finding &finding : report.findings)
+    EXPECT_NE(finding.applied_among, kztns::Applicability::safe) << finding.text;
+}
+
+TEST(Mending, OfAParenthesisTooManyIsToldOnce) {
+  const std::string text = "a = (ADDRESS = (HOST = h)(PORT = 1))\n" + data + "\n)\n" + entry("b");
+  const kztns::CheckReport report = kztns::check_file(kztns::NamesText(text), {"names.ora"});
+  EXPECT_EQ(std::count_if(report.findings.begin(), report.findings.end(),
+                          [](const kztns::Finding &finding) {
+                            return finding.rule == kztns::Rule::extra_close;
+                          }),
+            1);
+}

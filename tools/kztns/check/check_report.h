@@ -30,6 +30,7 @@ struct Finding {
   Offset at;                // the same place, for sorting
   std::uint32_t character;  // the column in characters instead of bytes
   std::string entry;        // empty for none
+  bool in_entry;            // a fault in its text, which is refused for it if it is an error
   std::string path;         // "DESCRIPTION/CONNECT_DATA", empty for none
   std::string text;
   std::string remedy;

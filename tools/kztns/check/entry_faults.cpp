@@ -312,8 +312,13 @@ Subject EntryFaults::subject(const NamesText &text, std::string_view noun, Offse
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
   if (found.rule == Rule::ifile) entry = {};  // that is no name
   findings_.add(found.rule, severity,
-                {found.at, entry, std::move(found.path), std::move(found.text),
-                 std::move(found.remedy), std::move(found.fix)});
+                {.at = found.at,
+                 .entry = entry,
+                 .path = std::move(found.path),
+                 .text = std::move(found.text),
+                 .remedy = std::move(found.remedy),
+                 .fix = std::move(found.fix),
+                 .in_entry = true});
 }
 
 bool EntryFaults::is_free(std::string_view name) {

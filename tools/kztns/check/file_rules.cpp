@@ -116,7 +116,9 @@ class FileRules {
     report_cause(stop, std::move(cause));
   }
 
+  // What is told of as an entry's fault is not told of again.
   void report_cause(const Stop &stop, StopCause cause) {
+    if (findings_.has(cause.rule, cause.at)) return;
     findings_.add(cause.rule, [&] { return finding_of(stop, std::move(cause)); });
   }
 

@@ -19,6 +19,7 @@ void Findings::keep(Rule rule, Severity severity, NewFinding found) {
   finding.position = text_.position(finding.at);
   finding.character = text_.character_column(finding.at);
   finding.entry = found.entry;
+  finding.in_entry = found.in_entry;
   finding.path = std::move(found.path);
   finding.text = std::move(found.text);
   finding.remedy = found.remedy.empty() ? row_of(rule).remedy : std::move(found.remedy);
@@ -26,6 +27,7 @@ void Findings::keep(Rule rule, Severity severity, NewFinding found) {
   if (copy_ != nullptr) finding.fix.to_origin(*copy_);
   finding.source = text_.line_around(finding.at, finding.caret);
   if (found.related) finding.related = text_.origin(in_text(*found.related));
+  places_.emplace(rule, finding.at);
   report_.findings.push_back(std::move(finding));
 }
 

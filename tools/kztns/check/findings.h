@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <set>
 #include <utility>
 
 #include "check/check_report.h"
@@ -18,6 +19,7 @@ struct NewFinding {
   std::string remedy = {};
   Fix fix = {};
   std::optional<Offset> related = {};  // a place that the text speaks of
+  bool in_entry = false;               // see Finding
 };
 
 class Findings {
@@ -61,6 +63,9 @@ class Findings {
     add(rule, row_of(rule).severity, make);
   }
 
+  // Whether a rule is told of at a place already.
+  bool has(Rule rule, Offset at) const { return places_.count({rule, at}) > 0; }
+
   // Appends words to the text of a finding that was added, when it is there.
   void append(Rule rule, Offset at, std::string_view words);
 
@@ -75,6 +80,7 @@ class Findings {
   std::size_t most_;
   CheckReport &report_;
   std::array<std::size_t, rule_count> counts_ = {};
+  std::set<std::pair<Rule, Offset>> places_;
 };
 
 // Puts findings in the order of the file.

@@ -12,12 +12,11 @@ Applicability weaker(Applicability left, Applicability right) {
   return left == Applicability::unsafe ? left : right;
 }
 
-// Whether the entry around a place is refused for it. Rules about lookups tell faults of
-// entries, too, as those of a block: a surplus ")" for example.
+// Whether the entry around a place is refused for it.
 bool refuses_entry(const Finding &finding) {
   const Concern concern = row_of(finding.rule).concern;
   const bool is_of_entry = concern == Concern::entry || concern == Concern::parentheses;
-  return finding.severity == Severity::error && (is_of_entry || !finding.path.empty());
+  return finding.severity == Severity::error && (is_of_entry || finding.in_entry);
 }
 
 }  // namespace

@@ -112,6 +112,7 @@ class StrayText {
   // "==" and "=>", which other notations have for "=": after each key of the entry.
   bool mend_signs(Offset at) {
     const Offset end = after("=>", at);
+    if (begins_line(text_, at) && text_[at] == '>') return false;  // of a quoted mail
     if (end == at || is_between_items() || !begins_value(pass_blanks(text_, end))) return false;
     Fix fix = safe_fix({});
     std::int64_t depth = 0;

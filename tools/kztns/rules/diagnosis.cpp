@@ -167,6 +167,9 @@ class FaultExplainer {
     if (item() != nullptr)
       if (auto quote = quote_closed_late(item()->value.begin, item()->value.end))
         return *std::move(quote);
+    if (item() != nullptr && item()->value.end > subject_.end)
+      if (const auto quote = open_quote(text(), item()->value.begin, subject_.end))
+        return unterminated(*quote, item()->value.end, end());
     const std::string text = "expected \")\" after the value of " + key() + ", found " + met();
     if (fault_.met == TNS_LEFT_PARENTHESES) return found(Rule::missing_close, text);
     return found(Rule::unquoted_value, text);

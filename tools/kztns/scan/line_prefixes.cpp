@@ -40,12 +40,20 @@ class Prefixes {
     return Span{at, end + (blank ? 1 : 0)};
   }
 
+  // Whether a line without one is the rest of a quoted one: mails wrap them.
+  bool is_wrapped() const { return quoted_ && depth_ > 0; }
+
+  void pass(std::string_view line) {
+    for (const char c : line) depth_ += c == '(' ? 1 : c == ')' ? -1 : 0;
+  }
+
   std::size_t fewest() const { return quoted_ ? 1 : 2; }
 
  private:
   std::string_view text_;
   bool quoted_;
   std::int64_t due_ = -1;  // the next number; any one at first
+  std::int64_t depth_ = 0;
 };
 
 bool goes_on_with_word(std::string_view text, Offset at) {
@@ -63,10 +71,13 @@ std::vector<Span> line_prefixes(std::string_view text, Offset at) {
     const std::size_t first = text.find_first_not_of(" \t", line);
     if (first == std::string_view::npos) break;
     const auto prefix = prefixes.next(static_cast<Offset>(first));
-    if (!prefix) break;
+    if (!prefix && !prefixes.is_wrapped()) break;
+    const Offset next_line = end_of_line(text, static_cast<Offset>(first));
+    prefixes.pass(text.substr(first, next_line - first));
+    line = next_line + std::size_t{1};
+    if (!prefix) continue;
     if (found.empty() && !goes_on_with_word(text, prefix->end)) break;
     found.push_back(*prefix);
-    line = end_of_line(text, prefix->begin) + std::size_t{1};
   }
   if (found.size() < prefixes.fewest()) found.clear();
   return found;

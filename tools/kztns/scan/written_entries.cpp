@@ -25,8 +25,8 @@ class Scanner {
  private:
   bool at_line_start() const { return at_ == 0 || text_[at_ - 1] == '\n'; }
 
-  // Right after a ")", where no word can be part of the entry before.
-  bool after_close() const { return at_ > 0 && text_[at_ - 1] == ')' && last_ == ')'; }
+  // After a ")" on its line, where no word can be part of the entry before.
+  bool after_close() const { return last_ == ')' && line_ > at_; }
 
   // The names of a list, from a place on; empty when there are none.
   Offset read_names(Offset at, std::vector<WrittenEntry> &names) {
@@ -172,7 +172,7 @@ ItemWord key_after(std::string_view text, Offset open) {
   if (open >= text.size() || text[open] != '(') return {};
   const Offset begin = pass_blanks(text, open + 1);
   Offset end = begin;
-  while (end < text.size() && !ends_name(text[end])) ++end;
+  while (end < text.size() && !ends_name(text[end]) && text[end] != ':') ++end;
   return item_word(text.substr(begin, end - begin));
 }
 
