@@ -52,8 +52,8 @@ KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_vie
   return params;
 }
 
-// More are not worth telling: the first ones are hardly mended yet.
-constexpr std::size_t most_skip_mismatches = 100;
+// Of one rule no more are reported as a rule.
+constexpr std::size_t most_skip_mismatches = 1000;
 
 }  // namespace
 
