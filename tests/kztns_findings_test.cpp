@@ -202,6 +202,16 @@ TEST(CheckReport, LeavesOutWhatIsTooMuch) {
             std::string::npos);
 }
 
+TEST(CheckReport, CountsAtLeastTheFixesThatAreShown) {
+  std::string content;
+  for (int i = 0; i < 1200; ++i)
+    content += "n" + std::to_string(i) +
+               " = (DESCRIPTION = (ADDRES = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+  EXPECT_NE(kztns::render_text({{report_of(content)}}, {})
+                .find("; at least 1000 fixable with kztns fix --unsafe\n"),
+            std::string::npos);
+}
+
 TEST(CheckReport, TellsTheFaultsOfEachDescriptionOfAList) {
   const std::string address = "(ADDRESS=(HOST=h)(PORT=1))";
   const kztns::CheckReport report = report_of(

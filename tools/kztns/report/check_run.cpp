@@ -10,6 +10,8 @@ RunTotals totals_of(const CheckReport &report) {
     if (finding.applied_among == Applicability::safe) ++totals.fixes.safe;
     if (finding.applied_among == Applicability::unsafe) ++totals.fixes.unsafe;
   }
+  for (const SeverityCounts &of_rule : report.left_out)
+    for (const std::size_t count : of_rule) totals.fixes.complete &= count == 0;
   return totals;
 }
 
@@ -21,6 +23,7 @@ RunTotals totals_of(const CheckRun &run) {
     for (std::size_t i = 0; i < severity_count; ++i) all.severities[i] += one.severities[i];
     all.fixes.safe += one.fixes.safe;
     all.fixes.unsafe += one.fixes.unsafe;
+    all.fixes.complete &= one.fixes.complete;
   }
   return all;
 }

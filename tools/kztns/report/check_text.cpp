@@ -69,9 +69,10 @@ void add_source(Painter &painter, const Finding &finding) {
 // What can be mended, as the end of a summary.
 std::string fixable(const FixCounts &fixes) {
   const std::string unsafe = std::to_string(fixes.unsafe);
+  const std::string begin = fixes.complete ? "; " : "; at least ";
   if (fixes.safe == 0)
-    return fixes.unsafe == 0 ? "" : "; " + unsafe + " fixable with kztns fix --unsafe";
-  return "; " + std::to_string(fixes.safe) + " fixable with kztns fix" +
+    return fixes.unsafe == 0 ? "" : begin + unsafe + " fixable with kztns fix --unsafe";
+  return begin + std::to_string(fixes.safe) + " fixable with kztns fix" +
          (fixes.unsafe == 0 ? "" : " (" + unsafe + " more with --unsafe)");
 }
 
