@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "fixes/foreign_keys.h"
-#include "scan/further_stops.h"
+#include "scan/item_text.h"
 #include "text/characters.h"
 #include "text/words.h"
 

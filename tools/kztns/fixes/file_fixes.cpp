@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "fixes/invisible_fixes.h"
-#include "scan/further_stops.h"
+#include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/left_over.h"
 #include "scan/line_prefixes.h"
 #include "scan/quoted_entry.h"
+#include "scan/stray_text.h"
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
 #include "text/words.h"

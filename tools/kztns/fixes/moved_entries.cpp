@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "fixes/file_fixes.h"
-#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"

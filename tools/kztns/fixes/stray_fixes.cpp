@@ -5,10 +5,9 @@
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
-#include "scan/further_stops.h"
 #include "scan/item_words.h"
+#include "scan/stray_text.h"
 #include "scan/tokens.h"
-#include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/words.h"
 

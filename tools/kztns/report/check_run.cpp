@@ -10,8 +10,11 @@ RunTotals totals_of(const CheckReport &report) {
     if (finding.applied_among == Applicability::safe) ++totals.fixes.safe;
     if (finding.applied_among == Applicability::unsafe) ++totals.fixes.unsafe;
   }
-  for (const SeverityCounts &of_rule : report.left_out)
-    for (const std::size_t count : of_rule) totals.fixes.complete &= count == 0;
+  for (std::size_t i = 0; i < rule_count; ++i) {
+    const auto rule = static_cast<Rule>(i);
+    if (row_of(rule).fixes != FixKinds::none && left_out(report, rule) > 0)
+      totals.fixes.complete = false;
+  }
   return totals;
 }
 

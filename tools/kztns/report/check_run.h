@@ -28,7 +28,7 @@ struct CheckRun {
 struct FixCounts {
   std::size_t safe = 0;
   std::size_t unsafe = 0;
-  bool complete = true;  // whether no finding was left out
+  bool complete = true;  // whether no finding that may have a fix was left out
 };
 
 // The sums over all files.

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
-#include "scan/written_entries.h"
+#include "scan/hidden_text.h"
 #include "text/characters.h"
 #include "text/spelling.h"
 #include "text/words.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "text/characters.h"

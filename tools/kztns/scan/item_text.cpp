@@ -49,6 +49,16 @@ std::optional<Offset> end_of_first_block(std::string_view text, Offset body) {
   return end_of_item(text, pass_blanks(text, body));
 }
 
+std::optional<Offset> end_of_items(std::string_view text, Offset body) {
+  std::optional<Offset> end;
+  for (Offset open = pass_blanks(text, body); open < text.size() && text[open] == '(';
+       open = pass_blanks(text, *end)) {
+    end = end_of_item(text, open);
+    if (!end) return std::nullopt;
+  }
+  return end;
+}
+
 Offset counted_end(std::string_view text, Offset from, Offset limit) {
   std::size_t depth = 0;
   for (Offset at = pass_blanks(text, from); at < limit; ++at) {
@@ -56,6 +66,14 @@ Offset counted_end(std::string_view text, Offset from, Offset limit) {
     if (text[at] == ')' && --depth == 0) return at + 1;
   }
   return limit + 1;
+}
+
+ItemWord key_after(std::string_view text, Offset open) {
+  if (open >= text.size() || text[open] != '(') return {};
+  const Offset begin = pass_blanks(text, open + 1);
+  Offset end = begin;
+  while (end < text.size() && !ends_name(text[end]) && text[end] != ':') ++end;
+  return item_word(text.substr(begin, end - begin));
 }
 
 std::optional<Span> item_to_remove(std::string_view text, Offset open) {

@@ -86,4 +86,8 @@ Placement placement_of(ItemWord word, Content around) {
   }
 }
 
+bool is_setting(ItemWord word) {
+  return placement_of(word, content_of(Block::system_variables)).fit == Fit::good;
+}
+
 }  // namespace kztns

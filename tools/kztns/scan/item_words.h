@@ -39,6 +39,9 @@ ItemWord item_word(std::string_view key);
 // Whether items of that key hold other items.
 bool opens_block(ItemWord word);
 
+// Whether a key is one of the reserved entry's.
+bool is_setting(ItemWord word);
+
 // How well an item fits into what it stands in.
 enum class Fit : unsigned char {
   good,

@@ -1,7 +1,6 @@
 #include "scan/skip_mismatches.h"
 
 #include "scan/item_text.h"
-#include "text/words.h"
 
 namespace kztns {
 

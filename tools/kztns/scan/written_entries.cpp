@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <vector>
 
+#include "scan/item_text.h"
+#include "scan/stray_text.h"
 #include "text/characters.h"
 #include "text/spelling.h"
 #include "text/words.h"
 
 namespace kztns {
 namespace {
-
-bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
 
 class Scanner {
  public:
@@ -47,28 +47,47 @@ class Scanner {
     return at;
   }
 
+  // "NAME, NAME = (" from a place on.
+  struct Head {
+    std::vector<WrittenEntry> names;
+    Offset equal = 0;
+    Offset open = 0;
+  };
+
+  std::optional<Head> head_at(Offset at) {
+    Head head;
+    if (at >= text_.size() || ends_name(text_[at])) return std::nullopt;
+    head.equal = read_names(at, head.names);
+    if (head.names.empty() || head.equal >= text_.size() || text_[head.equal] != '=')
+      return std::nullopt;
+    head.open = pass_blanks(text_, head.equal + 1);
+    if (head.open >= text_.size() || text_[head.open] != '(') return std::nullopt;
+    return head;
+  }
+
   // Whether an entry begins here; if so, visits it and goes past its "=".
   bool take_entry() {
     if (!at_line_start() && !indentation_only() && !after_close()) return false;
-    if (ends_name(text_[at_]) || at_ < no_entry_before_) return false;
-    std::vector<WrittenEntry> names;
-    const Offset equal = read_names(at_, names);
-    if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
-    const Offset open = pass_blanks(text_, equal + 1);
-    if (open >= text_.size() || text_[open] != '(') return false;
-    if (is_item(names.front())) return false;
-    if (last_ == '(' && !(at_line_start() && begins_value(open))) return false;
-    if (after_close() && !begins_value(open)) return false;
-    if (!at_line_start() && depth_ > 0 && !opens_block(key_after(text_, open))) return false;
-    for (WrittenEntry &name : names) {
-      name.body = equal + 1;
-      name.in_list = names.size() > 1;
+    if (at_ < no_entry_before_) return false;
+    std::optional<Head> head = head_at(at_);
+    if (!head || !is_plausible(*head)) return false;
+    for (WrittenEntry &name : head->names) {
+      name.body = head->equal + 1;
+      name.in_list = head->names.size() > 1;
       visit_(name);
     }
-    at_ = open;
+    at_ = head->open;
     depth_ = 0;
     last_ = '=';
     return true;
+  }
+
+  // The more so the less its place tells: what comes after its "=" has to.
+  bool is_plausible(const Head &head) const {
+    if (is_item(head.names.front())) return false;
+    if (last_ == '(' && !(at_line_start() && begins_value(head.open))) return false;
+    if (after_close() && !begins_value(head.open)) return false;
+    return at_line_start() || depth_ == 0 || opens_block(key_after(text_, head.open));
   }
 
   // Whether a name is the key of an item whose "(" was forgotten, or is another bracket.
@@ -121,19 +140,10 @@ class Scanner {
     for (; at_ < text_.size(); ++at_) {
       const char c = text_[at_];
       if (c == '"') in_quotes = !in_quotes;
-      if (in_quotes && c == '\n' && begins_entry(at_ + 1)) return;
+      // Quotes that are still open there were forgotten.
+      if (in_quotes && c == '\n' && head_at(at_ + 1)) return;
       if (!in_quotes && (is_blank(c) || is_sign(c))) return;
     }
-  }
-
-  // Whether quotes that are still open at a line feed were forgotten.
-  bool begins_entry(Offset line) {
-    if (line >= text_.size() || ends_name(text_[line])) return false;
-    std::vector<WrittenEntry> names;
-    const Offset equal = read_names(line, names);
-    if (names.empty() || equal >= text_.size() || text_[equal] != '=') return false;
-    const Offset open = pass_blanks(text_, equal + 1);
-    return open < text_.size() && text_[open] == '(';
   }
 
   std::string_view text_;
@@ -168,25 +178,6 @@ bool is_foreign_entry(std::string_view line) {
 
 }  // namespace
 
-ItemWord key_after(std::string_view text, Offset open) {
-  if (open >= text.size() || text[open] != '(') return {};
-  const Offset begin = pass_blanks(text, open + 1);
-  Offset end = begin;
-  while (end < text.size() && !ends_name(text[end]) && text[end] != ':') ++end;
-  return item_word(text.substr(begin, end - begin));
-}
-
-std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
-  if (!text.substr(at).starts_with("/*")) return std::nullopt;
-  // One in which another one begins was forgotten to be closed.
-  for (std::size_t star = text.find('*', at + 2); star != std::string_view::npos;
-       star = text.find('*', star + 1)) {
-    if (text.substr(star + 1).starts_with('/')) return static_cast<Offset>(star + 2);
-    if (text[star - 1] == '/') return std::nullopt;
-  }
-  return std::nullopt;
-}
-
 void for_each_written_entry(std::string_view text,
                             const std::function<void(const WrittenEntry &)> &visit) {
   Scanner(text, visit).run();
@@ -197,56 +188,6 @@ std::vector<Offset> foreign_entries(std::string_view text) {
   for (Offset line = 0; line < text.size(); line = end_of_line(text, line) + 1)
     if (is_foreign_entry(text.substr(line, end_of_line(text, line) - line))) found.push_back(line);
   return found;
-}
-
-std::optional<HiddenParenthesis> find_hidden(std::string_view text, Offset from, Offset to,
-                                             char parenthesis) {
-  text = text.substr(0, to);
-  for (Offset at = from; at < text.size();) {
-    if (is_blank(text[at]) || is_sign(text[at])) {
-      ++at;
-      continue;
-    }
-    // In a word parentheses stand in quotes only.
-    const bool in_comment = text[at] == '#';
-    const Offset end = in_comment ? end_of_comment(text, at) : end_of_whole_word(text, at).at;
-    const std::size_t hidden = text.substr(0, end).find(parenthesis, at);
-    if (hidden != text.npos) return HiddenParenthesis{static_cast<Offset>(hidden), in_comment};
-    at = end;
-  }
-  return std::nullopt;
-}
-
-std::optional<std::pair<Offset, Offset>> quotes_around_items(std::string_view text, Offset from,
-                                                             Offset to) {
-  const auto has_items = [](std::string_view quoted) {
-    const std::string_view rest = quoted.substr(std::min(quoted.find(')'), quoted.size()));
-    return quoted.find('\n') != quoted.npos ||
-           (rest.find('(') != rest.npos && rest.find('=') != rest.npos);
-  };
-  text = text.substr(0, to);
-  for (std::size_t open = text.find('"', from); open != text.npos;) {
-    const std::size_t close = text.find('"', open + 1);
-    if (close == text.npos) return std::nullopt;
-    // After a quote that closes, a blank or a sign follows.
-    const bool closes = close + 1 >= text.size() || ends_name(text[close + 1]);
-    if (!closes && has_items(text.substr(open, close - open)))
-      return std::pair(static_cast<Offset>(open), static_cast<Offset>(close));
-    open = text.find('"', close + 1);
-  }
-  return std::nullopt;
-}
-
-std::optional<Offset> open_quote(std::string_view text, Offset from, Offset to) {
-  std::optional<Offset> open;
-  for (Offset at = from; at < to; ++at) {
-    if (text[at] != '"') continue;
-    if (open)
-      open.reset();
-    else
-      open = at;
-  }
-  return open;
 }
 
 }  // namespace kztns

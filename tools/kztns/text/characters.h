@@ -17,6 +17,8 @@ inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
 // Written out: it is asked of every character.
 inline bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 inline bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
+// What no one writes in a name or a key.
+inline bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
 // Whether nothing but blanks is before a place on its line.

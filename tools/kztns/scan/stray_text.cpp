@@ -1,0 +1,84 @@
+#include "scan/stray_text.h"
+
+#include <algorithm>
+
+#include "scan/file_scan.h"
+#include "scan/item_text.h"
+#include "text/characters.h"
+#include "text/words.h"
+
+namespace kztns {
+
+bool is_foreign_comment(std::string_view word) {
+  constexpr std::string_view begins[] = {"--", ";", "!", "//"};
+  return std::any_of(std::begin(begins), std::end(begins),
+                     [&](std::string_view begin) { return word.starts_with(begin); });
+}
+
+std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
+  if (!text.substr(at).starts_with("/*")) return std::nullopt;
+  // One in which another one begins was forgotten to be closed.
+  for (std::size_t star = text.find('*', at + 2); star != std::string_view::npos;
+       star = text.find('*', star + 1)) {
+    if (text.substr(star + 1).starts_with('/')) return static_cast<Offset>(star + 2);
+    if (text[star - 1] == '/') return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+Offset pass_comments(std::string_view text, Offset from) {
+  Offset at = pass_blanks(text, from);
+  while (at < text.size() && is_foreign_comment(text.substr(at, 2)))
+    at = pass_blanks(text, end_of_line(text, at));
+  return at;
+}
+
+bool may_be_value(std::string_view name, ItemWord key) {
+  return opens_block(key) || (ends_lookups(name) && is_setting(key));
+}
+
+std::optional<Offset> value_on_line(std::string_view text, Offset at) {
+  const Offset line_end = end_of_line(text, at);
+  const std::string_view lines =
+      text.substr(0, line_end < text.size() ? end_of_line(text, line_end + 1) : line_end);
+  const std::size_t sign = lines.find_first_of("()=", at);
+  if (sign == std::string_view::npos || text[sign] != '=') return std::nullopt;
+  const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
+  if (open >= text.size() || text[open] != '(') return std::nullopt;
+  return open;
+}
+
+Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
+  std::int64_t depth = 0;
+  if (is_foreign_comment(text.substr(at, 2))) return std::min(end_of_line(text, at), limit);
+  if (const auto end = end_of_long_comment(text.substr(0, limit), at)) return *end;
+  if (const auto open = value_on_line(text.substr(0, limit), at))
+    return end_of_item(text.substr(0, limit), *open).value_or(limit);
+  for (Offset from = at; from < limit;) {
+    const Offset end = std::min(end_of_line(text, from), limit);
+    const std::string_view line = text.substr(from, end - from);
+    depth += std::count(line.begin(), line.end(), '(') - std::count(line.begin(), line.end(), ')');
+    if (depth <= 0) return end;
+    from = end + 1;
+  }
+  return limit;
+}
+
+Offset end_of_bare_value(std::string_view text, Offset at) {
+  // Nobody writes a longer one.
+  constexpr int most_lines = 100;
+  Offset line = end_of_line(text, at);
+  for (int lines = 0; line < text.size(); line = end_of_line(text, line), ++lines) {
+    if (lines == most_lines) return line;
+    const auto name =
+        static_cast<Offset>(std::min(text.find_first_not_of(blanks_of_line, ++line), text.size()));
+    const Offset end = end_of_word(text, name);
+    const std::size_t equal = text.find_first_not_of(" \t", end);
+    if (end > name && equal < text.size() && text[equal] == '=' &&
+        !item_word(text.substr(name, end - name)))
+      return line;
+  }
+  return static_cast<Offset>(text.size());
+}
+
+}  // namespace kztns
