@@ -138,7 +138,7 @@ class EntryChecker : public EntryVisitor {
     return true;
   }
 
-  // To the library it has a value that nobody wrote.
+  // The library built it with text of later entries.
   bool report_read_on(const EntryView &view) {
     if (view.service == nullptr || !view.trace.has_value_over_items()) return false;
     const EntryRange range = faults_.enter(view);

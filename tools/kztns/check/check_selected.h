@@ -1,4 +1,4 @@
-// Checks a file, and leaves out what nobody wants to be told.
+// Checks a file, and leaves out what is ignored or disabled.
 #pragma once
 
 #include "check/check_file.h"

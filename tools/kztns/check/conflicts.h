@@ -1,5 +1,5 @@
-// The conflicts that version control marks in a text: of the two versions between the markers
-// nobody has chosen one yet, so nothing is mended there.
+// The conflicts that version control marks in a text: which of the two versions between the
+// markers counts is not decided yet, so nothing is mended there.
 #pragma once
 
 #include <string_view>

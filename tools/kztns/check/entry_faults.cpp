@@ -17,7 +17,7 @@
 namespace kztns {
 namespace {
 
-// An entry with more faults than that is no entry that anybody wrote.
+// Bounds the work on an entry that was made for it.
 constexpr int most_faults = 50;
 
 Edit moved(Edit edit, Offset from, Offset to) {

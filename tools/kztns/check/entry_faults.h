@@ -26,7 +26,7 @@ class EntryFaults {
   EntryFaults(const NamesText &text, Findings &findings)
       : text_(text), findings_(findings), ranges_(text) {}
 
-  // Makes an entry the one at hand; returns where its text stands.
+  // Makes an entry the current one; returns where its text stands.
   EntryRange enter(const EntryView &view) {
     if (entered_ != view.entry.body) range_ = ranges_.range_of(view.entry.body);
     entered_ = view.entry.body;
@@ -40,14 +40,14 @@ class EntryFaults {
   // fixes.
   void report(const EntryView &view, const Diagnosis &first, const std::string &consequence);
 
-  // Reports the fault of an entry at hand that is built with text of later ones only, and returns
-  // where it is; absent where the entry's own text is enough.
+  // Reports the fault of the current entry, which is built with text of later ones only, and
+  // returns where it is; absent where the entry's own text is enough.
   std::optional<Offset> report_alone(const EntryView &view);
 
   // Whether the entry whose name is at a place stands in another one, and is told with it.
   bool is_inserted(Offset at) const { return inserted_.count(at) > 0; }
 
-  // Of the entry at hand.
+  // Of the current entry.
   EntryRange range() const { return range_; }
 
  private:
@@ -66,8 +66,8 @@ class EntryFaults {
   Findings &findings_;
   EntryRanges ranges_;
   std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
-  Offset entered_ = ~Offset{0};                 // the body of the entry at hand
-  EntryRange range_ = {};                       // of the entry at hand
+  Offset entered_ = ~Offset{0};                 // the body of the current entry
+  EntryRange range_ = {};                       // of the current entry
   std::unordered_set<Offset> inserted_;
 };
 

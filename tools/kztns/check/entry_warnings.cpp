@@ -258,6 +258,8 @@ class EntryWarnings {
     if (item.type == LB_RETRY_DELAY) add_item(Rule::retry_delay, item, " is read but ignored");
   }
 
+  // The library takes numbers up to twice what 64 bits hold, the upper half as
+  // negative ones.
   void check_narrowed_number(const Item &item, const Key &key) {
     if (key.value.kind != ValueKind::integer || item.type == LB_RETRY_DELAY) return;
     const std::string_view text = trace_.value_of(item);
@@ -276,9 +278,6 @@ class EntryWarnings {
     if (number.fits && !number.wrapped && number.value < 0 && !narrowed(key, number.value))
       add(Rule::negative_number, item, " is " + std::to_string(number.value));
   }
-
-  // The library takes numbers up to twice what 64 bits hold, the upper half as
-  // negative ones.
 
   void check_block(int index) {
     const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];

@@ -1,4 +1,4 @@
-// Warnings: what the library accepts, but is hardly intended.
+// Warnings: what the library accepts, but is probably not intended.
 #pragma once
 
 #include "check/findings.h"

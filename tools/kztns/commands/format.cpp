@@ -13,7 +13,7 @@
 namespace kztns {
 namespace {
 
-// Of a file that is not for this library, nobody reads more.
+// More are not read by anyone: the file is for other readers.
 constexpr std::size_t most_kept_told = 100;
 
 // "FILE:3:1: note: orders: keeps its text: the library refuses it", a line each.

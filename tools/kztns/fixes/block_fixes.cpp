@@ -55,7 +55,7 @@ Edit without_closing(const FaultPlace &place, const WrittenItem &item) {
 // "NAME_2", or with the next number that is free, which number becomes.
 std::optional<std::string> free_name(const FaultPlace &place, std::string_view name,
                                      std::size_t &number) {
-  // Nobody has taken so many.
+  // Bounds the work on a file that has them all.
   constexpr std::size_t most_numbers = 10'000;
   while (place.subject().is_free && ++number < most_numbers) {
     std::string own = std::string(name) + "_" + std::to_string(number);

@@ -8,7 +8,7 @@ namespace kztns {
 void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis);
 void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis);
 
-// Removes the address at hand, where one that can be served is left.
+// Removes the address at fault, where one that can be served is left.
 Fix without_address(const FaultPlace &place);
 
 // Removes the list around the descriptions of an entry. Where entries come after it, only

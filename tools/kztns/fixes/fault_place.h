@@ -51,7 +51,7 @@ class FaultPlace {
 
   // What removes the item that begins at a place; no fix when nothing would be left.
   Fix removal(Offset open, Applicability applicability = Applicability::unsafe) const;
-  // What writes another value instead of that of the item at hand, of which there is one.
+  // What writes another value instead of that of the item at fault, of which there is one.
   Fix with_value(Applicability applicability, std::string_view value) const;
 
  private:

@@ -58,7 +58,7 @@ class StrayText {
   bool is_of_entry() const { return diagnosis_.rule == Rule::no_block; }
   bool is_between_items() const { return diagnosis_.rule == Rule::missing_close; }
 
-  // Where the value of the item at hand begins as it is written, signs at its beginning included.
+  // Where the value of the item at fault begins as it is written, signs at its beginning included.
   Offset begin_of_value() const {
     const std::optional<WrittenItem> item = item_at(text_, place_.item()->open);
     return item ? pass_blanks(text_, item->value) : static_cast<Offset>(text_.size());
@@ -209,7 +209,7 @@ class StrayText {
     return false;
   }
 
-  // For the bracket at hand, those in it and its partner; empty when it has none.
+  // For the bracket at fault, those in it and its partner; empty when it has none.
   std::vector<Edit> parentheses_for(const Brackets &brackets) const {
     std::vector<Edit> edits;
     std::size_t depth = 0;

@@ -1,4 +1,4 @@
-// A file that is nowhere but in memory, for whoever needs one by its path.
+// A file that is nowhere but in memory, for programs that need one by its path.
 #pragma once
 
 #include <string>

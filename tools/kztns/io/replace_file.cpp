@@ -92,7 +92,7 @@ class Replacement {
 
   // Makes a file beside it with a content, and the mode and owner that it has.
   std::optional<std::string> write_beside(std::string_view text, std::string &name) {
-    // Nobody but the owner may read the file before it has its mode.
+    // Only the owner may read the file before it has its mode.
     const mode_t mode = exists_ ? S_IRUSR | S_IWUSR : 0666;
     int number = -1;
     name = free_name([&](const std::string &path) {

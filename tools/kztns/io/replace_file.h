@@ -1,4 +1,4 @@
-// Writing a file so that nobody ever sees a part of it.
+// Writing a file so that no reader ever sees a part of it.
 #pragma once
 
 #include <optional>

@@ -33,8 +33,8 @@ bool takes_control_sequences(int stream);
 // empty where there is none.
 std::string installed_file(const std::string &from_program);
 
-// Opens a file for its bytes; -1 with the reason in errno. Some files of the system would make
-// whoever waits for them wait for ever.
+// Opens a file for its bytes; -1 with the reason in errno. Opening some files of the system, pipes
+// for example, may wait for ever.
 int open_for_reading(const std::string &path, bool waits);
 
 // What the state of a file tells.

@@ -21,8 +21,8 @@ void prepare_streams() {
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) >= 0) continue;
-    // The lowest number that is free is the stream's own. Whoever reads from or writes to a
-    // stream that was closed is told; what nobody can be told is dropped.
+    // The lowest number that is free is the stream's own. Reading from or writing to
+    // a stream that was closed is reported; what cannot be reported is dropped.
     open(null_device(), stream == STDOUT_FILENO ? O_RDONLY : O_WRONLY);
   }
 }

@@ -86,7 +86,7 @@ int explain_failure(const std::string &identifier, const Lookup &lookup) {
   }
   const LookupReport report = make_lookup_report(identifier, lookup);
   std::string what = describe_failure(lookup, report);
-  // The log's own words, for whoever finds them in a program's log; without a fault to
+  // The log's own words, to be found in a program's log; without a fault to
   // explain they have already been printed.
   if (lookup.outcome == Outcome::malformed && report.fault)
     what += "; log: " + visible(lookup.fault);

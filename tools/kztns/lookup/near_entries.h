@@ -1,4 +1,4 @@
-// Entries that somebody may have meant who looked for another name.
+// Entries that a lookup of another name may have meant.
 #pragma once
 
 #include <string>

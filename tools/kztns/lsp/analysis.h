@@ -41,7 +41,7 @@ struct CheckJob {
   std::shared_ptr<const Analysis> begun;
 };
 
-// Of a longer text, nobody wants to wait for all walks before the first findings are shown.
+// The first findings of a longer text are shown before all walks are done.
 constexpr std::size_t long_text = 256 << 10;
 
 // The analysis; of a long text the findings of one walk first, then those of all walks when

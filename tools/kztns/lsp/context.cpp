@@ -66,7 +66,7 @@ class ContextReader {
 
   std::string_view text_;
   std::vector<Content> contents_;  // of the blocks around
-  std::string_view key_;           // of the item at hand, which is no block so far
+  std::string_view key_;           // of the current item, which is no block so far
   PieceKind last_ = PieceKind::equal;
   bool after_word_ = false;
 };

@@ -28,7 +28,7 @@ class MessageReader {
   bool read_header();
 
   std::string bytes_;
-  std::optional<std::size_t> length_;  // of the body at hand
+  std::optional<std::size_t> length_;  // of the current body
   bool broken_ = false;
 };
 

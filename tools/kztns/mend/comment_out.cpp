@@ -44,7 +44,7 @@ struct Candidate {
   Finding finding;
 };
 
-// One scan of the text at hand.
+// One scan of the current text.
 class Unserved {
  public:
   explicit Unserved(Mender &mender) : text_(mender.text().text()), scan_(mender.text()) {
@@ -281,7 +281,7 @@ void comment_out_unserved(Mender &mender) {
 void mend(Mender &mender, const Commenting &commenting) {
   mender.apply_fixes();
   if (!commenting.keep && !commenting.unserved) return;
-  // Of a conflict's two versions one would be served, and nobody said which.
+  // One of a conflict's two versions would be served, and which one is not decided.
   if (!Conflicts(mender.text().text()).all().empty()) return;
   // What is a comment now may have kept other fixes from being applied.
   std::size_t steps = 0;

@@ -100,7 +100,7 @@ class Inliner {
   std::uint64_t room_;
   std::size_t files_ = 0;  // that were read
   InlinedFiles &result_;
-  std::vector<std::optional<FileId>> open_;  // the files around the one at hand
+  std::vector<std::optional<FileId>> open_;  // the files around the current one
 };
 
 }  // namespace

@@ -1,4 +1,4 @@
-// One step of mending: the fixes of the findings at hand, less those that do not help.
+// One step of mending: the fixes of the current findings, less those that do not help.
 #pragma once
 
 #include <map>

@@ -70,7 +70,7 @@ class FaultExplainer {
     return {rule, at, trace_.path(fault_.frame), std::move(text), std::move(remedy)};
   }
 
-  // Where the block at hand was opened.
+  // Where the current block was opened.
   Offset block_open() const {
     const int opener = frame().item >= 0 ? frame().item : 0;
     return trace_.items()[static_cast<std::size_t>(opener)].open;

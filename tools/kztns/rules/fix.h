@@ -23,7 +23,7 @@ struct Fix {
   std::vector<Edit> edits = {};
   bool splits = false;  // whether it makes further entries of an entry
 
-  // Makes it one of the text that a text is a copy of; none where it cannot be one.
+  // Translates the edits to places of the original text; no fix where one has no place there.
   template <class Text>
   void to_origin(const Text &text) {
     std::vector<Edit> before;

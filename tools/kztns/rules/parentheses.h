@@ -1,5 +1,5 @@
-// What is wrong with the parentheses of an entry, for people. Where they do not balance, it
-// is hardly what the builder happens to come upon.
+// What is wrong with the parentheses of an entry, for people. Where they do not balance,
+// the first error of the builder is usually a consequence.
 #pragma once
 
 #include <optional>

@@ -85,7 +85,7 @@ class FileScan {
   // Walks through the text; the visitor sees every entry as it is built, which
   // is not quite the order of the text.
   FileScan(const NamesText &text, EntryVisitor &visitor);
-  // The same with nobody who sees them.
+  // The same without a visitor.
   explicit FileScan(const NamesText &text);
 
   const std::vector<Entry> &entries() const { return entries_; }  // in the text's order

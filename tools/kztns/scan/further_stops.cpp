@@ -14,7 +14,7 @@
 namespace kztns {
 namespace {
 
-// Whoever mends so many checks again.
+// Later ones are reported by the next run.
 constexpr std::size_t most_stops = 100'000;
 
 KZCITnsTokenType type_at(std::string_view text, Offset at) {

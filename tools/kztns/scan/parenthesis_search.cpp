@@ -299,7 +299,7 @@ class Search {
   bool closed_in_lines_;         // whether some ")" begin lines
   std::vector<ItemWord> words_;  // of the tokens
   std::vector<Reading> readings_;
-  std::vector<Reading> next_;  // after the token at hand
+  std::vector<Reading> next_;  // after the current token
   std::vector<Opened> around_;
   std::vector<Change> changes_;
 };

@@ -17,7 +17,7 @@ struct ParenthesisChange {
   std::vector<std::size_t> blocks;
 };
 
-// An entry with more faults is none whose parentheses somebody forgot.
+// More changes than this are not tried: such an entry has other faults.
 constexpr int most_parenthesis_changes = 6;
 
 // The first change that makes an entry's parentheses balance. Absent when they do, and when

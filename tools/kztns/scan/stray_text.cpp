@@ -65,7 +65,7 @@ Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
 }
 
 Offset end_of_bare_value(std::string_view text, Offset at) {
-  // Nobody writes a longer one.
+  // Values of more lines are not written.
   constexpr int most_lines = 100;
   Offset line = end_of_line(text, at);
   for (int lines = 0; line < text.size(); line = end_of_line(text, line), ++lines) {

@@ -15,7 +15,7 @@ namespace kztns {
 // Of a longer list not every name is worth knowing.
 constexpr std::size_t most_names_of_list = 256;
 
-// A name at the beginning of a line, followed by "=" and "(".
+// A name before "=" and "(": at the beginning of a line, indented, or after a ")".
 struct WrittenEntry {
   Offset name_begin;
   Offset name_end;

@@ -1,4 +1,4 @@
-// What somebody may have meant.
+// What a misspelt word may have meant.
 #pragma once
 
 #include <initializer_list>

@@ -71,7 +71,7 @@ enum class FaultKind {
   second_connect_data,
   input_ended,   // inside a block
   key_unended,   // inside a key or its quotes
-  key_too_long,  // for what is at hand
+  key_too_long,  // for what has been read
   unexplained
 };
 
@@ -110,7 +110,7 @@ class Trace : public LogListener {
   std::string_view key_word_of(const Item &item) const { return slice(item.key); }
 
   // Whether a value takes in what follows on other lines, since its quotes are closed by those of
-  // a later item: nobody wants such a value.
+  // a later item. Such a value is not intended.
   bool has_value_over_items() const;
 
   // The grammar's row of an item's key; null for one that has no place in its block.
@@ -155,9 +155,9 @@ class Trace : public LogListener {
   const std::string &text_;
   const KZCITnsParseParams *params_ = nullptr;
   Offset cursor_ = 0;  // after the last key
-  Offset open_ = 0;    // the last "(" before the key at hand
+  Offset open_ = 0;    // the last "(" before the current key
   char before_ = '=';  // the last of "(", ")" and "=" before it
-  Span key_;           // the key at hand
+  Span key_;           // the current key
   int top_ = 0;
   int ended_ = 0;  // the block that ended last
   std::vector<Frame> frames_;

@@ -29,8 +29,8 @@ std::string substituted(std::string text, const Substitution &substitution) {
 
 }  // namespace
 
-// DEBUG records are formatted only when somebody wants to see them: a large file
-// makes millions.
+// DEBUG records are formatted only when they are shown: a large file makes
+// millions.
 void LogWatch::record(log_level level, const char *format, std::va_list arguments) {
   if (level < LOG_LEVEL_WARN && !is_shown(level)) return;
   const std::string text = substituted(formatted(format, arguments), substitution_);

@@ -1,5 +1,5 @@
 // The log and the memory that the module gets from this command: records go to
-// whoever listens at the moment, and blocks that a failed build leaves
+// the current listener, and blocks that a failed build leaves
 // allocated can be released. What begins in a thread ends in it.
 #pragma once
 
