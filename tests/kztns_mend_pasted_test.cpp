@@ -501,3 +501,14 @@ TEST(Mending, OfAParenthesisTooManyIsToldOnce) {
                           }),
             1);
 }
+
+TEST(Mending, OfADiffKeepsTheLinesThatItPutsIn) {
+  const std::string before = "a = (DESCRIPTION =\n";
+  const std::string old_one = "    (ADDRESS = (HOST = old)(PORT = 1))\n";
+  EXPECT_EQ(mended(before + "-" + old_one + "+" + address + "\n" + data + ")\n"),
+            before + "# -" + old_one + address + "\n" + data + ")\n");
+  const std::string half = "    (ADDRESS = (HOST = old)\n";
+  EXPECT_EQ(mended(before + "-" + half + "+    (ADDRESS = (HOST = h)\n (PORT = 1))" + data + ")\n")
+                .find("\n" + half),
+            std::string::npos);
+}

@@ -33,7 +33,10 @@ constexpr std::string_view typographic_signs[] = {"\u2018", "\u2019", "\u201C", 
 
 // The one that a name begins with; empty for none.
 std::string_view leading_sign(std::string_view name) {
-  if (!name.empty() && foreign_signs.find(name.front()) != name.npos) return name.substr(0, 1);
+  constexpr std::string_view signs_of_diffs = "+-";
+  if (!name.empty() && (foreign_signs.find(name.front()) != name.npos ||
+                        signs_of_diffs.find(name.front()) != name.npos))
+    return name.substr(0, 1);
   for (const std::string_view sign : typographic_signs)
     if (name.starts_with(sign)) return sign;
   return {};

@@ -47,8 +47,9 @@ class StrayText {
       case Rule::no_block:
       case Rule::value_for_block:
       case Rule::missing_close:
-        return mend_continuations() || mend_signs(at_) || mend_separators() || mend_comment() ||
-               mend_brackets() || mend_repeated_name() || mend_bare_items() || mend_words();
+        return mend_continuations() || mend_signs(at_) || mend_separators() || mend_diff() ||
+               mend_comment() || mend_brackets() || mend_repeated_name() || mend_bare_items() ||
+               mend_words();
       default:
         return false;
     }
@@ -166,6 +167,23 @@ class StrayText {
     const Applicability applicability =
         may_be_comment ? Applicability::unsafe : Applicability::safe;
     return mended(remedy_of_removal(at_, end), {applicability, {{at_, end, {}}}});
+  }
+
+  // Lines that a diff takes out, before those that it puts in. Where there is no fix, none that
+  // removes the "-" alone may be made: the lines would count.
+  bool mend_diff() {
+    std::vector<Edit> edits;
+    Offset line = at_;
+    for (; line < text_.size() && is_in_diff(line, '-'); line = end_of_line(text_, line) + 1)
+      edits.push_back({line, line, "# "});
+    if (edits.empty() || line >= text_.size() || !is_in_diff(line, '+')) return false;
+    return mended("remove the lines that begin with \"-\": those with \"+\" replace them",
+                  is_balanced(line - 1) ? unsafe_fix(std::move(edits)) : Fix());
+  }
+
+  bool is_in_diff(Offset at, char sign) const {
+    return (at == 0 || text_[at - 1] == '\n') && text_[at] == sign &&
+           !text_.substr(at + 1).starts_with(sign);
   }
 
   bool mend_comment() {
