@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fixes/foreign_keys.h"
 #include "scan/item_text.h"
 #include "scan/tokens.h"
 #include "text/spelling.h"
@@ -15,6 +16,12 @@ bool sets_same(std::string_view left, std::string_view right) {
     return equal_but_for_case(word, "SERVICE_NAME") || equal_but_for_case(word, "SID");
   };
   return equal_but_for_case(left, right) || (is_service(left) && is_service(right));
+}
+
+// Whether an item of a key is not given up for a slip.
+bool counts(std::string_view key) {
+  return is_refused(key) || is_one_of(key, {"HOST", "ADDRESS", "ADDRESS_LIST", "SERVICE_NAME",
+                                            "SID", "CONNECT_DATA", "DESCRIPTION"});
 }
 
 // The comments of an item, each with the end of its line.
@@ -69,10 +76,7 @@ bool FaultPlace::holds_what_counts(Span span) const {
   TokenReader tokens(text_.substr(0, span.end), span.begin);
   TokenKind before = TokenKind::end;
   for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
-    if (before == TokenKind::open &&
-        is_one_of(slice(token.span), {"HOST", "ADDRESS", "ADDRESS_LIST", "SERVICE_NAME", "SID",
-                                      "CONNECT_DATA", "DESCRIPTION"}))
-      return true;
+    if (before == TokenKind::open && counts(slice(token.span))) return true;
     before = token.kind;
   }
   return false;

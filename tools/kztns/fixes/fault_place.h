@@ -46,7 +46,7 @@ class FaultPlace {
   bool is_set(const std::vector<WrittenItem> &items, std::string_view word) const;
   // Whether one of some items has the key and the value of another one.
   bool has_equal(const std::vector<WrittenItem> &items, const WrittenItem &other) const;
-  // Whether a server or a service is in a part of the text.
+  // Whether a server, a service, or what tells of encryption or proxies is in a part of the text.
   bool holds_what_counts(Span span) const;
 
   // What removes the item that begins at a place; no fix when nothing would be left.

@@ -1,5 +1,7 @@
 #include "fixes/foreign_keys.h"
 
+#include <algorithm>
+
 #include "text/spelling.h"
 
 namespace kztns {
@@ -9,6 +11,15 @@ constexpr ForeignKey foreign_rows[] = {
 #define FOREIGN_KEY(word, treatment, ...) {word, __VA_ARGS__, ForeignTreatment::treatment},
 #include "fixes/foreign_keys.def"
 };
+
+// In the names of keys about encryption and proxies.
+constexpr std::string_view refused_parts[] = {"SSL",  "TLS",   "ENCRYPT", "WALLET",
+                                              "CERT", "PROXY", "TUNNEL"};
+
+bool contains(std::string_view word, std::string_view part) {
+  const auto is_same = [](char left, char right) { return lower_case(left) == lower_case(right); };
+  return std::search(word.begin(), word.end(), part.begin(), part.end(), is_same) != word.end();
+}
 
 std::string action_of(const ForeignKey &key) {
   switch (key.treatment) {
@@ -41,6 +52,13 @@ const ForeignKey *foreign_key(std::string_view word) {
 bool is_dropped(std::string_view word) {
   const ForeignKey *const key = foreign_key(word);
   return key != nullptr && key->treatment == ForeignTreatment::drop;
+}
+
+bool is_refused(std::string_view word) {
+  if (const ForeignKey *const key = foreign_key(word))
+    return key->treatment == ForeignTreatment::refuse;
+  return std::any_of(std::begin(refused_parts), std::end(refused_parts),
+                     [&](std::string_view part) { return contains(word, part); });
 }
 
 std::string remedy_of(const ForeignKey &key, std::string_view why) {

@@ -37,6 +37,10 @@ const ForeignKey *foreign_key(std::string_view word);
 // Whether items of that key say nothing here.
 bool is_dropped(std::string_view word);
 
+// Whether an item of that key tells how a connection is encrypted, or which way it goes: those
+// that the table refuses, and unknown keys whose name says so.
+bool is_refused(std::string_view word);
+
 // "remove the item: it is tuning only"
 std::string remedy_of(const ForeignKey &key, std::string_view why);
 inline std::string remedy_of(const ForeignKey &key) { return remedy_of(key, key.here); }

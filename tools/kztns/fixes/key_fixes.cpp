@@ -86,13 +86,19 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
+// Whether something in the item at fault is not given up with it.
+bool holds_what_counts(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  return !item || place.holds_what_counts({item->value, item->end});
+}
+
 Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey &key) {
   const Offset open = place.item()->open;
   switch (key.treatment) {
     case ForeignTreatment::drop:
-      return place.removal(open, Applicability::safe);
+      return holds_what_counts(place) ? Fix() : place.removal(open, Applicability::safe);
     case ForeignTreatment::lose:
-      return place.removal(open);
+      return holds_what_counts(place) ? Fix() : place.removal(open);
     case ForeignTreatment::rename:
       return renamed(place, key.target, Applicability::safe);
     case ForeignTreatment::rename_unsafe:
@@ -130,12 +136,6 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
     if (key != nullptr && is_key) return SplitKey{{first.begin, second.end}, key->word};
   }
   return std::nullopt;
-}
-
-// Whether a server or a service is in the item at fault: its key is misspelt.
-bool holds_what_counts(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  return !item || place.holds_what_counts({item->value, item->end});
 }
 
 // Whether the block at fault has no server, or no service: an unknown item may be that.
@@ -214,6 +214,7 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
   const std::string_view word = place.trace().key_word_of(*place.item());
   if (const ForeignKey *const foreign = foreign_key(word)) {
     diagnosis.remedy = remedy_of(*foreign);
+    if (is_refused(word)) return;
     diagnosis.fix = foreign_fix(place, name, *foreign);
     if (!renames(place, diagnosis.fix))
       diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
@@ -224,6 +225,10 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
       diagnosis.remedy = remedy_of(*foreign, "it takes a number without a unit, so check it");
     if (!setter.empty())
       diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
+    return;
+  }
+  if (is_refused(word)) {
+    diagnosis.remedy = "connections are not encrypted, and use no proxy";
     return;
   }
   const std::string_view near = near_key(word, place.block());
