@@ -70,6 +70,17 @@ std::vector<Row> list_rows() {
       // Within a description there is no list to choose from.
       unchanged("(DESCRIPTION=(DESCRIPTION_LIST=" + description + "))"),
       unchanged("(DESCRIPTION_LIST=)"),
+      // What is a server or a service stays, and what would be another way to it.
+      unchanged("(DESCRIPTION_LIST=" + description + address + ")"),
+      unchanged("(DESCRIPTION_LIST=" + description + "(CONNECT_DATA=(SERVICE_NAME=t)))"),
+      unchanged("(DESCRIPTION_LIST=" + description + "(BOX=" + address + data + "))"),
+      unchanged("(DESCRIPTION_LIST=(SECURITY=(SSL_VERSION=1.2))" + description + ")"),
+      unchanged("(DESCRIPTION_LIST=(SOURCE_ROUTE=ON)" + description + ")"),
+      unchanged("(DESCRIPTION_LIST=" + address + data + ")"),
+      {"(DESCRIPTION_LIST=(SOURCE_ROUTE=OFF)(LOAD_BALANCE=ON)" + description + ")", description},
+      {"(DESCRIPTION_LIST=(FAILOVER=ON # c\n)" + description + ")", " # c\n" + description},
+      {"(DESCRIPTION_LIST=" + description + "(DESCRIPTON=" + address + data + "))",
+       description + "(DESCRIPTION=" + address + data + ")"},
   };
 }
 

@@ -66,6 +66,7 @@ std::vector<Row> key_rows() {
       unsafe("unknown-key", "(ADDRESS_LIST=" + address + ")(ADRESS_LIST=" + address + ")" + data,
              "(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
       unsafe("unknown-key", "(ADDRESS=(HOST=h)(PORT=1)(HSOT=i))" + data, address + data),
+      none("unknown-key", address + data + "(CONNECT_DAT=(SERVICE_NAME=t))"),
       unsafe("unknown-key", address + "(CONNECT DATA=(SID=s))", address + data),
       unsafe("unknown-key", address + "(Connect\t Data=(SID=s))", address + data),
       unsafe("unknown-key", address + "(CONNECT_DATA=(SERVICE NAME=s))",

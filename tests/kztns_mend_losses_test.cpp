@@ -87,6 +87,16 @@ TEST(MendingParentheses, MendsThemInAnEntryOfManyOtherFaults) {
   EXPECT_EQ(mended(begin + faults), begin + ")" + faults);
 }
 
+TEST(Mending, KeepsAMisspeltDescriptionOfAList) {
+  const auto description = [](const std::string &key, const std::string &host) {
+    return "(" + key + " = (ADDRESS = (HOST = " + host + ")(PORT = 1))(CONNECT_DATA = (SID = s)))";
+  };
+  const std::string before = "a = (DESCRIPTION_LIST = " + description("DESCRIPTION", "h") +
+                             description("DESCRIPTON", "i") + ")\n";
+  EXPECT_EQ(mended(before + entry("b")), "a = " + description("DESCRIPTION", "h") + "\na_2 =\n  " +
+                                             description("DESCRIPTION", "i") + "\n" + entry("b"));
+}
+
 TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
   EXPECT_EQ(
       commented(entry("a") +

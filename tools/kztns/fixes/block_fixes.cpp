@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "fixes/foreign_keys.h"
 #include "text/characters.h"
 #include "text/spelling.h"
 
@@ -50,6 +51,21 @@ Edit without_closing(const FaultPlace &place, const WrittenItem &item) {
   const std::size_t last = place.text().find_last_not_of(blanks, item.end - 2);
   const bool after_close = place.text()[last] == ')';
   return {after_close ? static_cast<Offset>(last + 1) : item.end - 1, item.end, {}};
+}
+
+// Also where its key is misspelt, which is another fault.
+bool is_description(const FaultPlace &place, const WrittenItem &item) {
+  const std::string_view word = "DESCRIPTION";
+  return place.has_key(item, word) || near_key(place.key_of(item), Block::entry) == word;
+}
+
+// Whether an item of a list of descriptions says nothing here.
+bool may_go(const FaultPlace &place, const WrittenItem &item) {
+  if (place.holds_what_counts({item.open, item.end})) return false;
+  const ForeignKey *const key = foreign_key(place.key_of(item));
+  if (key == nullptr || key->treatment != ForeignTreatment::drop_off) return true;
+  const std::optional<Span> word = word_of(place.text(), item);
+  return word && switch_word(unquoted(place.slice(*word))) == "OFF";
 }
 
 // "NAME_2", or with the next number that is free, which number becomes.
@@ -148,19 +164,32 @@ Fix without_inner_block(const FaultPlace &place, const WrittenItem &inner) {
   return unsafe_fix({{begin, inner.value, {}}, without_closing(place, *outer)});
 }
 
+bool is_list_of_descriptions(const FaultPlace &place) {
+  const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
+  if (!list) return false;
+  const std::vector<WrittenItem> items = place.children(*list);
+  const auto is_description_here = [&](const WrittenItem &item) {
+    return is_description(place, item);
+  };
+  return std::any_of(items.begin(), items.end(), is_description_here) &&
+         std::all_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+           return is_description(place, item) || may_go(place, item);
+         });
+}
+
 Fix unwrapped(const FaultPlace &place, std::string_view name) {
   const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
-  if (place.block() != Block::entry || !list) return {};
+  if (place.block() != Block::entry || !list || !is_list_of_descriptions(place)) return {};
   const std::vector<WrittenItem> items = place.children(*list);
   std::vector<WrittenItem> descriptions;
   std::vector<Edit> edits = {without_opening(place, *list)};
   for (const WrittenItem &item : items) {
-    if (place.has_key(item, "DESCRIPTION"))
+    if (is_description(place, item))
       descriptions.push_back(item);
     else
-      edits.push_back({item.open, item.end, {}});
+      edits.push_back(place.without({item.open, item.end}));
   }
-  if (descriptions.empty() || edits[0].end > items[0].open) return {};
+  if (edits[0].end > items[0].open) return {};
   const bool splits = descriptions.size() > 1 && !place.subject().last;
   if (splits && !add_names(place, name, descriptions, edits)) return {};
   edits.push_back(without_closing(place, *list));

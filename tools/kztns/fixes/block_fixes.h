@@ -11,6 +11,10 @@ void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis);
 // Removes the address at fault, where one that can be served is left.
 Fix without_address(const FaultPlace &place);
 
+// Whether the item at hand is a list of descriptions, with nothing else in it that would be given
+// up without it.
+bool is_list_of_descriptions(const FaultPlace &place);
+
 // Removes the list around the descriptions of an entry. Where entries come after it, only
 // its first block can be passed over: the other descriptions become entries of their own.
 Fix unwrapped(const FaultPlace &place, std::string_view name);

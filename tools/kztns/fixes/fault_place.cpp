@@ -82,10 +82,14 @@ bool FaultPlace::holds_what_counts(Span span) const {
   return false;
 }
 
+Edit FaultPlace::without(Span span) const {
+  return {span.begin, span.end, comments_in(slice(span))};
+}
+
 Fix FaultPlace::removal(Offset open, Applicability applicability) const {
   const std::optional<Span> span = item_to_remove(text_, open);
   if (!span) return {};
-  return {applicability, {{span->begin, span->end, comments_in(slice(*span))}}};
+  return {applicability, {without(*span)}};
 }
 
 Fix FaultPlace::with_value(Applicability applicability, std::string_view value) const {

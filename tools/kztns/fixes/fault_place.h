@@ -49,6 +49,8 @@ class FaultPlace {
   // Whether a server, a service, or what tells of encryption or proxies is in a part of the text.
   bool holds_what_counts(Span span) const;
 
+  // What removes a part of the text, and leaves its comments.
+  Edit without(Span span) const;
   // What removes the item that begins at a place; no fix when nothing would be left.
   Fix removal(Offset open, Applicability applicability = Applicability::unsafe) const;
   // What writes another value instead of that of the item at fault, of which there is one.

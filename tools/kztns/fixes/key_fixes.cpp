@@ -22,15 +22,22 @@ std::string_view set_by(const FaultPlace &place, std::string_view key) {
 // Whether a block may have several items of a key, and each counts.
 bool may_repeat(const Key &key) {
   return key.value.kind == ValueKind::block &&
-         (key.value.opens == Block::address || key.value.opens == Block::address_list);
+         (key.value.opens == Block::description || key.value.opens == Block::address_list ||
+          key.value.opens == Block::address);
+}
+
+// Whether something in the item at fault is not given up with it.
+bool holds_what_counts(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  return !item || place.holds_what_counts({item->value, item->end});
 }
 
 // Another key instead of the one at fault, which is at a place; removes the item when that
-// one is written already.
+// one is written already, and nothing is given up with it.
 Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
   const Key *const row = key_named(place.block(), key);
   const bool fits = row != nullptr && (may_repeat(*row) || set_by(place, key).empty());
-  if (!fits) return place.removal(place.item()->open);
+  if (!fits) return holds_what_counts(place) ? Fix() : place.removal(place.item()->open);
   return {applicability, {{at.begin, at.end, std::string(key)}}};
 }
 Fix renamed(const FaultPlace &place, std::string_view key, Applicability applicability) {
@@ -84,12 +91,6 @@ Fix renamed_number(const FaultPlace &place, std::string_view key) {
 bool is_number(const FaultPlace &place, std::string_view key) {
   const Key *const row = key_named(place.block(), key);
   return row != nullptr && row->value.kind == ValueKind::integer;
-}
-
-// Whether something in the item at fault is not given up with it.
-bool holds_what_counts(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  return !item || place.holds_what_counts({item->value, item->end});
 }
 
 Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey &key) {
@@ -199,6 +200,25 @@ bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
   return false;
 }
 
+void mend_foreign_key(const FaultPlace &place, std::string_view name, const ForeignKey &key,
+                      Diagnosis &diagnosis) {
+  // What is told of any key that no entry has fits a list with something else in it.
+  const bool is_other_list = key.treatment == ForeignTreatment::unwrap &&
+                             place.block() == Block::entry && !is_list_of_descriptions(place);
+  if (is_other_list) return;
+  diagnosis.remedy = remedy_of(key);
+  if (key.treatment == ForeignTreatment::refuse) return;
+  diagnosis.fix = foreign_fix(place, name, key);
+  if (!renames(place, diagnosis.fix))
+    diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
+  const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
+  const std::string_view setter = has_target ? set_by(place, key.target) : "";
+  if (diagnosis.fix.edits.size() > 1 && is_number(place, key.target))
+    diagnosis.remedy = remedy_of(key, "it takes a number without a unit, so check it");
+  if (!setter.empty())
+    diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
+}
+
 }  // namespace
 
 bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis) {
@@ -212,21 +232,8 @@ bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis) {
 void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
   if (mend_form_of_key(place, diagnosis)) return;
   const std::string_view word = place.trace().key_word_of(*place.item());
-  if (const ForeignKey *const foreign = foreign_key(word)) {
-    diagnosis.remedy = remedy_of(*foreign);
-    if (is_refused(word)) return;
-    diagnosis.fix = foreign_fix(place, name, *foreign);
-    if (!renames(place, diagnosis.fix))
-      diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
-    const bool has_target =
-        !foreign->target.empty() && key_named(place.block(), foreign->target) != nullptr;
-    const std::string_view setter = has_target ? set_by(place, foreign->target) : "";
-    if (diagnosis.fix.edits.size() > 1 && is_number(place, foreign->target))
-      diagnosis.remedy = remedy_of(*foreign, "it takes a number without a unit, so check it");
-    if (!setter.empty())
-      diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
-    return;
-  }
+  if (const ForeignKey *const foreign = foreign_key(word))
+    return mend_foreign_key(place, name, *foreign, diagnosis);
   if (is_refused(word)) {
     diagnosis.remedy = "connections are not encrypted, and use no proxy";
     return;
