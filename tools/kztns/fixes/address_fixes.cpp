@@ -53,9 +53,9 @@ void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
     diagnosis.remedy = "give an address that is served by TCP, if it may do without the encryption";
     return;
   }
-  // A server is not removed for a slip.
-  const bool is_name = protocol.size() > 2 && protocol.find_first_of(":,;=") == protocol.npos;
-  if (is_name) diagnosis.fix = without_address(place);
+  // A server is not given up for a slip, or for a word that is to be replaced.
+  const bool is_known = is_one_of(protocol, {"IPC", "HTTP", "WS"});
+  if (is_known) diagnosis.fix = without_address(place);
   diagnosis.remedy = diagnosis.fix ? "remove the address: another one is left"
                                    : "give an address that is served by TCP";
 }
