@@ -40,6 +40,22 @@ TEST(Fixes, SplitAListOfDescriptionsBeforeOtherEntries) {
                 taken);
 }
 
+// Of one key the unit is known: seconds.
+TEST(Fixes, ConvertUnitsWhereNothingIsLost) {
+  const auto before = [](const std::string &value) {
+    return "KZCISYSTEMVARIABLES = (SLOWSQL_FLUSH_SECOND = " + value + ")\n";
+  };
+  const auto after = [&](const std::string &value) {
+    return edited(before(value), kztns::edits_of(report_of(before(value)).findings));
+  };
+  EXPECT_EQ(after("5s"), before("5"));
+  EXPECT_EQ(after("5000ms"), before("5"));
+  EXPECT_EQ(after("2min"), before("120"));
+  EXPECT_EQ(after("1h"), before("3600"));
+  for (const std::string value : {"90ms", "2x", "1000000000h"})
+    EXPECT_EQ(after(value), before(value));
+}
+
 TEST(Fixes, LeaveAWordThatIsRight) {
   const kztns::CheckReport report =
       report_of("x=" + in_description("(LOAD_BALANCE=ON)" + address + data) + "\n");
@@ -164,10 +180,10 @@ TEST(Faults, OfAValueWithAUnitAreToldOfTheKeyThatIsThere) {
       report_of("x=" + in_description("(CONNECT_TIMEOUT=90ms)" + address + data) + "\n");
   ASSERT_EQ(report.findings.size(), 1u);
   EXPECT_EQ(report.findings[0].text, "unknown key CONNECT_TIMEOUT");
-  EXPECT_EQ(
-      report.findings[0].remedy,
-      "write KZLB_CONNECT_TIMEOUT: it takes a number without a unit, so check it (other readers "
-      "of this file need it)");
+  EXPECT_EQ(report.findings[0].remedy,
+            "write KZLB_CONNECT_TIMEOUT: it takes a number alone, in the connection layer's unit "
+            "(other readers "
+            "of this file need it)");
 }
 
 TEST(Faults, SayWhereCheckingEnds) {

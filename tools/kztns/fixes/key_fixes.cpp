@@ -70,22 +70,17 @@ Fix renamed_switch(const FaultPlace &place, std::string_view key) {
   return fix;
 }
 
-// The number that a value with a unit begins with, for a key; none for another value.
-Fix number_at(const FaultPlace &place, std::string_view key) {
+// Whether the value of the item at fault is a number with a unit.
+bool value_has_unit(const FaultPlace &place) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  const Key *const row = key_named(place.block(), key);
-  if (!item || row == nullptr) return {};
-  const std::string_view value = trimmed(place.slice({item->value, item->end - 1}));
-  const auto begin = static_cast<Offset>(value.data() - place.text().data());
-  return fix_of_number(*row, value, {begin, begin + static_cast<Offset>(value.size())});
+  return item && has_unit(trimmed(place.slice({item->value, item->end - 1})));
 }
 
-// A key of a number that other readers take with a unit, too.
+// A key of a number that other readers take with a unit, too: here it is another one, which
+// the connection layer knows.
 Fix renamed_number(const FaultPlace &place, std::string_view key) {
   Fix fix = renamed(place, key, Applicability::unsafe);
-  const Fix number = number_at(place, key);
-  if (renames(place, fix) && number) fix.edits.push_back(number.edits[0]);
-  return fix;
+  return renames(place, fix) && value_has_unit(place) ? Fix() : fix;
 }
 
 bool is_number(const FaultPlace &place, std::string_view key) {
@@ -213,8 +208,8 @@ void mend_foreign_key(const FaultPlace &place, std::string_view name, const Fore
     diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
   const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
   const std::string_view setter = has_target ? set_by(place, key.target) : "";
-  if (diagnosis.fix.edits.size() > 1 && is_number(place, key.target))
-    diagnosis.remedy = remedy_of(key, "it takes a number without a unit, so check it");
+  if (is_number(place, key.target) && value_has_unit(place))
+    diagnosis.remedy = remedy_of(key, "it takes a number alone, in the connection layer's unit");
   if (!setter.empty())
     diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
 }

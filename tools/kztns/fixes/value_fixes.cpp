@@ -1,6 +1,7 @@
 #include "fixes/value_fixes.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "fixes/address_fixes.h"
 #include "fixes/bare_items.h"
@@ -67,6 +68,51 @@ std::string remedy_of_more(const Key &key) {
   if (key.type == LB_HOST) return remedy(Rule::placeholder);
   if (key.type == LB_PORT) return remedy(Rule::bad_port);
   return {};
+}
+
+using std::chrono::milliseconds;
+
+// Zero for a word that is no unit of time.
+milliseconds unit_named(std::string_view word) {
+  if (is_one_of(word, {"ms", "msec"})) return milliseconds(1);
+  if (is_one_of(word, {"s", "sec", "secs", "second", "seconds"})) return std::chrono::seconds(1);
+  if (is_one_of(word, {"m", "min"})) return std::chrono::minutes(1);
+  if (is_one_of(word, {"h"})) return std::chrono::hours(1);
+  return {};
+}
+
+// The unit of a key's number; zero where it is that of the connection layer, which nobody knows
+// here.
+milliseconds unit_of(const Key &key) {
+  return key.type == LB_SLOWSQL_FLUSH_SECOND ? std::chrono::seconds(1) : milliseconds();
+}
+
+// A number of one unit as one of another; empty where that is no whole number.
+std::string converted(std::string_view digits, milliseconds from, milliseconds to) {
+  constexpr std::size_t most_digits = 9;  // longer ones might not fit
+  if (to == milliseconds() || digits.size() > most_digits) return {};
+  const milliseconds time = std::stol(std::string(digits)) * from;
+  return time % to == milliseconds() ? std::to_string(time / to) : "";
+}
+
+// The digits that a value begins with, and a sign before them; empty where it begins otherwise.
+std::string_view number_before_unit(std::string_view value) {
+  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
+  std::size_t end = sign;
+  while (end < value.size() && is_digit(value[end])) ++end;
+  return end > sign ? value.substr(0, end) : std::string_view();
+}
+
+// A number with blanks around it, or one with a unit of time after it.
+Fix fix_of_number(const Key &key, std::string_view text, Span span) {
+  const std::string_view value = trimmed(text);
+  const std::string digits(number_before_unit(value));
+  if (digits.empty()) return {};
+  const std::string_view unit = trimmed(value.substr(digits.size()));
+  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
+  std::string number = converted(digits, unit_named(unit), unit_of(key));
+  if (unit_named(unit) == milliseconds() || number.empty()) return {};
+  return unsafe_fix({{span.begin, span.end, std::move(number)}});
 }
 
 // A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
@@ -252,28 +298,11 @@ Fix without_inner_parentheses(const FaultPlace &place) {
   return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
 }
 
-// Whether a number is a time, which people write with a unit.
-bool is_time(const Key &key) {
-  return key.word == std::string_view("RETRY_DELAY") ||
-         std::string_view(key.word).ends_with("TIMEOUT") ||
-         is_one_of(key.word, {"DURATION", "SLOWSQL_THRESHOLD", "SLOWSQL_FLUSH_SECOND"});
-}
-
 }  // namespace
 
-Fix fix_of_number(const Key &key, std::string_view text, Span span) {
-  const std::string_view value = trimmed(text);
-  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
-  const auto end =
-      std::find_if_not(value.begin() + static_cast<std::ptrdiff_t>(sign), value.end(), is_digit);
-  const std::string digits(value.begin(), end);
-  if (digits.size() == sign) return {};
-  const std::string_view unit = trimmed(value.substr(digits.size()));
-  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
-  if (is_time(key) &&
-      is_one_of(unit, {"ms", "msec", "s", "sec", "secs", "second", "seconds", "m", "min", "h"}))
-    return unsafe_fix({{span.begin, span.end, digits}});
-  return {};
+bool has_unit(std::string_view value) {
+  const std::string_view digits = number_before_unit(value);
+  return !digits.empty() && unit_named(trimmed(value.substr(digits.size()))) != milliseconds();
 }
 
 void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {

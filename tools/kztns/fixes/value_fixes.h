@@ -7,8 +7,7 @@ namespace kztns {
 
 void mend_value(const FaultPlace &place, Diagnosis &diagnosis);
 
-// A number of a key with blanks around it (safe), or a time with a unit after it; no fix for
-// a plain one.
-Fix fix_of_number(const Key &key, std::string_view text, Span span);
+// Whether a value is a number with a unit of time after it, "90 ms".
+bool has_unit(std::string_view value);
 
 }  // namespace kztns
