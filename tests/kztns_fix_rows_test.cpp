@@ -114,6 +114,12 @@ std::vector<Row> key_rows() {
       none("misplaced-key", address + "(CONNECT_DATA=(PORT=2)(SID=s))"),
       {"misplaced-key", Applicability::safe, address + data,
        "(DESCRIPTION = " + address + data + ")"},
+      // Without a service it may be another program's, a listener's for example.
+      {"misplaced-key", Applicability::unsafe, address, "(DESCRIPTION = " + address + ")"},
+      {"misplaced-key", Applicability::unsafe, "(ADDRESS_LIST=" + address + address + ")",
+       "(DESCRIPTION = (ADDRESS_LIST=" + address + address + "))"},
+      {"misplaced-key", Applicability::unsafe, address + "(CONNECT_DATA=(KZ_MODE=1))",
+       "(DESCRIPTION = " + address + "(CONNECT_DATA=(KZ_MODE=1)))"},
       {"misplaced-key", Applicability::safe, address + " # 1) one\n" + data,
        "(DESCRIPTION = " + address + " # 1] one\n" + data + ")"},
       {"misplaced-key", Applicability::unsafe, in_description(address) + data,

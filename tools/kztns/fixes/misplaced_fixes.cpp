@@ -1,5 +1,7 @@
 #include "fixes/misplaced_fixes.h"
 
+#include <algorithm>
+
 #include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
 #include "text/characters.h"
@@ -102,6 +104,14 @@ Fix in_address(const FaultPlace &place, const WrittenItem &item) {
   return unsafe_fix({{item.open, item.open, "(ADDRESS = "}, {run.back().end, run.back().end, ")"}});
 }
 
+// Whether the items of a description tell what is served.
+bool have_service(const FaultPlace &place, const std::vector<WrittenItem> &items) {
+  return std::any_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+    return place.has_key(item, "CONNECT_DATA") &&
+           place.is_set(place.children(item), "SERVICE_NAME");  // or SID
+  });
+}
+
 // An item of the entry itself: its blocks belong in a DESCRIPTION.
 Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
@@ -119,7 +129,7 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
     for (Edit &edit : fix_of_comments(place.text(), items[i - 1].end, items[i].open).edits)
       edits.push_back(std::move(edit));
   edits.push_back({items.back().end, items.back().end, ")"});
-  return safe_fix(std::move(edits));
+  return have_service(place, items) ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
 }
 
 }  // namespace
