@@ -178,4 +178,10 @@ TEST(ItemText, IsKeptWhereNothingWouldBeLeft) {
   EXPECT_EQ(without("N = |(D = (A = 1))\nM = (D = (A = 1))"), "kept");
 }
 
+TEST(ItemText, IsAllOfItsBlockWhereNothingElseIsInThat) {
+  EXPECT_EQ(without("N = (D = (C = |(A = 1))(B = 2))"), "N = (D = (B = 2))");
+  for (const std::string rest : {"= (B = 2)", "words (B = 2)", "words", "(B = 2)"})
+    EXPECT_EQ(without("N = (D = (C = |(A = 1)" + rest + "))"), "N = (D = (C = " + rest + "))");
+}
+
 TEST(ItemText, IsKeptWhereItHasNoEnd) { EXPECT_EQ(without("N = (D = |(A = 1 (B = 2)"), "kept"); }

@@ -139,6 +139,8 @@ std::vector<Row> key_rows() {
       none("missing-equal", address + "(CONNECT_DATA=(SID=s)(KZ_MODE : a b))"),
       safe("missing-key", address + "(CONNECT_DATA=()(SID=s))", address + data),
       unsafe("missing-key", address + "(CONNECT_DATA=(=1)(SID=s))", address + data),
+      // It may be the host.
+      none("missing-key", "(ADDRESS=(=h)(PORT=1))" + data),
       safe("odd-bytes", "(ADDRESS=(\xC2\xA0HOST=h)(PORT\xA0=1))" + data,
            "(ADDRESS=( HOST=h)(PORT =1))" + data),
       safe("odd-bytes", address + "\xE2\x80\x8B" + data, address + data),

@@ -97,6 +97,15 @@ TEST(Mending, KeepsAMisspeltDescriptionOfAList) {
                                              description("DESCRIPTION", "i") + "\n" + entry("b"));
 }
 
+// Between a key and its "=" they are not all that is in the block.
+TEST(Mending, RemovesEmptyParenthesesAlone) {
+  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = () = (HOST = h)(PORT = 1))"
+                   "(CONNECT_DATA = (SID = s)))\n"),
+            "a = (DESCRIPTION = (ADDRESS =  (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n");
+  EXPECT_EQ(mended("a = (DESCRIPTION=()=(HOST=h)(PORT=1)(CONNECT_DATA=(SID=s)))\n"),
+            "a = (DESCRIPTION=(ADDRESS = (HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n");
+}
+
 TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
   EXPECT_EQ(
       commented(entry("a") +

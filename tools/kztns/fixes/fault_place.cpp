@@ -82,6 +82,25 @@ bool FaultPlace::holds_what_counts(Span span) const {
   return false;
 }
 
+bool FaultPlace::lacks_what_counts() const {
+  const std::vector<WrittenItem> items = items_of(frame());
+  const auto has = [&](std::string_view key) { return is_set(items, key); };
+  switch (block()) {
+    case Block::entry:
+      return !has("DESCRIPTION");
+    case Block::description:
+      return !(has("ADDRESS") || has("ADDRESS_LIST")) || !has("CONNECT_DATA");
+    case Block::address_list:
+      return !has("ADDRESS");
+    case Block::address:
+      return !has("HOST") || !has("PORT");
+    case Block::connect_data:
+      return !has("SERVICE_NAME");  // or SID
+    default:
+      return false;
+  }
+}
+
 Edit FaultPlace::without(Span span) const {
   return {span.begin, span.end, comments_in(slice(span))};
 }

@@ -48,6 +48,9 @@ class FaultPlace {
   bool has_equal(const std::vector<WrittenItem> &items, const WrittenItem &other) const;
   // Whether a server, a service, or what tells of encryption or proxies is in a part of the text.
   bool holds_what_counts(Span span) const;
+  // Whether the block at fault has no server, or no service: an item without a known key may be
+  // that.
+  bool lacks_what_counts() const;
 
   // What removes a part of the text, and leaves its comments.
   Edit without(Span span) const;

@@ -134,26 +134,6 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
   return std::nullopt;
 }
 
-// Whether the block at fault has no server, or no service: an unknown item may be that.
-bool lacks_what_counts(const FaultPlace &place) {
-  const std::vector<WrittenItem> items = place.items_of(place.frame());
-  const auto has = [&](std::string_view key) { return place.is_set(items, key); };
-  switch (place.block()) {
-    case Block::entry:
-      return !has("DESCRIPTION");
-    case Block::description:
-      return !(has("ADDRESS") || has("ADDRESS_LIST")) || !has("CONNECT_DATA");
-    case Block::address_list:
-      return !has("ADDRESS");
-    case Block::address:
-      return !has("HOST") || !has("PORT");
-    case Block::connect_data:
-      return !has("SERVICE_NAME");  // or SID
-    default:
-      return false;
-  }
-}
-
 // "(SERVER = DEDICATED, SERVICE_NAME = s)": removes the first one of several items in one pair of
 // parentheses, which is at fault; no fix where a comment would be lost. Absent for a single item.
 std::optional<Fix> without_first_of_joined(const FaultPlace &place) {
@@ -238,7 +218,7 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
     diagnosis.remedy = row_of(Rule::missing_key).remedy;
   else if (!near.empty())
     diagnosis.fix = renamed(place, near, Applicability::unsafe);
-  else if (!lacks_what_counts(place) && !holds_what_counts(place))
+  else if (!place.lacks_what_counts() && !holds_what_counts(place))
     diagnosis.fix = place.removal(place.item()->open);
 }
 

@@ -265,6 +265,17 @@ bool mend_block_without_key(const FaultPlace &place, Offset open, Diagnosis &dia
   return true;
 }
 
+// Whether an item without a key may be removed: "()" says nothing, and another one may be what the
+// block lacks.
+bool may_be_removed(const FaultPlace &place, Offset open) {
+  const std::optional<WrittenItem> item = item_at(place.text(), open);
+  if (!item) return false;
+  const Span span = {item->open, item->end};
+  if (place.slice(span).find('=') == std::string_view::npos) return true;
+  const bool is_value = items_from(place.text(), place.fault().at + 1).empty();
+  return !(is_value && place.lacks_what_counts()) && !place.holds_what_counts(span);
+}
+
 // "()" says nothing; more than that is lost.
 void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
@@ -280,7 +291,7 @@ void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
     diagnosis.remedy = "remove the outer parentheses";
     return;
   }
-  if (mend_block_without_key(place, open, diagnosis)) return;
+  if (mend_block_without_key(place, open, diagnosis) || !may_be_removed(place, open)) return;
   diagnosis.fix = place.removal(open);
   if (!diagnosis.fix) return;
   const Edit &removal = diagnosis.fix.edits[0];

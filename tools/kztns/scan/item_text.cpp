@@ -27,9 +27,11 @@ bool is_first(std::string_view text, Offset open, std::optional<Offset> &block) 
   return true;
 }
 
-bool is_last(std::string_view text, Offset end) {
+// Whether nothing of its block, or no other block of the entry, comes after an item.
+bool is_last(std::string_view text, Offset end, bool in_block) {
   const Offset after = pass_blanks(text, end);
-  return after == text.size() || text[after] != '(';
+  if (after == text.size()) return true;
+  return in_block ? text[after] == ')' : text[after] != '(';
 }
 
 }  // namespace
@@ -78,7 +80,8 @@ ItemWord key_after(std::string_view text, Offset open) {
 
 std::optional<Span> item_to_remove(std::string_view text, Offset open) {
   std::optional<Offset> end = end_of_item(text, open);
-  for (std::optional<Offset> block; end && is_first(text, open, block) && is_last(text, *end);
+  for (std::optional<Offset> block;
+       end && is_first(text, open, block) && is_last(text, *end, block.has_value());
        block.reset()) {
     if (!block) return std::nullopt;
     open = *block;
