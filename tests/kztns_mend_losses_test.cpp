@@ -106,6 +106,15 @@ TEST(Mending, RemovesEmptyParenthesesAlone) {
             "a = (DESCRIPTION=(ADDRESS = (HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n");
 }
 
+TEST(Mending, MakesCommentsOfRemarksInParentheses) {
+  EXPECT_EQ(mended(entry("a") + "(old server)\n" + entry("b")),
+            entry("a") + "# (old server)\n" + entry("b"));
+  std::string on_its_line = entry("a");
+  on_its_line.pop_back();
+  EXPECT_EQ(mended(on_its_line + " (old server)\n" + entry("b")),
+            on_its_line + " # (old server)\n" + entry("b"));
+}
+
 TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
   EXPECT_EQ(
       commented(entry("a") +

@@ -48,6 +48,10 @@ class FaultPlace {
   bool has_equal(const std::vector<WrittenItem> &items, const WrittenItem &other) const;
   // Whether a server, a service, or what tells of encryption or proxies is in a part of the text.
   bool holds_what_counts(Span span) const;
+  // Whether an item is a remark: words in parentheses, without a "=".
+  bool is_remark(const WrittenItem &item) const {
+    return slice({item.open, item.end}).find_first_of("=\"") == std::string_view::npos;
+  }
   // Whether the block at fault has no server, or no service: an item without a known key may be
   // that.
   bool lacks_what_counts() const;

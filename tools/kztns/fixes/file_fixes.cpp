@@ -181,14 +181,16 @@ Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {
   return unsafe_fix(comment_lines(text, is_whole ? line : begin, end));
 }
 
+Fix fix_of_part(std::string_view text, Offset begin, Offset end) {
+  std::vector<Edit> edits = comment_lines(text, begin, end);
+  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, end), text.size());
+  if (!ends_line(text, end)) edits.push_back({end, static_cast<Offset>(next), "\n"});
+  return unsafe_fix(std::move(edits));
+}
+
 Fix fix_of_long_comment(std::string_view text, Offset at) {
   const std::optional<Offset> end = end_of_long_comment(text, at);
-  if (!end) return {};
-  std::vector<Edit> edits = comment_lines(text, at, *end);
-  const std::size_t next = std::min(text.find_first_not_of(blanks_of_line, *end), text.size());
-  if (next < text.size() && text[next] != '\n')
-    edits.push_back({*end, static_cast<Offset>(next), "\n"});
-  return unsafe_fix(std::move(edits));
+  return end ? fix_of_part(text, at, *end) : Fix();
 }
 
 Offset end_of_foreign_equal(std::string_view text, Offset colon) {

@@ -32,6 +32,15 @@ bool holds_what_counts(const FaultPlace &place) {
   return !item || place.holds_what_counts({item->value, item->end});
 }
 
+// Whether the item at fault is a remark; if so, it becomes a comment.
+bool mend_remark(const FaultPlace &place, Diagnosis &diagnosis) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  if (!item || !place.is_remark(*item)) return false;
+  diagnosis.remedy = "make a comment of it";
+  diagnosis.fix = fix_of_part(place.text(), item->open, item->end);
+  return true;
+}
+
 // Another key instead of the one at fault, which is at a place; removes the item when that
 // one is written already, and nothing is given up with it.
 Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
@@ -164,6 +173,17 @@ bool is_item(const FaultPlace &place) {
   return next < place.text().size() && place.text()[next] != ')';
 }
 
+// Whether the item stands after the first block of an entry that others follow: it is what ends
+// their lookups, and has its fix there.
+bool is_after_block(const FaultPlace &place) {
+  return place.block() == Block::entry && !place.subject().last &&
+         place.items_of(place.frame()).front().open < place.item()->open;
+}
+
+bool may_be_given_up(const FaultPlace &place) {
+  return !place.lacks_what_counts() && !holds_what_counts(place) && !is_after_block(place);
+}
+
 // Whether the key is written otherwise than it has to be; if so, it is mended.
 bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
   if (mend_split_key(place, diagnosis)) return true;
@@ -175,6 +195,10 @@ bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
   return false;
 }
 
+bool is_removed(const ForeignKey &key) {
+  return key.treatment == ForeignTreatment::drop || key.treatment == ForeignTreatment::lose;
+}
+
 void mend_foreign_key(const FaultPlace &place, std::string_view name, const ForeignKey &key,
                       Diagnosis &diagnosis) {
   // What is told of any key that no entry has fits a list with something else in it.
@@ -183,6 +207,7 @@ void mend_foreign_key(const FaultPlace &place, std::string_view name, const Fore
   if (is_other_list) return;
   diagnosis.remedy = remedy_of(key);
   if (key.treatment == ForeignTreatment::refuse) return;
+  if (is_removed(key) && mend_remark(place, diagnosis)) return;
   diagnosis.fix = foreign_fix(place, name, key);
   if (!renames(place, diagnosis.fix))
     diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
@@ -218,7 +243,7 @@ void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis 
     diagnosis.remedy = row_of(Rule::missing_key).remedy;
   else if (!near.empty())
     diagnosis.fix = renamed(place, near, Applicability::unsafe);
-  else if (!place.lacks_what_counts() && !holds_what_counts(place))
+  else if (may_be_given_up(place) && !mend_remark(place, diagnosis))
     diagnosis.fix = place.removal(place.item()->open);
 }
 

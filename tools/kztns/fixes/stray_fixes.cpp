@@ -307,12 +307,29 @@ class StrayText {
     const std::size_t sign = text_.find_first_of("()=\"#", at_);
     if (sign == std::string_view::npos) return false;
     const auto end = static_cast<Offset>(sign);
+    if (end == at_) return mend_remark();
     const bool before_item = text_[end] == '(';
     if (!before_item && !(text_[end] == ')' && is_between_items())) return false;
     if (!is_between_items() && !opens_block(word_at(text_, pass_blanks(text_, end + 1))))
       return false;
     if (has_key(end) || is_comment() || (is_between_items() && lacks_host_or_port())) return false;
-    return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
+    // "db:@(DESCRIPTION": no words, but another notation.
+    if (is_of_entry() && before_item && !is_blank(text_[end - 1]))
+      return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
+    return make_comment(at_ + static_cast<Offset>(trimmed(text_.substr(at_, end - at_)).size()));
+  }
+
+  // "1521 (default)"
+  bool mend_remark() {
+    const std::optional<WrittenItem> item = item_at(text_, at_);
+    if (!item || !is_between_items() || !place_.is_remark(*item) || lacks_host_or_port())
+      return false;
+    return make_comment(item->end);
+  }
+
+  bool make_comment(Offset end) {
+    return mended("make a comment of " + quoted(excerpt(text_.substr(at_, end - at_))),
+                  fix_of_part(text_, at_, end));
   }
 
   // Of other readers.
