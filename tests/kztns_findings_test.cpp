@@ -229,6 +229,22 @@ TEST(CheckReport, TellsTheFaultsOfEachDescriptionOfAList) {
                                       "3:17 unknown key TDU", "3:71 unknown key SERVER"}));
 }
 
+// Only the copy that is checked on has an entry a_2.
+TEST(CheckReport, TellsOfNoNameThatNobodyWrote) {
+  const std::string block = "(DESCRIPTION=(ADDRESS=(HOST=h)(PORT=70000))(CONNECT_DATA=(SID=s)))";
+  for (const std::string names : {"a", "a, b"}) {
+    const kztns::CheckReport report = report_of(names + " = (DESCRIPTION_LIST=\n" + block + "\n" +
+                                                block + ")\n" + "A_2 = " + block + "\n");
+    std::size_t ports = 0;
+    for (const kztns::Finding &finding : report.findings) {
+      EXPECT_EQ(finding.entry.find("a_2"), std::string::npos) << finding.text;
+      EXPECT_EQ(finding.text.find("a_2"), std::string::npos) << finding.text;
+      if (finding.rule == kztns::Rule::bad_port && finding.entry == "a") ++ports;
+    }
+    EXPECT_EQ(ports, 2u) << names;
+  }
+}
+
 TEST(JsonReport, FollowsItsSchema) {
   const json report = json::parse(kztns::render_json(varied_report()));
   EXPECT_EQ(violations_of("/docs/check.schema.json", report), "");

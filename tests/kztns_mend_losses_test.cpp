@@ -115,6 +115,15 @@ TEST(Mending, MakesCommentsOfRemarksInParentheses) {
             on_its_line + " # (old server)\n" + entry("b"));
 }
 
+TEST(Mending, NumbersTheDescriptionsOfEachNameOfAList) {
+  const std::string of_name = entry("").substr(3);
+  const std::string block = of_name.substr(0, of_name.size() - 1);
+  const std::string list = "a, b = (DESCRIPTION_LIST = " + block + block + ")\n";
+  const std::string split = "a = " + block + "\na_2 =\n  " + of_name + "b = " + block;
+  EXPECT_EQ(mended(list + entry("c")), split + "\nb_2 =\n  " + of_name + entry("c"));
+  EXPECT_EQ(mended(list), split + of_name);
+}
+
 TEST(CommentingOut, TellsTheErrorAndNotTheWarningBeforeIt) {
   EXPECT_EQ(
       commented(entry("a") +

@@ -204,6 +204,8 @@ class FurtherChecks {
       edited_.apply(edits);
       CheckReport found = check_once(text_, request_);
       edits = edits_of(found.findings);
+      std::erase_if(found.findings,
+                    [&](Finding &finding) { return !name_as_written(found.starts, finding); });
       for (Finding &finding : found.findings) add(std::move(finding));
     }
   }
@@ -227,6 +229,27 @@ class FurtherChecks {
   bool has(Rule rule) const {
     return std::any_of(report_.findings.begin(), report_.findings.end(),
                        [&](const Finding &finding) { return finding.rule == rule; });
+  }
+
+  // Whether what is at a place of the copy is in the text, too.
+  bool is_written(Offset at) const {
+    const std::vector<EditedText::Kept> &kept = edited_.kept();
+    const auto after = std::upper_bound(
+        kept.begin(), kept.end(), at,
+        [](Offset place, const EditedText::Kept &part) { return place < part.at; });
+    return after != kept.begin() && at < std::prev(after)->at + std::prev(after)->length;
+  }
+
+  // Gives a finding in an entry that a fix has made of another one the name of that; false for one
+  // about the entry's own name, which nobody wrote.
+  bool name_as_written(const std::vector<Offset> &starts, Finding &finding) const {
+    auto start = std::upper_bound(starts.begin(), starts.end(), finding.at);
+    if (finding.entry.empty() || start == starts.begin() || is_written(*--start)) return true;
+    if (finding.at == *start) return false;
+    while (start != starts.begin() && !is_written(*start)) --start;
+    const std::string_view text = edited_.text();
+    finding.entry = text.substr(*start, end_of_word(text, *start) - *start);
+    return true;
   }
 
   void add(Finding finding) {

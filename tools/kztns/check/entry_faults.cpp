@@ -12,6 +12,7 @@
 #include "scan/line_prefixes.h"
 #include "scan/tokens.h"
 #include "scan/written_entries.h"
+#include "text/spelling.h"
 #include "text/words.h"
 
 namespace kztns {
@@ -306,7 +307,10 @@ void EntryFaults::report_whole(const EntryView &view, Diagnosis told, std::strin
 }
 
 Subject EntryFaults::subject(const NamesText &text, std::string_view noun, Offset end) {
-  return {text, noun, end, range_.last, [this](std::string_view name) { return is_free(name); }};
+  // Each of several names gets its own entry first, and then those of its descriptions.
+  Subject subject = {text, noun, end, range_.last && !in_list_};
+  if (!in_list_) subject.is_free = [this](std::string_view name) { return is_free(name); };
+  return subject;
 }
 
 void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found) {
@@ -321,13 +325,19 @@ void EntryFaults::add(std::string_view entry, Severity severity, Diagnosis found
                  .in_entry = true});
 }
 
+// A name that differs in capitals and small letters only would be taken for the other one.
 bool EntryFaults::is_free(std::string_view name) {
+  const auto folded = [](std::string_view written) {
+    std::string word(written);
+    std::transform(word.begin(), word.end(), word.begin(), lower_case);
+    return word;
+  };
   const std::string_view text = text_.text();
   if (names_.empty())
     for_each_written_entry(text, [&](const WrittenEntry &written) {
-      names_.insert(text.substr(written.name_begin, written.name_end - written.name_begin));
+      names_.insert(folded(text.substr(written.name_begin, written.name_end - written.name_begin)));
     });
-  return names_.count(name) == 0;
+  return names_.count(folded(name)) == 0;
 }
 
 }  // namespace kztns

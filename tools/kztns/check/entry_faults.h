@@ -30,6 +30,7 @@ class EntryFaults {
   EntryRange enter(const EntryView &view) {
     if (entered_ != view.entry.body) range_ = ranges_.range_of(view.entry.body);
     entered_ = view.entry.body;
+    in_list_ = view.entry.in_list;
     return range_;
   }
   // The first fault of an entry that has one.
@@ -65,9 +66,10 @@ class EntryFaults {
   const NamesText &text_;
   Findings &findings_;
   EntryRanges ranges_;
-  std::unordered_set<std::string_view> names_;  // of all entries; made when they are needed
-  Offset entered_ = ~Offset{0};                 // the body of the current entry
-  EntryRange range_ = {};                       // of the current entry
+  std::unordered_set<std::string> names_;  // of all entries, in small letters; made when needed
+  Offset entered_ = ~Offset{0};            // the body of the current entry
+  EntryRange range_ = {};                  // of the current entry
+  bool in_list_ = false;                   // whether it has several names
   std::unordered_set<Offset> inserted_;
 };
 
