@@ -114,7 +114,7 @@ Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey
     case ForeignTreatment::drop_off:
       return switch_at(place) == "OFF" ? place.removal(open, Applicability::safe) : Fix();
     case ForeignTreatment::drop_address:
-      return without_address(place);
+      return place.is_set(place.items_of(place.frame()), "HOST") ? Fix() : without_address(place);
     case ForeignTreatment::unwrap:
       return unwrapped(place, name);
     default:
@@ -209,7 +209,8 @@ void mend_foreign_key(const FaultPlace &place, std::string_view name, const Fore
   if (key.treatment == ForeignTreatment::refuse) return;
   if (is_removed(key) && mend_remark(place, diagnosis)) return;
   diagnosis.fix = foreign_fix(place, name, key);
-  if (!renames(place, diagnosis.fix))
+  const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
+  if (!renames(place, diagnosis.fix) && !may_be_on)
     diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
   const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
   const std::string_view setter = has_target ? set_by(place, key.target) : "";
