@@ -89,8 +89,12 @@ std::vector<Row> key_rows() {
       unsafe("unknown-key", address + data + "(server of crm)",
              address + data + "# (server of crm)\n"),
       unsafe("unknown-key", address + data + "(backup)", address + data + "# (backup)\n"),
-      {"unknown-key", Applicability::unsafe, in_description(address + data) + "\n(old server)",
-       in_description(address + data) + "\n# (old server)"},
+      unsafe("unknown-key", "(see \"h\" (1))\n" + address + data,
+             "# (see \"h\" (1))\n" + address + data),
+      none("unknown-key", "(see \"h)\")\n" + address + data),
+      // It is stray text as well, which has a fix.
+      {"unknown-key", Applicability::none, in_description(address + data) + "\n(old server)",
+       in_description(address + data) + "\n(old server)"},
       // What is no item may be a value.
       none("unknown-key", "(ADDRESS=(HOST=h)(PORT1))" + data),
       none("unknown-key", address + "(CONNECT_DATA=(s))"),

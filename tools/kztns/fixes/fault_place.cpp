@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "scan/item_text.h"
 #include "scan/tokens.h"
@@ -99,6 +100,11 @@ bool FaultPlace::lacks_what_counts() const {
     default:
       return false;
   }
+}
+
+Fix FaultPlace::commented_out(const WrittenItem &remark) const {
+  if (counted_end(text_, remark.open, remark.end) != remark.end) return {};
+  return fix_of_part(text_, remark.open, remark.end);
 }
 
 Edit FaultPlace::without(Span span) const {

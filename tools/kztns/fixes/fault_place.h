@@ -50,12 +50,14 @@ class FaultPlace {
   bool holds_what_counts(Span span) const;
   // Whether an item is a remark: words in parentheses, without a "=".
   bool is_remark(const WrittenItem &item) const {
-    return slice({item.open, item.end}).find_first_of("=\"") == std::string_view::npos;
+    return slice({item.open, item.end}).find('=') == std::string_view::npos;
   }
   // Whether the block at fault has no server, or no service: an item without a known key may be
   // that.
   bool lacks_what_counts() const;
 
+  // What makes a comment of a remark; no fix where lookups would count one of its parentheses only.
+  Fix commented_out(const WrittenItem &remark) const;
   // What removes a part of the text, and leaves its comments.
   Edit without(Span span) const;
   // What removes the item that begins at a place; no fix when nothing would be left.

@@ -32,12 +32,20 @@ bool holds_what_counts(const FaultPlace &place) {
   return !item || place.holds_what_counts({item->value, item->end});
 }
 
+// Whether the item at fault is told as stray text, too, with a fix for what ends the lookups: it
+// stands after a block of the entry, and is no part of one.
+bool is_stray_text(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  return place.block() == Block::entry && item && place.trace().items().front().open < item->open &&
+         (place.is_remark(*item) || !item_word(place.key_of(*item)));
+}
+
 // Whether the item at fault is a remark; if so, it becomes a comment.
 bool mend_remark(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
   if (!item || !place.is_remark(*item)) return false;
   diagnosis.remedy = "make a comment of it";
-  diagnosis.fix = fix_of_part(place.text(), item->open, item->end);
+  diagnosis.fix = place.commented_out(*item);
   return true;
 }
 
@@ -173,15 +181,8 @@ bool is_item(const FaultPlace &place) {
   return next < place.text().size() && place.text()[next] != ')';
 }
 
-// Whether the item stands after the first block of an entry that others follow: it is what ends
-// their lookups, and has its fix there.
-bool is_after_block(const FaultPlace &place) {
-  return place.block() == Block::entry && !place.subject().last &&
-         place.items_of(place.frame()).front().open < place.item()->open;
-}
-
 bool may_be_given_up(const FaultPlace &place) {
-  return !place.lacks_what_counts() && !holds_what_counts(place) && !is_after_block(place);
+  return !place.lacks_what_counts() && !holds_what_counts(place) && !is_stray_text(place);
 }
 
 // Whether the key is written otherwise than it has to be; if so, it is mended.
@@ -207,7 +208,7 @@ void mend_foreign_key(const FaultPlace &place, std::string_view name, const Fore
   if (is_other_list) return;
   diagnosis.remedy = remedy_of(key);
   if (key.treatment == ForeignTreatment::refuse) return;
-  if (is_removed(key) && mend_remark(place, diagnosis)) return;
+  if (is_removed(key) && (is_stray_text(place) || mend_remark(place, diagnosis))) return;
   diagnosis.fix = foreign_fix(place, name, key);
   const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
   if (!renames(place, diagnosis.fix) && !may_be_on)

@@ -316,7 +316,9 @@ class StrayText {
     // "db:@(DESCRIPTION": no words, but another notation.
     if (is_of_entry() && before_item && !is_blank(text_[end - 1]))
       return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
-    return make_comment(at_ + static_cast<Offset>(trimmed(text_.substr(at_, end - at_)).size()));
+    const std::string_view words = trimmed(text_.substr(at_, end - at_));
+    return mended(remedy_of_comment(words),
+                  fix_of_part(text_, at_, at_ + static_cast<Offset>(words.size())));
   }
 
   // "1521 (default)"
@@ -324,12 +326,11 @@ class StrayText {
     const std::optional<WrittenItem> item = item_at(text_, at_);
     if (!item || !is_between_items() || !place_.is_remark(*item) || lacks_host_or_port())
       return false;
-    return make_comment(item->end);
+    return mended(remedy_of_comment(place_.slice({at_, item->end})), place_.commented_out(*item));
   }
 
-  bool make_comment(Offset end) {
-    return mended("make a comment of " + quoted(excerpt(text_.substr(at_, end - at_))),
-                  fix_of_part(text_, at_, end));
+  static std::string remedy_of_comment(std::string_view words) {
+    return "make a comment of " + quoted(excerpt(words));
   }
 
   // Of other readers.
