@@ -93,8 +93,8 @@ std::vector<Row> key_rows() {
              "# (see \"h\" (1))\n" + address + data),
       none("unknown-key", "(see \"h)\")\n" + address + data),
       // It is stray text as well, which has a fix.
-      {"unknown-key", Applicability::none, in_description(address + data) + "\n(old server)",
-       in_description(address + data) + "\n(old server)"},
+      {"unknown-key", Applicability::unsafe, in_description(address + data) + "\n(old server)",
+       in_description(address + data) + "\n# (old server)"},
       // What is no item may be a value.
       none("unknown-key", "(ADDRESS=(HOST=h)(PORT1))" + data),
       none("unknown-key", address + "(CONNECT_DATA=(s))"),

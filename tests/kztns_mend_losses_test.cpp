@@ -106,16 +106,17 @@ TEST(Mending, RemovesEmptyParenthesesAlone) {
             "a = (DESCRIPTION=(ADDRESS = (HOST=h)(PORT=1))(CONNECT_DATA=(SID=s)))\n");
 }
 
-// After an entry they are told twice, as a part of it and as stray text.
+// Other than the items of other readers that say nothing here.
 TEST(Mending, MakesCommentsOfRemarksInParentheses) {
   std::string on_its_line = entry("a");
   on_its_line.pop_back();
-  for (const std::string remark : {"(old server)", "(server of b)", "(NOTE = old)", "(TDU = 1)"})
+  for (const std::string remark : {"(old server)", "(server of b)"})
     for (const std::string &rest : {std::string(), entry("b")}) {
       const std::string after = "# " + remark + "\n" + rest;
       EXPECT_EQ(mended(entry("a") + remark + "\n" + rest), entry("a") + after);
       EXPECT_EQ(mended(on_its_line + " " + remark + "\n" + rest), on_its_line + " " + after);
     }
+  EXPECT_EQ(mended(entry("a") + "(TDU = 1)\n" + entry("b")), entry("a") + entry("b"));
 }
 
 TEST(Mending, NumbersTheDescriptionsOfEachNameOfAList) {

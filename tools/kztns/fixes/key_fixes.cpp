@@ -32,14 +32,6 @@ bool holds_what_counts(const FaultPlace &place) {
   return !item || place.holds_what_counts({item->value, item->end});
 }
 
-// Whether the item at fault is told as stray text, too, with a fix for what ends the lookups: it
-// stands after a block of the entry, and is no part of one.
-bool is_stray_text(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  return place.block() == Block::entry && item && place.trace().items().front().open < item->open &&
-         (place.is_remark(*item) || !item_word(place.key_of(*item)));
-}
-
 // Whether the item at fault is a remark; if so, it becomes a comment.
 bool mend_remark(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
@@ -182,7 +174,7 @@ bool is_item(const FaultPlace &place) {
 }
 
 bool may_be_given_up(const FaultPlace &place) {
-  return !place.lacks_what_counts() && !holds_what_counts(place) && !is_stray_text(place);
+  return !place.lacks_what_counts() && !holds_what_counts(place);
 }
 
 // Whether the key is written otherwise than it has to be; if so, it is mended.
@@ -208,7 +200,7 @@ void mend_foreign_key(const FaultPlace &place, std::string_view name, const Fore
   if (is_other_list) return;
   diagnosis.remedy = remedy_of(key);
   if (key.treatment == ForeignTreatment::refuse) return;
-  if (is_removed(key) && (is_stray_text(place) || mend_remark(place, diagnosis))) return;
+  if (is_removed(key) && mend_remark(place, diagnosis)) return;
   diagnosis.fix = foreign_fix(place, name, key);
   const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
   if (!renames(place, diagnosis.fix) && !may_be_on)

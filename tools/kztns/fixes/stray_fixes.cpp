@@ -5,6 +5,7 @@
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
+#include "kzoci/platform/letter_case.h"
 #include "scan/item_words.h"
 #include "scan/stray_text.h"
 #include "scan/tokens.h"
@@ -313,10 +314,11 @@ class StrayText {
     if (!is_between_items() && !opens_block(word_at(text_, pass_blanks(text_, end + 1))))
       return false;
     if (has_key(end) || is_comment() || (is_between_items() && lacks_host_or_port())) return false;
-    // "db:@(DESCRIPTION": no words, but another notation.
-    if (is_of_entry() && before_item && !is_blank(text_[end - 1]))
-      return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
     const std::string_view words = trimmed(text_.substr(at_, end - at_));
+    // "db:@(DESCRIPTION": no words, but another notation.
+    const bool touches_block = is_of_entry() && before_item && !is_blank(text_[end - 1]);
+    if (touches_block || std::none_of(words.begin(), words.end(), is_of_word))
+      return mended(remedy_of_removal(at_, end), unsafe_fix({{at_, end, {}}}));
     return mended(remedy_of_comment(words),
                   fix_of_part(text_, at_, at_ + static_cast<Offset>(words.size())));
   }
@@ -327,6 +329,12 @@ class StrayText {
     if (!item || !is_between_items() || !place_.is_remark(*item) || lacks_host_or_port())
       return false;
     return mended(remedy_of_comment(place_.slice({at_, item->end})), place_.commented_out(*item));
+  }
+
+  // Signs alone say nothing.
+  static bool is_of_word(char c) {
+    const char capital = kzoci::capital(c);
+    return is_digit(c) || ('A' <= capital && capital <= 'Z') || (c & 0x80) != 0;
   }
 
   static std::string remedy_of_comment(std::string_view words) {
