@@ -6,6 +6,7 @@
 
 #include "mend/comment_out.h"
 #include "mend/mend_file.h"
+#include "support/mended.h"
 #include "support/names_entry.h"
 
 namespace {
@@ -13,6 +14,7 @@ namespace {
 using kztns::Mender;
 using kztns::NamesText;
 using support::entry;
+using support::mended;
 
 const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
 
@@ -22,13 +24,6 @@ const std::string unclosed =
     "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)\n  (CONNECT_DATA = (SID = s)))\n";
 const std::string closed_twice =
     "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n  (CONNECT_DATA = (SID = s))))\n";
-
-std::string mended(const std::string &content) {
-  const NamesText original(content);
-  Mender mender(original, {.file = "names.ora", .with_unsafe = true});
-  mender.apply_fixes();
-  return mender.text().text();
-}
 
 std::string commented(const std::string &content) {
   const NamesText original(content);

@@ -2,24 +2,17 @@
 #include <random>
 
 #include "mend/mend_file.h"
-#include "scan/half_comment.h"
 #include "support/checked_file.h"
+#include "support/mended.h"
 
 using namespace std::string_literals;
 using support::entry;
+using support::mended;
+using support::sound::address;
+using support::sound::block;
+using support::sound::data;
 
 namespace {
-
-std::string mended(const std::string &content) {
-  const kztns::NamesText original(content);
-  kztns::Mender mender(original, {.file = "names.ora", .with_unsafe = true});
-  mender.apply_fixes();
-  return mender.text().text();
-}
-
-const std::string address = "(ADDRESS = (HOST = h)(PORT = 1))";
-const std::string data = "(CONNECT_DATA = (SID = s))";
-const std::string block = "(DESCRIPTION = " + address + data + ")";
 
 // An entry of the hosts NAME1 and NAME2 and the service NAME3.
 std::string entry_of_two(const std::string &name) {
@@ -58,34 +51,6 @@ TEST(Mending, OfASwitchWithACommentLeavesTheRestAlone) {
   EXPECT_EQ(mended("a = (DESCRIPTION = (KZLB = ON)(LOAD_BALANCE = # c\n yes)" + address + data +
                    ")\n" + entry("b")),
             "a = (DESCRIPTION = (KZLB = ON) # c\n" + address + data + ")\n" + entry("b"));
-}
-
-TEST(Mending, OfAHalfCommentedEntryEndsWithItsBlock) {
-  const std::string half = entry("a") + "#b =\n  " + block;
-  const std::string commented = entry("a") + "#b =\n#   " + block;
-  EXPECT_EQ(mended(half + "\nc " + block + "\n" + entry("d")),
-            commented + "\n" + entry("c") + entry("d"));
-  // Another entry is on its line.
-  EXPECT_EQ(mended(half + " " + entry("c")), half + " " + entry("c"));
-}
-
-TEST(Mending, KnowsNoEndOfAHalfThatIsNotThere) {
-  EXPECT_FALSE(kztns::end_of_rest("a = (b)", 7));
-  EXPECT_FALSE(kztns::end_of_rest("a = (b)", 8));
-  EXPECT_FALSE(kztns::end_of_rest("(b", 0));
-  EXPECT_EQ(kztns::end_of_rest("(b))", 0), 4u);
-}
-
-TEST(Mending, TakesNoSettingForAHalfCommentedEntry) {
-  const std::string settings =
-      "KZCISYSTEMVARIABLES =\n  (LOG_LEVEL = INFO)\n  # rotation =\n  (LOG_COUNT = 3)\n";
-  EXPECT_EQ(mended(settings), settings);
-  const std::string nameless = entry("a") + "#=\n " + block + "\n";
-  EXPECT_EQ(mended(nameless), nameless);
-}
-
-TEST(Mending, OfAHalfCommentedEntryThatIsTheFirstOne) {
-  EXPECT_EQ(mended("#b =\n" + block + "\n" + entry("c")), "#b =\n# " + block + "\n" + entry("c"));
 }
 
 // Only a whole entry of the name replaces one that is only begun.
@@ -188,17 +153,6 @@ TEST(Mending, OfAnUnknownProtocolKeepsTheAddress) {
             "a = (DESCRIPTION = (ADDRESS_LIST = " + address + ")" + data + ")\n");
 }
 
-TEST(Mending, OfTheRestOfAnEntryMakesComments) {
-  const std::string sound = "a =\n  " + block + "\n";
-  EXPECT_EQ(mended(sound + "  " + address + "\n  " + data + ")\n" + entry("b")),
-            sound + "#   " + address + "\n#   " + data + ")\n" + entry("b"));
-  EXPECT_EQ(mended(sound + "(HOST = i)(PORT = 2))\n  " + data + " # old\n  )\n\n" + entry("b")),
-            sound + "# (HOST = i)(PORT = 2))\n#   " + data + " # old\n#   )\n\n" + entry("b"));
-  EXPECT_EQ(mended(sound + data + "\n"), sound + "# " + data + "\n");
-  EXPECT_EQ(mended(entry("a") + ")\n(CONNECT_DATA =\n" + entry("b")),
-            entry("a") + "\n# (CONNECT_DATA =\n" + entry("b"));
-}
-
 TEST(Mending, OfItemsThatMayBelongToAnEntryMakesNone) {
   // The entry has no service, or another block follows.
   EXPECT_EQ(mended("a = (DESCRIPTION = " + address + ")\n" + data + ")\n"),
@@ -228,23 +182,6 @@ TEST(Mending, OfAnOpeningThatStandsTwiceRemovesOne) {
       << mended(two);
 }
 
-TEST(Mending, OfQuotesThatALaterEntryClosesClosesThem) {
-  for (const std::string host : {"\"h", "h\""}) {
-    std::string text;
-    std::string sound;
-    for (const std::string name : {"a", "b"}) {
-      std::string one = entry(name);
-      text += one.replace(one.find("= h)") + 2, 1, host);
-    }
-    const std::string closed = host == "\"h" ? "\"h\"" : "h";
-    for (const std::string name : {"a", "b"}) {
-      std::string one = entry(name);
-      sound += one.replace(one.find("= h)") + 2, 1, closed);
-    }
-    EXPECT_EQ(mended(text + entry("c")), sound + entry("c"));
-  }
-}
-
 TEST(Mending, OfAListOfNamesAndAnotherWord) {
   EXPECT_EQ(mended("a, b, = " + block + "\n" + entry("c")), entry("a") + entry("b") + entry("c"));
   EXPECT_EQ(mended("Regards,\n\na = " + block + "\n"), "# Regards,\n\n" + entry("a"));
@@ -260,12 +197,6 @@ TEST(Mending, PutsParenthesesBeforeKeysOnly) {
   const std::string rest = "(HOST = h)\n    (PORT = 1))\n  (CONNECT_DATA = (SERVICE_NAME = s)))\n";
   EXPECT_EQ(mended("a = (DESCRIPTION =\n#  (ADDRESS =\n    " + rest),
             "a = (DESCRIPTION =\n#  [ADDRESS =\n    (ADDRESS = " + rest);
-}
-
-TEST(Mending, LeavesQuotesThatAreClosedRightly) {
-  const std::string text =
-      "a = (DESCRIPTION = " + address + "(CONNECT_DATA = (SERVICE_NAME = \"two\nlines\" x)))\n";
-  EXPECT_EQ(mended(text), text);
 }
 
 TEST(Mending, OfAMovedItemTakesItsCommentOnce) {
@@ -314,25 +245,6 @@ TEST(Mending, OfDamagedFilesLosesHardlyAServer) {
   EXPECT_LE(lost, 10);
 }
 
-TEST(Mending, OfAnEntryThatAnotherOneFollowsOnTheLineClosesItBefore) {
-  const std::string open = "a = (DESCRIPTION = " + address + data;
-  EXPECT_EQ(mended(open + entry("b") + entry("c")), open + ")" + entry("b") + entry("c"));
-  EXPECT_EQ(mended(open + "b =\n  " + block + "\n"), open + ")b =\n  " + block + "\n");
-}
-
-TEST(Mending, OfAnEntryBeforeOneOfAnotherNotationClosesItBefore) {
-  const std::string open = "a = (DESCRIPTION = " + address + data;
-  const std::string connected =
-      "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))"
-      "(CONNECT_DATA = (SERVICE_NAME = s)))\n";
-  EXPECT_EQ(mended(open + "\nb = \"" + block + "\"\n" + entry("c")),
-            open + ")\n" + entry("b") + entry("c"));
-  EXPECT_EQ(mended(open + "\nb = h:1/s\n" + entry("c")), open + ")\nb = " + connected + entry("c"));
-  EXPECT_EQ(mended(open + "\nb = h:1:s\n" + entry("c")), open + ")\n" + entry("b") + entry("c"));
-  EXPECT_EQ(mended("b = h:1:\n"), "b = h:1:\n");
-  EXPECT_EQ(mended(open + "\nIFILE = more.ora\n"), open + ")\nIFILE = more.ora\n");
-}
-
 TEST(Mending, OfEntriesInQuotesOfOtherNotationsRemovesThem) {
   const std::string quoted = "\"" + block + "\"";
   for (const std::string &line : {"\"a\": " + quoted + ",", "a: " + quoted,
@@ -342,34 +254,6 @@ TEST(Mending, OfEntriesInQuotesOfOtherNotationsRemovesThem) {
   for (const std::string &line : {"\"a\": \"" + block, "\"a b\": " + quoted, "\"HOST\": " + quoted,
                                   "\"a\": " + quoted + " x"})
     EXPECT_EQ(mended(line + "\n" + entry("b")).find("a = ("), std::string::npos) << line;
-}
-
-TEST(Mending, OfAnEntryAfterOneThatStaysRefused) {
-  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\nb => " +
-                   block + "\n"),
-            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCPS)(HOST = h)(PORT = 1)))\n" + entry("b"));
-}
-
-TEST(Mending, OfAnEntryThatIsNotCompleteKeepsWhatFollows) {
-  const std::string service = "(CONNECT_DATA = (SERVICE_NAME = s2)))\n";
-  for (const std::string rest : {"(CONNECT_DATA = (KZ_MODE = 1))", "(CONNECT_DATA = (SID = ))"}) {
-    const std::string result =
-        mended("a = (DESCRIPTION = " + address + rest + ")\n  " + service + entry("b"));
-    EXPECT_EQ(result.find('#'), std::string::npos) << result;
-    EXPECT_NE(result.find("s2"), std::string::npos) << result;
-  }
-  const std::string result = mended("a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP))" + data +
-                                    ")\n  (ADDRESS = (HOST = h2)(PORT = 2))" + service);
-  EXPECT_EQ(result.find('#'), std::string::npos) << result;
-}
-
-TEST(Check, TellsOfTheRestOfAnEntryAlone) {
-  const std::string rest = address + "\n" + data + ")\n";
-  for (const std::string &text :
-       {entry("a") + rest, entry("a") + rest + entry("b") + rest + entry("c")})
-    for (const kztns::Finding &finding :
-         kztns::check_file(kztns::NamesText(text), {"names"}).findings)
-      EXPECT_EQ(finding.rule, kztns::Rule::left_over) << finding.text;
 }
 
 TEST(Mending, OfAForeignItemAmongOthersKeepsThem) {
@@ -400,42 +284,6 @@ TEST(Mending, KeepsCommentsBetweenWhatItRemoves) {
             "a = (DESCRIPTION = # c\n " + address + data + ")\n");
 }
 
-TEST(Mending, OfAQuoteThatIsForgottenInEveryEntryClosesAllOfThem) {
-  std::string damaged;
-  std::string whole;
-  for (int i = 0; i < 40; ++i) {
-    const std::string name = "s" + std::to_string(i);
-    const std::string before = name + " = (DESCRIPTION = (ADDRESS = (HOST = \"h" + name;
-    const std::string after = ")(PORT = 1))" + data + ")\n";
-    damaged += before + after;
-    whole += before + '"' + after;
-  }
-  EXPECT_EQ(mended(damaged), whole);
-}
-
-TEST(Mending, OfAnEntryBetweenTheItemsOfAnotherMovesItAfterThat) {
-  const std::string begin = "a =\n  (DESCRIPTION =\n    " + address + "\n";
-  const std::string end = "    " + data + "\n  )\n";
-  const std::string rest = "\n" + entry("c");
-  EXPECT_EQ(mended(begin + entry("b") + end + rest), begin + end + entry("b") + rest);
-  EXPECT_EQ(mended(begin + "# of b\n" + entry("b") + "\n" + end + rest),
-            begin + end + "\n# of b\n" + entry("b") + rest);
-  EXPECT_EQ(mended(begin + entry("b") + end.substr(0, end.size() - 1)), begin + end + entry("b"));
-  EXPECT_EQ(mended(begin + entry("b") + end + begin + entry("c") + end),
-            begin + end + entry("b") + begin + end + entry("c"));
-  // What is wrong with it otherwise is mended as well.
-  std::string faulty = entry("b");
-  faulty.replace(faulty.find("PORT"), 4, "PROT");
-  EXPECT_EQ(mended(begin + faulty + end), begin + end + entry("b"));
-}
-
-TEST(Mending, OfWhatIsLeftAfterAListOfDescriptions) {
-  const std::string list = "a = (DESCRIPTION_LIST =" + block + block + ")\n";
-  EXPECT_EQ(mended(list + address + "\n" + data + "\n))\n" + entry("b")),
-            entry("a") + "a_2 =\n  " + block + "\n# " + address + "\n# " + data + "\n# ))\n" +
-                entry("b"));
-}
-
 // To the library a zero byte ends a comment, and what comes after it counts.
 TEST(Mending, OfZeroBytesInComments) {
   for (const std::string rest :
@@ -449,24 +297,6 @@ TEST(Mending, OfZeroBytesInComments) {
     const std::string result = mended(text);
     EXPECT_EQ(mended(result), result) << at;
   }
-}
-
-TEST(Mending, OfAnItemAfterAnEntryKeepsTheNextOne) {
-  const std::string ur = "b = (DESCRIPTION = " + address + "(CONNECT_DATA = (SID = s)(UR = A)))\n";
-  EXPECT_EQ(mended(entry("a") + "(FAILOVER = on)\n" + ur), entry("a") + entry("b"));
-}
-
-TEST(Mending, OfAnEntryThatAnotherOneFollowsAfterABlankClosesItBefore) {
-  const std::string open = "a = (DESCRIPTION = " + address + data;
-  EXPECT_EQ(mended(open + " " + entry("b")), open + ") " + entry("b"));
-  EXPECT_EQ(mended(open + "\r" + entry("b")), open + ")\r" + entry("b"));
-}
-
-TEST(Mending, OfAQuoteThatAValueOfALaterEntryCloses) {
-  const std::string later = "b = (DESCRIPTION = " + address +
-                            "(CONNECT_DATA = (SID = s)(KZ_USER_EXTRA_INFO = \"x y\")))\n";
-  EXPECT_EQ(mended("a = (DESCRIPTION = (ADDRESS = (HOST = \"h)(PORT = 1))" + data + ")\n" + later),
-            "a = (DESCRIPTION = (ADDRESS = (HOST = \"h\")(PORT = 1))" + data + ")\n" + later);
 }
 
 TEST(Mending, OfColonsRightAfterTheNameAndTheKeys) {
@@ -483,23 +313,6 @@ TEST(Mending, OfAQuotedMailOfWhichALineIsWrapped) {
   kztns::Mender safe(original, {.file = "names.ora", .with_unsafe = false});
   safe.apply_fixes();
   EXPECT_EQ(safe.text().text(), quoted);
-}
-
-TEST(Mending, PromisesSafeFixesOnlyWhereTheEntryHasNoOthers) {
-  const kztns::CheckReport report =
-      kztns::check_file(kztns::NamesText("a =\n)\n(CONNECT_DATA = (SID = s))\n)\n"), {"names.ora"});
-  for (const kztns::Finding &finding : report.findings)
-    EXPECT_NE(finding.applied_among, kztns::Applicability::safe) << finding.text;
-}
-
-TEST(Mending, OfAParenthesisTooManyIsToldOnce) {
-  const std::string text = "a = (ADDRESS = (HOST = h)(PORT = 1))\n" + data + "\n)\n" + entry("b");
-  const kztns::CheckReport report = kztns::check_file(kztns::NamesText(text), {"names.ora"});
-  EXPECT_EQ(std::count_if(report.findings.begin(), report.findings.end(),
-                          [](const kztns::Finding &finding) {
-                            return finding.rule == kztns::Rule::extra_close;
-                          }),
-            1);
 }
 
 TEST(Mending, OfADiffKeepsTheLinesThatItPutsIn) {

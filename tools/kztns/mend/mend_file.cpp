@@ -6,6 +6,7 @@
 
 #include "check/check_selected.h"
 #include "mend/mend_walk.h"
+#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -100,11 +101,16 @@ bool Mender::try_edits(std::vector<Edit> edits, const std::vector<Offset> &exemp
 
 Offset Mender::origin(Offset at) const { return edited_ ? edited_->origin(at) : at; }
 
+Mender::EntryId Mender::id_of(Offset at) const {
+  const std::string_view whole = text().text();
+  return {origin(at), digest_of_name(whole.substr(at, end_of_word(whole, at) - at))};
+}
+
 void Mender::apply_fixes() {
   const State before = state();
   for (;;) {
     apply_while_any_helps();
-    const std::set<Offset> refused = changed_in_vain();
+    const std::set<EntryId> refused = changed_in_vain();
     if (refused.empty() || stopped_) return;
     left_alone_.insert(refused.begin(), refused.end());
     go_back_to(before);
@@ -124,11 +130,11 @@ void Mender::apply_while_any_helps() {
 }
 
 // The entries that were mended and are refused all the same.
-std::set<Offset> Mender::changed_in_vain() {
-  std::set<Offset> refused;
+std::set<Mender::EntryId> Mender::changed_in_vain() {
+  std::set<EntryId> refused;
   if (mended_entries_.empty()) return refused;
   for (const Offset at : served().refused())
-    if (mended_entries_.count(origin(at)) > 0) refused.insert(origin(at));
+    if (mended_entries_.count(id_of(at)) > 0) refused.insert(id_of(at));
   return refused;
 }
 

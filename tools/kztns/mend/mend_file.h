@@ -84,7 +84,11 @@ class Mender {
   State state() const;
   void go_back_to(const State &before);
   void apply_while_any_helps();
-  std::set<Offset> changed_in_vain();
+  // An entry, by where it begins in the original and its name: copies of one may begin where
+  // another one does.
+  using EntryId = std::pair<Offset, std::uint64_t>;
+  EntryId id_of(Offset at) const;
+  std::set<EntryId> changed_in_vain();
   // The findings in a text; served, when it is there, gets the names in it.
   CheckReport check(const NamesText &text, ServedNames *served) const;
   Trial try_out(std::vector<Edit> edits);
@@ -103,9 +107,8 @@ class Mender {
   std::optional<ServedNames> served_before_;  // in the original
   std::vector<std::uint64_t> changed_;        // names that may lose their trees
   std::vector<MendedFinding> mended_;
-  // Entries in which own faults were mended, by where they begin in the original.
-  std::set<Offset> mended_entries_;
-  std::set<Offset> left_alone_;  // those that stay as they are
+  std::set<EntryId> mended_entries_;  // in which own faults were mended
+  std::set<EntryId> left_alone_;      // those that stay as they are
   // How often a rule's findings were mended at a place of the original.
   std::map<std::pair<Rule, Offset>, int> times_mended_;
   bool crlf_;

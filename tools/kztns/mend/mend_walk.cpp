@@ -25,9 +25,9 @@ Mender::Walk::Walk(Mender &mender) : mender_(mender), report_(*mender.report_) {
   make_units();
 }
 
-std::optional<Offset> Mender::Walk::start_of_entry(std::size_t finding) const {
+std::optional<Mender::EntryId> Mender::Walk::id_of_entry(std::size_t finding) const {
   if (entries_[finding] == 0) return std::nullopt;
-  return mender_.origin(mender_.served().start_of(entries_[finding]));
+  return mender_.id_of(mender_.served().start_of(entries_[finding]));
 }
 
 // Where fixes undo each other there is no end.
@@ -44,7 +44,7 @@ bool Mender::Walk::is_wanted(std::size_t i) const {
       finding.applied_among == Applicability::safe ||
       (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);
   if (!wanted || !is_mended_with_entry(finding)) return wanted;
-  const std::optional<Offset> entry = start_of_entry(i);
+  const std::optional<EntryId> entry = id_of_entry(i);
   return !entry || mender_.left_alone_.count(*entry) == 0;
 }
 
@@ -197,7 +197,7 @@ void Mender::Walk::take(Trial trial) {
     if (!applied_[i]) continue;
     const Finding &finding = report_.findings[i];
     ++mender_.times_mended_[{finding.rule, mender_.origin(finding.at)}];
-    if (const auto entry = start_of_entry(i); entry && is_mended_with_entry(finding))
+    if (const auto entry = id_of_entry(i); entry && is_mended_with_entry(finding))
       mender_.mended_entries_.insert(*entry);
     mender_.add_mended({finding, describe(finding.fix.edits, text)});
   }

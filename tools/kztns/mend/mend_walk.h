@@ -58,8 +58,8 @@ class Mender::Walk {
     std::map<std::pair<Rule, Offset>, std::uint64_t> left;
   };
 
-  // Findings by their numbers. Where the entry of one begins in the original; absent for none.
-  std::optional<Offset> start_of_entry(std::size_t finding) const;
+  // Findings by their numbers. The entry of one; absent for none.
+  std::optional<EntryId> id_of_entry(std::size_t finding) const;
   bool is_mended_in_vain(const Finding &finding) const;
   bool is_wanted(std::size_t i) const;
   void make_units();
