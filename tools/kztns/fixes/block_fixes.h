@@ -11,7 +11,7 @@ void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis);
 // Removes the address at fault, where one that can be served is left.
 Fix without_address(const FaultPlace &place);
 
-// Whether the item at hand is a list of descriptions, with nothing else in it that would be given
+// Whether the item at fault is a list of descriptions, with nothing else in it that would be given
 // up without it.
 bool is_list_of_descriptions(const FaultPlace &place);
 
