@@ -226,7 +226,7 @@ std::vector<Row> value_rows() {
       none("bad-protocol",
            "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=TCPPROTOCOL)(HOST=i)(PORT=1))" + address + ")" + data),
       unsafe("bad-protocol",
-             "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=nmp)(SERVER_PIPE=p))" + address + ")" + data,
+             "(ADDRESS_LIST=(ADDRESS=(PROTOCOL=ipc)(SERVER_PIPE=p))" + address + ")" + data,
              "(ADDRESS_LIST=" + address + ")" + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL='TCPS')(HOST=h)(PORT=1))" + data),
       unsafe("bad-protocol", "(ADDRESS=(PROTOCOL=TPC)(HOST=h)(PORT=1))" + data,

@@ -187,3 +187,39 @@ TEST(KeepingOneOfAName, LeavesListsOfNames) {
   kztns::comment_out_duplicates(mender, kztns::Keep::first);
   EXPECT_EQ(mender.text().text(), text);
 }
+
+// An item without parentheses of its own may be what counts, whatever stands before it.
+TEST(Mending, KeepsWhatCountsAmongItemsWithoutParentheses) {
+  for (const std::string items :
+       {"SERVER = DEDICATED, ENCRYPTION = on, SERVICE_NAME = t",
+        "SERVER = DEDICATED, FOO = 1, SERVICE_NAME = t", "FAILOVER = ON, WALLET_DIR = t"}) {
+    const std::string text =
+        "a = (DESCRIPTION = " + address + "(CONNECT_DATA = (" + items + ")(SID = s)))\n";
+    EXPECT_NE(mended(text).find("= t"), std::string::npos) << mended(text);
+  }
+}
+
+TEST(Mending, TakesNoMisspeltKeyForOneAboutEncryption) {
+  EXPECT_EQ(
+      mended("a = (DESCRIPTION = (ADDRESSLIST = " + address + ")(CONNECT_DATA = (SID = s)))\n"),
+      "a = (DESCRIPTION = (ADDRESS_LIST = " + address + ")(CONNECT_DATA = (SID = s)))\n");
+}
+
+TEST(Mending, OfAListOfDescriptionsKeepsItsRemarksAndSettings) {
+  const std::string one = "(DESCRIPTION = " + address + "(CONNECT_DATA = (SID = s)))";
+  for (const std::string item : {"(main site)", "(KZLB_CONNECT_TIMEOUT = 7)"}) {
+    const std::string text = "a = (DESCRIPTION_LIST = " + item + one + one + ")\n";
+    EXPECT_NE(mended(text).find(item.substr(1, 4)), std::string::npos) << mended(text);
+  }
+}
+
+// Its lines count only together.
+TEST(Mending, OfHalfADiffBringsNothingBack) {
+  const std::string before = "a = (DESCRIPTION = " + address + "\n";
+  const std::string text =
+      before + "-  (CONNECT_DATA = (SID = old)))\n+  (CONNECT_DATA = (SID = s)))\n";
+  const kztns::NamesText mended_text(mended(text + entry("b")));
+  const kztns::FileScan scan(mended_text);
+  for (const kztns::Entry &served : scan.entries())
+    EXPECT_FALSE(served.built && scan.name(served) == "a") << mended_text.text();
+}

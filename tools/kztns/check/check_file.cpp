@@ -204,9 +204,8 @@ class FurtherChecks {
       edited_.apply(edits);
       CheckReport found = check_once(text_, request_);
       edits = edits_of(found.findings);
-      std::erase_if(found.findings,
-                    [&](Finding &finding) { return !name_as_written(found.starts, finding); });
-      for (Finding &finding : found.findings) add(std::move(finding));
+      for (Finding &finding : found.findings)
+        if (name_as_written(found.starts, finding)) add(std::move(finding));
     }
   }
 

@@ -282,10 +282,13 @@ Fix EntryFaults::without_quote_signs(const EntryView &view, const Diagnosis &fir
 bool EntryFaults::report_inserted(const EntryView &view, const Diagnosis &first,
                                   const std::string &consequence) {
   const std::string &text = text_.text();
-  if (view.service != nullptr || first.rule != Rule::unclosed_block || range_.end >= text.size())
-    return false;
   const Offset cut = range_.end;
-  const Offset inner = pass_blanks(text, end_of_word(text, cut)) + 1;
+  if (view.service != nullptr || view.entry.in_list || first.rule != Rule::unclosed_block ||
+      cut >= text.size())
+    return false;
+  const Offset equal = pass_blanks(text, end_of_word(text, cut));
+  if (equal >= text.size() || text[equal] != '=') return false;  // a list of names
+  const Offset inner = equal + 1;
   const auto found =
       find_inserted(text, {view.entry.body, cut}, {inner, ranges_.range_of(inner).end});
   Fix fix = found ? move_out(text_, *found) : Fix();

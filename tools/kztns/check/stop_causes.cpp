@@ -1,7 +1,5 @@
 #include "check/stop_causes.h"
 
-#include <algorithm>
-
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "kzoci/oci_tnsname/reserved_entry.h"

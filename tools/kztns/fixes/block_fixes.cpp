@@ -61,11 +61,20 @@ bool is_description(const FaultPlace &place, const WrittenItem &item) {
 
 // Whether an item of a list of descriptions says nothing here.
 bool may_go(const FaultPlace &place, const WrittenItem &item) {
-  if (place.holds_what_counts({item.open, item.end})) return false;
+  if (place.is_remark(item) || place.holds_what_counts({item.open, item.end})) return false;
   const ForeignKey *const key = foreign_key(place.key_of(item));
-  if (key == nullptr || key->treatment != ForeignTreatment::drop_off) return true;
+  if (key == nullptr) return item_word(place.key_of(item)).type == LB_ERROR_KEY;
   const std::optional<Span> word = word_of(place.text(), item);
-  return word && switch_word(unquoted(place.slice(*word))) == "OFF";
+  switch (key->treatment) {
+    case ForeignTreatment::drop:
+    case ForeignTreatment::lose:
+    case ForeignTreatment::rename_switch:
+      return true;
+    case ForeignTreatment::drop_off:
+      return word && switch_word(unquoted(place.slice(*word))) == "OFF";
+    default:
+      return false;
+  }
 }
 
 // "NAME_2", or with the next number that is free, which number becomes.

@@ -19,8 +19,8 @@ bool sets_same(std::string_view left, std::string_view right) {
   return equal_but_for_case(left, right) || (is_service(left) && is_service(right));
 }
 
-// Whether an item of a key is not given up for a slip.
-bool counts(std::string_view key) {
+// Whether items of a key are never removed: servers, services, encryption and proxies.
+bool must_stay(std::string_view key) {
   return is_refused(key) || is_one_of(key, {"HOST", "ADDRESS", "ADDRESS_LIST", "SERVICE_NAME",
                                             "SID", "CONNECT_DATA", "DESCRIPTION"});
 }
@@ -75,10 +75,15 @@ bool FaultPlace::has_equal(const std::vector<WrittenItem> &items, const WrittenI
 
 bool FaultPlace::holds_what_counts(Span span) const {
   TokenReader tokens(text_.substr(0, span.end), span.begin);
-  TokenKind before = TokenKind::end;
+  Token before = {TokenKind::end, {}};
   for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
-    if (before == TokenKind::open && counts(slice(token.span))) return true;
-    before = token.kind;
+    if (before.kind == TokenKind::open && must_stay(slice(token.span))) return true;
+    // Without parentheses, "KEY = a, KEY = b", keys follow commas.
+    if (token.kind == TokenKind::equal && before.kind == TokenKind::word) {
+      const std::string_view word = slice(before.span);
+      if (must_stay(word.substr(word.find_last_of(",;") + 1))) return true;
+    }
+    before = token;
   }
   return false;
 }

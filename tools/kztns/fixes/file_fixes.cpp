@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fixes/invisible_fixes.h"
+#include "scan/further_stops.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/left_over.h"

@@ -17,14 +17,14 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at);
 // Makes comments of the lines between two places.
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end);
 
+// The same for a part of a line or of several; what comes after it on its line begins a line of
+// its own.
+Fix fix_of_part(std::string_view text, Offset begin, Offset end);
+
 // Adds, out of order, the edits that write zero bytes between two places as text: to the library
 // they would end the comment that this becomes.
 void write_out_zero_bytes(std::string_view text, Offset begin, Offset end,
                           std::vector<Edit> &edits);
-
-// The same for a part of a line or of several; what comes after it on its line begins a line of
-// its own.
-Fix fix_of_part(std::string_view text, Offset begin, Offset end);
 
 // Makes comments of the lines of a comment in "/*" and "*/" at a place; what comes after it on its
 // line begins a line of its own. None where it is not closed.

@@ -16,9 +16,11 @@ constexpr ForeignKey foreign_rows[] = {
 constexpr std::string_view refused_parts[] = {"SSL",  "TLS",   "ENCRYPT", "WALLET",
                                               "CERT", "PROXY", "TUNNEL"};
 
-bool contains(std::string_view word, std::string_view part) {
-  const auto is_same = [](char left, char right) { return lower_case(left) == lower_case(right); };
-  return std::search(word.begin(), word.end(), part.begin(), part.end(), is_same) != word.end();
+// Whether a part of a word, which "_" divides, begins so.
+bool has_part(std::string_view word, std::string_view begin) {
+  for (std::size_t at = 0; at < word.size(); at = std::min(word.find('_', at), word.size()) + 1)
+    if (equal_but_for_case(word.substr(at, begin.size()), begin)) return true;
+  return false;
 }
 
 std::string action_of(const ForeignKey &key) {
@@ -58,7 +60,7 @@ bool is_refused(std::string_view word) {
   if (const ForeignKey *const key = foreign_key(word))
     return key->treatment == ForeignTreatment::refuse;
   return std::any_of(std::begin(refused_parts), std::end(refused_parts),
-                     [&](std::string_view part) { return contains(word, part); });
+                     [&](std::string_view part) { return has_part(word, part); });
 }
 
 std::string remedy_of(const ForeignKey &key, std::string_view why) {

@@ -302,11 +302,12 @@ class StrayText {
     return placement_of(word, around).fit == Fit::good;
   }
 
-  // Words that say nothing here. Before a first item they may be its value, "(ADDRESS = h (", and
-  // in an address its host or port.
+  // Words that are no item become a comment, and signs alone are removed. Before a first item words
+  // may be its value, "(ADDRESS = h (", and in an address its host or port.
   bool mend_words() {
     const std::size_t sign = text_.find_first_of("()=\"#", at_);
-    if (sign == std::string_view::npos) return false;
+    // A diff takes out a line that begins with "-".
+    if (sign == std::string_view::npos || is_in_diff(at_, '-')) return false;
     const auto end = static_cast<Offset>(sign);
     if (end == at_) return mend_remark();
     const bool before_item = text_[end] == '(';

@@ -1,7 +1,5 @@
 #include "format/pieces.h"
 
-#include <algorithm>
-
 #include "text/characters.h"
 #include "text/words.h"
 

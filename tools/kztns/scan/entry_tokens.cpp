@@ -1,7 +1,5 @@
 #include "scan/entry_tokens.h"
 
-#include <algorithm>
-
 #include "text/characters.h"
 #include "text/words.h"
 

@@ -210,4 +210,8 @@ class FurtherStops {
 
 std::vector<Stop> find_further_stops(const FileScan &scan) { return FurtherStops(scan).find(); }
 
+bool may_be_value(std::string_view name, ItemWord key) {
+  return opens_block(key) || (ends_lookups(name) && is_setting(key));
+}
+
 }  // namespace kztns

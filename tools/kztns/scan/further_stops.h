@@ -12,4 +12,8 @@ namespace kztns {
 // in the text. Forward only.
 std::vector<Stop> find_further_stops(const FileScan &scan);
 
+// Whether the value of a name may begin with an item of that key: a block or, of the reserved
+// entry, a setting.
+bool may_be_value(std::string_view name, ItemWord key);
+
 }  // namespace kztns

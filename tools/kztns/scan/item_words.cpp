@@ -1,7 +1,5 @@
 #include "scan/item_words.h"
 
-#include <algorithm>
-
 #include "text/spelling.h"
 
 namespace kztns {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "scan/file_scan.h"
 #include "scan/item_text.h"
 #include "text/characters.h"
 #include "text/words.h"
@@ -31,10 +30,6 @@ Offset pass_comments(std::string_view text, Offset from) {
   while (at < text.size() && is_foreign_comment(text.substr(at, 2)))
     at = pass_blanks(text, end_of_line(text, at));
   return at;
-}
-
-bool may_be_value(std::string_view name, ItemWord key) {
-  return opens_block(key) || (ends_lookups(name) && is_setting(key));
 }
 
 std::optional<Offset> value_on_line(std::string_view text, Offset at) {

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string_view>
 
-#include "scan/item_words.h"
 #include "text/offset.h"
 
 namespace kztns {
@@ -18,10 +17,6 @@ std::optional<Offset> end_of_long_comment(std::string_view text, Offset at);
 
 // After the blanks and all comments from a place on, those of other readers too.
 Offset pass_comments(std::string_view text, Offset from);
-
-// Whether the value of a name may begin with an item of that key: a block or, of the reserved
-// entry, a setting.
-bool may_be_value(std::string_view name, ItemWord key);
 
 // The "(" of an entry whose "=" is on the line of a place or the next one, before any parenthesis;
 // absent for none.

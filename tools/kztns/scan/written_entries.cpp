@@ -82,7 +82,8 @@ class Scanner {
     return true;
   }
 
-  // The more so the less its place tells: what comes after its "=" has to.
+  // The less the place of a name tells, the more what follows its "=" must: at the beginning of a
+  // line any value will do, after a ")" only a block of an entry.
   bool is_plausible(const Head &head) const {
     if (is_item(head.names.front())) return false;
     if (last_ == '(' && !(at_line_start() && begins_value(head.open))) return false;

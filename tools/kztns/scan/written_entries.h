@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "scan/item_words.h"
 #include "text/names_text.h"
 
 namespace kztns {
