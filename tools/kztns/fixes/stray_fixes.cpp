@@ -286,7 +286,7 @@ class StrayText {
     if (items.size() > 1 && edits.size() == 1) return false;
     const Offset end = items.back().separated;
     if (edits.back().end == end && edits.back().text.empty())
-      edits.back().text = ")";
+      edits.back().text += ')';
     else
       edits.push_back({end, end, ")"});
     return mended(
