@@ -7,12 +7,9 @@
 #include "support/checked_file.h"
 #include "support/mended.h"
 
-using namespace std::string_literals;
 using support::entry;
 using support::mended;
-using support::sound::address;
-using support::sound::block;
-using support::sound::data;
+using namespace support::sound;
 
 TEST(Mending, OfAHalfCommentedEntryEndsWithItsBlock) {
   const std::string half = entry("a") + "#b =\n  " + block;

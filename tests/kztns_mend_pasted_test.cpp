@@ -8,9 +8,7 @@
 using namespace std::string_literals;
 using support::entry;
 using support::mended;
-using support::sound::address;
-using support::sound::block;
-using support::sound::data;
+using namespace support::sound;
 
 namespace {
 
