@@ -5,6 +5,7 @@
 // docs/design.md says what else a new key needs.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -192,13 +193,28 @@ inline constexpr Key grammar[] = {
      {nullptr, &message::log_path_read}},
 };
 
+inline constexpr std::size_t rows_of_grammar = std::size(grammar);
+
+// By block and key type, the row in the grammar plus 1; 0 where a key has no place.
+inline constexpr auto grammar_rows = [] {
+  constexpr std::size_t blocks = static_cast<std::size_t>(Block::append_strategy) + 1;
+  using Row = unsigned char;
+  static_assert(rows_of_grammar < 256);
+  std::array<std::array<Row, LB_MAX_KEY_TYPE>, blocks> rows{};
+  for (std::size_t i = rows_of_grammar; i-- > 0;)
+    rows[static_cast<std::size_t>(grammar[i].block)][grammar[i].type] = static_cast<Row>(i + 1);
+  return rows;
+}();
+
 #pragma GCC visibility pop
 #undef KZ_FIELD
 #undef KZ_TEXT
 
-inline constexpr std::size_t rows_of_grammar = std::size(grammar);
-
 // The row of a key in a block; null for a key that has no place there.
-const Key *key_of(Block block, KZCILBKeyType type);
+inline const Key *key_of(Block block, KZCILBKeyType type) {
+  if (static_cast<std::size_t>(type) >= LB_MAX_KEY_TYPE) return nullptr;
+  const auto row = grammar_rows[static_cast<std::size_t>(block)][type];
+  return row == 0 ? nullptr : &grammar[row - 1];
+}
 
 }  // namespace kzoci::tns

@@ -7,16 +7,6 @@
 
 namespace kzoci::tns {
 
-sword identify_key(KZCITnsParseParams *params) {
-  const sword status = reported(KZCITnsGetKeyType(params), message::key_type_failed);
-  if (status != success) return status;
-  if (params->key_type == LB_ERROR_KEY) {
-    KZ_LOG(message::unknown_key);
-    return failure;
-  }
-  return success;
-}
-
 sword begin_item(KZCITnsParseParams *params, const Message<int> &key_met) {
   sword status = expect(params, TNS_LEFT_PARENTHESES);
   if (status == success) status = expect(params, TNS_KEY);

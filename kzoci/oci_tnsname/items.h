@@ -22,7 +22,12 @@ namespace kzoci::tns {
 
 // Identifies the key word that was read last; a text that is none is a failure.
 // Failures are logged.
-sword identify_key(KZCITnsParseParams *params);
+inline sword identify_key(KZCITnsParseParams *params) {
+  const sword status = reported(KZCITnsGetKeyType(params), message::key_type_failed);
+  if (status != success || params->key_type != LB_ERROR_KEY) return status;
+  KZ_LOG(message::unknown_key);
+  return failure;
+}
 
 // Consumes "(" KEY "=" and logs the key's type.
 sword begin_item(KZCITnsParseParams *params, const Message<int> &key_met);

@@ -1,4 +1,5 @@
 // Defaults and release of the records of the tree.
+#include <cstddef>
 #include <cstring>
 
 #include "children.h"
@@ -22,7 +23,12 @@ sword KZCITnsServiceInit(KZCITnsService *tns_service, ub4 name_size, const char 
     KZ_LOG(message::null_service);
     return failure;
   }
-  set_to_zero(tns_service, sizeof *tns_service);
+  // The variables, most of the record, are set to zero by their own Init.
+  constexpr std::size_t variables = offsetof(KZCITnsService, sys_vars);
+  constexpr std::size_t after_variables = offsetof(KZCITnsService, net_service_name_len);
+  static_assert(after_variables == variables + sizeof tns_service->sys_vars);
+  set_to_zero(tns_service, variables);
+  set_to_zero(&tns_service->net_service_name_len, sizeof *tns_service - after_variables);
   le_init(&tns_service->le, 0);
   tns_service->net_service_name_len = name_size;
   if (name_size > 0) std::strncpy(tns_service->net_service_name, name, name_size);

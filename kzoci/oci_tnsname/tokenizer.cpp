@@ -125,12 +125,6 @@ sword KZCITnsParseBlank(KZCITnsParseParams *parse_params) {
 
 namespace {
 
-sword finish_key(KZCITnsParseParams &params, ub4 length) {
-  params.tns_key_len = length;
-  KZ_LOG(message::key_read, length, static_cast<int>(length), params.tns_key);
-  return success;
-}
-
 [[gnu::noinline]] sword read_key(KZCITnsParseParams *params) {
   KeyInProgress key;
   for (bool complete = false; !complete;) {
@@ -144,30 +138,15 @@ sword finish_key(KZCITnsParseParams &params, ub4 length) {
       return failure;
     }
   }
-  return finish_key(*params, key.length);
-}
-
-// The length of the key at buffer_pos if it is a short one: of ordinary characters
-// only, and followed by its terminator within the buffer, as most are. 0 if not.
-inline ub4 short_key_length(const KZCITnsParseParams &params) {
-  const ub4 at = params.buffer_pos;
-  if (at >= params.buffer_len || params.buffer_len - at <= KeyBlock::width) return 0;
-  const ub4 length = KeyBlock::ordinary(params.tns_buffer + at);
-  return is_any_of(params.tns_buffer[at + length], key_terminator) ? length : 0;
-}
-
-inline sword take_short_key(KZCITnsParseParams &params, ub4 length) {
-  KeyBlock::move(params.tns_key, params.tns_buffer + params.buffer_pos, length);
-  params.buffer_pos += length;
-  return finish_key(params, length);
+  finish_key(params, key.length);
+  return success;
 }
 
 }  // namespace
 
 sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
   if (parse_params == nullptr) return invalid_handle;
-  const ub4 length = short_key_length(*parse_params);
-  return length > 0 ? take_short_key(*parse_params, length) : read_key(parse_params);
+  return take_short_key(parse_params) ? success : read_key(parse_params);
 }
 
 namespace {
@@ -205,13 +184,6 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
 
 // The token that comes next, most of which are short keys that are at hand.
 inline sword next_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
-  if (expect_type == TNS_KEY && params->is_comment != 1) {
-    const ub4 length = short_key_length(*params);
-    if (length > 0) {
-      params->tns_token_type = TNS_KEY;
-      return take_short_key(*params, length);
-    }
-  }
   pass_plain_blanks(*params);
   return is_at_token(*params) ? take_token(params, expect_type)
                               : take_token_after_blanks(params, expect_type);

@@ -1,8 +1,12 @@
 // What the readers of characters share.
 #pragma once
 
+#include <cstdint>
+
 #include "character_class.h"
+#include "key_run.h"
 #include "kzoci/oci_tnsname.h"
+#include "log.h"
 #include "messages.h"
 #include "status.h"
 
@@ -28,13 +32,41 @@ constexpr char sign_character(KZCITnsTokenType sign) {
 }
 
 // Consumes the parenthesis or equal sign of this type if it is the next character.
-// Most tokens are one of these, so this short way is inline.
 inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
-  if (sign == TNS_KEY || params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
+  if (params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
       params->tns_buffer[params->buffer_pos] != sign_character(sign))
     return false;
   params->tns_token_type = sign;
   ++params->buffer_pos;
+  return true;
+}
+
+// Ends the reading of a key into tns_key.
+inline void finish_key(KZCITnsParseParams *params, ub4 length) {
+  params->tns_key_len = length;
+  KZ_LOG(message::key_read, length, static_cast<int>(length), params->tns_key);
+}
+
+// Consumes the key at buffer_pos if it is a short one: of ordinary characters only, and
+// followed by its terminator within the buffer, as most are.
+inline bool take_short_key(KZCITnsParseParams *params) {
+  const ub4 at = params->buffer_pos;
+  if (std::uint64_t{at} + KeyBlock::width >= params->buffer_len) return false;
+  const char *const key = params->tns_buffer + at;
+  const ub4 length = KeyBlock::ordinary(key);
+  if (length == 0 || !is_any_of(key[length], key_terminator)) return false;
+  KeyBlock::move(params->tns_key, key, length);
+  params->buffer_pos = at + length;
+  finish_key(params, length);
+  return true;
+}
+
+// Consumes the token of this type if it is the next character, or a short key there. Most
+// tokens are, so this short way to them is inline.
+inline bool take_at_once(KZCITnsParseParams *params, KZCITnsTokenType type) {
+  if (type != TNS_KEY) return take_sign(params, type);
+  if (params->is_comment == 1 || !take_short_key(params)) return false;
+  params->tns_token_type = TNS_KEY;
   return true;
 }
 
@@ -51,7 +83,7 @@ sword parse_token(KZCITnsParseParams *params, KZCITnsTokenType type);
 
 // Consumes a token of this type; a failure is logged and its status returned.
 inline sword expect(KZCITnsParseParams *params, KZCITnsTokenType type) {
-  return take_sign(params, type) ? success : parse_token(params, type);
+  return take_at_once(params, type) ? success : parse_token(params, type);
 }
 
 // The same where blanks usually precede the token.
