@@ -35,7 +35,7 @@ bool ends_value(std::string_view text, Offset at) {
 
 }  // namespace
 
-void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
+Mending mend_protocol(const FaultPlace &place) {
   std::string_view protocol = trimmed(place.value());
   protocol = protocol.substr(0, protocol.find_last_not_of(",;=\\") + 1);
   if (protocol.size() > 1 && protocol.starts_with('\'') && protocol.ends_with('\''))
@@ -44,23 +44,18 @@ void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis) {
   const std::string_view near = near_word(protocol, {"TCPS", "WSS", "HTTPS", "TCP"});
   const bool plain =
       near == "TCP" || is_one_of(protocol, {"TCP", "TCPIP", "TCP/IP", "TCP4", "TCP6", "TCPTCP"});
-  if (plain) {
-    diagnosis.remedy = "did you mean TCP?";
-    diagnosis.fix = place.with_value(Applicability::unsafe, "TCP");
-    return;
-  }
-  if (!near.empty() && !is_one_of(protocol, {"HTTP", "WS"})) {
-    diagnosis.remedy = "give an address that is served by TCP, if it may do without the encryption";
-    return;
-  }
+  if (plain) return {place.with_value(Applicability::unsafe, "TCP"), "did you mean TCP?"};
+  if (!near.empty() && !is_one_of(protocol, {"HTTP", "WS"}))
+    return {{}, "give an address that is served by TCP, if it may do without the encryption"};
   // A server is not given up for a slip, or for a word that is to be replaced.
   const bool is_known = is_one_of(protocol, {"IPC", "HTTP", "WS"});
-  if (is_known) diagnosis.fix = without_address(place);
-  diagnosis.remedy = diagnosis.fix ? "remove the address: another one is left"
-                                   : "give an address that is served by TCP";
+  if (Fix fix = is_known ? without_address(place) : Fix())
+    return {std::move(fix), "remove the address: another one is left"};
+  return {{}, "give an address that is served by TCP"};
 }
 
-Fix written_descriptor(const FaultPlace &place, Offset at) {
+Fix written_descriptor(const FaultPlace &place) {
+  const Offset at = place.diagnosis().at;
   std::string_view word = place.text().substr(at);
   word = word.substr(0, word.find_first_of(blanks));
   const auto end = at + static_cast<Offset>(word.size());
@@ -83,7 +78,7 @@ Fix written_descriptor(const FaultPlace &place, Offset at) {
 }
 
 Fix written_address_block(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> item = place.written_item();
   const std::optional<Span> word = item ? word_of(place.text(), *item) : std::nullopt;
   std::string_view host;
   std::string_view port;

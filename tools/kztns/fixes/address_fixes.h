@@ -5,10 +5,10 @@
 
 namespace kztns {
 
-void mend_protocol(const FaultPlace &place, Diagnosis &diagnosis);
+Mending mend_protocol(const FaultPlace &place);
 
-// A descriptor for "host:port/service" at a place.
-Fix written_descriptor(const FaultPlace &place, Offset at);
+// A descriptor for "host:port/service" instead of an entry's blocks.
+Fix written_descriptor(const FaultPlace &place);
 
 // The items of "(ADDRESS = host:port)".
 Fix written_address_block(const FaultPlace &place);

@@ -78,24 +78,23 @@ bool may_go(const FaultPlace &place, const WrittenItem &item) {
 }
 
 // "NAME_2", or with the next number that is free, which number becomes.
-std::optional<std::string> free_name(const FaultPlace &place, std::string_view name,
-                                     std::size_t &number) {
+std::optional<std::string> free_name(const FaultPlace &place, std::size_t &number) {
   // Bounds the work on a file that has them all.
   constexpr std::size_t most_numbers = 10'000;
   while (place.subject().is_free && ++number < most_numbers) {
-    std::string own = std::string(name) + "_" + std::to_string(number);
+    std::string own = std::string(place.name()) + "_" + std::to_string(number);
     if (place.subject().is_free(own)) return own;
   }
   return std::nullopt;
 }
 
 // "NAME_2 = " and so on before each description but the first; false when no name is free.
-bool add_names(const FaultPlace &place, std::string_view name,
-               const std::vector<WrittenItem> &descriptions, std::vector<Edit> &edits) {
-  if (!is_plain(name)) return false;
+bool add_names(const FaultPlace &place, const std::vector<WrittenItem> &descriptions,
+               std::vector<Edit> &edits) {
+  if (!is_plain(place.name())) return false;
   std::size_t number = 1;
   for (std::size_t i = 1; i < descriptions.size(); ++i) {
-    const auto own = free_name(place, name, number);
+    const auto own = free_name(place, number);
     if (!own) return false;
     const Offset open = descriptions[i].open;
     const std::size_t last = place.text().find_last_not_of(blanks, open - 1);
@@ -108,7 +107,7 @@ bool add_names(const FaultPlace &place, std::string_view name,
 
 }  // namespace
 
-void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis) {
+Fix in_address_lists(const FaultPlace &place) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
   std::vector<Edit> edits;
   bool in_run = false;
@@ -120,10 +119,10 @@ void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis) {
   }
   if (in_run) edits.push_back({items.back().end, items.back().end, ")"});
   const bool one_list = edits.size() == 2;
-  diagnosis.fix = {one_list ? Applicability::safe : Applicability::unsafe, std::move(edits)};
+  return {one_list ? Applicability::safe : Applicability::unsafe, std::move(edits)};
 }
 
-void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {
+Fix in_one_connect_data(const FaultPlace &place) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
   std::optional<WrittenItem> first;
   std::optional<WrittenItem> second;
@@ -134,20 +133,20 @@ void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis) {
       else if (!second)
         second = item;
     }
-  if (!second) return;
+  if (!second) return {};
   const std::vector<WrittenItem> kept = place.children(*first);
   std::string added;
   for (const WrittenItem &item : place.children(*second)) {
     if (place.has_equal(kept, item)) continue;
-    if (place.is_set(kept, place.key_of(item))) return;
+    if (place.is_set(kept, place.key_of(item))) return {};
     added += place.slice({item.open, item.end});
   }
   Fix fix = place.removal(second->open);
-  if (!fix) return;
+  if (!fix) return {};
   fix.edits[0].text.clear();  // the comments of the items go with them
   if (!added.empty())
     fix.edits.insert(fix.edits.begin(), {first->end - 1, first->end - 1, std::move(added)});
-  diagnosis.fix = std::move(fix);
+  return fix;
 }
 
 Fix without_address(const FaultPlace &place) {
@@ -174,7 +173,7 @@ Fix without_inner_block(const FaultPlace &place, const WrittenItem &inner) {
 }
 
 bool is_list_of_descriptions(const FaultPlace &place) {
-  const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> list = place.written_item();
   if (!list) return false;
   const std::vector<WrittenItem> items = place.children(*list);
   const auto is_description_here = [&](const WrittenItem &item) {
@@ -186,8 +185,8 @@ bool is_list_of_descriptions(const FaultPlace &place) {
          });
 }
 
-Fix unwrapped(const FaultPlace &place, std::string_view name) {
-  const std::optional<WrittenItem> list = item_at(place.text(), place.item()->open);
+Fix unwrapped(const FaultPlace &place) {
+  const std::optional<WrittenItem> list = place.written_item();
   if (place.block() != Block::entry || !list || !is_list_of_descriptions(place)) return {};
   const std::vector<WrittenItem> items = place.children(*list);
   std::vector<WrittenItem> descriptions;
@@ -200,7 +199,7 @@ Fix unwrapped(const FaultPlace &place, std::string_view name) {
   }
   if (edits[0].end > items[0].open) return {};
   const bool splits = descriptions.size() > 1 && !place.subject().last;
-  if (splits && !add_names(place, name, descriptions, edits)) return {};
+  if (splits && !add_names(place, descriptions, edits)) return {};
   edits.push_back(without_closing(place, *list));
   sort_edits(edits);
   if (overlap(edits)) return {};

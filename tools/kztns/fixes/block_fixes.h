@@ -5,8 +5,11 @@
 
 namespace kztns {
 
-void mend_second_address(const FaultPlace &place, Diagnosis &diagnosis);
-void mend_second_connect_data(const FaultPlace &place, Diagnosis &diagnosis);
+// Puts bare addresses in lists.
+Fix in_address_lists(const FaultPlace &place);
+
+// Makes one of two CONNECT_DATA, where no key of both differs.
+Fix in_one_connect_data(const FaultPlace &place);
 
 // Removes the address at fault, where one that can be served is left.
 Fix without_address(const FaultPlace &place);
@@ -17,7 +20,7 @@ bool is_list_of_descriptions(const FaultPlace &place);
 
 // Removes the list around the descriptions of an entry. Where entries come after it, only
 // its first block can be passed over: the other descriptions become entries of their own.
-Fix unwrapped(const FaultPlace &place, std::string_view name);
+Fix unwrapped(const FaultPlace &place);
 
 // Takes away one of two blocks of the same key, where the inner one is all that the outer one
 // holds.

@@ -45,6 +45,10 @@ const Item *FaultPlace::item() const {
   return &trace_.items()[static_cast<std::size_t>(fault().item)];
 }
 
+std::optional<WrittenItem> FaultPlace::written_item() const {
+  return item() == nullptr ? std::nullopt : item_at(text_, item()->open);
+}
+
 std::optional<WrittenItem> FaultPlace::opener(const Frame &frame) const {
   if (frame.item < 0) return std::nullopt;
   return item_at(text_, trace_.items()[static_cast<std::size_t>(frame.item)].open);

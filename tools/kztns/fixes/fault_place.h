@@ -1,35 +1,59 @@
 // The text around a fault, for those who mend it.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <vector>
 
+#include "fixes/mending.h"
 #include "rules/diagnosis.h"
 #include "scan/written_items.h"
+#include "text/words.h"
 
 namespace kztns {
 
 class FaultPlace {
  public:
-  FaultPlace(const Subject &subject, const Trace &trace)
+  // diagnosis is that of the trace's fault, name the entry's.
+  FaultPlace(const Subject &subject, const Trace &trace, const Diagnosis &diagnosis,
+             std::string_view name)
       : subject_(subject),
         trace_(trace),
+        diagnosis_(diagnosis),
+        name_(name),
         text_(std::string_view(subject.text.text()).substr(0, subject.end)) {}
 
   const Subject &subject() const { return subject_; }
   const Trace &trace() const { return trace_; }
   const Fault &fault() const { return trace_.fault(); }
+  const Diagnosis &diagnosis() const { return diagnosis_; }
+  Rule rule() const { return diagnosis_.rule; }
+  // Whether what is at fault stands before the first block of an entry, or after an item.
+  bool is_before_blocks() const { return rule() == Rule::no_block; }
+  bool is_after_item() const { return rule() == Rule::missing_close; }
+  std::string_view name() const { return name_; }
   std::string_view text() const { return text_; }  // up to the entry's end
 
   std::string_view slice(Span span) const {
     return text_.substr(span.begin, span.end - span.begin);
   }
+  Offset after_blanks(Offset at) const { return pass_blanks(text_, at); }
+  // The word that begins at a place; it may be empty.
+  Span word_at(Offset at) const { return {at, end_of_word(text_, at)}; }
+  // Where the text goes on after some characters; its end where it has only those.
+  Offset after(std::string_view characters, Offset at) const {
+    return static_cast<Offset>(std::min(text_.find_first_not_of(characters, at), text_.size()));
+  }
+  // Whether a sign stands at a place.
+  bool has_sign(Offset at, char sign) const { return at < text_.size() && text_[at] == sign; }
   std::string_view key_of(const WrittenItem &item) const { return slice(item.key); }
   bool has_key(const WrittenItem &item, std::string_view word) const;
 
   // The last item that was begun; null for none.
   const Item *item() const;
+  // The same as it is written; absent for one that is not closed, too.
+  std::optional<WrittenItem> written_item() const;
   // Its value; empty for none.
   std::string_view value() const { return item() == nullptr ? "" : trace_.value_of(*item()); }
   const Frame &frame() const { return trace_.frames()[static_cast<std::size_t>(fault().frame)]; }
@@ -68,6 +92,8 @@ class FaultPlace {
  private:
   const Subject &subject_;
   const Trace &trace_;
+  const Diagnosis &diagnosis_;
+  std::string_view name_;
   std::string_view text_;
 };
 

@@ -5,6 +5,7 @@
 #include "fixes/invisible_fixes.h"
 #include "fixes/key_fixes.h"
 #include "fixes/misplaced_fixes.h"
+#include "fixes/missing_key_fixes.h"
 #include "fixes/stray_fixes.h"
 #include "fixes/value_fixes.h"
 
@@ -13,32 +14,33 @@ namespace {
 
 // Whether the fault and its item lie before the entry's end: the library may read on into
 // the next one.
-bool is_within(const FaultPlace &place, const Diagnosis &diagnosis) {
+bool is_within(const FaultPlace &place) {
   const std::size_t end = place.text().size();
-  if (diagnosis.rule == Rule::unclosed_quote) return diagnosis.at < end;
+  const Offset at = place.diagnosis().at;
+  if (place.rule() == Rule::unclosed_quote) return at < end;
   const Item *const item = place.item();
-  return place.fault().at <= end && diagnosis.at <= end &&
+  return place.fault().at <= end && at <= end &&
          (item == nullptr || (item->key.end <= end && item->value.end <= end));
 }
 
-void add_fix(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
-  if (!is_within(place, diagnosis) || mend_invisible(place, diagnosis) ||
-      mend_stray_text(place, diagnosis))
-    return;
-  switch (diagnosis.rule) {
+Mending mend(const FaultPlace &place) {
+  if (auto mending = mend_stray_text(place)) return *std::move(mending);
+  switch (place.rule()) {
     case Rule::unknown_key:
-      return mend_unknown_key(place, name, diagnosis);
+      return mend_unknown_key(place);
     case Rule::misplaced_key:
-      return mend_misplaced_key(place, diagnosis);
+      return mend_misplaced_key(place);
+    case Rule::missing_key:
+      return mend_missing_key(place);
     case Rule::second_address:
-      return mend_second_address(place, diagnosis);
+      return {in_address_lists(place)};
     case Rule::second_connect_data:
-      return mend_second_connect_data(place, diagnosis);
+      return {in_one_connect_data(place)};
     case Rule::missing_equal:
-      if (mend_split_key(place, diagnosis)) return;
+      if (auto mending = mend_split_key(place)) return *std::move(mending);
       [[fallthrough]];
     default:
-      return mend_value(place, diagnosis);
+      return mend_value(place);
   }
 }
 
@@ -46,7 +48,12 @@ void add_fix(const FaultPlace &place, std::string_view name, Diagnosis &diagnosi
 
 Diagnosis diagnose_with_fix(const Subject &subject, const Trace &trace, std::string_view name) {
   Diagnosis diagnosis = diagnose(subject, trace, name);
-  add_fix(FaultPlace(subject, trace), name, diagnosis);
+  const FaultPlace place(subject, trace, diagnosis, name);
+  if (!is_within(place)) return diagnosis;
+  if (auto invisible = diagnose_invisible(place)) return *std::move(invisible);
+  Mending mending = mend(place);
+  if (!mending.remedy.empty()) diagnosis.remedy = std::move(mending.remedy);
+  diagnosis.fix = std::move(mending.fix);
   return diagnosis;
 }
 

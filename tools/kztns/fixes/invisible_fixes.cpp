@@ -54,23 +54,24 @@ bool is_space(std::string_view odd) {
 
 }  // namespace
 
-bool mend_invisible(const FaultPlace &place, Diagnosis &diagnosis) {
-  if (diagnosis.rule == Rule::unclosed_quote || diagnosis.rule == Rule::unclosed_block)
-    return false;
+std::optional<Diagnosis> diagnose_invisible(const FaultPlace &place) {
+  if (place.rule() == Rule::unclosed_quote || place.rule() == Rule::unclosed_block)
+    return std::nullopt;
   TokenReader tokens(place.text(),
                      std::min<Offset>(place.fault().at, static_cast<Offset>(place.text().size())));
   const Token token = tokens.next();
-  if (token.kind != TokenKind::word || token.span.begin != place.fault().at) return false;
+  if (token.kind != TokenKind::word || token.span.begin != place.fault().at) return std::nullopt;
   const std::string_view odd = odd_character(place.slice(token.span));
   Fix fix = odd.empty() ? Fix() : all_visible(place);
-  if (!fix) return false;
-  diagnosis.at = static_cast<Offset>(odd.data() - place.text().data());
-  if (diagnosis.rule != Rule::odd_bytes)
-    diagnosis.text = "the invisible character " + visible(odd) + " is no blank here";
-  diagnosis.rule = Rule::odd_bytes;
-  diagnosis.remedy = visible_instead(odd) == " " ? "write a blank instead" : "";
-  diagnosis.fix = std::move(fix);
-  return true;
+  if (!fix) return std::nullopt;
+  Diagnosis told = place.diagnosis();
+  told.at = static_cast<Offset>(odd.data() - place.text().data());
+  if (told.rule != Rule::odd_bytes)
+    told.text = "the invisible character " + visible(odd) + " is no blank here";
+  told.rule = Rule::odd_bytes;
+  told.remedy = visible_instead(odd) == " " ? "write a blank instead" : "";
+  told.fix = std::move(fix);
+  return told;
 }
 
 Fix fix_of_invisible(std::string_view text, Offset begin, Offset end) {

@@ -5,8 +5,9 @@
 
 namespace kztns {
 
-// Whether the fault is an invisible character in a token; if so, it is told as that.
-bool mend_invisible(const FaultPlace &place, Diagnosis &diagnosis);
+// What is told of an invisible character in the token at fault, instead of its diagnosis; absent
+// where none is in it, or no fix is known.
+std::optional<Diagnosis> diagnose_invisible(const FaultPlace &place);
 
 // Invisible characters of a word between entries: at its ends they become blanks.
 Fix fix_of_invisible(std::string_view text, Offset begin, Offset end);

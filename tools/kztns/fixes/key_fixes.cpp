@@ -4,10 +4,9 @@
 #include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
-#include "fixes/value_fixes.h"
+#include "fixes/number_fixes.h"
 #include "text/characters.h"
 #include "text/escape.h"
-#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -28,17 +27,15 @@ bool may_repeat(const Key &key) {
 
 // Whether something in the item at fault is not given up with it.
 bool holds_what_counts(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> item = place.written_item();
   return !item || place.holds_what_counts({item->value, item->end});
 }
 
-// Whether the item at fault is a remark; if so, it becomes a comment.
-bool mend_remark(const FaultPlace &place, Diagnosis &diagnosis) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  if (!item || !place.is_remark(*item)) return false;
-  diagnosis.remedy = "make a comment of it";
-  diagnosis.fix = place.commented_out(*item);
-  return true;
+// A remark becomes a comment.
+std::optional<Mending> mend_remark(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = place.written_item();
+  if (!item || !place.is_remark(*item)) return std::nullopt;
+  return Mending{place.commented_out(*item), "make a comment of it"};
 }
 
 // Another key instead of the one at fault, which is at a place; removes the item when that
@@ -60,7 +57,7 @@ bool renames(const FaultPlace &place, const Fix &fix) {
 
 // The value of the item at fault; absent where it is no single word.
 std::optional<Span> value_at(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> item = place.written_item();
   return item ? word_of(place.text(), *item) : std::nullopt;
 }
 
@@ -81,7 +78,7 @@ Fix renamed_switch(const FaultPlace &place, std::string_view key) {
 
 // Whether the value of the item at fault is a number with a unit.
 bool value_has_unit(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> item = place.written_item();
   return item && has_unit(trimmed(place.slice({item->value, item->end - 1})));
 }
 
@@ -97,7 +94,7 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
-Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey &key) {
+Fix by_treatment(const FaultPlace &place, const ForeignKey &key) {
   const Offset open = place.item()->open;
   switch (key.treatment) {
     case ForeignTreatment::drop:
@@ -116,31 +113,10 @@ Fix foreign_fix(const FaultPlace &place, std::string_view name, const ForeignKey
     case ForeignTreatment::drop_address:
       return place.is_set(place.items_of(place.frame()), "HOST") ? Fix() : without_address(place);
     case ForeignTreatment::unwrap:
-      return unwrapped(place, name);
+      return unwrapped(place);
     default:
       return {};
   }
-}
-
-// A key that is written as two words: CONNECT DATA, HO=ST.
-struct SplitKey {
-  Span span;
-  std::string_view key;
-};
-
-std::optional<SplitKey> split_key(const FaultPlace &place) {
-  const Span first = place.item()->key;
-  Offset next = pass_blanks(place.text(), first.end);
-  if (place.text().substr(next).starts_with('=')) next = pass_blanks(place.text(), next + 1);
-  const Span second = {next, end_of_word(place.text(), next)};
-  const bool is_key = place.text().substr(pass_blanks(place.text(), second.end)).starts_with('=');
-  const std::string begin(place.slice(first));
-  for (const char *const link : {"_", ""}) {
-    const Key *const key =
-        key_named(place.block(), begin + link + std::string(place.slice(second)));
-    if (key != nullptr && is_key) return SplitKey{{first.begin, second.end}, key->word};
-  }
-  return std::nullopt;
 }
 
 // "(SERVER = DEDICATED, SERVICE_NAME = s)": removes the first one of several items in one pair of
@@ -169,7 +145,7 @@ std::optional<Offset> colon_after_key(const FaultPlace &place) {
 
 // Whether more than a word is in the parentheses, which may be a value: "(PORT1521)".
 bool is_item(const FaultPlace &place) {
-  const Offset next = pass_blanks(place.text(), place.item()->key.end);
+  const Offset next = place.after_blanks(place.item()->key.end);
   return next < place.text().size() && place.text()[next] != ')';
 }
 
@@ -177,68 +153,81 @@ bool may_be_given_up(const FaultPlace &place) {
   return !place.lacks_what_counts() && !holds_what_counts(place);
 }
 
-// Whether the key is written otherwise than it has to be; if so, it is mended.
-bool mend_form_of_key(const FaultPlace &place, Diagnosis &diagnosis) {
-  if (mend_split_key(place, diagnosis)) return true;
-  if (const std::optional<Offset> colon = colon_after_key(place)) {
-    diagnosis.remedy = "put \"=\" instead of \":\"";
-    diagnosis.fix = safe_fix({{*colon, end_of_foreign_equal(place.text(), *colon), "="}});
-    return true;
-  }
-  return false;
-}
-
 bool is_removed(const ForeignKey &key) {
   return key.treatment == ForeignTreatment::drop || key.treatment == ForeignTreatment::lose;
 }
 
-void mend_foreign_key(const FaultPlace &place, std::string_view name, const ForeignKey &key,
-                      Diagnosis &diagnosis) {
+Fix fix_of_foreign_key(const FaultPlace &place, const ForeignKey &key) {
+  Fix fix = by_treatment(place, key);
+  const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
+  if (renames(place, fix) || may_be_on) return fix;
+  return without_first_of_joined(place).value_or(std::move(fix));
+}
+
+std::string remedy_of_foreign_key(const FaultPlace &place, const ForeignKey &key) {
+  const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
+  const std::string_view setter = has_target ? set_by(place, key.target) : "";
+  if (!setter.empty()) return "remove the item: " + excerpt(setter) + " is set here, too";
+  if (is_number(place, key.target) && value_has_unit(place))
+    return remedy_of(key, "it takes a number alone, in the connection layer's unit");
+  return remedy_of(key);
+}
+
+Mending mend_foreign_key(const FaultPlace &place, const ForeignKey &key) {
   // What is told of any key that no entry has fits a list with something else in it.
   const bool is_other_list = key.treatment == ForeignTreatment::unwrap &&
                              place.block() == Block::entry && !is_list_of_descriptions(place);
-  if (is_other_list) return;
-  diagnosis.remedy = remedy_of(key);
-  if (key.treatment == ForeignTreatment::refuse) return;
-  if (is_removed(key) && mend_remark(place, diagnosis)) return;
-  diagnosis.fix = foreign_fix(place, name, key);
-  const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
-  if (!renames(place, diagnosis.fix) && !may_be_on)
-    diagnosis.fix = without_first_of_joined(place).value_or(std::move(diagnosis.fix));
-  const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
-  const std::string_view setter = has_target ? set_by(place, key.target) : "";
-  if (is_number(place, key.target) && value_has_unit(place))
-    diagnosis.remedy = remedy_of(key, "it takes a number alone, in the connection layer's unit");
-  if (!setter.empty())
-    diagnosis.remedy = "remove the item: " + excerpt(setter) + " is set here, too";
+  if (is_other_list) return {};
+  if (key.treatment == ForeignTreatment::refuse) return {{}, remedy_of(key)};
+  if (is_removed(key))
+    if (auto mending = mend_remark(place)) return *std::move(mending);
+  return {fix_of_foreign_key(place, key), remedy_of_foreign_key(place, key)};
+}
+
+// A key that is written as two words: CONNECT DATA, HO=ST.
+struct SplitKey {
+  Span span;
+  std::string_view key;
+};
+
+std::optional<SplitKey> split_key(const FaultPlace &place) {
+  const Span first = place.item()->key;
+  Offset next = place.after_blanks(first.end);
+  if (place.has_sign(next, '=')) next = place.after_blanks(next + 1);
+  const Span second = place.word_at(next);
+  const bool is_key = place.has_sign(place.after_blanks(second.end), '=');
+  const std::string begin(place.slice(first));
+  for (const char *const link : {"_", ""}) {
+    const Key *const key =
+        key_named(place.block(), begin + link + std::string(place.slice(second)));
+    if (key != nullptr && is_key) return SplitKey{{first.begin, second.end}, key->word};
+  }
+  return std::nullopt;
 }
 
 }  // namespace
 
-bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis) {
+std::optional<Mending> mend_split_key(const FaultPlace &place) {
   const std::optional<SplitKey> split = split_key(place);
-  if (!split) return false;
-  diagnosis.remedy = "did you mean " + std::string(split->key) + "?";
-  diagnosis.fix = renamed(place, split->span, split->key, Applicability::unsafe);
-  return true;
+  if (!split) return std::nullopt;
+  return Mending{renamed(place, split->span, split->key, Applicability::unsafe),
+                 "did you mean " + std::string(split->key) + "?"};
 }
 
-void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis) {
-  if (mend_form_of_key(place, diagnosis)) return;
+Mending mend_unknown_key(const FaultPlace &place) {
+  if (auto mending = mend_split_key(place)) return *std::move(mending);
+  if (const std::optional<Offset> colon = colon_after_key(place))
+    return {safe_fix({{*colon, end_of_foreign_equal(place.text(), *colon), "="}}),
+            "put \"=\" instead of \":\""};
   const std::string_view word = place.trace().key_word_of(*place.item());
-  if (const ForeignKey *const foreign = foreign_key(word))
-    return mend_foreign_key(place, name, *foreign, diagnosis);
-  if (is_refused(word)) {
-    diagnosis.remedy = "connections are not encrypted, and use no proxy";
-    return;
-  }
-  const std::string_view near = near_key(word, place.block());
-  if (!is_item(place))
-    diagnosis.remedy = row_of(Rule::missing_key).remedy;
-  else if (!near.empty())
-    diagnosis.fix = renamed(place, near, Applicability::unsafe);
-  else if (may_be_given_up(place) && !mend_remark(place, diagnosis))
-    diagnosis.fix = place.removal(place.item()->open);
+  if (const ForeignKey *const foreign = foreign_key(word)) return mend_foreign_key(place, *foreign);
+  if (is_refused(word)) return {{}, "connections are not encrypted, and use no proxy"};
+  if (!is_item(place)) return {{}, std::string(row_of(Rule::missing_key).remedy)};
+  if (const std::string_view near = near_key(word, place.block()); !near.empty())
+    return {renamed(place, near, Applicability::unsafe)};
+  if (!may_be_given_up(place)) return {};
+  if (auto mending = mend_remark(place)) return *std::move(mending);
+  return {place.removal(place.item()->open)};
 }
 
 }  // namespace kztns

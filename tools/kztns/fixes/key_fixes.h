@@ -5,9 +5,9 @@
 
 namespace kztns {
 
-// Whether a key is written as two words, ADDRESS LIST; if so, it is mended.
-bool mend_split_key(const FaultPlace &place, Diagnosis &diagnosis);
+// A key that is written as two words, ADDRESS LIST.
+std::optional<Mending> mend_split_key(const FaultPlace &place);
 
-void mend_unknown_key(const FaultPlace &place, std::string_view name, Diagnosis &diagnosis);
+Mending mend_unknown_key(const FaultPlace &place);
 
 }  // namespace kztns

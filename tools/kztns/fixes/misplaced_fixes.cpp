@@ -132,27 +132,26 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   return have_service(place, items) ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
 }
 
+// In the block that it was meant for.
+Fix moved(const FaultPlace &place, const WrittenItem &item) {
+  const KZCILBKeyType type = place.item()->type;
+  Fix fix;
+  if (const auto target = taker(place, type))
+    fix = moved_into(place, item, *target);
+  else if (is_of(Block::connect_data, type))
+    fix = in_connect_data(place, item);
+  // Where the block has an address already, this is another one.
+  return !fix && is_of(Block::address, type) ? in_address(place, item) : fix;
+}
+
 }  // namespace
 
-void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
-  if (!item) return;
-  if (place.block() == Block::entry) {
-    diagnosis.fix = in_description(place, *item);
-    return;
-  }
-  diagnosis.fix = without_inner_block(place, *item);
-  if (diagnosis.fix) {
-    diagnosis.remedy = "remove one of the two";
-    return;
-  }
-  if (const auto target = taker(place, place.item()->type))
-    diagnosis.fix = moved_into(place, *item, *target);
-  else if (is_of(Block::connect_data, place.item()->type))
-    diagnosis.fix = in_connect_data(place, *item);
-  // Where the block has an address already, this is another one.
-  if (!diagnosis.fix && is_of(Block::address, place.item()->type))
-    diagnosis.fix = in_address(place, *item);
+Mending mend_misplaced_key(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = place.written_item();
+  if (!item) return {};
+  if (place.block() == Block::entry) return {in_description(place, *item)};
+  if (Fix fix = without_inner_block(place, *item)) return {std::move(fix), "remove one of the two"};
+  return {moved(place, *item)};
 }
 
 }  // namespace kztns

@@ -5,6 +5,6 @@
 
 namespace kztns {
 
-void mend_misplaced_key(const FaultPlace &place, Diagnosis &diagnosis);
+Mending mend_misplaced_key(const FaultPlace &place);
 
 }  // namespace kztns

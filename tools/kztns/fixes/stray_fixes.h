@@ -6,7 +6,6 @@
 
 namespace kztns {
 
-// Whether the fault is such text; if so, it gets its fix and the remedy that says what it does.
-bool mend_stray_text(const FaultPlace &place, Diagnosis &diagnosis);
+std::optional<Mending> mend_stray_text(const FaultPlace &place);
 
 }  // namespace kztns

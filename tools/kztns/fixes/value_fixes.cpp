@@ -1,16 +1,15 @@
 #include "fixes/value_fixes.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "fixes/address_fixes.h"
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
+#include "fixes/number_fixes.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
 #include "text/spelling.h"
-#include "text/words.h"
 
 namespace kztns {
 namespace {
@@ -38,21 +37,17 @@ bool may_be_in(Block block, std::string_view word) {
   return key_named(block, word) != nullptr || foreign_key(word) != nullptr;
 }
 
-// "(KEY = a, KEY = b)": whether several items in one pair of parentheses are the fault; if so, it
-// is mended.
-bool mend_joined_items(const FaultPlace &place, Diagnosis &diagnosis) {
-  if (!place.item()->has_value) return false;
+// "(KEY = a, KEY = b)": several items in one pair of parentheses.
+std::optional<Mending> mend_joined_items(const FaultPlace &place) {
+  if (!place.item()->has_value) return std::nullopt;
   const std::vector<BareItem> items =
       bare_items(place.text(), place.item()->key.begin,
                  [&](std::string_view key) { return may_be_in(place.block(), key); });
-  if (items.size() < 2 ||
-      !place.text().substr(pass_blanks(place.text(), items.back().separated)).starts_with(')'))
-    return false;
+  if (items.size() < 2 || !place.has_sign(place.after_blanks(items.back().separated), ')'))
+    return std::nullopt;
   std::vector<Edit> edits = separated(place.text(), items);
-  if (edits.empty()) return false;
-  diagnosis.fix = unsafe_fix(std::move(edits));
-  diagnosis.remedy = "put each item in parentheses of its own";
-  return true;
+  if (edits.empty()) return std::nullopt;
+  return Mending{unsafe_fix(std::move(edits)), "put each item in parentheses of its own"};
 }
 
 // Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
@@ -68,51 +63,6 @@ std::string remedy_of_more(const Key &key) {
   if (key.type == LB_HOST) return remedy(Rule::placeholder);
   if (key.type == LB_PORT) return remedy(Rule::bad_port);
   return {};
-}
-
-using std::chrono::milliseconds;
-
-// Zero for a word that is no unit of time.
-milliseconds unit_named(std::string_view word) {
-  if (is_one_of(word, {"ms", "msec"})) return milliseconds(1);
-  if (is_one_of(word, {"s", "sec", "secs", "second", "seconds"})) return std::chrono::seconds(1);
-  if (is_one_of(word, {"m", "min"})) return std::chrono::minutes(1);
-  if (is_one_of(word, {"h"})) return std::chrono::hours(1);
-  return {};
-}
-
-// The unit of a key's number; zero where it is that of the connection layer, which nobody knows
-// here.
-milliseconds unit_of(const Key &key) {
-  return key.type == LB_SLOWSQL_FLUSH_SECOND ? std::chrono::seconds(1) : milliseconds();
-}
-
-// A number of one unit as one of another; empty where that is no whole number.
-std::string converted(std::string_view digits, milliseconds from, milliseconds to) {
-  constexpr std::size_t most_digits = 9;  // longer ones might not fit
-  if (to == milliseconds() || digits.size() > most_digits) return {};
-  const milliseconds time = std::stol(std::string(digits)) * from;
-  return time % to == milliseconds() ? std::to_string(time / to) : "";
-}
-
-// The digits that a value begins with, and a sign before them; empty where it begins otherwise.
-std::string_view number_before_unit(std::string_view value) {
-  const std::size_t sign = value.starts_with('-') || value.starts_with('+') ? 1 : 0;
-  std::size_t end = sign;
-  while (end < value.size() && is_digit(value[end])) ++end;
-  return end > sign ? value.substr(0, end) : std::string_view();
-}
-
-// A number with blanks around it, or one with a unit of time after it.
-Fix fix_of_number(const Key &key, std::string_view text, Span span) {
-  const std::string_view value = trimmed(text);
-  const std::string digits(number_before_unit(value));
-  if (digits.empty()) return {};
-  const std::string_view unit = trimmed(value.substr(digits.size()));
-  if (unit.empty() && value.size() < text.size()) return safe_fix({{span.begin, span.end, digits}});
-  std::string number = converted(digits, unit_named(unit), unit_of(key));
-  if (unit_named(unit) == milliseconds() || number.empty()) return {};
-  return unsafe_fix({{span.begin, span.end, std::move(number)}});
 }
 
 // A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
@@ -136,16 +86,10 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   return {applicability, {{begin, begin, "\""}, {end, end, "\""}}};
 }
 
-void mend_unquoted_value(const FaultPlace &place, Diagnosis &diagnosis) {
-  if (mend_joined_items(place, diagnosis)) return;
-  diagnosis.fix = whole_value(place, Applicability::safe);
-  if (const Key *const key = place.trace().row_of(*place.item()))
-    diagnosis.remedy = remedy_of_more(*key);
-}
-
 // The end of the line or the first ")" on it. A quote right before that opens nothing.
-Fix closed_quote(const FaultPlace &place, Offset quote) {
+Fix closed_quote(const FaultPlace &place) {
   const std::string_view text = place.text();
+  const Offset quote = place.diagnosis().at;
   const std::size_t stop = std::min(text.find_first_of(")\r\n", quote + 1), text.size());
   const std::size_t last = text.find_last_not_of(" \t", stop - 1);
   if (last <= quote) return unsafe_fix({{quote, quote + 1, {}}});
@@ -153,7 +97,8 @@ Fix closed_quote(const FaultPlace &place, Offset quote) {
   return unsafe_fix({{end, end, "\""}});
 }
 
-Fix without_quotes(const FaultPlace &place, Offset quote) {
+Fix without_quotes(const FaultPlace &place) {
+  const Offset quote = place.diagnosis().at;
   const std::size_t close = place.text().find('"', quote + 1);
   if (close == std::string_view::npos) return {};
   const auto end = static_cast<Offset>(close);
@@ -173,29 +118,27 @@ Fix switched_word(const FaultPlace &place) {
 // "(KEY : value)" and "(KEY := value)": where the value is to begin.
 std::optional<Offset> value_after_colon(const FaultPlace &place) {
   const Offset at = place.fault().at;
-  if (at >= place.text().size() || place.text()[at] != ':') return std::nullopt;
-  return pass_blanks(place.text(), end_of_foreign_equal(place.text(), at));
+  if (!place.has_sign(at, ':')) return std::nullopt;
+  return place.after_blanks(end_of_foreign_equal(place.text(), at));
 }
 
 bool is_value(const FaultPlace &place, const Key &key, Offset at) {
-  if (key.value.kind == ValueKind::block) return place.text().substr(at).starts_with('(');
-  const Offset end = end_of_word(place.text(), at);
-  return end > at && place.text().substr(pass_blanks(place.text(), end)).starts_with(')');
+  if (key.value.kind == ValueKind::block) return place.has_sign(at, '(');
+  const Span word = place.word_at(at);
+  return !word.empty() && place.has_sign(place.after_blanks(word.end), ')');
 }
 
 // "(ADDRESS HOST = h)": an item in a block without parentheses of its own, or with one of them.
 Fix with_block(const FaultPlace &place, const Key &block, const WrittenItem &written) {
   const Offset word = place.fault().at;
   const auto is_of_block = [&](Offset at) {
-    const std::string_view key = place.text().substr(at, end_of_word(place.text(), at) - at);
-    return key_named(block.value.opens, key) != nullptr;
+    return key_named(block.value.opens, place.slice(place.word_at(at))) != nullptr;
   };
-  const Offset equal = pass_blanks(place.text(), end_of_word(place.text(), word));
-  if (!is_of_block(word) || !place.text().substr(equal).starts_with('=')) return {};
+  const Offset equal = place.after_blanks(place.word_at(word).end);
+  if (!is_of_block(word) || !place.has_sign(equal, '=')) return {};
   Fix fix = unsafe_fix({{word, word, "= ("}});
-  const Offset next = pass_blanks(place.text(), written.end);
-  const bool goes_on = place.text().substr(next).starts_with('(') &&
-                       is_of_block(pass_blanks(place.text(), next + 1));
+  const Offset next = place.after_blanks(written.end);
+  const bool goes_on = place.has_sign(next, '(') && is_of_block(place.after_blanks(next + 1));
   if (!goes_on) fix.edits.push_back({written.end, written.end, ")"});
   return fix;
 }
@@ -210,161 +153,82 @@ Fix with_equal(const FaultPlace &place) {
   const std::optional<WrittenItem> written = item_at(place.text(), item.open);
   if (key == nullptr || !written) return {};
   const bool is_block = key->value.kind == ValueKind::block;
-  const bool fits = is_block ? place.text().substr(place.fault().at).starts_with('(')
+  const bool fits = is_block ? place.has_sign(place.fault().at, '(')
                              : word_of(place.text(), *written).has_value();
   if (fits) return safe_fix({{item.key.end, item.key.end, " ="}});
   if (is_block) return with_block(place, *key, *written);
-  const bool is_empty = pass_blanks(place.text(), item.key.end) + 1 == written->end;
+  const bool is_empty = place.after_blanks(item.key.end) + 1 == written->end;
   return is_empty ? place.removal(item.open) : Fix();
-}
-
-// "((KEY = ...))": the outer parentheses of the items say nothing.
-Fix without_outer_parentheses(const FaultPlace &place, Offset open) {
-  const std::optional<WrittenItem> outer = item_at(place.text(), open);
-  const std::vector<WrittenItem> inner = items_from(place.text(), open + 1);
-  if (!outer || inner.empty()) return {};
-  const bool only_items = pass_blanks(place.text(), inner.back().end) + 1 == outer->end;
-  return {only_items ? Applicability::safe : Applicability::unsafe,
-          {{open, open + 1, {}}, {outer->end - 1, outer->end, {}}}};
-}
-
-// "(=KEY = value)"
-Fix without_early_equal(const FaultPlace &place) {
-  const Offset at = place.fault().at;
-  if (!place.text().substr(at).starts_with('=')) return {};
-  const Offset key = pass_blanks(place.text(), at + 1);
-  const Offset end = end_of_word(place.text(), key);
-  const bool is_item = key_named(place.block(), place.slice({key, end})) != nullptr &&
-                       place.text().substr(pass_blanks(place.text(), end)).starts_with('=');
-  return is_item ? unsafe_fix({{at, at + 1, {}}}) : Fix();
-}
-
-// The key of the block in which people write some items; empty for none.
-std::string_view key_of_block(const FaultPlace &place, const std::vector<WrittenItem> &items) {
-  for (const auto &[item, block] : {std::pair("ADDRESS", "ADDRESS_LIST"),
-                                    {"HOST", "ADDRESS"},
-                                    {"PORT", "ADDRESS"},
-                                    {"SERVICE_NAME", "CONNECT_DATA"}})
-    if (place.is_set(items, item)) return block;
-  return {};
-}
-
-// "( = (HOST = h)(PORT = 1))": the block without its key.
-bool mend_block_without_key(const FaultPlace &place, Offset open, Diagnosis &diagnosis) {
-  const Offset at = place.fault().at;
-  const std::optional<WrittenItem> item = item_at(place.text(), open);
-  if (!item || !place.text().substr(at).starts_with('=') ||
-      !place.holds_what_counts({at, item->end}))
-    return false;
-  const std::vector<WrittenItem> items = items_from(place.text(), at + 1);
-  const std::string_view key = key_of_block(place, items);
-  if (!key.empty() && key_named(place.block(), key) != nullptr) {
-    diagnosis.fix = unsafe_fix({{at, at, std::string(key) + " "}});
-    diagnosis.remedy = "write (" + std::string(key) + " = ...)";
-  }
-  return true;
-}
-
-// Whether an item without a key may be removed: "()" says nothing, and another one may be what the
-// block lacks.
-bool may_be_removed(const FaultPlace &place, Offset open) {
-  const std::optional<WrittenItem> item = item_at(place.text(), open);
-  if (!item) return false;
-  const Span span = {item->open, item->end};
-  if (place.slice(span).find('=') == std::string_view::npos) return true;
-  const bool is_value = items_from(place.text(), place.fault().at + 1).empty();
-  return !(is_value && place.lacks_what_counts()) && !place.holds_what_counts(span);
-}
-
-// "()" says nothing; more than that is lost.
-void mend_missing_key(const FaultPlace &place, Diagnosis &diagnosis) {
-  const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
-  if (last == std::string_view::npos || place.text()[last] != '(') return;
-  const auto open = static_cast<Offset>(last);
-  diagnosis.fix = without_early_equal(place);
-  if (diagnosis.fix) {
-    diagnosis.remedy = "remove \"=\"";
-    return;
-  }
-  diagnosis.fix = without_outer_parentheses(place, open);
-  if (diagnosis.fix) {
-    diagnosis.remedy = "remove the outer parentheses";
-    return;
-  }
-  if (mend_block_without_key(place, open, diagnosis) || !may_be_removed(place, open)) return;
-  diagnosis.fix = place.removal(open);
-  if (!diagnosis.fix) return;
-  const Edit &removal = diagnosis.fix.edits[0];
-  if (place.slice({removal.begin, removal.end}).find('=') == std::string_view::npos)
-    diagnosis.fix.applicability = Applicability::safe;
 }
 
 // "(KEY = (value))"
 Fix without_inner_parentheses(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = item_at(place.text(), place.item()->open);
+  const std::optional<WrittenItem> item = place.written_item();
   if (!item) return {};
   const std::vector<WrittenItem> inner = place.children(*item);
   if (inner.size() != 1 || inner[0].key.end != inner[0].value) return {};
-  if (pass_blanks(place.text(), inner[0].key.end) + 1 != inner[0].end) return {};
+  if (place.after_blanks(inner[0].key.end) + 1 != inner[0].end) return {};
   return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
+}
+
+// A value that the library refuses, or that goes on after its first word.
+Mending mend_refused_value(const FaultPlace &place) {
+  if (auto mending = mend_joined_items(place)) return *std::move(mending);
+  const Key *const key = place.trace().row_of(*place.item());
+  switch (place.rule()) {
+    case Rule::bad_protocol:
+      return mend_protocol(place);
+    case Rule::bad_word:
+      return {switched_word(place)};
+    case Rule::bad_number:
+      return {fix_of_number(*key, place.value(), place.item()->value)};
+    default:
+      return {whole_value(place, Applicability::safe), key == nullptr ? "" : remedy_of_more(*key)};
+  }
+}
+
+Fix fix_of_item(const FaultPlace &place) {
+  switch (place.rule()) {
+    case Rule::comment_in_value:
+      return whole_value(place, Applicability::unsafe);
+    case Rule::missing_equal:
+      return with_equal(place);
+    case Rule::missing_value:
+    case Rule::empty_block:
+      return place.removal(place.item()->open);
+    case Rule::block_for_value:
+      return without_inner_parentheses(place);
+    case Rule::value_for_block:
+      return written_address_block(place);
+    default:
+      return {};
+  }
+}
+
+Mending mend_item(const FaultPlace &place) {
+  switch (place.rule()) {
+    case Rule::unquoted_value:
+    case Rule::bad_word:
+    case Rule::bad_number:
+    case Rule::bad_protocol:
+      return mend_refused_value(place);
+    default:
+      return {fix_of_item(place)};
+  }
 }
 
 }  // namespace
 
-bool has_unit(std::string_view value) {
-  const std::string_view digits = number_before_unit(value);
-  return !digits.empty() && unit_named(trimmed(value.substr(digits.size()))) != milliseconds();
-}
-
-void mend_value(const FaultPlace &place, Diagnosis &diagnosis) {
-  switch (diagnosis.rule) {
+Mending mend_value(const FaultPlace &place) {
+  switch (place.rule()) {
     case Rule::no_block:
-      diagnosis.fix = written_descriptor(place, diagnosis.at);
-      return;
+      return {written_descriptor(place)};
     case Rule::quoted_entry:
-      diagnosis.fix = without_quotes(place, diagnosis.at);
-      return;
+      return {without_quotes(place)};
     case Rule::unclosed_quote:
-      diagnosis.fix = closed_quote(place, diagnosis.at);
-      return;
-    case Rule::missing_key:
-      return mend_missing_key(place, diagnosis);
+      return {closed_quote(place)};
     default:
-      break;
-  }
-  if (place.item() == nullptr) return;
-  switch (diagnosis.rule) {
-    case Rule::unquoted_value:
-      return mend_unquoted_value(place, diagnosis);
-    case Rule::comment_in_value:
-      diagnosis.fix = whole_value(place, Applicability::unsafe);
-      return;
-    case Rule::bad_word:
-      if (!mend_joined_items(place, diagnosis)) diagnosis.fix = switched_word(place);
-      return;
-    case Rule::bad_number:
-      if (!mend_joined_items(place, diagnosis))
-        diagnosis.fix =
-            fix_of_number(*place.trace().row_of(*place.item()), place.value(), place.item()->value);
-      return;
-    case Rule::bad_protocol:
-      if (!mend_joined_items(place, diagnosis)) mend_protocol(place, diagnosis);
-      return;
-    case Rule::missing_equal:
-      diagnosis.fix = with_equal(place);
-      return;
-    case Rule::missing_value:
-    case Rule::empty_block:
-      diagnosis.fix = place.removal(place.item()->open);
-      return;
-    case Rule::block_for_value:
-      diagnosis.fix = without_inner_parentheses(place);
-      return;
-    case Rule::value_for_block:
-      diagnosis.fix = written_address_block(place);
-      return;
-    default:
-      return;
+      return place.item() == nullptr ? Mending() : mend_item(place);
   }
 }
 

@@ -5,9 +5,6 @@
 
 namespace kztns {
 
-void mend_value(const FaultPlace &place, Diagnosis &diagnosis);
-
-// Whether a value is a number with a unit of time after it, "90 ms".
-bool has_unit(std::string_view value);
+Mending mend_value(const FaultPlace &place);
 
 }  // namespace kztns

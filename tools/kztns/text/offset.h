@@ -13,6 +13,8 @@ using Offset = std::uint32_t;
 struct Span {
   Offset begin = 0;
   Offset end = 0;
+
+  bool empty() const { return begin >= end; }
 };
 
 // Of the line that a place is on: its line feed, or the end of the text.
