@@ -40,6 +40,18 @@ TEST(CommentOut, MakesCommentsOfWhatIsRefused) {
           entry("c"));
 }
 
+// The error of an entry without a block stands where the next entry begins, which has none.
+TEST(CommentOut, LeavesTheEntryAfterOneWithoutABlock) {
+  EXPECT_EQ(comment_out("a =\n" + entry("b") + entry("c")),
+            "# expected \"(\" after \"=\", found \"b\"; the 2 entries after it are lost: b, c "
+            "[no-block]\n# a =\n" +
+                entry("b") + entry("c"));
+  EXPECT_EQ(comment_out("IFILE =\n" + entry("b")),
+            "# IFILE is read as a name, and names no file; the entry after it is lost: b [ifile]\n"
+            "# IFILE =\n" +
+                entry("b"));
+}
+
 TEST(CommentOut, MakesCommentsOfStrayText) {
   EXPECT_EQ(
       comment_out(entry("a") + "stray text\n" + entry("b")),

@@ -261,6 +261,13 @@ std::vector<Row> value_rows() {
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
       {"no-block", Applicability::unsafe, "\"h:1/s\"",
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "tcp://h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "@//h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "db:thin:@h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::none, "u/p@//h:1/s", "u/p@//h:1/s"},
       {"no-block", Applicability::none, "h/s", "h/s"},
   };
 }
@@ -297,6 +304,8 @@ std::vector<Row> stray_rows() {
       unsafe("value-for-block", address + "(CONNECT_DATA={SID=s})", address + data),
       unsafe("value-for-block", "(ADDRESS_LIST=two " + address + ")" + data,
              "(ADDRESS_LIST=# two\n" + address + ")" + data),
+      unsafe("value-for-block", address + "(CONNECT_DATA=<br>\n(SID=s))",
+             address + "(CONNECT_DATA=# <br>\n(SID=s))"),
       // The word may be the host, the key of another block, or no item at all.
       none("value-for-block", "(ADDRESS=h (PORT=1))" + data),
       none("value-for-block", address + "(CONNECT_DATA=HOST=s)"),

@@ -121,3 +121,70 @@ TEST_F(FileRules, OfManyLinesThatAreNoValueEachIsReadOnce) {
     EXPECT_GE(kztns::check_once(names, {.file = "names"}).findings.size(), 1000u) << line;
   }
 }
+
+// It would be lost in a comment.
+TEST_F(FileRules, AnEntryThatIsWrittenOtherwiseStays) {
+  for (const std::string &stray :
+       {"export a='" + block + "'\n", "| a | " + block + " |\n",
+        "<e name=\"a\">" + block + "</e>\n", "a (test) = " + block + "\n",
+        "a (test) =\n  " + block + "\n", "=a =\n  " + block + "\n", block + "\n",
+        "a: |\n  " + block + "\n"}) {
+    EXPECT_EQ(left_by_mender(stray + entry("b"), true), stray + entry("b"));
+    EXPECT_NE(told(stray + entry("b")).find("1:1 stray-text: "), std::string::npos) << stray;
+  }
+}
+
+TEST_F(FileRules, SingleQuotesAroundAnEntryAreRemoved) {
+  for (const std::string &line :
+       {"a: '" + block + "'\n", "'a': '" + block + "',\n", "\"a\": \"" + block + "\"\n"})
+    EXPECT_EQ(left_by_mender(line + entry("b"), true), "a = " + block + "\n" + entry("b")) << line;
+  // One kind does not close the other.
+  const std::string mixed = "'a': '" + block + "\"\n";
+  EXPECT_EQ(left_by_mender(mixed + entry("b"), true), mixed + entry("b"));
+}
+
+TEST_F(FileRules, SignsOfMailsAndNumbersOfListsAreRemoved) {
+  EXPECT_EQ(left_by_mender(">> a =\n>>   " + block + "\n" + entry("b"), true),
+            "a =\n  " + block + "\n" + entry("b"));
+  EXPECT_EQ(left_by_mender(">> " + entry("a") + ">> " + entry("b"), true), entry("a") + entry("b"));
+  EXPECT_EQ(left_by_mender("1. a =\n  " + block + "\n2. b =\n  " + block + "\n", true),
+            "a =\n  " + block + "\nb =\n  " + block + "\n");
+}
+
+TEST_F(FileRules, SignsAreNoNames) {
+  EXPECT_EQ(left_by_mender(entry("a") + "},\n" + entry("b"), false),
+            entry("a") + "},\n" + entry("b"));
+  EXPECT_EQ(left_by_mender(entry("a") + "},\n" + entry("b"), true),
+            entry("a") + "# },\n" + entry("b"));
+  EXPECT_EQ(left_by_mender(entry("a") + "}, " + entry("b"), true), entry("a") + "}, " + entry("b"));
+}
+
+TEST_F(FileRules, ASemicolonAfterTheLastEntryIsAComment) {
+  EXPECT_EQ(left_by_mender("a = " + block + ";\nb = " + block + ";\n", false),
+            "a = " + block + "# ;\nb = " + block + "# ;\n");
+  EXPECT_EQ(told("a = " + block + ";\n"),
+            "1:" + std::to_string(5 + block.size()) +
+                " stray-text: \";\" at the end of the file is lost: no lookup gets past it\n");
+}
+
+TEST_F(FileRules, AnIfileThatNamesNoFileIsToldAtItsEqualSign) {
+  EXPECT_EQ(told("IFILE =\n" + entry("b")),
+            "1:7 ifile: IFILE is read as a name, and names no file; the entry after it is lost: "
+            "b\n");
+}
+
+TEST_F(FileRules, AFullWidthParenthesisIsReplacedWhereOneIsMissing) {
+  EXPECT_EQ(left_by_mender("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n"
+                           " \xEF\xBC\x88"
+                           "CONNECT_DATA = (SID = s)))\n",
+                           true),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n (CONNECT_DATA = (SID = s)))\n");
+}
+
+TEST_F(FileRules, ACommentForAValueIsToldAsThatAlone) {
+  EXPECT_EQ(told("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = #{port}))"
+                 "(CONNECT_DATA = (SID = s)))\n" +
+                 entry("b")),
+            "1:49 comment-in-value: this comment is where the value of PORT is expected, and hides "
+            "the \")\": found \"=\" at 2:3\n");
+}

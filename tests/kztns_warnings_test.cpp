@@ -54,9 +54,30 @@ TEST(Warnings, OfHostsThatNobodyFilledIn) {
         << host;
   for (const std::string host : {"\u201Cdb1\u201D", "\u2018db1\u2019"})
     EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"});
+  for (const std::string host : {"@@HOST@@", "$DB_HOST", "%HOST%", "[HOST]", "&lt;host", "a\\b"})
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
+        << host;
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=[fe80::1])(PORT=1))" + data), Rules{});
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=fe80::1%eth0)(PORT=1))" + data), Rules{});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=h\xC2\xA0i)(PORT=1))" + data), Rules{"odd-bytes"});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=\"h\xC2\xA0\")(PORT=1))" + data), Rules{});
+}
+
+TEST(Warnings, OfServicesThatNobodyFilledIn) {
+  const auto of_data = [](const std::string &item) {
+    return rules_of(address + "(CONNECT_DATA=(" + item + "))");
+  };
+  for (const char *const name : {"<s>", "{s}", "{{s}}", "${S}", "$(S)", "%S%", "@S@", "[S]"}) {
+    const std::string value = std::string(name).find('(') == std::string::npos
+                                  ? std::string(name)
+                                  : '"' + std::string(name) + '"';
+    EXPECT_EQ(of_data("SERVICE_NAME=" + value), Rules{"placeholder"}) << name;
+    EXPECT_EQ(of_data("SID=" + value), Rules{"placeholder"}) << name;
+  }
+  for (const char *const name : {"s$1", "s@t", "%s", "<>", "[]", "%%", "s%"})
+    EXPECT_EQ(of_data(std::string("SERVICE_NAME=") + name), Rules{}) << name;
+  EXPECT_EQ(of_data("SID=s)(KZ_USER_EXTRA_INFO=<x>"), Rules{});
 }
 
 TEST(Warnings, OfHostsThatAreNone) {

@@ -18,8 +18,26 @@ constexpr sb8 largest_port = 65535;  // TCP's
 
 // Of templates and paths, what separates values elsewhere, and quotes that quote nothing here: the
 // last four are those of word processors.
-constexpr std::string_view not_of_hosts[] = {"<", ">", "/",      "{",      "}",      ",",
-                                             ";", "'", "\u2018", "\u2019", "\u201C", "\u201D"};
+constexpr std::string_view not_of_hosts[] = {"<",      ">",      "/",      "\\",    "{", "}",
+                                             "$",      "@",      "&",      ",",     ";", "'",
+                                             "\u2018", "\u2019", "\u201C", "\u201D"};
+
+// What templates put around the name of a value.
+constexpr std::pair<std::string_view, std::string_view> marks_of_templates[] = {
+    {"<", ">"}, {"{", "}"}, {"${", "}"}, {"%", "%"}, {"@", "@"}, {"[", "]"}, {"$(", ")"}};
+
+bool is_template(std::string_view value) {
+  return std::any_of(std::begin(marks_of_templates), std::end(marks_of_templates),
+                     [&](const auto &marks) {
+                       return value.size() > marks.first.size() + marks.second.size() &&
+                              value.starts_with(marks.first) && value.ends_with(marks.second);
+                     });
+}
+
+// An address of the sixth version of the protocol is in brackets in URLs.
+bool is_template_of_host(std::string_view host) {
+  return is_template(host) && host.find(':') == host.npos;
+}
 
 std::optional<sb8> number(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -159,12 +177,17 @@ class EntryWarnings {
   }
 
   void check_placeholder(const Item &item, const Key &) {
-    if (item.type != LB_HOST) return;
+    if (item.type == LB_HOST) return check_host(item);
+    if ((item.type == LB_SERVICE_NAME || item.type == LB_SID) && is_template(trace_.value_of(item)))
+      add(Rule::placeholder, item, value_of(item) + ", a placeholder", "write the service's name");
+  }
+
+  void check_host(const Item &item) {
     const std::string_view host = trace_.value_of(item);
     const bool is_odd =
         std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
                     [&](std::string_view sign) { return host.find(sign) != host.npos; });
-    if (is_odd || is_bad_address(host) || port_in(host))
+    if (is_odd || is_template_of_host(host) || is_bad_address(host) || port_in(host))
       add(Rule::placeholder, item, value_of(item) + ", no name of a host",
           port_in(host) ? "write the port as (PORT = " + std::string(*port_in(host)) + ")" : "");
   }

@@ -9,6 +9,7 @@
 #include "rules/diagnosis.h"
 #include "rules/parentheses.h"
 #include "scan/item_text.h"
+#include "scan/stray_text.h"
 #include "text/utf_16.h"
 #include "text/words.h"
 
@@ -135,11 +136,20 @@ class FileRules {
     const bool between_entries = cause.rule == Rule::extra_close && cause.at == stop.at;
     if (!fix && !between_entries) fix = cause.fix;
     if (!fix) fix = fix_of_stop(scan_, stop, cause.rule, cause.at);
+    if (!fix && cause.rule == Rule::stray_text && cause.remedy.empty())
+      cause.remedy = remedy_of_stray_text(cause.at);
     return {.at = cause.at,
             .entry = entry == nullptr ? name_without_block(stop, cause.rule) : scan_.name(*entry),
             .text = std::move(cause.text),
             .remedy = std::move(cause.remedy),
             .fix = std::move(fix)};
+  }
+
+  // Empty: the rule's own.
+  std::string remedy_of_stray_text(Offset at) const {
+    const std::string_view text = text_.text();
+    const Offset end = end_of_stray_text(text, at, scan_.next_entry(at));
+    return may_be_entry(text, {at, end}) ? "write NAME = (DESCRIPTION = ...)" : "";
   }
 
   // The entry that a stop is about, if it is about one.

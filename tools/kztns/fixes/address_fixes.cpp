@@ -24,6 +24,17 @@ std::string written_address(std::string_view host, std::string_view port) {
   return "(HOST = " + std::string(host) + ")(PORT = " + std::string(port) + ")";
 }
 
+// The length of what URLs have before the host: a driver and its "@", a protocol, "//". What may be
+// a user before the "@" is none.
+std::size_t prefix_of_address(std::string_view word) {
+  const std::size_t sign = word.find('@');
+  const bool has_driver = sign == 0 || (sign != word.npos && word[sign - 1] == ':');
+  std::size_t length = has_driver ? sign + 1 : 0;
+  if (word.substr(length).starts_with("tcp:")) length += 4;
+  if (word.substr(length).starts_with("//")) length += 2;
+  return length;
+}
+
 // Whether a value without a block ends at a place: more on its line, or a block after it,
 // is not understood.
 bool ends_value(std::string_view text, Offset at) {
@@ -62,7 +73,7 @@ Fix written_descriptor(const FaultPlace &place) {
   if (!ends_value(place.text(), end)) return {};
   if (word.size() > 2 && word.starts_with('"') && word.ends_with('"'))
     word = word.substr(1, word.size() - 2);
-  if (word.starts_with("//")) word.remove_prefix(2);
+  word.remove_prefix(prefix_of_address(word));
   // The service comes after a slash, a SID after another colon.
   const bool has_slash = word.find('/') != std::string_view::npos;
   const std::size_t sign = has_slash ? word.find('/') : word.rfind(':');

@@ -37,6 +37,12 @@ std::vector<Edit> comment_lines(std::string_view text, Offset begin, Offset end)
   return edits;
 }
 
+// Makes a comment of text that is no entry.
+Fix commented(std::string_view text, Span span) {
+  if (may_be_entry(text, span)) return {};
+  return unsafe_fix(comment_lines(text, span.begin, span.end));
+}
+
 // "(NAME = (DESCRIPTION = ...))"
 Fix without_parentheses_of_entry(std::string_view text, Offset open) {
   const std::optional<WrittenItem> entry = item_at(text, open);
@@ -110,7 +116,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const Offset end = end_of_stray_text(text, at, limit);
   // The entry that begins on the same line would become a comment, too.
   if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
-  return unsafe_fix(comment_lines(text, at, end == limit ? std::min(line_end, limit) : end));
+  return commented(text, {at, end == limit ? std::min(line_end, limit) : end});
 }
 
 // Of lines that are quoted from a mail, or numbered.
@@ -225,7 +231,7 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at) {
     case Rule::odd_bytes:
       return stop.name == at ? fix_of_invisible(text, at, end_of_word(text, at)) : Fix{};
     case Rule::lost_name:
-      return unsafe_fix(comment_lines(text, at, scan.text().size()));
+      return commented(text, {at, scan.text().size()});
     default:
       return {};
   }

@@ -188,15 +188,20 @@ bool is_salutation(std::string_view text, Offset at) {
          !key_after(text, after);
 }
 
-// The end of the first name where a blank line follows: "Regards," is no name of the entry after
-// it.
-std::optional<Offset> end_before_gap(std::string_view text, const NameList &list) {
+bool is_signs(std::string_view text, Span name) {
+  return !has_word_character(text.substr(name.begin, name.end - name.begin));
+}
+
+// The end of the first name where it is none of the entry after it: signs alone on their line, as
+// other notations leave them, and "Regards," before a blank line.
+std::optional<Offset> end_of_no_name(std::string_view text, const NameList &list) {
   if (list.names.size() < 2) return std::nullopt;
   const Offset next = list.names[1].begin;
   const Offset end = list.names[0].end;
   const Offset line = std::min(end_of_line(text, end), next);
-  const bool gap = line < next && after_blank_lines(text, line + 1) > line + 1;
-  return gap ? std::optional(end) : std::nullopt;
+  if (line == next) return std::nullopt;
+  const bool gap = after_blank_lines(text, line + 1) > line + 1;
+  return gap || is_signs(text, list.names[0]) ? std::optional(end) : std::nullopt;
 }
 
 // Leaves one name of the list, and its comments.
@@ -224,7 +229,7 @@ Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_list(text, at);
   if (!list) return is_salutation(text, at) ? fix_of_lines(text, at, end_of_line(text, at)) : Fix();
-  if (const auto end = end_before_gap(text, *list)) return fix_of_lines(text, at, *end);
+  if (const auto end = end_of_no_name(text, *list)) return fix_of_lines(text, at, *end);
   const Offset limit = scan_.next_entry(list->equal);
   const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
   const auto after = end ? end_with_line(text, *end) : std::nullopt;
@@ -232,7 +237,10 @@ Fix NameLists::split(Offset at) {
   std::erase_if(names, [&](Span name) {
     return last_of(text.substr(name.begin, name.end - name.begin)) > list->equal;
   });
-  if (!after || names.empty() || names.size() * (*end - list->equal) > most_copied) return {};
+  const bool all_names =
+      std::none_of(names.begin(), names.end(), [&](Span name) { return is_signs(text, name); });
+  if (!after || !all_names || names.empty() || names.size() * (*end - list->equal) > most_copied)
+    return {};
   std::vector<Edit> edits = leave_name(text, *list, names.front());
   const Offset to = *after;
   const std::string feed(line_feed_of(text));

@@ -14,8 +14,7 @@ struct Brackets {
   std::string_view close;
 };
 
-constexpr Brackets other_brackets[] = {
-    {"{", "}"}, {"[", "]"}, {"\xEF\xBC\x88", "\xEF\xBC\x89"}};  // the last ones are full-width
+constexpr Brackets other_brackets[] = {{"{", "}"}, {"[", "]"}, {full_width_open, full_width_close}};
 
 // Whether the word at a place ends a line on which a shell would go on.
 bool is_continuation(const FaultPlace &place, Span word) {

@@ -1,12 +1,9 @@
 #include "fixes/stray_fixes.h"
 
-#include <algorithm>
-
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "fixes/sign_fixes.h"
-#include "kzoci/platform/letter_case.h"
 #include "scan/item_words.h"
 #include "scan/stray_text.h"
 #include "scan/tokens.h"
@@ -138,12 +135,6 @@ std::optional<Mending> mend_remark_after_item(const FaultPlace &place) {
   return Mending{place.commented_out(*item), remedy_of_comment(place.slice({at, item->end}))};
 }
 
-// Signs alone say nothing.
-bool is_of_word(char c) {
-  const char capital = kzoci::capital(c);
-  return is_digit(c) || ('A' <= capital && capital <= 'Z') || (c & 0x80) != 0;
-}
-
 // Whether a comment of other readers begins at the fault.
 bool is_comment(const FaultPlace &place) {
   const std::string_view text = place.text().substr(place.fault().at);
@@ -164,8 +155,10 @@ bool has_key(const FaultPlace &place, Span words) {
 // item they may be its value, "(ADDRESS = h (", and in an address its host or port.
 bool are_no_item(const FaultPlace &place, Span words) {
   if (!place.is_after_item()) {
-    const Span key = place.word_at(place.after_blanks(words.end + 1));
-    if (!place.has_sign(words.end, '(') || !opens_block(item_word(place.slice(key)))) return false;
+    const ItemWord key = item_word(place.slice(place.word_at(place.after_blanks(words.end + 1))));
+    const bool in_data = place.item() != nullptr && place.item()->type == LB_CONNECT_DATA;
+    const bool is_item = opens_block(key) || (key && in_data);
+    if (!place.has_sign(words.end, '(') || !is_item) return false;
   }
   return !has_key(place, words) && !is_comment(place) &&
          !(place.is_after_item() && lacks_host_or_port(place));
@@ -186,7 +179,7 @@ std::optional<Mending> mend_words(const FaultPlace &place) {
   // "db:@(DESCRIPTION": no words, but another notation.
   const bool touches_block =
       place.is_before_blocks() && before_item && !is_blank(place.text()[span.end - 1]);
-  if (touches_block || std::none_of(words.begin(), words.end(), is_of_word))
+  if (touches_block || !has_word_character(words))
     return Mending{unsafe_fix({{at, span.end, {}}}), remedy_of_removal(words)};
   return Mending{fix_of_part(place.text(), at, at + static_cast<Offset>(words.size())),
                  remedy_of_comment(words)};

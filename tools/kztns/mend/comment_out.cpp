@@ -51,8 +51,9 @@ class Unserved {
     for (const Entry &entry : scan_.entries()) starts_[scan_.name(entry)].push_back(entry.at);
     for (const Finding &finding : mender.report().findings) {
       if (finding.severity != Severity::error || is_lost_elsewhere(finding)) continue;
-      errors_.push_back(&finding);
-      if (const auto start = start_of_named(finding)) of_entries_.emplace(*start, &finding);
+      const std::optional<Offset> start = start_of_named(finding);
+      errors_.push_back({&finding, start.value_or(finding.at)});
+      if (start) of_entries_.emplace(*start, &finding);
     }
   }
 
@@ -100,6 +101,11 @@ class Unserved {
   }
 
  private:
+  struct Error {
+    const Finding *finding;
+    Offset about;  // where the entry that it names begins, or its own place
+  };
+
   static bool is_unserved(const Entry &entry) {
     return entry.verdict == Verdict::unreachable ||
            (!entry.built && entry.verdict != Verdict::reserved);
@@ -136,12 +142,15 @@ class Unserved {
     return before == nullptr ? nullptr : first_error(before->at, begin);
   }
 
-  // Null for none. An entry that goes on into what comes after its part has its error there.
+  // Null for none. An entry that goes on into what comes after its part has its error there, which
+  // is not that of what it goes on into.
   const Finding *first_error(Offset begin, Offset end) const {
-    const auto first =
-        std::lower_bound(errors_.begin(), errors_.end(), begin,
-                         [](const Finding *finding, Offset place) { return finding->at < place; });
-    const Finding *const within = first != errors_.end() && (*first)->at < end ? *first : nullptr;
+    auto first = std::lower_bound(
+        errors_.begin(), errors_.end(), begin,
+        [](const Error &error, Offset place) { return error.finding->at < place; });
+    while (first != errors_.end() && first->finding->at < end && first->about < begin) ++first;
+    const bool is_within = first != errors_.end() && first->finding->at < end;
+    const Finding *const within = is_within ? first->finding : nullptr;
     const auto found = of_entries_.find(begin);
     if (found == of_entries_.end()) return within;
     return within != nullptr && within->at <= found->second->at ? within : found->second;
@@ -159,7 +168,7 @@ class Unserved {
   std::string_view text_;
   FileScan scan_;
   std::unordered_map<std::string_view, std::vector<Offset>> starts_;  // of entries, by their names
-  std::vector<const Finding *> errors_;                               // in the order of the text
+  std::vector<Error> errors_;                                         // in the order of the text
   std::unordered_map<Offset, const Finding *> of_entries_;  // the first error that names an entry
 };
 

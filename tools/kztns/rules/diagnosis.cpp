@@ -100,6 +100,9 @@ class FaultExplainer {
   Diagnosis no_block() const {
     if (fault_.at >= text().size())
       return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
+    if (equal_but_for_case(name_, "IFILE") && begins_line(text(), fault_.at))
+      return found_at(Rule::ifile, static_cast<Offset>(text().rfind('=', fault_.at - 1)),
+                      "IFILE is read as a name, and names no file", "remove its line");
     if (equal_but_for_case(name_, "IFILE"))
       return found(Rule::ifile, "IFILE is read as a name: included files are not supported");
     const std::string_view odd = odd_character(text().substr(fault_.at, 4));
@@ -119,6 +122,18 @@ class FaultExplainer {
     const auto hidden = find_hidden(text(), item()->value.end, fault_.at, ')');
     if (!hidden || !hidden->in_comment) return std::nullopt;
     return static_cast<Offset>(text().find('#', item()->value.end));
+  }
+
+  // A comment where the value is due, "(PORT = #{port}))", which hides a ")" that is not its own.
+  std::optional<Offset> comment_for_value() const {
+    const std::size_t comment = text().find('#', item()->key.end);
+    if (!item()->has_value || comment >= item()->value.begin) return std::nullopt;
+    const auto begin = static_cast<Offset>(comment);
+    const Offset end = end_of_comment(text(), begin);
+    std::int64_t depth = 0;
+    for (Offset at = begin; at < end && depth >= 0; ++at)
+      depth += text()[at] == '(' ? 1 : text()[at] == ')' ? -1 : 0;
+    return depth < 0 ? std::optional(begin) : std::nullopt;
   }
 
   Diagnosis comment_in_value(Offset at) const {
@@ -163,6 +178,12 @@ class FaultExplainer {
   Diagnosis value_goes_on() const {
     if (item() != nullptr && item()->text_length >= longest_token)
       return cut(item()->value, "the value of " + key());
+    if (item() != nullptr)
+      if (const auto comment = comment_for_value())
+        return found_at(Rule::comment_in_value, *comment,
+                        "this comment is where the value of " + key() +
+                            " is expected, and hides the \")\": found " + met() + " at " +
+                            subject_.text.place(fault_.at));
     if (const auto comment = hiding_comment()) return comment_in_value(*comment);
     if (item() != nullptr)
       if (auto quote = quote_closed_late(item()->value.begin, item()->value.end))

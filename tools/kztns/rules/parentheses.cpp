@@ -34,7 +34,7 @@ class ParenthesisExplainer {
                 path(),
                 "expected \"(\" before " + word(at_),
                 {},
-                unsafe_fix({{at_.at, at_.at, "("}})};
+                unsafe_fix({{at_.at, after_full_width_open(), "("}})};
       case ParenthesisEdit::remove_close:
         return surplus(Rule::extra_close, "unmatched \")\"");
       default:
@@ -47,6 +47,12 @@ class ParenthesisExplainer {
     return std::string_view(text_.text()).substr(token.at, token.end - token.at);
   }
   std::string word(const EntryToken &token) const { return excerpt(slice(token)); }
+
+  // Where the word at fault goes on after a full-width parenthesis, which is none here.
+  Offset after_full_width_open() const {
+    const bool has_one = slice(at_).starts_with(full_width_open);
+    return at_.at + (has_one ? static_cast<Offset>(full_width_open.size()) : 0);
+  }
 
   // The key of the item that a "(" begins; null for none.
   const EntryToken *key_of(std::size_t open) const {

@@ -54,6 +54,14 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 
 }  // namespace
 
+bool is_named_in_comment(std::string_view text, Offset at) {
+  const std::size_t last = text.substr(0, at).find_last_not_of(blanks);
+  if (last == std::string_view::npos || !begins_line(text, at)) return false;
+  const auto end = static_cast<Offset>(last + 1);
+  const std::size_t begin = text.find_first_not_of(" \t", text.substr(0, end).rfind('\n') + 1);
+  return text[begin] == '#' && name_in(text, static_cast<Offset>(begin), end).has_value();
+}
+
 std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {
   if (rest >= text.size()) return std::nullopt;
   Offset end = text[rest] == '(' ? end_of_items(text, rest).value_or(rest) : rest;

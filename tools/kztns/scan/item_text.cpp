@@ -78,6 +78,12 @@ ItemWord key_after(std::string_view text, Offset open) {
   return item_word(text.substr(begin, end - begin));
 }
 
+bool holds_description(std::string_view text) {
+  for (std::size_t open = text.find('('); open != text.npos; open = text.find('(', open + 1))
+    if (key_after(text, static_cast<Offset>(open)).type == LB_DESCRIPTION) return true;
+  return false;
+}
+
 std::optional<Span> item_to_remove(std::string_view text, Offset open) {
   std::optional<Offset> end = end_of_item(text, open);
   for (std::optional<Offset> block;

@@ -27,6 +27,9 @@ Offset counted_end(std::string_view text, Offset from, Offset limit);
 // The key of the item that begins at a place; none where something else begins.
 ItemWord key_after(std::string_view text, Offset open);
 
+// Whether a DESCRIPTION block begins in a text.
+bool holds_description(std::string_view text);
+
 // What to remove so that the item that begins at open is gone: the item or, when the
 // block around it has no other one, that block, and the blanks before it on its line.
 // Absent when nothing would be left.

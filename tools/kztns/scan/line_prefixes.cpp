@@ -28,9 +28,10 @@ class Prefixes {
 
   // That of a line, if it goes on with those before.
   std::optional<Span> next(Offset at) {
-    Offset end = at + 1;
+    Offset end = at;
     if (quoted_) {
-      if (text_[at] != '>' || (end < text_.size() && !is_blank(text_[end]))) return std::nullopt;
+      while (end < text_.size() && text_[end] == '>') ++end;
+      if (end == at || (end < text_.size() && !is_blank(text_[end]))) return std::nullopt;
     } else {
       const auto number = number_at(text_, at, end);
       if (!number || (due_ >= 0 && *number != due_)) return std::nullopt;
@@ -40,8 +41,9 @@ class Prefixes {
     return Span{at, end + (blank ? 1 : 0)};
   }
 
-  // Whether a line without one is the rest of a quoted one: mails wrap them.
-  bool is_wrapped() const { return quoted_ && depth_ > 0; }
+  // Whether a line without one goes on with those before: mails wrap lines, and lists number
+  // entries.
+  bool goes_on(char first) const { return quoted_ ? depth_ > 0 : first == '(' || first == ')'; }
 
   void pass(std::string_view line) {
     for (const char c : line) depth_ += c == '(' ? 1 : c == ')' ? -1 : 0;
@@ -71,7 +73,7 @@ std::vector<Span> line_prefixes(std::string_view text, Offset at) {
     const std::size_t first = text.find_first_not_of(" \t", line);
     if (first == std::string_view::npos) break;
     const auto prefix = prefixes.next(static_cast<Offset>(first));
-    if (!prefix && !prefixes.is_wrapped()) break;
+    if (!prefix && !prefixes.goes_on(text[first])) break;
     const Offset next_line = end_of_line(text, static_cast<Offset>(first));
     prefixes.pass(text.substr(first, next_line - first));
     line = next_line + std::size_t{1};

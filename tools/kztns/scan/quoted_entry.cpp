@@ -11,7 +11,7 @@ namespace kztns {
 namespace {
 
 // What ends a name in other notations, too.
-constexpr std::string_view name_ends = " \t\r\n()=\":,;#";
+constexpr std::string_view name_ends = " \t\r\n()=\"':,;#";
 
 // Reads the characters of one line.
 class Line {
@@ -26,6 +26,9 @@ class Line {
     ++at_;
     return true;
   }
+
+  // Which quote it was; a zero byte for none.
+  char take_quote() { return take('"') ? '"' : take('\'') ? '\'' : '\0'; }
 
   void pass_blanks() {
     while (!rest().empty() && is_blank(text_[at_])) ++at_;
@@ -64,17 +67,17 @@ class Line {
 
 std::optional<QuotedEntry> quoted_entry_at(std::string_view text, Offset at) {
   Line line(text, at);
-  const bool name_quoted = line.take('"');
+  const char name_quote = line.take_quote();
   const Span name = line.take_name();
-  const bool name_closed = name_quoted && line.take('"');
+  const bool is_open = name_quote != '\0' && !line.take(name_quote);
   line.pass_blanks();
   if (name.begin == name.end || !line.take_equal()) return std::nullopt;
   line.pass_blanks();
-  const bool value_quoted = line.take('"');
+  const char value_quote = line.take_quote();
   const auto value = line.take_block();
   // All that is opened is closed, and something is.
-  if (!value || (name_quoted && !name_closed) == value_quoted || !line.take('"'))
-    return std::nullopt;
+  const char open_quote = is_open ? name_quote : value_quote;
+  if (!value || is_open == (value_quote != '\0') || !line.take(open_quote)) return std::nullopt;
   if (!line.take(',')) line.take(';');
   QuotedEntry entry = {name, *value, line.at()};
   line.pass_blanks();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "scan/half_comment.h"
 #include "scan/item_text.h"
 #include "text/characters.h"
 #include "text/words.h"
@@ -57,6 +58,12 @@ Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
     from = end + 1;
   }
   return limit;
+}
+
+bool may_be_entry(std::string_view text, Span span) {
+  const bool has_description = holds_description(text.substr(span.begin, span.end - span.begin)) ||
+                               key_after(text, pass_blanks(text, span.end)).type == LB_DESCRIPTION;
+  return has_description && !is_named_in_comment(text, span.begin);
 }
 
 Offset end_of_bare_value(std::string_view text, Offset at) {

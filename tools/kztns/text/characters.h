@@ -12,6 +12,8 @@ inline constexpr std::string_view blanks_of_line = " \t\r";
 inline constexpr std::string_view word_ends = " \t\r\n()=";
 
 inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+inline constexpr std::string_view full_width_open = "\xEF\xBC\x88";
+inline constexpr std::string_view full_width_close = "\xEF\xBC\x89";
 inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
 
 // Written out: it is asked of every character.
@@ -20,6 +22,14 @@ inline bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 // What no one writes in a name or a key.
 inline bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+// Whether more than signs is in a text: letters, digits, or what is beyond ASCII.
+inline bool has_word_character(std::string_view text) {
+  for (const char c : text)
+    if (is_digit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c & 0x80) != 0)
+      return true;
+  return false;
+}
 
 // Whether nothing but blanks is before a place on its line.
 inline bool begins_line(std::string_view text, std::size_t at) {
