@@ -48,7 +48,7 @@ class EntryChecker : public EntryVisitor {
   void progress(Offset at) override { request_.progress(at); }
 
   // The finding about the last entry, when its fault ends the lookups too.
-  const std::optional<StopCause> &reported_stop() const { return reported_stop_; }
+  const std::optional<Diagnosis> &reported_stop() const { return reported_stop_; }
 
   // Where what ends lookups is told with the entry before: what comes after parentheses that match
   // too early, items outside of a description, what is left of other entries.
@@ -179,7 +179,7 @@ class EntryChecker : public EntryVisitor {
   Findings &findings_;
   EntryFaults faults_;
   Offset list_ = 0;  // the body of the last list of names
-  std::optional<StopCause> reported_stop_;
+  std::optional<Diagnosis> reported_stop_;
   std::vector<Span> told_ranges_;
 };
 

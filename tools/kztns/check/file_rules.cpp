@@ -18,7 +18,7 @@ namespace {
 
 class FileRules {
  public:
-  FileRules(const FileScan &scan, const std::optional<StopCause> &reported,
+  FileRules(const FileScan &scan, const std::optional<Diagnosis> &reported,
             std::vector<Span> told_ranges, Findings &findings)
       : text_(scan.text()),
         scan_(scan),
@@ -78,7 +78,7 @@ class FileRules {
         findings_.append(reported_->rule, reported_->at, "; " + words);
       return;
     }
-    StopCause cause = cause_of_stop(scan_);
+    Diagnosis cause = cause_of_stop(scan_);
     if (is_parenthesis(cause.rule) && !scan_.skip_mismatches().empty()) return;
     if (cause.rule == Rule::second_block && ends_file(lost)) return;
     const Lost names = names_of_list(scan_, cause.at);
@@ -89,7 +89,7 @@ class FileRules {
     report_cause(scan_.stop(), std::move(cause));
   }
 
-  static const char *separator(const Stop &stop, const StopCause &cause) {
+  static const char *separator(const Stop &stop, const Diagnosis &cause) {
     if (stop.kind == StopKind::no_open) return "; ";  // as after the finding of an entry
     return cause.text.find(": ") == std::string::npos && !is_parenthesis(cause.rule) ? ": " : "; ";
   }
@@ -108,7 +108,7 @@ class FileRules {
 
   void report_further_stop(const Stop &stop) {
     if (is_told(stop.at)) return;
-    StopCause cause = cause_of_further_stop(scan_, stop);
+    Diagnosis cause = cause_of_further_stop(scan_, stop);
     const Lost names = names_of_list(scan_, cause.at);
     if (names.count() > 0)
       cause.text += ": no lookup finds " + names.names(scan_);
@@ -118,12 +118,12 @@ class FileRules {
   }
 
   // What is told of as an entry's fault is not told of again.
-  void report_cause(const Stop &stop, StopCause cause) {
+  void report_cause(const Stop &stop, Diagnosis cause) {
     if (findings_.has(cause.rule, cause.at)) return;
     findings_.add(cause.rule, [&] { return finding_of(stop, std::move(cause)); });
   }
 
-  NewFinding finding_of(const Stop &stop, StopCause cause) {
+  NewFinding finding_of(const Stop &stop, Diagnosis cause) {
     const Entry *const entry = entry_of(cause);
     Fix fix = cause.rule == Rule::comma_list ? lists_.split(cause.at) : Fix{};
     const bool is_no_name =
@@ -153,7 +153,7 @@ class FileRules {
   }
 
   // The entry that a stop is about, if it is about one.
-  const Entry *entry_of(const StopCause &cause) const {
+  const Entry *entry_of(const Diagnosis &cause) const {
     const bool in_entry = is_parenthesis(cause.rule) || cause.rule == Rule::second_block;
     return in_entry ? scan_.entry_at_or_before(cause.at) : nullptr;
   }
@@ -264,7 +264,7 @@ class FileRules {
 
   const NamesText &text_;
   const FileScan &scan_;
-  const std::optional<StopCause> &reported_;
+  const std::optional<Diagnosis> &reported_;
   std::vector<Span> told_ranges_;
   Findings &findings_;
   NameLists lists_;
@@ -273,7 +273,7 @@ class FileRules {
 
 }  // namespace
 
-void apply_file_rules(const FileScan &scan, const std::optional<StopCause> &reported,
+void apply_file_rules(const FileScan &scan, const std::optional<Diagnosis> &reported,
                       std::vector<Span> told_ranges, Findings &findings) {
   FileRules(scan, reported, std::move(told_ranges), findings).report();
 }

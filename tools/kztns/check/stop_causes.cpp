@@ -17,7 +17,7 @@
 namespace kztns {
 namespace {
 
-StopCause found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
+Diagnosis found_parenthesis(const HiddenParenthesis &hidden, std::string_view consequence) {
   const char *const where = hidden.in_comment ? "comment" : "quotes";
   return {hidden.in_comment ? Rule::paren_in_comment : Rule::paren_in_quotes, hidden.at,
           "lookups of later names count this parenthesis, although it is in " +
@@ -36,7 +36,7 @@ class StopExplainer {
   StopExplainer(const FileScan &scan, const Stop &stop)
       : subject_{scan.text(), "file"}, scan_(scan), stop_(stop) {}
 
-  StopCause explain() const {
+  Diagnosis explain() const {
     if (auto cause = led_astray()) return *std::move(cause);
     if (stop_.kind == StopKind::no_name) {
       if (auto fault = parenthesis_fault()) return *std::move(fault);
@@ -56,7 +56,7 @@ class StopExplainer {
   }
 
   // What stands before a further stop is passed over rightly.
-  StopCause explain_further() const {
+  Diagnosis explain_further() const {
     switch (stop_.kind) {
       case StopKind::no_name:
         return no_name();
@@ -82,7 +82,7 @@ class StopExplainer {
   std::string_view text() const { return subject_.text.text(); }
 
   // The parenthesis through which lookups look for a name within an entry.
-  std::optional<StopCause> led_astray() const {
+  std::optional<Diagnosis> led_astray() const {
     for (const SkipMismatch &mismatch : scan_.skip_mismatches())
       if (mismatch.reached && mismatch.passed_to <= stop_.at && stop_.at < mismatch.built_to)
         return cause_of_skip_mismatch(subject_.text, mismatch);
@@ -90,17 +90,17 @@ class StopExplainer {
   }
 
   // What makes the entry before end too early.
-  std::optional<StopCause> parenthesis_fault() const {
+  std::optional<Diagnosis> parenthesis_fault() const {
     const Entry *const entry = scan_.last_reached();
     if (entry == nullptr) return std::nullopt;
     const EntryRange range = EntryRanges(subject_.text).range_of(entry->body);
     auto fault = find_parenthesis_fault(subject_, range, scan_.name(*entry));
     if (!fault || !closes_early(fault->rule) || fault->at > stop_.at) return std::nullopt;
-    return StopCause{fault->rule, fault->at, std::move(fault->text), std::move(fault->remedy),
+    return Diagnosis{fault->rule, fault->at, std::move(fault->text), std::move(fault->remedy),
                      std::move(fault->fix)};
   }
 
-  std::optional<StopCause> hidden_parenthesis() const {
+  std::optional<Diagnosis> hidden_parenthesis() const {
     const Entry *const entry = scan_.last_reached();
     if (entry == nullptr) return std::nullopt;
     const auto hidden = find_hidden(text(), entry->body, stop_.at, ')');
@@ -130,19 +130,19 @@ class StopExplainer {
            placement_of(key, content_of(Block::system_variables)).fit == Fit::good;
   }
 
-  StopCause no_name() const {
+  Diagnosis no_name() const {
     if (stop_.met == TNS_RIGHT_PARENTHESES) return {Rule::extra_close, stop_.at, "unmatched \")\""};
     return {Rule::stray_text, stop_.at,
             "expected a name, found " + quoted_token(subject_, stop_.at)};
   }
 
-  StopCause after_block() const {
+  Diagnosis after_block() const {
     const Entry &entry = *scan_.entry_at_or_before(stop_.at);
     if (!begins_block(stop_.at) && !(entry.built && entry.end > stop_.at)) return no_name();
     return {Rule::second_block, stop_.at, "second block of " + excerpt(scan_.name(entry))};
   }
 
-  StopCause no_equal() const {
+  Diagnosis no_equal() const {
     if (stop_.name == 0 && text().starts_with(byte_order_mark))
       return {Rule::byte_order_mark, 0, "the byte order mark is read as part of the first name"};
     const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
@@ -162,7 +162,7 @@ class StopExplainer {
   }
 
   // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION", "NAME - (DESCRIPTION" and "NAME: (DESCRIPTION".
-  std::optional<StopCause> colon_after_name() const {
+  std::optional<Diagnosis> colon_after_name() const {
     Offset name_end = end_of_word(text(), stop_.name);
     Offset colon = pass_blanks(text(), name_end);
     if (name_end > stop_.name + 1 && text()[name_end - 1] == ':') colon = --name_end;
@@ -171,7 +171,7 @@ class StopExplainer {
     const Offset end = end_of_foreign_equal(text(), colon);
     const Offset open = pass_blanks(text(), end);
     if (open >= text().size() || text()[open] != '(' || !begins_block(open)) return std::nullopt;
-    return StopCause{Rule::missing_equal, colon,
+    return Diagnosis{Rule::missing_equal, colon,
                      "expected \"=\" after the name " +
                          quoted(excerpt(text().substr(stop_.name, name_end - stop_.name))) +
                          ", found " + quoted(text().substr(colon, end - colon)),
@@ -190,18 +190,18 @@ class StopExplainer {
     return any && word.empty();
   }
 
-  StopCause invisible() const {
+  Diagnosis invisible() const {
     return {Rule::odd_bytes, stop_.name,
             "the invisible character " + visible(odd_character(text().substr(stop_.name, 4))) +
                 " is read as a name"};
   }
 
-  StopCause foreign_comment() const {
+  Diagnosis foreign_comment() const {
     return {Rule::stray_text, stop_.name,
             quoted_token(subject_, stop_.name) + " is read as a name"};
   }
 
-  StopCause no_open() const {
+  Diagnosis no_open() const {
     const Offset name_end = end_of_word(text(), stop_.name);
     const Offset equal = pass_blanks(text(), name_end);
     const std::string_view name = text().substr(stop_.name, name_end - stop_.name);
@@ -210,12 +210,10 @@ class StopExplainer {
     build_entry(subject_.text.text(), equal + 1, name, trace);
     Subject subject = subject_;
     subject.end = end_of_bare_value(text(), stop_.at);
-    Diagnosis found = diagnose_with_fix(subject, trace, name);
-    return {found.rule, found.at, std::move(found.text), std::move(found.remedy),
-            std::move(found.fix)};
+    return diagnose_with_fix(subject, trace, name);
   }
 
-  StopCause lost_name() const {
+  Diagnosis lost_name() const {
     const auto quote = open_quote(text(), stop_.name, subject_.text.size());
     if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
     if (is_invisible(stop_.name)) return invisible();
@@ -225,7 +223,7 @@ class StopExplainer {
             quoted_token(subject_, stop_.name) + " at the end of the file is lost"};
   }
 
-  StopCause at_entry() const {
+  Diagnosis at_entry() const {
     const Entry &entry = *scan_.last_reached();
     const std::string name = excerpt(scan_.name(entry));
     if (stop_.kind == StopKind::reserved)
@@ -262,13 +260,13 @@ bool goes_on_with_loss(Rule rule) {
   }
 }
 
-StopCause cause_of_stop(const FileScan &scan) { return StopExplainer(scan, scan.stop()).explain(); }
+Diagnosis cause_of_stop(const FileScan &scan) { return StopExplainer(scan, scan.stop()).explain(); }
 
-StopCause cause_of_further_stop(const FileScan &scan, const Stop &stop) {
+Diagnosis cause_of_further_stop(const FileScan &scan, const Stop &stop) {
   return StopExplainer(scan, stop).explain_further();
 }
 
-std::optional<StopCause> cause_of_skip_mismatch(const NamesText &text,
+std::optional<Diagnosis> cause_of_skip_mismatch(const NamesText &text,
                                                 const SkipMismatch &skip_mismatch) {
   const bool too_far = skip_mismatch.passed_to > skip_mismatch.built_to;
   const auto hidden =

@@ -134,7 +134,7 @@ std::optional<Remark> remark_of_stop(const NamesText &text, const FileScan &scan
   if (is_utf_16(text.text()))
     return remark_about(text, 0, "the file is in UTF-16, in which no name can be read",
                         Rule::utf_16);
-  const StopCause cause = cause_of_stop(scan);
+  const Diagnosis cause = cause_of_stop(scan);
   std::string words = cause.text;
   if (goes_on_with_loss(cause.rule)) words += ": the entries after it are lost";
   if (scan.stop().kind == StopKind::reserved) {

@@ -88,7 +88,7 @@ std::string findings_of(const Analysis &analysis, const AnalysedEntry &entry) {
 }
 
 // What keeps lookups from a place: what ends them before it, or leads them past it.
-std::optional<StopCause> cause_before(const FileScan &scan, Offset at) {
+std::optional<Diagnosis> cause_before(const FileScan &scan, Offset at) {
   const Entry *const last = scan.last_reached();
   if (last != nullptr && last->at > at) {
     const Entry *before = nullptr;
@@ -100,14 +100,14 @@ std::optional<StopCause> cause_before(const FileScan &scan, Offset at) {
     return std::nullopt;
   }
   if (scan.stop().kind == StopKind::end) return std::nullopt;
-  StopCause cause = cause_of_stop(scan);
+  Diagnosis cause = cause_of_stop(scan);
   if (cause.rule == Rule::reserved_part) cause.rule = Rule::after_reserved;
   return cause;
 }
 
 std::string cause_of_loss(const Question &question, const Analysis &analysis, Offset at) {
   const NamesText text(question.document.text());
-  const std::optional<StopCause> cause = cause_before(FileScan(text), at);
+  const std::optional<Diagnosis> cause = cause_before(FileScan(text), at);
   if (!cause) return {};
   std::string words = cause->text;
   for (const Finding &finding : analysis.report.findings)

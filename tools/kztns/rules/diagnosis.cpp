@@ -67,7 +67,7 @@ class FaultExplainer {
     return found_at(rule, fault_.at, std::move(text), std::move(remedy));
   }
   Diagnosis found_at(Rule rule, Offset at, std::string text, std::string remedy = {}) const {
-    return {rule, at, trace_.path(fault_.frame), std::move(text), std::move(remedy)};
+    return {rule, at, std::move(text), std::move(remedy), {}, trace_.path(fault_.frame)};
   }
 
   // Where the current block was opened.

@@ -20,15 +20,14 @@ struct Subject {
   std::function<bool(std::string_view)> is_free = {};
 };
 
-// What is wrong in an entry, before it is a finding of the file: the rule, the place and the
-// words.
+// What is wrong, before it is a finding of the file: the rule, the place and the words.
 struct Diagnosis {
   Rule rule;
   Offset at;
-  std::string path;
   std::string text;
-  std::string remedy = {};
+  std::string remedy = {};  // empty: the rule's own
   Fix fix = {};
+  std::string path = {};  // of the block in an entry
 };
 
 // Explains the trace's fault, of which there is one; name is the entry's.

@@ -31,10 +31,10 @@ class ParenthesisExplainer {
       case ParenthesisEdit::add_open:
         return {Rule::missing_open,
                 at_.at,
-                path(),
                 "expected \"(\" before " + word(at_),
                 {},
-                unsafe_fix({{at_.at, after_full_width_open(), "("}})};
+                unsafe_fix({{at_.at, after_full_width_open(), "("}}),
+                path()};
       case ParenthesisEdit::remove_close:
         return surplus(Rule::extra_close, "unmatched \")\"");
       default:
@@ -65,7 +65,7 @@ class ParenthesisExplainer {
   }
 
   Diagnosis surplus(Rule rule, std::string text) const {
-    return {rule, at_.at, path(), std::move(text), {}, unsafe_fix({{at_.at, at_.end, ""}})};
+    return {rule, at_.at, std::move(text), {}, unsafe_fix({{at_.at, at_.end, ""}}), path()};
   }
 
   Diagnosis never_closed() const {
@@ -76,10 +76,10 @@ class ParenthesisExplainer {
     text += " is not closed: expected \")\" " + next();
     return {Rule::unclosed_block,
             tokens_[open].at,
-            path_of(change_.blocks.size() - 1),
             std::move(text),
             "put \")\" at " + text_.place(end),
-            unsafe_fix({{end, end, ")"}})};
+            unsafe_fix({{end, end, ")"}}),
+            path_of(change_.blocks.size() - 1)};
   }
 
   // Before the place of the change, without words after an item, which may be another entry's.
@@ -154,12 +154,9 @@ Diagnosis repeated_opening(std::string_view text, const std::vector<EntryToken> 
   const Offset before = tokens[open - 1].end;
   const Offset begin =
       trimmed(text.substr(before, tokens[open].at - before)).empty() ? before : tokens[open].at;
-  return {Rule::extra_open,
-          tokens[open].at,
-          {},
+  return {Rule::extra_open, tokens[open].at,
           "unmatched \"(\": " + excerpt(text.substr(key.at, key.end - key.at)) + " is opened twice",
-          "remove one of them",
-          unsafe_fix({{begin, tokens[open + 2].end, {}}})};
+          "remove one of them", unsafe_fix({{begin, tokens[open + 2].end, {}}})};
 }
 
 }  // namespace
