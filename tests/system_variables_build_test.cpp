@@ -156,6 +156,22 @@ TEST_F(SystemVariables, OneValueIsConsumedAndNothingAfterIt) {
   }
 }
 
+// The parse state stands in a comment with the rest of it at hand, and a key at its beginning.
+TEST_F(SystemVariables, TheValueMayComeAfterTheRestOfAComment) {
+  constexpr std::string_view at_hand = "1) is the old one\n7) and no more";
+  Value value(threshold, "");
+  std::memcpy(value.params.tns_buffer, at_hand.data(), at_hand.size());
+  value.params.buffer_len = static_cast<ub4>(at_hand.size());
+  value.params.is_comment = 1;
+  EXPECT_EQ(KZCISystemVariablesBuild(&vars_, &value.params), 0);
+  EXPECT_EQ(vars_.slowsql_threshold, 7);
+  EXPECT_EQ(value.params.is_comment, 0);
+  EXPECT_EQ(value.params.buffer_pos, at_hand.find(") and"));
+  EXPECT_EQ(support::log_records(),
+            (Lines{"DEBUG get key size:1, key:7",
+                   "DEBUG parse system variables get slowsql threshold:7"}));
+}
+
 TEST_F(SystemVariables, EveryKeyStoresIntoItsOwnField) {
   EXPECT_EQ(shown(vars_), defaults);
   EXPECT_EQ(store(threshold, "1)"), 0);
