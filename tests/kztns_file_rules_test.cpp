@@ -488,3 +488,14 @@ TEST_F(FileRules, OfEachRuleAThousandAreShown) {
               1000);
   }
 }
+
+TEST_F(FileRules, ABlockThatIsOpenedTwiceIsToldAtTheSecondOne) {
+  const std::string text = "a = (DESCRIPTION =\n  " + block + "\n" + entry("b");
+  EXPECT_EQ(told(text),
+            "2:3 extra-open: unmatched \"(\": DESCRIPTION is opened twice; lookups of later names "
+            "read on to the end of the file at 4:1; the entry after it is lost: b\n");
+  EXPECT_EQ(unsafely_fixed(text), "a = " + block + "\n" + entry("b"));
+  // With a ")" for each "(" none is one too many.
+  EXPECT_EQ(told("a = (DESCRIPTION =\n  " + block + ")\n" + entry("b")),
+            "2:4 misplaced-key: misplaced key DESCRIPTION: it belongs in an entry itself\n");
+}
