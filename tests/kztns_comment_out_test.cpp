@@ -52,6 +52,19 @@ TEST(CommentOut, LeavesTheEntryAfterOneWithoutABlock) {
                 entry("b"));
 }
 
+TEST(CommentOut, LeavesTheEntryAfterSigns) {
+  EXPECT_EQ(comment_out(entry("a") + "},\n" + entry("b")),
+            entry("a") +
+                "# a list of names is not an entry: no lookup finds }, b [comma-list]\n# },\n" +
+                entry("b"));
+}
+
+TEST(CommentOut, MakesCommentsOfWhatNoFixDoes) {
+  const std::string stray = "export a='" + entry("a").substr(4, entry("a").size() - 5) + "'\n";
+  const std::string left = comment_out(stray + entry("b"));
+  EXPECT_TRUE(left.ends_with("\n# " + stray + entry("b"))) << left;
+}
+
 TEST(CommentOut, MakesCommentsOfStrayText) {
   EXPECT_EQ(
       comment_out(entry("a") + "stray text\n" + entry("b")),

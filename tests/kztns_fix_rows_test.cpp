@@ -267,7 +267,13 @@ std::vector<Row> value_rows() {
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
       {"no-block", Applicability::unsafe, "db:thin:@h:1/s",
        "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "TCP://h:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "tcp:1/s",
+       "(DESCRIPTION = (ADDRESS = (HOST = tcp)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      // What is before the "@" may be a user.
       {"no-block", Applicability::none, "u/p@//h:1/s", "u/p@//h:1/s"},
+      {"no-block", Applicability::none, "u:@h:1/s", "u:@h:1/s"},
       {"no-block", Applicability::none, "h/s", "h/s"},
   };
 }
@@ -306,6 +312,9 @@ std::vector<Row> stray_rows() {
              "(ADDRESS_LIST=# two\n" + address + ")" + data),
       unsafe("value-for-block", address + "(CONNECT_DATA=<br>\n(SID=s))",
              address + "(CONNECT_DATA=# <br>\n(SID=s))"),
+      // The word may be the service.
+      none("value-for-block", address + "(CONNECT_DATA=s (KZ_USER_EXTRA_INFO=x))"),
+      none("value-for-block", address + "(CONNECT_DATA=s (HOST=x))"),
       // The word may be the host, the key of another block, or no item at all.
       none("value-for-block", "(ADDRESS=h (PORT=1))" + data),
       none("value-for-block", address + "(CONNECT_DATA=HOST=s)"),

@@ -130,14 +130,30 @@ TEST_F(FileRules, AnEntryThatIsWrittenOtherwiseStays) {
         "a (test) =\n  " + block + "\n", "=a =\n  " + block + "\n", block + "\n",
         "a: |\n  " + block + "\n"}) {
     EXPECT_EQ(left_by_mender(stray + entry("b"), true), stray + entry("b"));
-    EXPECT_NE(told(stray + entry("b")).find("1:1 stray-text: "), std::string::npos) << stray;
+    const kztns::NamesText names(stray + entry("b"));
+    const kztns::CheckReport report = kztns::check_file(names, {.file = "names"});
+    EXPECT_EQ(report.findings.front().rule, kztns::Rule::stray_text) << stray;
+    EXPECT_EQ(report.findings.front().remedy, "write NAME = (DESCRIPTION = ...)") << stray;
   }
+}
+
+TEST_F(FileRules, WordsAboutADescriptionAreNoEntry) {
+  const std::string stray = "x # the old (DESCRIPTION = y)\n";
+  EXPECT_EQ(left_by_mender(stray + entry("b"), true), "# " + stray + entry("b"));
+}
+
+TEST_F(FileRules, TheRestOfAnEntryWhoseNameIsInCommentsBecomesAComment) {
+  EXPECT_EQ(left_by_mender("# old =\n#\n\n# c\n" + block + "\n" + entry("b"), true),
+            "# old =\n#\n\n# c\n# " + block + "\n" + entry("b"));
+  EXPECT_EQ(left_by_mender("# c\n" + block + "\n" + entry("b"), true),
+            "# c\n" + block + "\n" + entry("b"));
 }
 
 TEST_F(FileRules, SingleQuotesAroundAnEntryAreRemoved) {
   for (const std::string &line :
        {"a: '" + block + "'\n", "'a': '" + block + "',\n", "\"a\": \"" + block + "\"\n"})
     EXPECT_EQ(left_by_mender(line + entry("b"), true), "a = " + block + "\n" + entry("b")) << line;
+  EXPECT_EQ(left_by_mender("\"it's\": \"" + block + "\"\n", true), "it's = " + block + "\n");
   // One kind does not close the other.
   const std::string mixed = "'a': '" + block + "\"\n";
   EXPECT_EQ(left_by_mender(mixed + entry("b"), true), mixed + entry("b"));
@@ -157,6 +173,7 @@ TEST_F(FileRules, SignsAreNoNames) {
   EXPECT_EQ(left_by_mender(entry("a") + "},\n" + entry("b"), true),
             entry("a") + "# },\n" + entry("b"));
   EXPECT_EQ(left_by_mender(entry("a") + "}, " + entry("b"), true), entry("a") + "}, " + entry("b"));
+  EXPECT_EQ(left_by_mender("__, " + entry("b"), false), "__ = " + block + "\n" + entry("b"));
 }
 
 TEST_F(FileRules, ASemicolonAfterTheLastEntryIsAComment) {
@@ -164,10 +181,17 @@ TEST_F(FileRules, ASemicolonAfterTheLastEntryIsAComment) {
             "a = " + block + "# ;\nb = " + block + "# ;\n");
   EXPECT_EQ(told("a = " + block + ";\n"),
             "1:" + std::to_string(5 + block.size()) +
-                " stray-text: \";\" at the end of the file is lost: no lookup gets past it\n");
+                " stray-text: \";\" is read as a name: no lookup gets past it\n");
 }
 
 TEST_F(FileRules, AnIfileThatNamesNoFileIsToldAtItsEqualSign) {
+  EXPECT_EQ(told("IFILE = # a = c\n" + entry("b")),
+            "1:7 ifile: IFILE is read as a name, and names no file; the entry after it is lost: "
+            "b\n");
+  // Its file is on the next line.
+  EXPECT_EQ(told("IFILE =\n  other.ora\n" + entry("b")),
+            "2:3 ifile: IFILE is read as a name: included files are not supported; the entry after "
+            "it is lost: b\n");
   EXPECT_EQ(told("IFILE =\n" + entry("b")),
             "1:7 ifile: IFILE is read as a name, and names no file; the entry after it is lost: "
             "b\n");
@@ -179,6 +203,13 @@ TEST_F(FileRules, AFullWidthParenthesisIsReplacedWhereOneIsMissing) {
                            "CONNECT_DATA = (SID = s)))\n",
                            true),
             "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n (CONNECT_DATA = (SID = s)))\n");
+}
+
+TEST_F(FileRules, ACommentBeforeAValueIsNone) {
+  EXPECT_EQ(count_of(told("a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = # e.g. 1) 1521\n"
+                          "  1521 x))(CONNECT_DATA = (SID = s)))\n"),
+                     "comment-in-value"),
+            0u);
 }
 
 TEST_F(FileRules, ACommentForAValueIsToldAsThatAlone) {

@@ -151,8 +151,8 @@ sword KZCITnsParseKey(KZCITnsParseParams *parse_params) {
 
 namespace {
 
-// Most tokens are a parenthesis or an equal sign. What they do not need is in separate
-// functions, so that the code for them stays short.
+// Most tokens that come here follow blanks. What they do not need is in separate functions, so
+// that the code for them stays short.
 
 [[gnu::noinline]] sword refuse_token(KZCITnsTokenType expect_type, KZCITnsTokenType type) {
   KZ_LOG(message::other_token, expect_type, type);
@@ -182,7 +182,7 @@ inline sword take_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type
   return status;
 }
 
-// The token that comes next, most of which are short keys that are at hand.
+// The token that comes next.
 inline sword next_token(KZCITnsParseParams *params, KZCITnsTokenType expect_type) {
   pass_plain_blanks(*params);
   return is_at_token(*params) ? take_token(params, expect_type)
@@ -196,8 +196,7 @@ sword KZCITnsParse(KZCITnsParseParams *parse_params, KZCITnsTokenType expect_typ
   return next_token(parse_params, expect_type);
 }
 
-// Every key that the builders read comes through here: flatten makes the usual case one
-// function, in which only the noinline ones remain calls.
+// Flatten makes of it one function, in which only the noinline ones remain calls.
 [[gnu::flatten]] sword kzoci::tns::parse_token(KZCITnsParseParams *params, KZCITnsTokenType type) {
   return reported(next_token(params, type), message::token_failed);
 }

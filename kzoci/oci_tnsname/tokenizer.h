@@ -25,13 +25,13 @@ inline sword need_character(KZCITnsParseParams *params, const Message<> &refill_
   return params->buffer_pos < params->buffer_len ? success : refill(params, refill_failed);
 }
 
-// The character of a token that is no key.
+// The character of a parenthesis or an equal sign.
 constexpr char sign_character(KZCITnsTokenType sign) {
   if (sign == TNS_EQUAL_SIGN) return '=';
   return sign == TNS_LEFT_PARENTHESES ? '(' : ')';
 }
 
-// Consumes the parenthesis or equal sign of this type if it is the next character.
+// Consumes the parenthesis or equal sign of this type, never a key, if it is the next character.
 inline bool take_sign(KZCITnsParseParams *params, KZCITnsTokenType sign) {
   if (params->buffer_pos >= params->buffer_len || params->is_comment == 1 ||
       params->tns_buffer[params->buffer_pos] != sign_character(sign))

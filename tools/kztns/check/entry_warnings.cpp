@@ -34,7 +34,7 @@ bool is_template(std::string_view value) {
                      });
 }
 
-// An address of the sixth version of the protocol is in brackets in URLs.
+// IPv6 addresses are in brackets in URLs.
 bool is_template_of_host(std::string_view host) {
   return is_template(host) && host.find(':') == host.npos;
 }

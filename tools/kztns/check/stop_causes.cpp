@@ -218,8 +218,8 @@ class StopExplainer {
     if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
     if (is_invisible(stop_.name)) return invisible();
     if (text()[stop_.name] == ',') return {Rule::stray_comma, stop_.name, "a comma after an entry"};
-    const bool is_comment = is_foreign_comment(std::string_view(text()).substr(stop_.name));
-    return {is_comment ? Rule::stray_text : Rule::lost_name, stop_.name,
+    if (is_foreign_comment(text().substr(stop_.name, 2))) return foreign_comment();
+    return {Rule::lost_name, stop_.name,
             quoted_token(subject_, stop_.name) + " at the end of the file is lost"};
   }
 

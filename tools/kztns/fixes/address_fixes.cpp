@@ -24,13 +24,16 @@ std::string written_address(std::string_view host, std::string_view port) {
   return "(HOST = " + std::string(host) + ")(PORT = " + std::string(port) + ")";
 }
 
-// The length of what URLs have before the host: a driver and its "@", a protocol, "//". What may be
-// a user before the "@" is none.
+// The length of what URLs have before the host: a driver's two words and "@", "tcp://" or "//".
+// What may be a user before the "@" is none.
 std::size_t prefix_of_address(std::string_view word) {
   const std::size_t sign = word.find('@');
-  const bool has_driver = sign == 0 || (sign != word.npos && word[sign - 1] == ':');
-  std::size_t length = has_driver ? sign + 1 : 0;
-  if (word.substr(length).starts_with("tcp:")) length += 4;
+  const bool has_driver =
+      sign != word.npos && sign > 0 && word[sign - 1] == ':' && word.find(':') < sign - 1;
+  std::size_t length = has_driver || sign == 0 ? sign + 1 : 0;
+  const bool has_protocol = equal_but_for_case(word.substr(length, 4), "tcp:") &&
+                            word.substr(length + 4).starts_with("//");
+  if (has_protocol) length += 4;
   if (word.substr(length).starts_with("//")) length += 2;
   return length;
 }

@@ -107,7 +107,7 @@ bool add_names(const FaultPlace &place, const std::vector<WrittenItem> &descript
 
 }  // namespace
 
-Fix in_address_lists(const FaultPlace &place) {
+Fix with_address_lists(const FaultPlace &place) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
   std::vector<Edit> edits;
   bool in_run = false;
@@ -122,7 +122,7 @@ Fix in_address_lists(const FaultPlace &place) {
   return {one_list ? Applicability::safe : Applicability::unsafe, std::move(edits)};
 }
 
-Fix in_one_connect_data(const FaultPlace &place) {
+Fix with_one_connect_data(const FaultPlace &place) {
   const std::vector<WrittenItem> items = place.items_of(place.frame());
   std::optional<WrittenItem> first;
   std::optional<WrittenItem> second;

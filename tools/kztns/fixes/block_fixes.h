@@ -6,10 +6,10 @@
 namespace kztns {
 
 // Puts bare addresses in lists.
-Fix in_address_lists(const FaultPlace &place);
+Fix with_address_lists(const FaultPlace &place);
 
 // Makes one of two CONNECT_DATA, where no key of both differs.
-Fix in_one_connect_data(const FaultPlace &place);
+Fix with_one_connect_data(const FaultPlace &place);
 
 // Removes the address at fault, where one that can be served is left.
 Fix without_address(const FaultPlace &place);

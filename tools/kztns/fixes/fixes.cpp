@@ -1,5 +1,6 @@
 #include "fixes/fixes.h"
 
+#include "fixes/address_fixes.h"
 #include "fixes/block_fixes.h"
 #include "fixes/fault_place.h"
 #include "fixes/invisible_fixes.h"
@@ -23,24 +24,51 @@ bool is_within(const FaultPlace &place) {
          (item == nullptr || (item->key.end <= end && item->value.end <= end));
 }
 
-Mending mend(const FaultPlace &place) {
-  if (auto mending = mend_stray_text(place)) return *std::move(mending);
+Mending mend_item(const FaultPlace &place) {
   switch (place.rule()) {
     case Rule::unknown_key:
       return mend_unknown_key(place);
     case Rule::misplaced_key:
       return mend_misplaced_key(place);
-    case Rule::missing_key:
-      return mend_missing_key(place);
     case Rule::second_address:
-      return {in_address_lists(place)};
+      return {with_address_lists(place)};
     case Rule::second_connect_data:
-      return {in_one_connect_data(place)};
+      return {with_one_connect_data(place)};
     case Rule::missing_equal:
       if (auto mending = mend_split_key(place)) return *std::move(mending);
-      [[fallthrough]];
+      return {with_equal(place)};
+    case Rule::missing_value:
+    case Rule::empty_block:
+      return {place.removal(place.item()->open)};
+    case Rule::value_for_block:
+      return {written_address_block(place)};
+    case Rule::block_for_value:
+      return {without_inner_parentheses(place)};
+    case Rule::comment_in_value:
+      return {whole_value(place, Applicability::unsafe)};
+    case Rule::unquoted_value:
+    case Rule::bad_word:
+    case Rule::bad_number:
+    case Rule::bad_protocol:
+      return mend_refused_value(place);
     default:
-      return mend_value(place);
+      return {};
+  }
+}
+
+Mending mend(const FaultPlace &place) {
+  if (auto mending = mend_stray_text(place)) return *std::move(mending);
+  switch (place.rule()) {
+    case Rule::no_block:
+      return {written_descriptor(place)};
+    case Rule::quoted_entry:
+      return {without_quotes(place)};
+    case Rule::unclosed_quote:
+      return {closed_quote(place)};
+    case Rule::missing_key:
+      return mend_missing_key(place);
+    default:
+      return place.item() == nullptr ? Mending() : mend_item(place);
   }
 }
 

@@ -94,7 +94,7 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
-Fix by_treatment(const FaultPlace &place, const ForeignKey &key) {
+Fix fix_by_treatment(const FaultPlace &place, const ForeignKey &key) {
   const Offset open = place.item()->open;
   switch (key.treatment) {
     case ForeignTreatment::drop:
@@ -146,7 +146,7 @@ std::optional<Offset> colon_after_key(const FaultPlace &place) {
 // Whether more than a word is in the parentheses, which may be a value: "(PORT1521)".
 bool is_item(const FaultPlace &place) {
   const Offset next = place.after_blanks(place.item()->key.end);
-  return next < place.text().size() && place.text()[next] != ')';
+  return next < place.text().size() && !place.has_sign(next, ')');
 }
 
 bool may_be_given_up(const FaultPlace &place) {
@@ -158,7 +158,7 @@ bool is_removed(const ForeignKey &key) {
 }
 
 Fix fix_of_foreign_key(const FaultPlace &place, const ForeignKey &key) {
-  Fix fix = by_treatment(place, key);
+  Fix fix = fix_by_treatment(place, key);
   const bool may_be_on = key.treatment == ForeignTreatment::drop_off;
   if (renames(place, fix) || may_be_on) return fix;
   return without_first_of_joined(place).value_or(std::move(fix));

@@ -2,23 +2,17 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 #include "rules/fix.h"
-#include "text/characters.h"
-#include "text/escape.h"
 
 namespace kztns {
 
-// A maker that looks whether the fault is one of its own gives none where it is not, and so leaves
-// it to the next maker; a mending without a fix leaves it to nobody.
+// A maker that returns an optional gives none where the fault is not one of its own: the next maker
+// is asked. A mending without a fix says that the fault is its own and no fix is known: no other
+// maker is asked.
 struct Mending {
   Fix fix;
   std::string remedy = {};  // empty: what the diagnosis, or else its rule, says to do
 };
-
-inline std::string remedy_of_removal(std::string_view text) {
-  return "remove " + quoted(excerpt(trimmed(text)));
-}
 
 }  // namespace kztns

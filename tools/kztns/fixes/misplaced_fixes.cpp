@@ -133,7 +133,7 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
 }
 
 // In the block that it was meant for.
-Fix moved(const FaultPlace &place, const WrittenItem &item) {
+Fix moved_to_taker(const FaultPlace &place, const WrittenItem &item) {
   const KZCILBKeyType type = place.item()->type;
   Fix fix;
   if (const auto target = taker(place, type))
@@ -151,7 +151,7 @@ Mending mend_misplaced_key(const FaultPlace &place) {
   if (!item) return {};
   if (place.block() == Block::entry) return {in_description(place, *item)};
   if (Fix fix = without_inner_block(place, *item)) return {std::move(fix), "remove one of the two"};
-  return {moved(place, *item)};
+  return {moved_to_taker(place, *item)};
 }
 
 }  // namespace kztns

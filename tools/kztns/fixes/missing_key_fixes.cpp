@@ -57,7 +57,7 @@ bool may_be_removed(const FaultPlace &place, Offset open) {
          !place.holds_what_counts({item->open, item->end});
 }
 
-// "()" says nothing; more than that is lost.
+// Safe for "()"; more than that is given up.
 Fix without_item(const FaultPlace &place, Offset open) {
   if (!may_be_removed(place, open)) return {};
   Fix fix = place.removal(open);
@@ -72,8 +72,8 @@ Fix without_item(const FaultPlace &place, Offset open) {
 
 Mending mend_missing_key(const FaultPlace &place) {
   const std::size_t last = place.text().find_last_not_of(blanks, place.fault().at - 1);
-  if (last == std::string_view::npos || place.text()[last] != '(') return {};
   const auto open = static_cast<Offset>(last);
+  if (last == std::string_view::npos || !place.has_sign(open, '(')) return {};
   if (Fix fix = without_early_equal(place)) return {std::move(fix), "remove \"=\""};
   if (Fix fix = without_outer_parentheses(place, open))
     return {std::move(fix), "remove the outer parentheses"};

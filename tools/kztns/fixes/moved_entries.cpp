@@ -4,6 +4,7 @@
 
 #include "fixes/file_fixes.h"
 #include "scan/item_text.h"
+#include "scan/name_list.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/words.h"
@@ -149,61 +150,6 @@ namespace {
 // More bytes than that are not worth copying.
 constexpr std::size_t most_copied = 1 << 20;
 
-struct NameList {
-  std::vector<Span> names;
-  Offset end = 0;  // of the last one, the comma after it included
-  Offset equal = 0;
-};
-
-// "A, B ="; absent where the text at a place is no list. A comma may follow the last name.
-std::optional<NameList> read_list(std::string_view text, Offset at) {
-  NameList list;
-  for (bool more = true; more;) {
-    const std::size_t end = std::min(text.find_first_of(" \t\r\n()=,#\"", at), text.size());
-    if (end == at) return std::nullopt;
-    if (list.names.size() == most_names_of_list) return std::nullopt;
-    list.names.push_back({at, static_cast<Offset>(end)});
-    list.end = static_cast<Offset>(end);
-    at = pass_blanks(text, list.end);
-    more = at < text.size() && text[at] == ',';
-    if (!more) break;
-    list.end = at + 1;
-    at = pass_blanks(text, list.end);
-    more = at >= text.size() || text[at] != '=';
-  }
-  list.equal = at;
-  if (at >= text.size() || text[at] != '=') return std::nullopt;
-  return list;
-}
-
-// "Regards," on a line of its own, before something else than a list or a block.
-bool is_salutation(std::string_view text, Offset at) {
-  const Offset end = end_of_line(text, at);
-  const std::string_view line = trimmed(text.substr(at, end - at));
-  const Offset next = pass_blanks(text, end);
-  const Offset word_end = end_of_word(text, next);
-  const Offset after = pass_blanks(text, word_end);
-  return line.ends_with(',') && line.find_first_of("()=#\"") == line.npos &&
-         text[word_end - 1] != ',' && !text.substr(after).starts_with('=') &&
-         !key_after(text, after);
-}
-
-bool is_signs(std::string_view text, Span name) {
-  return !has_word_character(text.substr(name.begin, name.end - name.begin));
-}
-
-// The end of the first name where it is none of the entry after it: signs alone on their line, as
-// other notations leave them, and "Regards," before a blank line.
-std::optional<Offset> end_of_no_name(std::string_view text, const NameList &list) {
-  if (list.names.size() < 2) return std::nullopt;
-  const Offset next = list.names[1].begin;
-  const Offset end = list.names[0].end;
-  const Offset line = std::min(end_of_line(text, end), next);
-  if (line == next) return std::nullopt;
-  const bool gap = after_blank_lines(text, line + 1) > line + 1;
-  return gap || is_signs(text, list.names[0]) ? std::optional(end) : std::nullopt;
-}
-
 // Leaves one name of the list, and its comments.
 std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span kept) {
   const Offset begin = list.names.front().begin;
@@ -227,7 +173,7 @@ std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span k
 
 Fix NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
-  const auto list = read_list(text, at);
+  const auto list = read_name_list(text, at);
   if (!list) return is_salutation(text, at) ? fix_of_lines(text, at, end_of_line(text, at)) : Fix();
   if (const auto end = end_of_no_name(text, *list)) return fix_of_lines(text, at, *end);
   const Offset limit = scan_.next_entry(list->equal);

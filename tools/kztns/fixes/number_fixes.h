@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "rules/fix.h"
-#include "scan/file_scan.h"
 #include "text/offset.h"
+#include "trace/key_words.h"
 
 namespace kztns {
 

@@ -5,8 +5,14 @@
 #include "scan/item_words.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
+#include "text/escape.h"
 
 namespace kztns {
+
+std::string remedy_of_removal(std::string_view text) {
+  return "remove " + quoted(excerpt(trimmed(text)));
+}
+
 namespace {
 
 struct Brackets {
@@ -26,12 +32,6 @@ bool is_continuation(const FaultPlace &place, Span word) {
 Edit without_blanks_before(const FaultPlace &place, Span word) {
   const std::size_t last = place.text().substr(0, word.begin).find_last_not_of(" \t");
   return {static_cast<Offset>(last + 1), word.end, {}};
-}
-
-// How many parentheses are open after a token.
-void count(const Token &token, std::int64_t &depth) {
-  if (token.kind == TokenKind::open) ++depth;
-  if (token.kind == TokenKind::close) --depth;
 }
 
 // Whether a token comes after the entry whose blocks are due.
@@ -66,7 +66,7 @@ Fix without_signs(const FaultPlace &place, Offset at, Offset end) {
   while (token.kind != TokenKind::end) {
     const bool after_key = token.kind == TokenKind::equal && before[1].kind == TokenKind::word &&
                            before[0].kind == TokenKind::open;
-    count(token, depth);
+    depth += depth_change(token);
     before[0] = std::exchange(before[1], token);
     token = tokens.next();
     if (after_key && is_sign_of_equal(place, token)) {
@@ -118,7 +118,7 @@ std::optional<Mending> mend_continuations(const FaultPlace &place) {
       edits.push_back(without_blanks_before(place, token.span));
     else if (edits.empty() || is_after_entry(place, token, depth))
       break;
-    count(token, depth);
+    depth += depth_change(token);
   }
   if (edits.empty()) return std::nullopt;
   return Mending{safe_fix(std::move(edits)), "remove \"\\\": an entry goes on by itself"};

@@ -5,6 +5,8 @@
 
 namespace kztns {
 
+std::string remedy_of_removal(std::string_view text);
+
 // "\" at the end of lines.
 std::optional<Mending> mend_continuations(const FaultPlace &place);
 

@@ -16,7 +16,7 @@ namespace {
 bool is_balanced(const FaultPlace &place, Offset end) {
   std::int64_t depth = 0;
   for (const char c : place.slice({place.fault().at, end})) {
-    depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+    depth += depth_change(c);
     if (depth < 0) return false;
   }
   return depth == 0;
@@ -142,7 +142,7 @@ bool is_comment(const FaultPlace &place) {
 }
 
 // Whether one of some words is a key, "PORT: 1" for example: an item without parentheses.
-bool has_key(const FaultPlace &place, Span words) {
+bool holds_key(const FaultPlace &place, Span words) {
   TokenReader tokens(place.text().substr(0, words.end), words.begin);
   for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
     const std::string_view word = place.slice(token.span);
@@ -156,11 +156,12 @@ bool has_key(const FaultPlace &place, Span words) {
 bool are_no_item(const FaultPlace &place, Span words) {
   if (!place.is_after_item()) {
     const ItemWord key = item_word(place.slice(place.word_at(place.after_blanks(words.end + 1))));
-    const bool in_data = place.item() != nullptr && place.item()->type == LB_CONNECT_DATA;
-    const bool is_item = opens_block(key) || (key && in_data);
+    // Words before a service's name are not that name.
+    const bool has_service = place.is_set(items_from(place.text(), words.end), "SERVICE_NAME");
+    const bool is_item = opens_block(key) || (key && has_service);
     if (!place.has_sign(words.end, '(') || !is_item) return false;
   }
-  return !has_key(place, words) && !is_comment(place) &&
+  return !holds_key(place, words) && !is_comment(place) &&
          !(place.is_after_item() && lacks_host_or_port(place));
 }
 

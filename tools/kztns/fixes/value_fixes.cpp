@@ -65,7 +65,8 @@ std::string remedy_of_more(const Key &key) {
   return {};
 }
 
-// A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
+}  // namespace
+
 Fix whole_value(const FaultPlace &place, Applicability applicability) {
   const Key *const key = place.trace().row_of(*place.item());
   const Offset begin = place.item()->value.begin;
@@ -105,6 +106,8 @@ Fix without_quotes(const FaultPlace &place) {
   return safe_fix({{quote, quote + 1, {}}, {end, end + 1, {}}});
 }
 
+namespace {
+
 Fix switched_word(const FaultPlace &place) {
   const std::vector<std::string_view> words = choices(*place.trace().row_of(*place.item()));
   const std::string_view value = trimmed(place.value());
@@ -143,6 +146,8 @@ Fix with_block(const FaultPlace &place, const Key &block, const WrittenItem &wri
   return fix;
 }
 
+}  // namespace
+
 // Only "=" can stand between a key and what follows.
 Fix with_equal(const FaultPlace &place) {
   const Item &item = *place.item();
@@ -161,7 +166,6 @@ Fix with_equal(const FaultPlace &place) {
   return is_empty ? place.removal(item.open) : Fix();
 }
 
-// "(KEY = (value))"
 Fix without_inner_parentheses(const FaultPlace &place) {
   const std::optional<WrittenItem> item = place.written_item();
   if (!item) return {};
@@ -171,7 +175,6 @@ Fix without_inner_parentheses(const FaultPlace &place) {
   return unsafe_fix({{inner[0].open, inner[0].end, std::string(place.key_of(inner[0]))}});
 }
 
-// A value that the library refuses, or that goes on after its first word.
 Mending mend_refused_value(const FaultPlace &place) {
   if (auto mending = mend_joined_items(place)) return *std::move(mending);
   const Key *const key = place.trace().row_of(*place.item());
@@ -184,51 +187,6 @@ Mending mend_refused_value(const FaultPlace &place) {
       return {fix_of_number(*key, place.value(), place.item()->value)};
     default:
       return {whole_value(place, Applicability::safe), key == nullptr ? "" : remedy_of_more(*key)};
-  }
-}
-
-Fix fix_of_item(const FaultPlace &place) {
-  switch (place.rule()) {
-    case Rule::comment_in_value:
-      return whole_value(place, Applicability::unsafe);
-    case Rule::missing_equal:
-      return with_equal(place);
-    case Rule::missing_value:
-    case Rule::empty_block:
-      return place.removal(place.item()->open);
-    case Rule::block_for_value:
-      return without_inner_parentheses(place);
-    case Rule::value_for_block:
-      return written_address_block(place);
-    default:
-      return {};
-  }
-}
-
-Mending mend_item(const FaultPlace &place) {
-  switch (place.rule()) {
-    case Rule::unquoted_value:
-    case Rule::bad_word:
-    case Rule::bad_number:
-    case Rule::bad_protocol:
-      return mend_refused_value(place);
-    default:
-      return {fix_of_item(place)};
-  }
-}
-
-}  // namespace
-
-Mending mend_value(const FaultPlace &place) {
-  switch (place.rule()) {
-    case Rule::no_block:
-      return {written_descriptor(place)};
-    case Rule::quoted_entry:
-      return {without_quotes(place)};
-    case Rule::unclosed_quote:
-      return {closed_quote(place)};
-    default:
-      return place.item() == nullptr ? Mending() : mend_item(place);
   }
 }
 

@@ -9,6 +9,7 @@
 #include "check/entry_faults.h"
 #include "fixes/file_fixes.h"
 #include "scan/file_scan.h"
+#include "scan/name_list.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
 
@@ -85,6 +86,8 @@ class Unserved {
   // To where the entry is built, or up to the next one, without the comments and blanks
   // before that. Names of a list are one entry.
   Offset end_of_part(Offset begin) const {
+    if (const auto list = read_name_list(text_, begin))
+      if (const auto end = end_of_no_name(text_, *list)) return *end;
     const auto &entries = scan_.entries();
     auto next = scan_.first_after(begin);
     if (next != entries.begin())

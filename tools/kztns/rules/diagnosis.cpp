@@ -100,9 +100,11 @@ class FaultExplainer {
   Diagnosis no_block() const {
     if (fault_.at >= text().size())
       return found(Rule::no_block, "expected \"(\" after \"=\", found " + met());
-    if (equal_but_for_case(name_, "IFILE") && begins_line(text(), fault_.at))
-      return found_at(Rule::ifile, static_cast<Offset>(text().rfind('=', fault_.at - 1)),
-                      "IFILE is read as a name, and names no file", "remove its line");
+    const Offset after_word = pass_blanks(text(), end_of_word(text(), fault_.at));
+    const bool is_entry = after_word < text().size() && text()[after_word] == '=';
+    if (equal_but_for_case(name_, "IFILE") && is_entry)
+      return found_at(Rule::ifile, trace_.body() - 1, "IFILE is read as a name, and names no file",
+                      "remove its line");
     if (equal_but_for_case(name_, "IFILE"))
       return found(Rule::ifile, "IFILE is read as a name: included files are not supported");
     const std::string_view odd = odd_character(text().substr(fault_.at, 4));
@@ -124,16 +126,17 @@ class FaultExplainer {
     return static_cast<Offset>(text().find('#', item()->value.end));
   }
 
-  // A comment where the value is due, "(PORT = #{port}))", which hides a ")" that is not its own.
+  // A comment where the value is due, "(PORT = #{port}))", which hides a ")" that is not its own:
+  // what is read for the value is in the next entry.
   std::optional<Offset> comment_for_value() const {
-    const std::size_t comment = text().find('#', item()->key.end);
-    if (!item()->has_value || comment >= item()->value.begin) return std::nullopt;
-    const auto begin = static_cast<Offset>(comment);
-    const Offset end = end_of_comment(text(), begin);
+    if (!item()->has_value || item()->value.begin < subject_.end) return std::nullopt;
+    const std::string_view entry = text().substr(0, subject_.end);
+    const std::size_t comment = entry.find('#', item()->key.end);
+    if (comment == std::string_view::npos) return std::nullopt;
+    const Offset end = end_of_comment(text(), static_cast<Offset>(comment));
     std::int64_t depth = 0;
-    for (Offset at = begin; at < end && depth >= 0; ++at)
-      depth += text()[at] == '(' ? 1 : text()[at] == ')' ? -1 : 0;
-    return depth < 0 ? std::optional(begin) : std::nullopt;
+    for (std::size_t at = comment; at < end && depth >= 0; ++at) depth += depth_change(text()[at]);
+    return depth < 0 ? std::optional(static_cast<Offset>(comment)) : std::nullopt;
   }
 
   Diagnosis comment_in_value(Offset at) const {

@@ -142,8 +142,7 @@ std::optional<std::size_t> find_repeated_opening(std::string_view text,
 
 bool is_short_of_closes(const std::vector<EntryToken> &tokens) {
   std::int64_t depth = 0;
-  for (const EntryToken &token : tokens)
-    depth += token.kind == '(' ? 1 : token.kind == ')' ? -1 : 0;
+  for (const EntryToken &token : tokens) depth += depth_change(token.kind);
   return depth > 0;
 }
 

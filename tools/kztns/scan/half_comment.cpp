@@ -44,7 +44,7 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
       any = false;
     }
     for (const char c : text.substr(comment, end - comment)) {
-      depth += c == '(' ? 1 : c == ')' ? -1 : 0;
+      depth += depth_change(c);
       any = any || c == '(';
     }
     if (any && depth <= 0) begun.reset();
@@ -55,11 +55,15 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 }  // namespace
 
 bool is_named_in_comment(std::string_view text, Offset at) {
-  const std::size_t last = text.substr(0, at).find_last_not_of(blanks);
-  if (last == std::string_view::npos || !begins_line(text, at)) return false;
-  const auto end = static_cast<Offset>(last + 1);
-  const std::size_t begin = text.find_first_not_of(" \t", text.substr(0, end).rfind('\n') + 1);
-  return text[begin] == '#' && name_in(text, static_cast<Offset>(begin), end).has_value();
+  if (!begins_line(text, at)) return false;
+  for (std::size_t last = text.substr(0, at).find_last_not_of(blanks); last != text.npos;) {
+    const std::size_t line = text.substr(0, last + 1).rfind('\n') + 1;
+    const auto begin = static_cast<Offset>(text.find_first_not_of(" \t", line));
+    if (text[begin] != '#') return false;
+    if (name_in(text, begin, static_cast<Offset>(last + 1))) return true;
+    last = text.substr(0, line).find_last_not_of(blanks);
+  }
+  return false;
 }
 
 std::optional<Offset> end_of_rest(std::string_view text, Offset rest) {

@@ -18,7 +18,7 @@ struct HalfComment {
 // library its rest is part of that entry.
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end);
 
-// Whether the name of what begins at a place is in a comment on the line before it.
+// Whether the name of what begins at a place is in the comments before it.
 bool is_named_in_comment(std::string_view text, Offset at);
 
 // Where the rest of such an entry ends. Absent where it is not known, and where something else is

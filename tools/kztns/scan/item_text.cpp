@@ -79,8 +79,13 @@ ItemWord key_after(std::string_view text, Offset open) {
 }
 
 bool holds_description(std::string_view text) {
-  for (std::size_t open = text.find('('); open != text.npos; open = text.find('(', open + 1))
-    if (key_after(text, static_cast<Offset>(open)).type == LB_DESCRIPTION) return true;
+  for (Offset at = 0; at < text.size(); ++at) {
+    const bool begins_token = at == 0 || is_blank(text[at - 1]) || is_sign(text[at - 1]);
+    if (text[at] == '#' && begins_token) at = end_of_comment(text, at);
+    if (key_after(text, at).type != LB_DESCRIPTION) continue;
+    const Offset equal = pass_blanks(text, end_of_word(text, pass_blanks(text, at + 1)));
+    if (equal < text.size() && text[equal] == '=') return true;
+  }
   return false;
 }
 

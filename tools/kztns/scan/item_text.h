@@ -27,7 +27,7 @@ Offset counted_end(std::string_view text, Offset from, Offset limit);
 // The key of the item that begins at a place; none where something else begins.
 ItemWord key_after(std::string_view text, Offset open);
 
-// Whether a DESCRIPTION block begins in a text.
+// Whether a DESCRIPTION block begins in a text, in quotes too.
 bool holds_description(std::string_view text);
 
 // What to remove so that the item that begins at open is gone: the item or, when the

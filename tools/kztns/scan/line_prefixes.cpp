@@ -46,7 +46,7 @@ class Prefixes {
   bool goes_on(char first) const { return quoted_ ? depth_ > 0 : first == '(' || first == ')'; }
 
   void pass(std::string_view line) {
-    for (const char c : line) depth_ += c == '(' ? 1 : c == ')' ? -1 : 0;
+    for (const char c : line) depth_ += depth_change(c);
   }
 
   std::size_t fewest() const { return quoted_ ? 1 : 2; }

@@ -11,7 +11,7 @@ namespace kztns {
 namespace {
 
 // What ends a name in other notations, too.
-constexpr std::string_view name_ends = " \t\r\n()=\"':,;#";
+constexpr std::string_view name_ends = " \t\r\n()=\":,;#";
 
 // Reads the characters of one line.
 class Line {
@@ -34,10 +34,12 @@ class Line {
     while (!rest().empty() && is_blank(text_[at_])) ++at_;
   }
 
-  Span take_name() {
+  // In these quotes; a zero byte for none.
+  Span take_name(char quote) {
     const Offset begin = at_;
     const std::string_view name = text_.substr(at_, longest_token);
-    at_ += static_cast<Offset>(std::min(name.find_first_of(name_ends), name.size()));
+    const std::size_t closed = quote == '\0' ? name.npos : name.find(quote);
+    at_ += static_cast<Offset>(std::min({name.find_first_of(name_ends), closed, name.size()}));
     return {begin, at_};
   }
 
@@ -68,7 +70,7 @@ class Line {
 std::optional<QuotedEntry> quoted_entry_at(std::string_view text, Offset at) {
   Line line(text, at);
   const char name_quote = line.take_quote();
-  const Span name = line.take_name();
+  const Span name = line.take_name(name_quote);
   const bool is_open = name_quote != '\0' && !line.take(name_quote);
   line.pass_blanks();
   if (name.begin == name.end || !line.take_equal()) return std::nullopt;

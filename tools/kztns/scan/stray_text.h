@@ -28,8 +28,8 @@ std::optional<Offset> value_on_line(std::string_view text, Offset at);
 Offset end_of_stray_text(std::string_view text, Offset at, Offset limit);
 
 // Whether text that is no entry may be one that is written otherwise: a description is in it, or
-// follows it and would become a block of the entry before. The rest of an entry whose beginning is a
-// comment is none.
+// follows it and would become a block of the entry before. The rest of an entry whose beginning is
+// a comment is none.
 bool may_be_entry(std::string_view text, Span span);
 
 // The end of a value that begins at a place and is no block: where a line begins that seems to

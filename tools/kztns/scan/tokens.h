@@ -15,6 +15,12 @@ struct Token {
   Span span;
 };
 
+// How many more parentheses are open after a token.
+inline int depth_change(const Token &token) {
+  if (token.kind == TokenKind::open) return 1;
+  return token.kind == TokenKind::close ? -1 : 0;
+}
+
 class TokenReader {
  public:
   // Reads from a place outside of words and comments on.

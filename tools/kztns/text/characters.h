@@ -23,13 +23,17 @@ inline bool is_sign(char c) { return c == '(' || c == ')' || c == '='; }
 inline bool ends_name(char c) { return is_blank(c) || is_sign(c) || c == '#' || c == '"'; }
 inline bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-// Whether more than signs is in a text: letters, digits, or what is beyond ASCII.
+// Whether more than signs is in a text: letters, digits, "_", or what is beyond ASCII.
 inline bool has_word_character(std::string_view text) {
   for (const char c : text)
-    if (is_digit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c & 0x80) != 0)
+    if (is_digit(c) || c == '_' || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+        (c & 0x80) != 0)
       return true;
   return false;
 }
+
+// How many more parentheses are open after a character.
+inline int depth_change(char c) { return c == '(' ? 1 : c == ')' ? -1 : 0; }
 
 // Whether nothing but blanks is before a place on its line.
 inline bool begins_line(std::string_view text, std::size_t at) {

@@ -17,8 +17,7 @@ KZCITnsTokenType token_argument(std::va_list &arguments) {
 
 void Trace::begin(const KZCITnsParseParams &params) {
   params_ = &params;
-  cursor_ = here();
-  open_ = cursor_;
+  body_ = cursor_ = open_ = here();
   before_ = '=';
   top_ = ended_ = 0;
   frames_.assign(1, Frame{Block::entry, -1, -1});

@@ -97,6 +97,9 @@ class Trace : public LogListener {
   const std::vector<Frame> &frames() const { return frames_; }
   bool is_system_variables() const { return frames_[0].block == Block::system_variables; }
 
+  // Where the parse began.
+  Offset body() const { return body_; }
+
   // The end of the entry's first block, after its ")"; absent when it was not
   // reached.
   const std::optional<Offset> &first_block_end() const { return first_block_end_; }
@@ -154,6 +157,7 @@ class Trace : public LogListener {
 
   const std::string &text_;
   const KZCITnsParseParams *params_ = nullptr;
+  Offset body_ = 0;
   Offset cursor_ = 0;  // after the last key
   Offset open_ = 0;    // the last "(" before the current key
   char before_ = '=';  // the last of "(", ")" and "=" before it
