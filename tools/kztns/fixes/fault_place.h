@@ -29,10 +29,10 @@ class FaultPlace {
   const Fault &fault() const { return trace_.fault(); }
   const Diagnosis &diagnosis() const { return diagnosis_; }
   Rule rule() const { return diagnosis_.rule; }
+  std::string_view name() const { return name_; }  // the entry's
   // Whether what is at fault stands before the first block of an entry, or after an item.
   bool is_before_blocks() const { return rule() == Rule::no_block; }
   bool is_after_item() const { return rule() == Rule::missing_close; }
-  std::string_view name() const { return name_; }
   std::string_view text() const { return text_; }  // up to the entry's end
 
   std::string_view slice(Span span) const {
