@@ -96,8 +96,7 @@ class StopExplainer {
     const EntryRange range = EntryRanges(subject_.text).range_of(entry->body);
     auto fault = find_parenthesis_fault(subject_, range, scan_.name(*entry));
     if (!fault || !closes_early(fault->rule) || fault->at > stop_.at) return std::nullopt;
-    return Diagnosis{fault->rule, fault->at, std::move(fault->text), std::move(fault->remedy),
-                     std::move(fault->fix)};
+    return fault;
   }
 
   std::optional<Diagnosis> hidden_parenthesis() const {
