@@ -219,3 +219,12 @@ TEST_F(FileRules, ACommentForAValueIsToldAsThatAlone) {
             "1:49 comment-in-value: this comment is where the value of PORT is expected, and hides "
             "the \")\": found \"=\" at 2:3\n");
 }
+
+TEST_F(FileRules, AFullWidthEqualSignIsReplaced) {
+  const std::string text = "a \xEF\xBC\x9D " + block + "\n" + entry("b");
+  EXPECT_EQ(
+      told(text),
+      "1:3 missing-equal: expected \"=\" after the name \"a\", found \"\uFF1D\": the entry after "
+      "it is lost: b\n");
+  EXPECT_EQ(left_by_mender(text, true), "a = " + block + "\n" + entry("b"));
+}

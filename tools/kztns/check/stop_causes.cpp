@@ -165,9 +165,8 @@ class StopExplainer {
     Offset name_end = end_of_word(text(), stop_.name);
     Offset colon = pass_blanks(text(), name_end);
     if (name_end > stop_.name + 1 && text()[name_end - 1] == ':') colon = --name_end;
-    if (colon >= text().size() || (text()[colon] != ':' && text()[colon] != '-'))
-      return std::nullopt;
     const Offset end = end_of_foreign_equal(text(), colon);
+    if (end == colon) return std::nullopt;
     const Offset open = pass_blanks(text(), end);
     if (open >= text().size() || text()[open] != '(' || !begins_block(open)) return std::nullopt;
     return Diagnosis{Rule::missing_equal, colon,

@@ -134,7 +134,7 @@ Fix fix_of_closes(std::string_view text, Offset at) {
 }
 
 Fix fix_of_missing_equal(std::string_view text, Offset at) {
-  if (text[at] == ':' || text[at] == '-') return unsafe_fix({equal_for_foreign(text, at)});
+  if (end_of_foreign_equal(text, at) > at) return unsafe_fix({equal_for_foreign(text, at)});
   const bool after_blank = at > 0 && is_blank(text[at - 1]);
   return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
 }
@@ -200,9 +200,11 @@ Fix fix_of_long_comment(std::string_view text, Offset at) {
   return end ? fix_of_part(text, at, *end) : Fix();
 }
 
-Offset end_of_foreign_equal(std::string_view text, Offset colon) {
-  const std::string_view sign = text.substr(colon, 2);
-  return colon + (sign == ":=" || sign == "->" ? 2 : 1);
+Offset end_of_foreign_equal(std::string_view text, Offset at) {
+  using namespace std::string_view_literals;
+  for (const std::string_view sign : {":="sv, "->"sv, ":"sv, "-"sv, full_width_equal})
+    if (text.substr(at).starts_with(sign)) return at + static_cast<Offset>(sign.size());
+  return at;
 }
 
 Edit equal_for_foreign(std::string_view text, Offset colon) {

@@ -41,9 +41,9 @@ std::optional<Offset> hiding_carriage_return(std::string_view text);
 // Carriage returns without a line feed become line feeds.
 Fix fix_of_line_ends(std::string_view text);
 
-// A ":", ":=", "-" or "->" at a place, which other notations have for "=": where it ends, and the
-// edit that makes it one.
-Offset end_of_foreign_equal(std::string_view text, Offset colon);
+// A ":", ":=", "-", "->" or full-width "=" at a place, which other notations have for "=": where it
+// ends, the place itself for none, and the edit that makes it one.
+Offset end_of_foreign_equal(std::string_view text, Offset at);
 Edit equal_for_foreign(std::string_view text, Offset colon);
 
 }  // namespace kztns
