@@ -162,6 +162,8 @@ std::vector<Row> key_rows() {
 }
 
 std::vector<Row> value_rows() {
+  const std::string descriptor =
+      "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))";
   return {
       safe("unquoted-value", address + "(CONNECT_DATA=(SID=a=1))",
            address + "(CONNECT_DATA=(SID=\"a=1\"))"),
@@ -257,18 +259,12 @@ std::vector<Row> value_rows() {
              "(ADDRESS=(HOST=\"h\")(PORT=1))" + data),
       {"quoted-entry", Applicability::safe, "\"" + in_description(address + data) + "\"",
        in_description(address + data)},
-      {"no-block", Applicability::unsafe, "//h:1/s",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
-      {"no-block", Applicability::unsafe, "\"h:1/s\"",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
-      {"no-block", Applicability::unsafe, "tcp://h:1/s",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
-      {"no-block", Applicability::unsafe, "@//h:1/s",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
-      {"no-block", Applicability::unsafe, "db:thin:@h:1/s",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
-      {"no-block", Applicability::unsafe, "TCP://h:1/s",
-       "(DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
+      {"no-block", Applicability::unsafe, "//h:1/s", descriptor},
+      {"no-block", Applicability::unsafe, "\"h:1/s\"", descriptor},
+      {"no-block", Applicability::unsafe, "tcp://h:1/s", descriptor},
+      {"no-block", Applicability::unsafe, "@//h:1/s", descriptor},
+      {"no-block", Applicability::unsafe, "db:thin:@h:1/s", descriptor},
+      {"no-block", Applicability::unsafe, "TCP://h:1/s", descriptor},
       {"no-block", Applicability::unsafe, "tcp:1/s",
        "(DESCRIPTION = (ADDRESS = (HOST = tcp)(PORT = 1))(CONNECT_DATA = (SERVICE_NAME = s)))"},
       // What is before the "@" may be a user.
