@@ -87,6 +87,7 @@ TEST(Faults, SayWhatToDo) {
       {"(ADDRESS=(HOST=h PORT=1))" + data, "unquoted-value",
        "put each item in parentheses of its own"},
       {"(ADDRESS=(HOST=h i)(PORT=1))" + data, "unquoted-value", "write the host's name or address"},
+      {"(ADDRESS=(HOST=a\nb)(PORT=1))" + data, "unquoted-value", "did you mean ab?"},
       {"(ADDRESS=(HOST=h)(PORT=15 21))" + data, "unquoted-value", "write the port's number"},
       {"(KZLB_READ_TIMEOUT=10 min)" + address + data, "unquoted-value",
        "write decimal digits, with a sign or without"},

@@ -7,6 +7,7 @@
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "fixes/number_fixes.h"
+#include "fixes/wrapped_value.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
 #include "text/spelling.h"
@@ -177,6 +178,7 @@ Fix without_inner_parentheses(const FaultPlace &place) {
 
 Mending mend_refused_value(const FaultPlace &place) {
   if (auto mending = mend_joined_items(place)) return *std::move(mending);
+  if (auto mending = mend_wrapped_value(place)) return *std::move(mending);
   const Key *const key = place.trace().row_of(*place.item());
   switch (place.rule()) {
     case Rule::bad_protocol:

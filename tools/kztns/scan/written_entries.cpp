@@ -1,6 +1,7 @@
 #include "scan/written_entries.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "scan/item_text.h"
@@ -86,6 +87,7 @@ class Scanner {
   // line any value will do, after a ")" only a block of an entry.
   bool is_plausible(const Head &head) const {
     if (is_item(head.names.front())) return false;
+    if (ends_split_key(head.names.front()) && !begins_value(head.open)) return false;
     if (last_ == '(' && !(at_line_start() && begins_value(head.open))) return false;
     if (after_close() && !begins_value(head.open)) return false;
     return at_line_start() || depth_ == 0 || opens_block(key_after(text_, head.open));
@@ -96,6 +98,14 @@ class Scanner {
     std::string_view word = text_.substr(name.name_begin, name.name_end - name.name_begin);
     word.remove_prefix(std::min(word.find_first_not_of("{["), word.size()));
     return (depth_ > 0 || last_ == '=') && item_word(word);
+  }
+
+  // Whether "(CONN" on the line before and a name are one key, which a line end splits.
+  bool ends_split_key(const WrittenEntry &name) const {
+    if (last_ != 'k' || before_key_ != '(') return false;
+    std::string word(text_.substr(key_.begin, key_.end - key_.begin));
+    word += text_.substr(name.name_begin, name.name_end - name.name_begin);
+    return static_cast<bool>(item_word(word));
   }
 
   // The entries in such a comment are not meant to be read.
@@ -129,7 +139,10 @@ class Scanner {
       last_ = c;
       ++at_;
     } else {
+      before_key_ = last_;
+      key_.begin = at_;
       pass_key();
+      key_.end = at_;
       last_ = 'k';
     }
     // Blanks after another token are no indentation.
@@ -154,6 +167,8 @@ class Scanner {
   Offset no_entry_before_ = 0;
   std::int64_t depth_ = 0;
   char last_ = '\0';
+  char before_key_ = '\0';
+  Span key_ = {};  // the last one
 };
 
 // "host:port/service" or "host:port:sid"
