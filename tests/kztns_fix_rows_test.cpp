@@ -5,9 +5,22 @@ namespace {
 
 using namespace support;
 
+// A value that may be any text.
+std::string data_with(const std::string &text) {
+  return "(CONNECT_DATA=(SID=s)(KZ_USER_EXTRA_INFO=" + text + "))";
+}
+
 std::vector<Row> foreign_rows() {
   return {
       safe("unknown-key", address + "(CONNECT_DATA=(SERVER=DEDICATED)(SID=s))", address + data),
+      // What may be the server or the service is not removed.
+      unsafe("unknown-key", "(ADDRESS=(SERVER=h)(PORT=1))" + data, address + data),
+      unsafe("unknown-key", address + "(CONNECT_DATA=(SERVER=s))",
+             address + "(CONNECT_DATA=(SERVICE_NAME=s))"),
+      none("unknown-key", address + "(CONNECT_DATA=(SERVER=dedicated))"),
+      none("unknown-key", "(ADDRESS=(COMMUNITY=h)(PORT=1))" + data),
+      none("unknown-key", "(ADDRESS=(HOST=h)(Service=1521))" + data),
+      none("unknown-key", address + "(CONNECT_DATA=(GLOBAL_NAME=s))"),
       safe("unknown-key", "(SDU=8192)" + address + data, address + data),
       safe("unknown-key", "(ADDRESS=(HOSTNAME=h)(PORT=1))" + data, address + data),
       unsafe("unknown-key", "(ADDRESS=(HOSTNAME=h)(HOST=h)(PORT=1))" + data, address + data),
@@ -62,6 +75,8 @@ std::vector<Row> key_rows() {
   return {
       unsafe("unknown-key", "(ADDRESS=(HSOT=h)(PORT=1))" + data, address + data),
       unsafe("unknown-key", address + data + "(COLOR=red)", address + data),
+      unsafe("unknown-key", address + data + "(BLACKLIST=(REMOVE_STRATEGY=(NAME=T)))",
+             address + data + "(KZLB_BLACKLIST=(REMOVE_STRATEGY=(NAME=T)))"),
       // A server is not lost to a slip.
       unsafe("unknown-key", "(ADDRESS_LIST=" + address + "(ADRESS=(HOST=i)(PORT=1)))" + data,
              "(ADDRESS_LIST=" + address + "(ADDRESS=(HOST=i)(PORT=1)))" + data),
@@ -170,8 +185,17 @@ std::vector<Row> value_rows() {
   return {
       safe("unquoted-value", address + "(CONNECT_DATA=(SID=a=1))",
            address + "(CONNECT_DATA=(SID=\"a=1\"))"),
-      safe("unquoted-value", address + "(CONNECT_DATA=(SID=a b ))",
-           address + "(CONNECT_DATA=(SID=\"a b\" ))"),
+      safe("unquoted-value", address + data_with("a b "), address + data_with("\"a b\" ")),
+      // No service has blanks.
+      none("unquoted-value", address + "(CONNECT_DATA=(SID=s or t))"),
+      none("unquoted-value", address + "(CONNECT_DATA=(SERVICE_NAME={{ s }}))"),
+      unsafe("unquoted-value", address + "(CONNECT_DATA=(SID=s -- prod))",
+             address + "(CONNECT_DATA=(SID=s # -- prod\n))"),
+      unsafe("unquoted-value", address + "(CONNECT_DATA=(SID=s ; old))",
+             address + "(CONNECT_DATA=(SID=s # ; old\n))"),
+      unsafe("unquoted-value", "(ADDRESS=(HOST=h /* x */)(PORT=1))" + data,
+             "(ADDRESS=(HOST=h # /* x */\n)(PORT=1))" + data),
+      safe("unquoted-value", address + data_with("a -- b"), address + data_with("\"a -- b\"")),
       none("unquoted-value", "(KZLB_CONNECT_TIMEOUT=5 s)" + address + data),
       unsafe("unquoted-value", "(ADDRESS=(HOST=h PORT=1))" + data,
              "(ADDRESS=(HOST=h)(PORT=1))" + data),
@@ -204,8 +228,10 @@ std::vector<Row> value_rows() {
       none("unquoted-value", "(ADDRESS=(HOST=h\n<i>)(PORT=1))" + data),
       none("unquoted-value", "(ADDRESS=(HOST=h\ni j)(PORT=1))" + data),
       none("bad-protocol", "(ADDRESS=(PROTOCOL=IP\nC)(HOST=h)(PORT=1))" + data),
+      unsafe("comment-in-value", address + data_with("s #1"), address + data_with("\"s #1\"")),
       unsafe("comment-in-value", address + "(CONNECT_DATA=(SID=s #1))",
-             address + "(CONNECT_DATA=(SID=\"s #1\"))"),
+             address + "(CONNECT_DATA=(SID=s #1\n))"),
+      none("comment-in-value", address + "(CONNECT_DATA=(SID=s # (1)))"),
       unsafe("missing-value", address + "(CONNECT_DATA=(KZ_MODE=)(SID=s))", address + data),
       unsafe("empty-block", address + "(KZLB_BLACKLIST=)" + data, address + data),
       unsafe("block-for-value", address + "(CONNECT_DATA=(SID=(s)))", address + data),

@@ -44,11 +44,11 @@ std::string entry_with_many_faults() {
 
 TEST(MendingInVain, LeavesTheEntryAsItWas) {
   const std::string text = entry_with_many_faults();
-  EXPECT_EQ(mended(text + entry("b", "x y")), text + entry("b", "\"x y\""));
+  EXPECT_EQ(mended(text + entry("b", "x=y")), text + entry("b", "\"x=y\""));
 }
 
 TEST(MendingInVain, TellsOfTheOtherFixesOnly) {
-  const NamesText original(entry_with_many_faults() + entry("b", "x y"));
+  const NamesText original(entry_with_many_faults() + entry("b", "x=y"));
   Mender mender(original, {"names.ora"});
   mender.apply_fixes();
   ASSERT_EQ(mender.mended().size(), 1u);
@@ -68,8 +68,8 @@ TEST(MendingInVain, KeepsWhatWasDoneBefore) {
 // The ")" that is missing would end the first entry, and lookups the one that is too many.
 TEST(MendingParentheses, LeavesWhatWouldLoseAnotherEntry) {
   const std::string text = unclosed + closed_twice + entry("c");
-  EXPECT_EQ(mended(text + entry("d", "x y") + entry("e", "u v")),
-            text + entry("d", "\"x y\"") + entry("e", "\"u v\""));
+  EXPECT_EQ(mended(text + entry("d", "x=y") + entry("e", "u=v")),
+            text + entry("d", "\"x=y\"") + entry("e", "\"u=v\""));
 }
 
 // The parentheses are mended in an entry that is refused all the same, since they keep lookups

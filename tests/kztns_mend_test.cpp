@@ -138,18 +138,18 @@ TEST(Mend, LeavesAFileWithoutFindingsAsItIs) {
 }
 
 TEST(Mend, AppliesFixesAndTellsThemAtTheirPlaces) {
-  const Result result = mend(entry("a") + entry("b", "x y") + entry("c", "u v w"));
-  EXPECT_EQ(result.text, entry("a") + entry("b", "\"x y\"") + entry("c", "\"u v w\""));
+  const Result result = mend(entry("a") + entry("b", "x=y") + entry("c", "u=v=w"));
+  EXPECT_EQ(result.text, entry("a") + entry("b", "\"x=y\"") + entry("c", "\"u=v=w\""));
   ASSERT_EQ(result.done.size(), 2u);
   EXPECT_EQ(result.done[0].substr(0, 2), "2:");
-  EXPECT_EQ(result.done[0].substr(result.done[0].find(' ')), " put '\"' around \"x y\"");
+  EXPECT_EQ(result.done[0].substr(result.done[0].find(' ')), " put '\"' around \"x=y\"");
   EXPECT_EQ(result.done[1].substr(0, 2), "3:");
 }
 
 TEST(Mend, LeavesWhatIsServedAndWhatItCannotMend) {
   const std::string foreign = "c = (DESCRIPTION = (NOBODY_KNOWS = x))\n";
-  EXPECT_EQ(mend(entry("a") + foreign + entry("b", "x y")).text,
-            entry("a") + foreign + entry("b", "\"x y\""));
+  EXPECT_EQ(mend(entry("a") + foreign + entry("b", "x=y")).text,
+            entry("a") + foreign + entry("b", "\"x=y\""));
 }
 
 // A parenthesis in a comment hides the entries after it; what is told first needs --unsafe.
@@ -181,19 +181,19 @@ TEST(Mend, LeavesAnEntryWhoseFaultIsIgnoredAsItIs) {
 
 TEST(Mend, LeavesWhatCommentsIgnore) {
   const std::string ignored =
-      "# kztns: ignore unquoted-value -- a test\n" + entry("a", "x y") +
-      "b = (DESCRIPTION = (CONNECT_DATA = (SID = u v))) # kztns: ignore unquoted-value\n";
+      "# kztns: ignore unquoted-value -- a test\n" + entry("a", "x=y") +
+      "b = (DESCRIPTION = (CONNECT_DATA = (SID = u=v))) # kztns: ignore unquoted-value\n";
   EXPECT_EQ(mend(ignored).text, ignored);
-  EXPECT_EQ(mend(ignored + entry("c", "x y")).text, ignored + entry("c", "\"x y\""));
+  EXPECT_EQ(mend(ignored + entry("c", "x=y")).text, ignored + entry("c", "\"x=y\""));
 }
 
 TEST(Mend, LeavesWhatIsDisabled) {
-  const NamesText original(entry("a", "x y") + "-- remark\n" + entry("b"));
+  const NamesText original(entry("a", "x=y") + "-- remark\n" + entry("b"));
   kztns::RuleSet disabled;
   disabled.set(static_cast<std::size_t>(kztns::Rule::stray_text));
   Mender mender(original, {.file = "names.ora", .disabled = disabled});
   mender.apply_fixes();
-  EXPECT_EQ(mender.text().text(), entry("a", "\"x y\"") + "-- remark\n" + entry("b"));
+  EXPECT_EQ(mender.text().text(), entry("a", "\"x=y\"") + "-- remark\n" + entry("b"));
 }
 
 // A fix that would lose a name does not keep the others of its entry from being applied.
@@ -263,7 +263,7 @@ TEST(Mending, MovesLinesOfBothKindsOfEnds) {
 }
 
 TEST(Mender, TellsWhatIsLostAndNew) {
-  const NamesText original(entry("a") + entry("b", "x y"));
+  const NamesText original(entry("a") + entry("b", "x=y"));
   Mender mender(original, {"names.ora"});
   mender.apply_fixes();
   const kztns::ServedNames result = kztns::served_names(NamesText(mender.text().text()));

@@ -45,7 +45,6 @@ Mending mend_item(const FaultPlace &place) {
     case Rule::block_for_value:
       return {without_inner_parentheses(place)};
     case Rule::comment_in_value:
-      return {whole_value(place, Applicability::unsafe)};
     case Rule::unquoted_value:
     case Rule::bad_word:
     case Rule::bad_number:

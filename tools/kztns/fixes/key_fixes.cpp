@@ -5,8 +5,10 @@
 #include "fixes/file_fixes.h"
 #include "fixes/foreign_keys.h"
 #include "fixes/number_fixes.h"
+#include "scan/item_words.h"
 #include "text/characters.h"
 #include "text/escape.h"
+#include "text/spelling.h"
 
 namespace kztns {
 namespace {
@@ -42,8 +44,9 @@ std::optional<Mending> mend_remark(const FaultPlace &place) {
 // one is written already, and nothing is given up with it.
 Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
   const Key *const row = key_named(place.block(), key);
-  const bool fits = row != nullptr && (may_repeat(*row) || set_by(place, key).empty());
-  if (!fits) return holds_what_counts(place) ? Fix() : place.removal(place.item()->open);
+  if (row == nullptr) return {};
+  const bool is_free = may_repeat(*row) || set_by(place, key).empty();
+  if (!is_free) return holds_what_counts(place) ? Fix() : place.removal(place.item()->open);
   return {applicability, {{at.begin, at.end, std::string(key)}}};
 }
 Fix renamed(const FaultPlace &place, std::string_view key, Applicability applicability) {
@@ -94,13 +97,20 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
+// Whether the item at fault may be what its block lacks, a host or a service.
+bool may_be_what_lacks(const FaultPlace &place) {
+  return (place.block() == Block::address || place.block() == Block::connect_data) &&
+         place.lacks_what_counts();
+}
+
 Fix fix_by_treatment(const FaultPlace &place, const ForeignKey &key) {
   const Offset open = place.item()->open;
   switch (key.treatment) {
     case ForeignTreatment::drop:
-      return holds_what_counts(place) ? Fix() : place.removal(open, Applicability::safe);
     case ForeignTreatment::lose:
-      return holds_what_counts(place) ? Fix() : place.removal(open);
+      if (holds_what_counts(place) || may_be_what_lacks(place)) return {};
+      return place.removal(open, key.treatment == ForeignTreatment::drop ? Applicability::safe
+                                                                         : Applicability::unsafe);
     case ForeignTreatment::rename:
       return renamed(place, key.target, Applicability::safe);
     case ForeignTreatment::rename_unsafe:
@@ -168,12 +178,28 @@ std::string remedy_of_foreign_key(const FaultPlace &place, const ForeignKey &key
   const bool has_target = !key.target.empty() && key_named(place.block(), key.target) != nullptr;
   const std::string_view setter = has_target ? set_by(place, key.target) : "";
   if (!setter.empty()) return "remove the item: " + excerpt(setter) + " is set here, too";
+  if (!key.target.empty() && !has_target)
+    return "write " + std::string(key.target) + " in " + places_of(item_word(key.target).type) +
+           ": " + std::string(key.here);
   if (is_number(place, key.target) && value_has_unit(place))
     return remedy_of(key, "it takes a number alone, in the connection layer's unit");
   return remedy_of(key);
 }
 
+// "(ADDRESS = (SERVER = db1)(PORT = 1))" and "(CONNECT_DATA = (SERVER = sales))": the key of what
+// the block lacks. Empty where SERVER is the kind of server process.
+std::string_view meant_by_server(const FaultPlace &place, const ForeignKey &key) {
+  const std::optional<Span> value = value_at(place);
+  if (key.word != "SERVER" || !may_be_what_lacks(place) || !value) return {};
+  if (is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"})) return {};
+  const std::string_view meant = place.block() == Block::address ? "HOST" : "SERVICE_NAME";
+  return set_by(place, meant).empty() ? meant : "";
+}
+
 Mending mend_foreign_key(const FaultPlace &place, const ForeignKey &key) {
+  if (const std::string_view meant = meant_by_server(place, key); !meant.empty())
+    return {renamed(place, meant, Applicability::unsafe),
+            "did you mean " + std::string(meant) + "?"};
   // What is told of any key that no entry has fits a list with something else in it.
   const bool is_other_list = key.treatment == ForeignTreatment::unwrap &&
                              place.block() == Block::entry && !is_list_of_descriptions(place);

@@ -1,6 +1,7 @@
 #include "fixes/value_fixes.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "fixes/address_fixes.h"
 #include "fixes/bare_items.h"
@@ -8,8 +9,11 @@
 #include "fixes/foreign_keys.h"
 #include "fixes/number_fixes.h"
 #include "fixes/wrapped_value.h"
+#include "scan/item_text.h"
+#include "scan/stray_text.h"
 #include "scan/tokens.h"
 #include "text/characters.h"
+#include "text/escape.h"
 #include "text/spelling.h"
 
 namespace kztns {
@@ -51,10 +55,40 @@ std::optional<Mending> mend_joined_items(const FaultPlace &place) {
   return Mending{unsafe_fix(std::move(edits)), "put each item in parentheses of its own"};
 }
 
-// Whether a text with blanks or signs may be what is meant. A host of that kind is none: its
-// entry would be served, and no server found.
-bool may_have_any_character(const Key &key) {
-  return key.value.kind == ValueKind::text && key.type != LB_HOST && key.type != LB_PORT;
+bool is_service(const Key &key) { return key.type == LB_SERVICE_NAME || key.type == LB_SID; }
+
+// Hosts, ports and services have none: the entry would be served, and no server or service found.
+bool may_have_blanks(const Key &key) {
+  return key.value.kind == ValueKind::text && key.type != LB_HOST && key.type != LB_PORT &&
+         !is_service(key);
+}
+
+// Whether a text with blanks or signs may be what is meant.
+bool may_be_whole(const Key &key, std::string_view value) {
+  return may_have_blanks(key) || (is_service(key) && value.find_first_of(blanks) == value.npos);
+}
+
+// "(PORT = 1521 -- default)": what other readers take as a comment, and what is one here but hides
+// the ")". Its words end before that.
+std::optional<Span> comment_before_close(const FaultPlace &place, const Key &key) {
+  const Offset at = place.after(blanks_of_line, place.item()->value.end);
+  const std::string_view rest = place.text().substr(at, end_of_line(place.text(), at) - at);
+  const bool is_comment =
+      rest.starts_with('#') || rest.starts_with("/*") || is_foreign_comment(rest);
+  const std::size_t end = rest.find_first_of("()\"");
+  if (!is_comment || end == rest.npos || rest[end] != ')' || may_have_blanks(key))
+    return std::nullopt;
+  return Span{at, at + static_cast<Offset>(trimmed(rest.substr(0, end)).size())};
+}
+
+std::optional<Mending> mend_comment_before_close(const FaultPlace &place, const Key &key) {
+  const std::optional<Span> comment = comment_before_close(place, key);
+  if (!comment) return std::nullopt;
+  if (place.has_sign(comment->begin, '#'))
+    return Mending{unsafe_fix({{comment->end, comment->end, "\n"}}),
+                   "put the \")\" on a line of its own"};
+  return Mending{fix_of_part(place.text(), comment->begin, comment->end),
+                 "make a comment of " + quoted(excerpt(place.slice(*comment)))};
 }
 
 // What to do about a value that goes on after its first word.
@@ -81,7 +115,7 @@ Fix whole_value(const FaultPlace &place, Applicability applicability) {
   if ((sign != std::string_view::npos && !ends_quoted) || value.size() >= longest_token) return {};
   const Offset end = begin + static_cast<Offset>(value.size());
   if (key->value.kind == ValueKind::integer) return fix_of_number(*key, value, {begin, end});
-  if (!may_have_any_character(*key) || holds_item(value)) return {};
+  if (!may_be_whole(*key, value) || holds_item(value)) return {};
   if (ends_quoted) return unsafe_fix({{begin, begin, "\""}});
   if (const std::string_view inner = in_foreign_quotes(value); !inner.empty())
     return unsafe_fix({{begin, end, '"' + std::string(inner) + '"'}});
@@ -188,8 +222,14 @@ Mending mend_refused_value(const FaultPlace &place) {
     case Rule::bad_number:
       return {fix_of_number(*key, place.value(), place.item()->value)};
     default:
-      return {whole_value(place, Applicability::safe), key == nullptr ? "" : remedy_of_more(*key)};
+      break;
   }
+  if (key == nullptr) return {};
+  if (auto mending = mend_comment_before_close(place, *key)) return *std::move(mending);
+  if (place.rule() == Rule::comment_in_value) return {whole_value(place, Applicability::unsafe)};
+  Fix fix = whole_value(place, Applicability::safe);
+  std::string remedy = !fix && is_service(*key) ? "write the service's name" : remedy_of_more(*key);
+  return {std::move(fix), std::move(remedy)};
 }
 
 }  // namespace kztns

@@ -8,9 +8,6 @@ namespace kztns {
 // A value that the library refuses, or that goes on after its first word.
 Mending mend_refused_value(const FaultPlace &place);
 
-// A value that goes on to the ")" on its line: in quotes, or the number that it begins with.
-Fix whole_value(const FaultPlace &place, Applicability applicability);
-
 // Closes the quote at fault.
 Fix closed_quote(const FaultPlace &place);
 
