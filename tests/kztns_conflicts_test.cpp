@@ -44,6 +44,12 @@ std::string mend(const std::string &content, const kztns::Commenting &commenting
 
 }  // namespace
 
+TEST(Conflicts, OfAWholeBlockIsToldAlone) {
+  const std::string block =
+      "  (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n  (CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(found_in("a =\n" + conflict(block, block)), "2:1 conflict-marker\n");
+}
+
 TEST(Conflicts, BetweenEntriesAreOneFinding) {
   const std::string text = entry("a") + conflict(entry("b"), entry("c")) + entry("d");
   ASSERT_EQ(found_in(text), "2:1 conflict-marker\n");

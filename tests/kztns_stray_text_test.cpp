@@ -28,6 +28,72 @@ TEST_F(FileRules, ACommentOfSeveralLinesHidesItsEntries) {
   EXPECT_EQ(unsafely_fixed("/* one\n" + entry("a")), "# /* one\n" + entry("a"));
 }
 
+TEST_F(FileRules, ACommentOfMarkupHidesItsEntries) {
+  const std::string text = "<!-- old\n" + entry("a") + "-->\n" + entry("b");
+  EXPECT_EQ(
+      told(text),
+      "1:1 stray-text: \"<!--\" is read as a name, but no \"=\" follows: the entry after it is "
+      "lost: b\n");
+  EXPECT_EQ(unsafely_fixed(text), "# <!-- old\n# " + entry("a") + "# -->\n" + entry("b"));
+}
+
+TEST_F(FileRules, ACommentOfOtherReadersMayHoldAParenthesis) {
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n";
+  const std::string close = begin + "(CONNECT_DATA = (SID = s) -- x)\n))\n" + entry("b");
+  EXPECT_EQ(told(close),
+            "2:27 extra-close: unmatched \")\" after \"--\"; the entry after it is lost: b\n");
+  EXPECT_EQ(unsafely_fixed(close), begin + "(CONNECT_DATA = (SID = s) # -- x]\n))\n" + entry("b"));
+  EXPECT_EQ(unsafely_fixed(begin + "(CONNECT_DATA = (SID = s) // :-(\n))\n" + entry("b")),
+            begin + "(CONNECT_DATA = (SID = s) # // :-[\n))\n" + entry("b"));
+}
+
+TEST_F(FileRules, WhatTheEntryBeforeLacksStaysWhateverItsQuotes) {
+  const std::string text =
+      "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n"
+      "(CONNECT_DATA = (SID = s)(KZ_USER_EXTRA_INFO = \"x))\n)\n" +
+      entry("b");
+  EXPECT_EQ(unsafely_fixed(text).find('#'), std::string::npos);
+}
+
+TEST_F(FileRules, AByteOrderMarkBeforeACommentIsRemoved) {
+  const std::string text = entry("a") + "\xEF\xBB\xBF# b\n" + entry("b");
+  EXPECT_EQ(told(text),
+            "2:1 odd-bytes: the invisible character \\xef\\xbb\\xbf is read as a name: "
+            "the entry after it is lost: b\n");
+  EXPECT_EQ(left_by_mender(text, false), entry("a") + "# b\n" + entry("b"));
+}
+
+TEST_F(FileRules, AnEntryInQuotesAtTheEndIsOneToo) {
+  EXPECT_EQ(left_by_mender("\"a = " + block + "\"\n", true), "a = " + block + "\n");
+}
+
+TEST_F(FileRules, TheReservedNameInSmallLettersIsMeantInCapitals) {
+  EXPECT_EQ(told("kzcisystemvariables = (LOG_LEVEL = debug)\n"),
+            "1:1 reserved-part: not in capitals: KZCISYSTEMVARIABLES: read as system variables\n");
+}
+
+TEST_F(FileRules, ABracketForAParenthesisIsReplaced) {
+  const std::string rest = "(PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h";
+  EXPECT_EQ(unsafely_fixed(begin + "]" + rest), begin + ")" + rest);
+  EXPECT_EQ(unsafely_fixed(begin + "}" + rest), begin + ")" + rest);
+  EXPECT_EQ(unsafely_fixed(begin + "[1]" + rest), begin + "[1])" + rest);
+}
+
+// What else is found may come of them.
+TEST_F(FileRules, LineEndsAreMendedBeforeAnythingElse) {
+  const std::string begin = entry("a") + "# old";
+  const std::string rest =
+      "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n"
+      "  (CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(left_by_mender(begin + "\r" + rest, true), begin + "\n" + rest);
+}
+
+TEST_F(FileRules, AnEntryWhoseNameIsInACommentMayHaveARemarkThere) {
+  const std::string text = entry("a") + "# b (old) =\n" + block + "\n" + entry("c");
+  EXPECT_EQ(unsafely_fixed(text), entry("a") + "# b (old) =\n# " + block + "\n" + entry("c"));
+}
+
 TEST_F(FileRules, ParenthesesAroundAnEntryAreRemoved) {
   const std::string rest = entry("b");
   EXPECT_EQ(told("(a = " + block + ")\n" + rest),

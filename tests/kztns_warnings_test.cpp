@@ -57,6 +57,9 @@ TEST(Warnings, OfHostsThatNobodyFilledIn) {
   for (const std::string host : {"@@HOST@@", "$DB_HOST", "%HOST%", "[HOST]", "&lt;host", "a\\b"})
     EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
         << host;
+  for (const std::string host : {"\"\"", "\" h \"", "h]", "\"h\n\""})
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=" + host + ")(PORT=1))" + data), Rules{"placeholder"})
+        << host;
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=[fe80::1])(PORT=1))" + data), Rules{});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=fe80::1%eth0)(PORT=1))" + data), Rules{});
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=\xC2\xA0h)(PORT=1))" + data), Rules{"odd-bytes"});
@@ -77,6 +80,8 @@ TEST(Warnings, OfServicesThatNobodyFilledIn) {
   }
   for (const char *const name : {"s$1", "s@t", "%s", "<>", "[]", "%%", "s%"})
     EXPECT_EQ(of_data(std::string("SERVICE_NAME=") + name), Rules{}) << name;
+  for (const char *const name : {"\"\"", "\" s\"", "\"s\n\"", "s,", "s;", "s]", "s}"})
+    EXPECT_EQ(of_data(std::string("SID=") + name), Rules{"placeholder"}) << name;
   EXPECT_EQ(of_data("SID=s)(KZ_USER_EXTRA_INFO=<x>"), Rules{});
 }
 

@@ -157,7 +157,7 @@ TEST(Lsp, FixesAll) {
       "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\r\n"
       "  (CONNECT_DATA = (SID = s)(SERVER = DEDICATED)))\r\n"
       "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\r\n"
-      "  (CONNECT_DATA = (SID = web shop)))\r\n";
+      "  (CONNECT_DATA = (SID = web=shop)))\r\n";
   LspClient client;
   with(client, broken);
   Json params = client.about(0, 0);
@@ -172,7 +172,7 @@ TEST(Lsp, FixesAll) {
             "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\r\n"
             "  (CONNECT_DATA = (SID = s)))\r\n"
             "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\r\n"
-            "  (CONNECT_DATA = (SID = \"web shop\")))\r\n");
+            "  (CONNECT_DATA = (SID = \"web=shop\")))\r\n");
   // Of another text it would be something else.
   client.notify("textDocument/didChange",
                 {{"textDocument", {{"uri", LspClient::uri}, {"version", 2}}},

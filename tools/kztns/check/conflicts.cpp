@@ -69,9 +69,13 @@ void report_conflicts(const NamesText &text, Findings &findings, CheckReport &re
   std::vector<Finding> others;
   for (Finding &finding : report.findings) {
     const Conflicts::Conflict *const around = conflicts.touched_by(finding.at, finding.at);
-    if (around != nullptr || is_changed_by(finding.fix, conflicts)) finding.fix = {};
+    const bool is_around = is_changed_by(finding.fix, conflicts);
+    if (around != nullptr || is_around) finding.fix = {};
     if (!conflicts.is_in_marker(finding.at)) {
-      others.push_back(std::move(finding));
+      // Two versions, one after the other, are no entry.
+      const bool is_of_both =
+          finding.rule == Rule::stray_text || row_of(finding.rule).concern == Concern::parentheses;
+      if (!is_of_both || (around == nullptr && !is_around)) others.push_back(std::move(finding));
       continue;
     }
     told.emplace(around->begin, std::move(finding));

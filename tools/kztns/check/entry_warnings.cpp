@@ -8,6 +8,7 @@
 #include "check/list_warnings.h"
 #include "kzoci/platform/level_names.h"
 #include "rules/diagnosis.h"
+#include "text/characters.h"
 #include "text/spelling.h"
 #include "trace/library_number.h"
 
@@ -35,8 +36,17 @@ bool is_template(std::string_view value) {
 }
 
 // IPv6 addresses are in brackets in URLs.
-bool is_template_of_host(std::string_view host) {
-  return is_template(host) && host.find(':') == host.npos;
+bool is_in_odd_brackets(std::string_view host) {
+  return host.find(':') == host.npos &&
+         (is_template(host) || host.find_first_of("[]") != host.npos);
+}
+
+// Whether a service is empty, has blanks that nobody sees, or ends in what separates values
+// elsewhere or in a bracket that was never opened.
+bool is_odd_service(std::string_view service) {
+  if (service.empty() || trimmed(service) != service) return true;
+  const std::string_view ends = service.find_first_of("[{") == service.npos ? ",;]}" : ",;";
+  return ends.find(service.back()) != ends.npos;
 }
 
 std::optional<sb8> number(std::string_view text) {
@@ -178,16 +188,24 @@ class EntryWarnings {
 
   void check_placeholder(const Item &item, const Key &) {
     if (item.type == LB_HOST) return check_host(item);
-    if ((item.type == LB_SERVICE_NAME || item.type == LB_SID) && is_template(trace_.value_of(item)))
-      add(Rule::placeholder, item, value_of(item) + ", a placeholder", "write the service's name");
+    if (item.type == LB_SERVICE_NAME || item.type == LB_SID) check_service(item);
+  }
+
+  void check_service(const Item &item) {
+    const std::string_view service = trace_.value_of(item);
+    if (is_template(service) || is_odd_service(service))
+      add(Rule::placeholder, item,
+          value_of(item) + (is_template(service) ? ", a placeholder" : ", no name of a service"),
+          "write the service's name");
   }
 
   void check_host(const Item &item) {
     const std::string_view host = trace_.value_of(item);
     const bool is_odd =
+        host.empty() || host.find_first_of(blanks) != host.npos ||
         std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
                     [&](std::string_view sign) { return host.find(sign) != host.npos; });
-    if (is_odd || is_template_of_host(host) || is_bad_address(host) || port_in(host))
+    if (is_odd || is_in_odd_brackets(host) || is_bad_address(host) || port_in(host))
       add(Rule::placeholder, item, value_of(item) + ", no name of a host",
           port_in(host) ? "write the port as (PORT = " + std::string(*port_in(host)) + ")" : "");
   }

@@ -197,10 +197,14 @@ class NameRules {
 
   void report_reserved_part(const Entry &entry, std::string_view name) {
     const bool stops = scan_.stop().kind == StopKind::reserved && ends_lookups(name);
-    std::string text = "a prefix of " + std::string(reserved_name);
+    const bool whole = name.size() == std::string_view(reserved_name).size();
+    std::string text = (whole ? "not in capitals: " : "a prefix of ") + std::string(reserved_name);
     text += entry.built ? ": read as system variables" : ": read as system variables, and refused";
     if (stops) text += "; the entries after it are lost";
-    findings_.add(Rule::reserved_part, {.at = entry.at, .entry = name, .text = std::move(text)});
+    findings_.add(Rule::reserved_part, {.at = entry.at,
+                                        .entry = name,
+                                        .text = std::move(text),
+                                        .remedy = whole ? "write it in capitals" : ""});
   }
 
   const NamesText &text_;

@@ -30,6 +30,8 @@ std::string read_on(const NamesText &text, Offset to) {
          text.place(to);
 }
 
+constexpr const char *no_equal_follows = " is read as a name, but no \"=\" follows";
+
 // Says why no name could be read.
 class StopExplainer {
  public:
@@ -155,9 +157,13 @@ class StopExplainer {
     if (stop_.met == TNS_LEFT_PARENTHESES && (begins_block(stop_.at) || begins_settings(name)))
       return {Rule::missing_equal, stop_.at, "expected \"=\" after the name " + word,
               "put \"=\" after the name"};
-    const bool quoted_entry = quoted_entry_at(text(), stop_.name).has_value();
-    return {Rule::stray_text, stop_.name, word + " is read as a name, but no \"=\" follows",
-            quoted_entry ? "write NAME = (DESCRIPTION = ...), without quotes" : ""};
+    if (quoted_entry_at(text(), stop_.name)) return quoted_entry(word);
+    return {Rule::stray_text, stop_.name, word + no_equal_follows};
+  }
+
+  Diagnosis quoted_entry(const std::string &word) const {
+    return {Rule::stray_text, stop_.name, word + no_equal_follows,
+            "write NAME = (DESCRIPTION = ...), without quotes"};
   }
 
   // "NAME : (DESCRIPTION", "NAME := (DESCRIPTION", "NAME - (DESCRIPTION" and "NAME: (DESCRIPTION".
@@ -176,7 +182,7 @@ class StopExplainer {
                      "put \"=\" instead of it"};
   }
 
-  // Whether the word at a place is made of invisible characters.
+  // Whether the word at a place is made of invisible characters, a comment after it excepted.
   bool is_invisible(Offset begin) const {
     std::string_view word = text().substr(begin, end_of_word(text(), begin) - begin);
     bool any = false;
@@ -185,7 +191,7 @@ class StopExplainer {
       word.remove_prefix(odd.size());
       any = true;
     }
-    return any && word.empty();
+    return any && (word.empty() || word.starts_with('#'));
   }
 
   Diagnosis invisible() const {
@@ -212,6 +218,8 @@ class StopExplainer {
   }
 
   Diagnosis lost_name() const {
+    if (quoted_entry_at(text(), stop_.name))
+      return quoted_entry(quoted_token(subject_, stop_.name));
     const auto quote = open_quote(text(), stop_.name, subject_.text.size());
     if (quote) return {Rule::unclosed_quote, *quote, "unterminated quote"};
     if (is_invisible(stop_.name)) return invisible();

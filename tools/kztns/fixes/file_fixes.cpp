@@ -96,8 +96,8 @@ bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
   const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
   const Entry *const entry = scan.entry_at_or_before(at);
   const ItemWord key = key_after(text, at);
-  if (entry == nullptr || !key || !end_of_items(text, at)) return false;
-  return opens_block(key) || !is_complete(text, entry->body);
+  if (entry == nullptr || !key) return false;
+  return !is_complete(text, entry->body) || (opens_block(key) && end_of_items(text, at));
 }
 
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {

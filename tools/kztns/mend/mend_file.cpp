@@ -120,12 +120,15 @@ void Mender::apply_fixes() {
 // What ends the lookups hides findings from a single walk through the text.
 void Mender::apply_while_any_helps() {
   report();
-  while (Walk(*this).run()) {
-  }
+  run_walks();
   if (deep_ || stopped_ || !report_->lookups_end) return;
   deep_ = true;
   report_ = check(text(), nullptr);
-  while (Walk(*this).run()) {
+  run_walks();
+}
+
+void Mender::run_walks() {
+  while (Walk(*this, Walk::Choice::of_characters).run() || Walk(*this, Walk::Choice::all).run()) {
   }
 }
 

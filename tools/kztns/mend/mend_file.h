@@ -84,6 +84,7 @@ class Mender {
   State state() const;
   void go_back_to(const State &before);
   void apply_while_any_helps();
+  void run_walks();
   // An entry, by where it begins in the original and its name: copies of one may begin where
   // another one does.
   using EntryId = std::pair<Offset, std::uint64_t>;

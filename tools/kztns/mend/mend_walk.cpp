@@ -17,9 +17,15 @@ bool is_about_name(const Finding &finding, Offset entry) {
   return row_of(finding.rule).concern == Concern::name;
 }
 
+bool is_about_characters(Rule rule) {
+  return rule == Rule::utf_16 || rule == Rule::byte_order_mark || rule == Rule::cr_line_ends ||
+         rule == Rule::odd_bytes;
+}
+
 }  // namespace
 
-Mender::Walk::Walk(Mender &mender) : mender_(mender), report_(*mender.report_) {
+Mender::Walk::Walk(Mender &mender, Choice choice)
+    : mender_(mender), report_(*mender.report_), choice_(choice) {
   for (const Finding &finding : report_.findings)
     entries_.push_back(mender_.served().entry_around(finding.at));
   make_units();
@@ -40,6 +46,9 @@ bool Mender::Walk::is_mended_in_vain(const Finding &finding) const {
 bool Mender::Walk::is_wanted(std::size_t i) const {
   const Finding &finding = report_.findings[i];
   if (is_mended_in_vain(finding)) return false;
+  const bool of_characters =
+      is_about_characters(finding.rule) && finding.applied_among == Applicability::safe;
+  if (choice_ == Choice::of_characters && !of_characters) return false;
   const bool wanted =
       finding.applied_among == Applicability::safe ||
       (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);

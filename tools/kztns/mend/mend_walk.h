@@ -23,7 +23,13 @@ struct Mender::Trial {
 // fix is one alone.
 class Mender::Walk {
  public:
-  explicit Walk(Mender &mender);
+  // Which fixes are tried.
+  enum class Choice : unsigned char {
+    of_characters,  // safe ones of how the text is written: what else is found may come of that
+    all
+  };
+
+  Walk(Mender &mender, Choice choice);
   Walk(const Walk &) = delete;
   Walk &operator=(const Walk &) = delete;
 
@@ -81,6 +87,7 @@ class Mender::Walk {
 
   Mender &mender_;
   const CheckReport &report_;
+  Choice choice_;
   std::vector<std::size_t> entries_;  // of the findings
   std::vector<Unit> units_;
   std::vector<bool> applied_;

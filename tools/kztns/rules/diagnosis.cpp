@@ -290,7 +290,7 @@ std::string quoted_token(const Subject &subject, Offset at) {
   if (text.empty()) return "the end of the " + std::string(subject.noun);
   if (text[0] == '"') {
     const std::size_t close = text.find('"', 1);
-    return excerpt(text.substr(0, close == std::string_view::npos ? 40 : close + 1));
+    return excerpt(text.substr(0, close == std::string_view::npos ? close : close + 1));
   }
   const std::size_t length = text.find_first_of(word_ends);
   return quoted(excerpt(text.substr(0, std::max<std::size_t>(length, 1))));

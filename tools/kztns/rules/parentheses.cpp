@@ -71,15 +71,26 @@ class ParenthesisExplainer {
   Diagnosis never_closed() const {
     const std::size_t open = change_.blocks.back();
     const EntryToken *const key = key_of(open);
-    const Offset end = tokens_[last_of_items()].end;
+    const EntryToken &last = tokens_[last_of_items()];
     std::string text = key == nullptr ? "this \"(\"" : word(*key);
     text += " is not closed: expected \")\" " + next();
+    const bool other_bracket = ends_in_other_bracket(last);
+    const Offset place = last.end - (other_bracket ? 1 : 0);
     return {Rule::unclosed_block,
             tokens_[open].at,
             std::move(text),
-            "put \")\" at " + text_.place(end),
-            unsafe_fix({{end, end, ")"}}),
+            "put \")\" at " + text_.place(place) +
+                (other_bracket ? " instead of " + quoted(slice(last).substr(slice(last).size() - 1))
+                               : ""),
+            unsafe_fix({{place, last.end, ")"}}),
             path_of(change_.blocks.size() - 1)};
+  }
+
+  // "h]" without its partner.
+  bool ends_in_other_bracket(const EntryToken &token) const {
+    const std::string_view word = slice(token);
+    return token.kind == 'w' && word.size() > 1 && (word.back() == ']' || word.back() == '}') &&
+           word.find_first_of("[{") == word.npos;
   }
 
   // Before the place of the change, without words after an item, which may be another entry's.
@@ -158,6 +169,49 @@ Diagnosis repeated_opening(std::string_view text, const std::vector<EntryToken> 
           "remove one of them", unsafe_fix({{begin, tokens[open + 2].end, {}}})};
 }
 
+// What other readers take as a comment, after an item, up to the end of its line: its tokens.
+struct ForeignComment {
+  std::size_t begin;
+  std::size_t end;
+  std::int64_t depth_change;
+};
+
+// The first one without which the parentheses balance.
+std::optional<ForeignComment> find_unbalanced_comment(std::string_view text,
+                                                      const std::vector<EntryToken> &tokens) {
+  std::int64_t depth = 0;
+  for (const EntryToken &token : tokens) depth += depth_change(token.kind);
+  for (std::size_t i = 1; i + 1 < tokens.size() && depth != 0; ++i) {
+    const std::string_view word = text.substr(tokens[i].at, tokens[i].end - tokens[i].at);
+    const bool begins_comment = tokens[i].kind == 'w' && tokens[i - 1].kind == ')' &&
+                                (word.starts_with("--") || word.starts_with("//"));
+    if (!begins_comment) continue;
+    const Offset line_end = end_of_line(text, tokens[i].at);
+    ForeignComment found = {i, i, 0};
+    for (; found.end + 1 < tokens.size() && tokens[found.end].at < line_end; ++found.end)
+      found.depth_change += depth_change(tokens[found.end].kind);
+    if (found.depth_change == depth) return found;
+  }
+  return std::nullopt;
+}
+
+// Lookups count parentheses in comments: they become brackets.
+Diagnosis unbalanced_comment(const Subject &subject, const std::vector<EntryToken> &tokens,
+                             const ForeignComment &comment) {
+  const EntryToken &begin = tokens[comment.begin];
+  std::vector<Edit> edits = {{begin.at, begin.at, "# "}};
+  for (std::size_t i = comment.begin; i < comment.end; ++i)
+    if (depth_change(tokens[i].kind) != 0)
+      edits.push_back({tokens[i].at, tokens[i].end, tokens[i].kind == '(' ? "[" : "]"});
+  const bool is_close = comment.depth_change < 0;
+  std::string text = "unmatched ";
+  text += is_close ? "\")\"" : "\"(\"";
+  text += " after " + quoted_token(subject, begin.at);
+  return {is_close ? Rule::extra_close : Rule::extra_open, begin.at, std::move(text),
+          "begin the comment with \"#\", and put no parenthesis into it",
+          unsafe_fix(std::move(edits))};
+}
+
 }  // namespace
 
 std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRange range,
@@ -167,6 +221,8 @@ std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRan
   if (!tokens) return std::nullopt;
   if (const auto open = find_repeated_opening(text, *tokens); open && is_short_of_closes(*tokens))
     return repeated_opening(text, *tokens, *open);
+  if (const auto comment = find_unbalanced_comment(text, *tokens))
+    return unbalanced_comment(subject, *tokens, *comment);
   // A literal descriptor has no name.
   const bool reserved =
       !name.empty() && kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));

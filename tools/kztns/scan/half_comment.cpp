@@ -10,19 +10,27 @@
 namespace kztns {
 namespace {
 
-// "# NAME =" and "# NAME = (": the name; absent for any other comment.
-std::optional<Span> name_in(std::string_view text, Offset comment, Offset end) {
+struct BegunEntry {
+  Span name;
+  Offset value;  // after the "="
+};
+
+// "# NAME =", "# NAME (remark) =" and "# NAME = (": absent for any other comment.
+std::optional<BegunEntry> entry_in(std::string_view text, Offset comment, Offset end) {
   const std::string_view line = text.substr(0, end);
   const std::size_t begin = line.find_first_not_of("# \t", comment);
   if (begin == std::string_view::npos) return std::nullopt;
   const std::size_t name_end = std::min(line.find_first_of(" \t=()#\",", begin), line.size());
   if (name_end == begin) return std::nullopt;
-  const std::size_t equal = line.find_first_not_of(" \t", name_end);
+  std::size_t equal = line.find_first_not_of(" \t", name_end);
+  if (equal != std::string_view::npos && line[equal] == '(')
+    equal = line.find_first_not_of(" \t", line.find(')', equal) + 1);
   if (equal == std::string_view::npos || line[equal] != '=') return std::nullopt;
   const std::size_t value = line.find_first_not_of(" \t\r", equal + 1);
   const bool is_entry = value == std::string_view::npos || line[value] == '(' || line[value] == '#';
   if (!is_entry || item_word(line.substr(begin, name_end - begin))) return std::nullopt;
-  return Span{static_cast<Offset>(begin), static_cast<Offset>(name_end)};
+  return BegunEntry{{static_cast<Offset>(begin), static_cast<Offset>(name_end)},
+                    static_cast<Offset>(equal + 1)};
 }
 
 // An entry that is begun and not ended in the comments between two tokens.
@@ -36,10 +44,11 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
   for (Offset line = first < to ? static_cast<Offset>(first + 1) : to; line < to;
        line = end_of_line(text, line) + 1) {
     const Offset end = std::min(end_of_line(text, line), to);
-    const std::size_t comment = text.substr(0, end).find('#', line);
+    std::size_t comment = text.substr(0, end).find('#', line);
     if (comment == std::string_view::npos) continue;
-    if (const auto name = name_in(text, static_cast<Offset>(comment), end)) {
-      begun = {static_cast<Offset>(comment), *name, to};
+    if (const auto entry = entry_in(text, static_cast<Offset>(comment), end)) {
+      begun = {static_cast<Offset>(comment), entry->name, to};
+      comment = entry->value;
       depth = 0;
       any = false;
     }
@@ -60,7 +69,7 @@ bool is_named_in_comment(std::string_view text, Offset at) {
     const std::size_t line = text.substr(0, last + 1).rfind('\n') + 1;
     const auto begin = static_cast<Offset>(text.find_first_not_of(" \t", line));
     if (text[begin] != '#') return false;
-    if (name_in(text, begin, static_cast<Offset>(last + 1))) return true;
+    if (entry_in(text, begin, static_cast<Offset>(last + 1))) return true;
     last = text.substr(0, line).find_last_not_of(blanks);
   }
   return false;

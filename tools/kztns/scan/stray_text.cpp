@@ -16,12 +16,14 @@ bool is_foreign_comment(std::string_view word) {
 }
 
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at) {
-  if (!text.substr(at).starts_with("/*")) return std::nullopt;
-  // One in which another one begins was forgotten to be closed.
-  for (std::size_t star = text.find('*', at + 2); star != std::string_view::npos;
-       star = text.find('*', star + 1)) {
-    if (text.substr(star + 1).starts_with('/')) return static_cast<Offset>(star + 2);
-    if (text[star - 1] == '/') return std::nullopt;
+  constexpr std::string_view signs[][2] = {{"/*", "*/"}, {"<!--", "-->"}};
+  for (const auto &[open, close] : signs) {
+    if (!text.substr(at).starts_with(open)) continue;
+    // One in which another one begins was forgotten to be closed.
+    const std::string_view comment = text.substr(0, text.find(open, at + open.size()));
+    const std::size_t end = comment.find(close, at + open.size());
+    if (end == comment.npos) return std::nullopt;
+    return static_cast<Offset>(end + close.size());
   }
   return std::nullopt;
 }

@@ -11,8 +11,8 @@ namespace kztns {
 // Whether a word begins a comment of other readers of such files.
 bool is_foreign_comment(std::string_view word);
 
-// After a comment in "/*" and "*/" that begins at a place, as other languages have it; absent when
-// none does.
+// After a comment in "/*" and "*/" or "<!--" and "-->" that begins at a place, as other languages
+// have it; absent when none does.
 std::optional<Offset> end_of_long_comment(std::string_view text, Offset at);
 
 // After the blanks and all comments from a place on, those of other readers too.

@@ -11,6 +11,7 @@ namespace {
 constexpr CharacterRange unseen[] = {
     {0x0000, 0x001F},  // control characters
     {0x007F, 0x00A0},  // delete, the second half of the controls, the no-break space
+    {0x00AD, 0x00AD},  // soft hyphen
     {0x061C, 0x061C},  // Arabic letter mark
     {0x200B, 0x200F},  // zero-width spaces, left-to-right and right-to-left mark
     {0x2028, 0x202F},  // line and paragraph separator, embeddings, overrides

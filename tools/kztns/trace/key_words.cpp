@@ -69,8 +69,7 @@ std::string_view near_key(std::string_view word, Block block) {
   for (const Key &key : grammar) (key.block == block ? here : elsewhere).emplace_back(key.word);
   std::string_view found = near_word(word, here);
   if (found.empty()) found = longer_or_shorter_word(word, here);
-  if (const Key *const key = key_named(block, "KZLB_" + std::string(word)))
-    found = key->word;
+  if (const Key *const key = key_named(block, "KZLB_" + std::string(word))) found = key->word;
   return found.empty() ? near_word(word, elsewhere) : found;
 }
 
