@@ -17,7 +17,7 @@ std::vector<Row> foreign_rows() {
       unsafe("unknown-key", "(ADDRESS=(SERVER=h)(PORT=1))" + data, address + data),
       unsafe("unknown-key", address + "(CONNECT_DATA=(SERVER=s))",
              address + "(CONNECT_DATA=(SERVICE_NAME=s))"),
-      none("unknown-key", address + "(CONNECT_DATA=(SERVER=dedicated))"),
+      safe("unknown-key", address + "(CONNECT_DATA=(SERVER=dedicated))", address),
       none("unknown-key", "(ADDRESS=(COMMUNITY=h)(PORT=1))" + data),
       none("unknown-key", "(ADDRESS=(HOST=h)(Service=1521))" + data),
       none("unknown-key", address + "(CONNECT_DATA=(GLOBAL_NAME=s))"),
@@ -140,6 +140,9 @@ std::vector<Row> key_rows() {
       unsafe("misplaced-key",
              "(ADDRESS_LIST=(ADDRESS=(HOST=h)(PORT=1)" + address + ")" + address + ")" + data,
              "(ADDRESS_LIST=" + address + address + address + ")" + data),
+      unsafe("misplaced-key",
+             "(ADDRESS_LIST=(ADDRESS=(HOST=h)(PORT=1)\n (ADDRESS=(HOST=i))(PORT=2)))" + data,
+             "(ADDRESS_LIST=(ADDRESS=(HOST=h)(PORT=1))\n (ADDRESS=(HOST=i)(PORT=2)))" + data),
       // What is moved or removed leaves its comments.
       safe("unknown-key", address + "(CONNECT_DATA=(SID=s)(SERVER=DEDICATED # 1\n # 2\n))",
            address + "(CONNECT_DATA=(SID=s) # 1\n # 2\n)"),

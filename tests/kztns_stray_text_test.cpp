@@ -80,6 +80,20 @@ TEST_F(FileRules, ABracketForAParenthesisIsReplaced) {
   EXPECT_EQ(unsafely_fixed(begin + "[1]" + rest), begin + "[1])" + rest);
 }
 
+TEST_F(FileRules, AnOpenBracketForAParenthesisIsReplaced) {
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h)";
+  const std::string rest = "PORT = 1))(CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(left_by_mender(begin + "{" + rest, true), begin + "(" + rest);
+  EXPECT_EQ(left_by_mender(begin + "[" + rest, true), begin + "(" + rest);
+}
+
+TEST_F(FileRules, AnIncludedFileMayLackItsEqualSign) {
+  EXPECT_EQ(
+      told("IFILE /opt/more\n" + entry("a")),
+      "1:1 ifile: IFILE is read as a name: included files are not supported; the entry after it "
+      "is lost: a\n");
+}
+
 // What else is found may come of them.
 TEST_F(FileRules, LineEndsAreMendedBeforeAnythingElse) {
   const std::string begin = entry("a") + "# old";

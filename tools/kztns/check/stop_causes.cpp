@@ -152,6 +152,9 @@ class StopExplainer {
         name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
     if (comma) return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
     if (is_invisible(stop_.name)) return invisible();
+    if (equal_but_for_case(trimmed(name), "IFILE"))
+      return {Rule::ifile, stop_.name, "IFILE is read as a name: included files are not supported",
+              "put the file's entries here"};
     if (const auto colon = colon_after_name()) return *colon;
     const std::string word = quoted_token(subject_, stop_.name);
     if (stop_.met == TNS_LEFT_PARENTHESES && (begins_block(stop_.at) || begins_settings(name)))

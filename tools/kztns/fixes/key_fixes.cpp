@@ -97,10 +97,17 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
+// Whether the item at fault tells the kind of server process.
+bool is_kind_of_process(const FaultPlace &place) {
+  const std::optional<Span> value = value_at(place);
+  return is_one_of(place.slice(place.item()->key), {"SERVER"}) && value &&
+         is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"});
+}
+
 // Whether the item at fault may be what its block lacks, a host or a service.
 bool may_be_what_lacks(const FaultPlace &place) {
   return (place.block() == Block::address || place.block() == Block::connect_data) &&
-         place.lacks_what_counts();
+         place.lacks_what_counts() && !is_kind_of_process(place);
 }
 
 Fix fix_by_treatment(const FaultPlace &place, const ForeignKey &key) {
@@ -189,9 +196,7 @@ std::string remedy_of_foreign_key(const FaultPlace &place, const ForeignKey &key
 // "(ADDRESS = (SERVER = db1)(PORT = 1))" and "(CONNECT_DATA = (SERVER = sales))": the key of what
 // the block lacks. Empty where SERVER is the kind of server process.
 std::string_view meant_by_server(const FaultPlace &place, const ForeignKey &key) {
-  const std::optional<Span> value = value_at(place);
-  if (key.word != "SERVER" || !may_be_what_lacks(place) || !value) return {};
-  if (is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"})) return {};
+  if (key.word != "SERVER" || !may_be_what_lacks(place) || !value_at(place)) return {};
   const std::string_view meant = place.block() == Block::address ? "HOST" : "SERVICE_NAME";
   return set_by(place, meant).empty() ? meant : "";
 }

@@ -132,6 +132,21 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
   return have_service(place, items) ? safe_fix(std::move(edits)) : unsafe_fix(std::move(edits));
 }
 
+// "(ADDRESS = (HOST = h)(PORT = 1) (ADDRESS = (HOST = i)) (PORT = 2))": the inner one begins where
+// the outer one was to end, and was to end where that does. Absent for others.
+std::optional<Fix> with_moved_close(const FaultPlace &place, const WrittenItem &item) {
+  if (place.block() != Block::address || !place.has_key(item, "ADDRESS")) return std::nullopt;
+  std::vector<WrittenItem> before;
+  bool repeats = false;
+  for (const WrittenItem &other : place.items_of(place.frame())) {
+    if (other.open < item.open) before.push_back(other);
+    if (other.open > item.open) repeats = repeats || place.is_set(before, place.key_of(other));
+  }
+  if (!repeats) return std::nullopt;
+  const Offset end = before.back().end;
+  return unsafe_fix({{end, end, ")"}, {item.end - 1, item.end, {}}});
+}
+
 // In the block that it was meant for.
 Fix moved_to_taker(const FaultPlace &place, const WrittenItem &item) {
   const KZCILBKeyType type = place.item()->type;
@@ -151,6 +166,8 @@ Mending mend_misplaced_key(const FaultPlace &place) {
   if (!item) return {};
   if (place.block() == Block::entry) return {in_description(place, *item)};
   if (Fix fix = without_inner_block(place, *item)) return {std::move(fix), "remove one of the two"};
+  if (auto fix = with_moved_close(place, *item))
+    return {*std::move(fix), "put the \")\" of the address before it, and not after it"};
   return {moved_to_taker(place, *item)};
 }
 

@@ -33,7 +33,7 @@ class ParenthesisExplainer {
                 at_.at,
                 "expected \"(\" before " + word(at_),
                 {},
-                unsafe_fix({{at_.at, after_full_width_open(), "("}}),
+                unsafe_fix({{at_.at, after_other_bracket(), "("}}),
                 path()};
       case ParenthesisEdit::remove_close:
         return surplus(Rule::extra_close, "unmatched \")\"");
@@ -48,10 +48,12 @@ class ParenthesisExplainer {
   }
   std::string word(const EntryToken &token) const { return excerpt(slice(token)); }
 
-  // Where the word at fault goes on after a full-width parenthesis, which is none here.
-  Offset after_full_width_open() const {
-    const bool has_one = slice(at_).starts_with(full_width_open);
-    return at_.at + (has_one ? static_cast<Offset>(full_width_open.size()) : 0);
+  // Where the word at fault goes on after what is no parenthesis here.
+  Offset after_other_bracket() const {
+    for (const std::string_view bracket :
+         {full_width_open, std::string_view("{"), std::string_view("[")})
+      if (slice(at_).starts_with(bracket)) return at_.at + static_cast<Offset>(bracket.size());
+    return at_.at;
   }
 
   // The key of the item that a "(" begins; null for none.
