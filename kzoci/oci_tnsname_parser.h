@@ -98,7 +98,7 @@ typedef struct kzci_tns_parse_params {
   ub4 buffer_pos;                  /* index in tns_buffer of the next character */
   ub4 buffer_len;                  /* characters in tns_buffer */
   ub4 tns_key_len;                 /* characters in tns_key, 0 to 256 */
-  int is_eof;                      /* 1 once the input has ended */
+  int is_eof;                      /* 1 once the input, or the scan, has ended */
   int mode;                        /* TNS_MODE_FILE or TNS_MODE_DESCRIPTION */
   char *tns_name;                  /* value of the environment that named the file */
   FILE *tns_file;                  /* the names file, in file mode; the owner's */

@@ -61,8 +61,8 @@ struct Places {
 inline std::uint64_t without_first(std::uint64_t places) { return places & (places - 1); }
 
 // The end among these places, which have at least depth ")"; null when it is after them.
-// Usually it is the depth-th ")". A "(" in front of that takes one ")" more; it is found
-// below the lowest bit of closed, all that is set in closed - 1 but other ")".
+// Usually it is the depth-th ")". A "(" in front of that takes one ")" more: closed - 1 has all
+// bits below the lowest one of closed.
 inline const char *close_by_places(const char *at, Places places, sb8 depth) {
   for (; depth > 1; --depth) places.closed = without_first(places.closed);
   while (places.closed != 0) {

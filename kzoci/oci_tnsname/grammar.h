@@ -201,6 +201,7 @@ inline constexpr auto grammar_rows = [] {
   using Row = unsigned char;
   static_assert(rows_of_grammar < 256);
   std::array<std::array<Row, LB_MAX_KEY_TYPE>, blocks> rows{};
+  // Backwards: of two words of one key, RETRY_TIMES and RETRYTIMES, the first one counts.
   for (std::size_t i = rows_of_grammar; i-- > 0;)
     rows[static_cast<std::size_t>(grammar[i].block)][grammar[i].type] = static_cast<Row>(i + 1);
   return rows;

@@ -3,8 +3,8 @@
 //
 //   names file := { NAME "=" entry }
 //
-// The scan ends at the first entry of the name, at the reserved entry, or at
-// the end of the file.
+// The scan ends at the first entry of the name, at the reserved entry, at the end of
+// the file, or, as a failure, at the first text that is no entry.
 #include <algorithm>
 #include <cstdio>
 #include <cstring>

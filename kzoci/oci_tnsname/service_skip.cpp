@@ -12,8 +12,9 @@ using namespace kzoci::tns;
 
 namespace {
 
-// Whether the entry ends the scan. The terminating zero byte is compared as well, so
-// that a longer name never counts; letter case matters here.
+// Whether the entry ends the scan: its name is the reserved one, or any leading part of it, an
+// empty name too, in capitals. The terminating zero byte is compared as well, so that a longer name
+// never counts.
 bool ends_scan(const KZCITnsParseParams &params) {
   const std::size_t length = std::min<std::size_t>(params.tns_key_len, sizeof reserved_name);
   if (length > 0 && params.tns_key[0] != reserved_name[0]) return false;  // most names

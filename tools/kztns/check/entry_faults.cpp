@@ -96,14 +96,15 @@ class EntryCopy {
     return found;
   }
 
-  // Applies the edits and builds the copy; false when they are not within the entry.
+  // Applies the edits and builds the copy; false for none, and for any outside of the entry.
   bool apply(const std::vector<Edit> &edits) {
+    if (edits.empty()) return false;
     for (const Edit &edit : edits)
       if (edit.begin < body_ || edit.end > edited_.text().size()) return false;
     before_ = edited_;
     edited_.apply(edits);
     build();
-    return !edits.empty();
+    return true;
   }
 
   void take_back() {

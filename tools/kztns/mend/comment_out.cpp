@@ -193,7 +193,7 @@ bool try_parts(Mender &mender, const std::vector<Candidate> &found,
 bool comment_out(Mender &mender, const std::vector<Candidate> &found) {
   if (try_parts(mender, found)) return true;
   for (const Candidate &one : found)
-    if (mender.may_go_on() && try_parts(mender, {one})) return true;
+    if (mender.spend_check() && try_parts(mender, {one})) return true;
   return false;
 }
 
@@ -282,7 +282,7 @@ void comment_out_duplicates(Mender &mender, Keep keep) {
 
 void comment_out_unserved(Mender &mender) {
   // Where no error is left, what keeps lookups from entries is ignored, too.
-  while (mender.may_go_on() && count(mender.report(), Severity::error) > 0) {
+  while (mender.spend_check() && count(mender.report(), Severity::error) > 0) {
     Unserved unserved(mender);
     std::vector<Candidate> found = unserved.faulty();
     if (found.empty()) found = unserved.further();

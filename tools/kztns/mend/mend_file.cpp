@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "check/check_selected.h"
-#include "mend/mend_walk.h"
+#include "mend/mend_step.h"
 #include "text/words.h"
 
 namespace kztns {
@@ -48,13 +48,13 @@ const ServedNames &Mender::served() {
 
 // A file has few faults that come to light only after others are mended. One that is made
 // for it would cost the square of its length.
-bool Mender::may_go_on() {
+bool Mender::spend_check() {
   constexpr std::uint64_t basis = 64 << 20;
-  constexpr std::uint64_t most_walks = 64;
+  constexpr std::uint64_t most_checks = 64;
   // What a check takes that comes past what ends the lookups, as a rule.
-  constexpr std::uint64_t walks_of_deep_check = 4;
-  walked_ += text().size() * (deep_ ? walks_of_deep_check : 1);
-  if (walked_ > basis + most_walks * original_.size()) stopped_ = true;
+  constexpr std::uint64_t checks_of_deep_one = 4;
+  checked_ += text().size() * (deep_ ? checks_of_deep_one : 1);
+  if (checked_ > basis + most_checks * original_.size()) stopped_ = true;
   return !stopped_;
 }
 
@@ -120,15 +120,15 @@ void Mender::apply_fixes() {
 // What ends the lookups hides findings from a single walk through the text.
 void Mender::apply_while_any_helps() {
   report();
-  run_walks();
+  run_steps();
   if (deep_ || stopped_ || !report_->lookups_end) return;
   deep_ = true;
   report_ = check(text(), nullptr);
-  run_walks();
+  run_steps();
 }
 
-void Mender::run_walks() {
-  while (Walk(*this, Walk::Choice::of_characters).run() || Walk(*this, Walk::Choice::all).run()) {
+void Mender::run_steps() {
+  while (Step(*this, Step::Choice::of_characters).run() || Step(*this, Step::Choice::all).run()) {
   }
 }
 

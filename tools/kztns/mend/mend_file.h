@@ -1,5 +1,6 @@
 // Mends a file: applies the fixes of what check finds until none is left to apply. The
-// library is the judge of each step: no name that it serves loses its tree.
+// library is the judge of each step: a name that it serves keeps its tree, unless a fix is about
+// what is called so, or belongs to it (Concern::identity).
 #pragma once
 
 #include <functional>
@@ -55,9 +56,9 @@ class Mender {
   const CheckReport &report();
 
   const std::vector<MendedFinding> &mended() const { return mended_; }
-  // To be asked before each walk: whether there may be another one.
-  bool may_go_on();
-  // Whether the walks ran out before the fixes did.
+  // To be called before each check of the text: whether there may be another one, which is counted.
+  bool spend_check();
+  // Whether the checks ran out before the fixes did.
   bool stopped() const { return stopped_; }
   // How often the text was changed.
   std::size_t steps() const { return steps_; }
@@ -70,7 +71,7 @@ class Mender {
 
  private:
   struct Trial;
-  class Walk;
+  class Step;
 
   // What apply_fixes begins with.
   struct State {
@@ -84,7 +85,7 @@ class Mender {
   State state() const;
   void go_back_to(const State &before);
   void apply_while_any_helps();
-  void run_walks();
+  void run_steps();
   // An entry, by where it begins in the original and its name: copies of one may begin where
   // another one does.
   using EntryId = std::pair<Offset, std::uint64_t>;
@@ -115,7 +116,7 @@ class Mender {
   bool crlf_;
   bool deep_ = false;  // whether checks come past what ends the lookups
   bool stopped_ = false;
-  std::uint64_t walked_ = 0;
+  std::uint64_t checked_ = 0;
   std::size_t steps_ = 0;
 };
 

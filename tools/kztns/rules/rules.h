@@ -15,7 +15,7 @@ enum class Severity { error, warning, note };
 enum class Concern {
   entry,        // what stands in one entry
   parentheses,  // those of one entry, by which lookups pass over it
-  name,         // an entry's name, which the fix changes
+  identity,     // what an entry is called, or what belongs to it: the fix may change what it serves
   lookups,      // what else keeps lookups from entries
   comments,     // those that are for check
 };

@@ -52,6 +52,24 @@ KZCITnsParseParams at_body(const std::string &text, Offset body, std::string_vie
   return params;
 }
 
+// Builds what comes after an entry's "=", to be traced by a listener if there is one; then calls
+// then(service, end) with what is gone afterwards.
+template <class Then>
+void build_from(KZCITnsParseParams params, Trace *trace, const Then &then) {
+  const AllocationScope scope;
+  KZCITns tns = {};
+  {
+    std::optional<Listening> listening;
+    if (trace != nullptr) {
+      listening.emplace(*trace);
+      trace->begin(params);
+    }
+    KZCITnsServiceBuild(&tns, &params);
+  }
+  scope.require_memory();
+  then(tns.tns_service, here(params));
+}
+
 // Of one rule no more are reported as a rule.
 constexpr std::size_t most_skip_mismatches = 1000;
 
@@ -67,16 +85,7 @@ class FileScan::Builder {
   // Builds what comes after an entry's "=", then calls then(service, end).
   template <class Then>
   void build(const KZCITnsParseParams &at_body, const Then &then) {
-    const AllocationScope scope;
-    KZCITns tns = {};
-    KZCITnsParseParams params = at_body;
-    {
-      const Listening listening(trace_);
-      trace_.begin(params);
-      KZCITnsServiceBuild(&tns, &params);
-    }
-    scope.require_memory();
-    then(tns.tns_service, here(params));
+    build_from(at_body, &trace_, then);
   }
 
   void show(const Entry &entry, std::string_view name, KZCITnsService *service, const Stop *stop) {
@@ -333,23 +342,14 @@ bool FileScan::comes_past_all() const {
 }
 
 void build_entry(const std::string &text, Offset body, std::string_view name, Trace &trace) {
-  const AllocationScope scope;
-  KZCITns tns = {};
-  KZCITnsParseParams params = at_body(text, body, name);
-  const Listening listening(trace);
-  trace.begin(params);
-  KZCITnsServiceBuild(&tns, &params);
-  scope.require_memory();
+  build_from(at_body(text, body, name), &trace, [](KZCITnsService *, Offset) {});
 }
 
 void with_service(const std::string &text, Offset body, std::string_view name,
                   const std::function<void(KZCITnsService &)> &then) {
-  const AllocationScope scope;
-  KZCITns tns = {};
-  KZCITnsParseParams params = at_body(text, body, name);
-  KZCITnsServiceBuild(&tns, &params);
-  scope.require_memory();
-  if (tns.tns_service != nullptr) then(*tns.tns_service);
+  build_from(at_body(text, body, name), nullptr, [&](KZCITnsService *service, Offset) {
+    if (service != nullptr) then(*service);
+  });
 }
 
 // A descriptor is built as an entry is, under some name.

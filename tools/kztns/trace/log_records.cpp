@@ -188,7 +188,10 @@ constexpr bool is_every_record_known() {
     if (find_event(row.id) == nullptr) return false;
   return true;
 }
-static_assert(is_every_record_known(), "messages.def has a record that is missing above");
+static_assert(
+    is_every_record_known(),
+    "messages.def has a record without a row in record_events: LogEvent::other for one that "
+    "means nothing here");
 
 // Finds a format by its address, and fast: a large file makes millions of records.
 class Formats {

@@ -14,14 +14,15 @@ struct Mender::Trial {
   explicit Trial(const EditedText &before) : edited(before), step(before.text()) {}
 
   EditedText edited;
-  EditedText step;  // tells places of the text before the edits
+  EditedText step;                 // tells places of the text before the edits
+  std::vector<bool> applied = {};  // which findings of a step are those of the edits
   CheckReport report = {};
   ServedNames served = {};
 };
 
 // The fixes of an entry's own faults are a unit, applied together or not at all; any other
 // fix is one alone.
-class Mender::Walk {
+class Mender::Step {
  public:
   // Which fixes are tried.
   enum class Choice : unsigned char {
@@ -29,9 +30,9 @@ class Mender::Walk {
     all
   };
 
-  Walk(Mender &mender, Choice choice);
-  Walk(const Walk &) = delete;
-  Walk &operator=(const Walk &) = delete;
+  Step(Mender &mender, Choice choice);
+  Step(const Step &) = delete;
+  Step &operator=(const Step &) = delete;
 
   // Applies what can be applied; returns whether anything was.
   bool run();
@@ -76,13 +77,14 @@ class Mender::Walk {
   bool blame_for_losses(const Trial &trial, const Units &open, Units &bad) const;
   // The units of an entry: the unsafe ones, if there are any.
   Units to_blame_in(std::size_t entry, const Units &open) const;
-  bool is_renamed(std::size_t entry) const;
+  // Whether a fix of a trial may change what an entry serves.
+  bool may_change(std::size_t entry, const Trial &trial) const;
   // Adds the halves of some units to the harmless ones as long as no name is lost.
   void divide(const std::vector<std::size_t> &units, Units &harmless);
   Gain gain_of(const Trial &trial) const;
-  bool helps(const Unit &unit, const Gain &gain) const;
+  bool helps(const Unit &unit, const Trial &trial, const Gain &gain) const;
   // Whether a fix mends its finding, or lookups come further in spite of it.
-  bool gets_further(std::size_t i, const Gain &gain) const;
+  bool gets_further(std::size_t i, const Trial &trial, const Gain &gain) const;
   void take(Trial trial);
 
   Mender &mender_;
@@ -90,7 +92,6 @@ class Mender::Walk {
   Choice choice_;
   std::vector<std::size_t> entries_;  // of the findings
   std::vector<Unit> units_;
-  std::vector<bool> applied_;
 };
 
 }  // namespace kztns

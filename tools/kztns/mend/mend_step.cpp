@@ -1,4 +1,4 @@
-#include "mend/mend_walk.h"
+#include "mend/mend_step.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,11 +10,10 @@
 namespace kztns {
 namespace {
 
-// Whether what is wrong is the name itself, which its fix changes. A comma may be before a name or
-// after the entry.
-bool is_about_name(const Finding &finding, Offset entry) {
+// Whether a fix may change what the entry serves. A comma may be before a name or after the entry.
+bool may_change_what_is_served(const Finding &finding, Offset entry) {
   if (finding.rule == Rule::stray_comma && finding.at != entry) return false;
-  return row_of(finding.rule).concern == Concern::name;
+  return row_of(finding.rule).concern == Concern::identity;
 }
 
 bool is_about_characters(Rule rule) {
@@ -24,26 +23,26 @@ bool is_about_characters(Rule rule) {
 
 }  // namespace
 
-Mender::Walk::Walk(Mender &mender, Choice choice)
+Mender::Step::Step(Mender &mender, Choice choice)
     : mender_(mender), report_(*mender.report_), choice_(choice) {
   for (const Finding &finding : report_.findings)
     entries_.push_back(mender_.served().entry_around(finding.at));
   make_units();
 }
 
-std::optional<Mender::EntryId> Mender::Walk::id_of_entry(std::size_t finding) const {
+std::optional<Mender::EntryId> Mender::Step::id_of_entry(std::size_t finding) const {
   if (entries_[finding] == 0) return std::nullopt;
   return mender_.id_of(mender_.served().start_of(entries_[finding]));
 }
 
 // Where fixes undo each other there is no end.
-bool Mender::Walk::is_mended_in_vain(const Finding &finding) const {
+bool Mender::Step::is_mended_in_vain(const Finding &finding) const {
   constexpr int most_times = 16;
   const auto found = mender_.times_mended_.find({finding.rule, mender_.origin(finding.at)});
   return found != mender_.times_mended_.end() && found->second >= most_times;
 }
 
-bool Mender::Walk::is_wanted(std::size_t i) const {
+bool Mender::Step::is_wanted(std::size_t i) const {
   const Finding &finding = report_.findings[i];
   if (is_mended_in_vain(finding)) return false;
   const bool of_characters =
@@ -57,7 +56,7 @@ bool Mender::Walk::is_wanted(std::size_t i) const {
   return !entry || mender_.left_alone_.count(*entry) == 0;
 }
 
-void Mender::Walk::make_units() {
+void Mender::Step::make_units() {
   std::map<std::size_t, std::size_t> of_entries;
   for (std::size_t i = 0; i < report_.findings.size(); ++i) {
     const Finding &finding = report_.findings[i];
@@ -70,10 +69,10 @@ void Mender::Walk::make_units() {
   }
 }
 
-bool Mender::Walk::run() {
+bool Mender::Step::run() {
   Units open;
   for (std::size_t unit = 0; unit < units_.size(); ++unit) open.insert(open.end(), unit);
-  while (!open.empty() && mender_.may_go_on()) {
+  while (!open.empty() && mender_.spend_check()) {
     Trial trial = try_out(open);
     const Units bad = blamed(trial, open);
     if (bad.empty()) {
@@ -85,15 +84,18 @@ bool Mender::Walk::run() {
   return false;
 }
 
-Mender::Trial Mender::Walk::try_out(const Units &units) {
+Mender::Trial Mender::Step::try_out(const Units &units) {
   std::vector<bool> tried(report_.findings.size());
   for (const std::size_t unit : units)
     for (const std::size_t i : units_[unit].findings) tried[i] = true;
   const auto is_tried = [&](std::size_t i) { return tried[i]; };
-  return mender_.try_out(edits_of(report_.findings, is_tried, &applied_));
+  std::vector<bool> applied;
+  Trial trial = mender_.try_out(edits_of(report_.findings, is_tried, &applied));
+  trial.applied = std::move(applied);
+  return trial;
 }
 
-Mender::Walk::Units Mender::Walk::blamed(const Trial &trial, const Units &open) {
+Mender::Step::Units Mender::Step::blamed(const Trial &trial, const Units &open) {
   Units bad;
   const bool unexplained = blame_for_losses(trial, open, bad);
   if (!bad.empty()) return bad;
@@ -106,11 +108,11 @@ Mender::Walk::Units Mender::Walk::blamed(const Trial &trial, const Units &open) 
   }
   const Gain gain = gain_of(trial);
   for (const std::size_t unit : open)
-    if (!helps(units_[unit], gain)) bad.insert(unit);
+    if (!helps(units_[unit], trial, gain)) bad.insert(unit);
   return bad;
 }
 
-bool Mender::Walk::blame_for_losses(const Trial &trial, const Units &open, Units &bad) const {
+bool Mender::Step::blame_for_losses(const Trial &trial, const Units &open, Units &bad) const {
   bool unexplained = false;
   std::vector<ServedName> all = mender_.served().not_in(trial.served);
   // An entry that is not served yet may be after the next fix.
@@ -118,7 +120,7 @@ bool Mender::Walk::blame_for_losses(const Trial &trial, const Units &open, Units
   all.insert(all.end(), gone.begin(), gone.end());
   for (const ServedName &lost : all) {
     const std::size_t entry = mender_.served().entry_around(lost.at);
-    if (is_renamed(entry)) continue;
+    if (may_change(entry, trial)) continue;
     const Units units = to_blame_in(entry, open);
     unexplained = unexplained || units.empty();
     bad.insert(units.begin(), units.end());
@@ -126,7 +128,7 @@ bool Mender::Walk::blame_for_losses(const Trial &trial, const Units &open, Units
   return unexplained;
 }
 
-Mender::Walk::Units Mender::Walk::to_blame_in(std::size_t entry, const Units &open) const {
+Mender::Step::Units Mender::Step::to_blame_in(std::size_t entry, const Units &open) const {
   Units all;
   Units unsafe;
   for (const std::size_t unit : open) {
@@ -137,16 +139,16 @@ Mender::Walk::Units Mender::Walk::to_blame_in(std::size_t entry, const Units &op
   return unsafe.empty() ? all : unsafe;
 }
 
-bool Mender::Walk::is_renamed(std::size_t entry) const {
-  for (std::size_t i = 0; i < applied_.size(); ++i)
-    if (applied_[i] && entries_[i] == entry &&
-        is_about_name(report_.findings[i], mender_.served().start_of(entry)))
+bool Mender::Step::may_change(std::size_t entry, const Trial &trial) const {
+  for (std::size_t i = 0; i < trial.applied.size(); ++i)
+    if (trial.applied[i] && entries_[i] == entry &&
+        may_change_what_is_served(report_.findings[i], mender_.served().start_of(entry)))
       return true;
   return false;
 }
 
-void Mender::Walk::divide(const std::vector<std::size_t> &units, Units &harmless) {
-  if (!mender_.may_go_on()) return;
+void Mender::Step::divide(const std::vector<std::size_t> &units, Units &harmless) {
+  if (!mender_.spend_check()) return;
   Units tried = harmless;
   tried.insert(units.begin(), units.end());
   const Trial trial = try_out(tried);
@@ -160,12 +162,12 @@ void Mender::Walk::divide(const std::vector<std::size_t> &units, Units &harmless
   }
 }
 
-void Mender::Walk::Faults::count(const Finding &finding) {
+void Mender::Step::Faults::count(const Finding &finding) {
   ++findings;
   if (finding.severity == Severity::error) ++errors;
 }
 
-Mender::Walk::Gain Mender::Walk::gain_of(const Trial &trial) const {
+Mender::Step::Gain Mender::Step::gain_of(const Trial &trial) const {
   const ServedNames &served = mender_.served();
   const auto entry_of = [&](Offset at) { return served.entry_around(trial.step.origin(at)); };
   Gain gain;
@@ -179,7 +181,7 @@ Mender::Walk::Gain Mender::Walk::gain_of(const Trial &trial) const {
   return gain;
 }
 
-bool Mender::Walk::helps(const Unit &unit, const Gain &gain) const {
+bool Mender::Step::helps(const Unit &unit, const Trial &trial, const Gain &gain) const {
   if (gain.better.count(unit.entry) > 0) return true;
   const auto faults_in = [&](const std::map<std::size_t, Faults> &entries) {
     const auto found = entries.find(unit.entry);
@@ -187,23 +189,23 @@ bool Mender::Walk::helps(const Unit &unit, const Gain &gain) const {
   };
   if (faults_in(gain.after) < faults_in(gain.before)) return true;
   return !unit.of_entry && std::any_of(unit.findings.begin(), unit.findings.end(),
-                                       [&](std::size_t i) { return gets_further(i, gain); });
+                                       [&](std::size_t i) { return gets_further(i, trial, gain); });
 }
 
 // What the lookups come to next may be told in the same entry. The text tells what is lost.
-bool Mender::Walk::gets_further(std::size_t i, const Gain &gain) const {
-  if (!applied_[i]) return false;
+bool Mender::Step::gets_further(std::size_t i, const Trial &trial, const Gain &gain) const {
+  if (!trial.applied[i]) return false;
   const Finding &finding = report_.findings[i];
   const auto left = gain.left.find({finding.rule, finding.at});
   return left == gain.left.end() ||
          (!gain.better.empty() && left->second != digest_of_name(finding.text));
 }
 
-void Mender::Walk::take(Trial trial) {
+void Mender::Step::take(Trial trial) {
   for (const ServedName &lost : mender_.served().not_in(trial.served)) mender_.allow_to_lose(lost);
   const std::string &text = mender_.text().text();
   for (std::size_t i = 0; i < report_.findings.size(); ++i) {
-    if (!applied_[i]) continue;
+    if (!trial.applied[i]) continue;
     const Finding &finding = report_.findings[i];
     ++mender_.times_mended_[{finding.rule, mender_.origin(finding.at)}];
     if (const auto entry = id_of_entry(i); entry && is_mended_with_entry(finding))
