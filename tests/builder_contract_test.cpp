@@ -385,6 +385,23 @@ TEST_P(BuilderContract, AcceptsWhatEndsAfterACompleteItem) {
   }
 }
 
+TEST_P(BuilderContract, LeavesTheTokenBeforeAFaultAsTheLastOne) {
+  const Item item = good_item();
+  const struct {
+    std::string text;
+    KZCITnsTokenType last;
+  } rows[] = {{"(", TNS_LEFT_PARENTHESES},
+              {'(' + item.key + ')', TNS_KEY},
+              {'(' + item.key + "=)", TNS_EQUAL_SIGN}};
+  for (const auto &row : rows) {
+    SCOPED_TRACE(row.text);
+    begin();
+    Body input(row.text);
+    EXPECT_EQ(builder.build(&parent_, &input.params), -1);
+    EXPECT_EQ(input.params.tns_token_type, row.last);
+  }
+}
+
 TEST_P(BuilderContract, ReadsFromAFileAsWell) {
   begin();
   const Item item = good_item();
