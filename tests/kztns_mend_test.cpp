@@ -269,10 +269,10 @@ TEST(Mender, TellsWhatIsLostAndNew) {
   const kztns::ServedNames result = kztns::served_names(NamesText(mender.text().text()));
   EXPECT_TRUE(mender.lost_in(result).empty());
   ASSERT_EQ(mender.new_in(result).size(), 1u);
-  EXPECT_EQ(mender.new_in(result)[0].name, kztns::digest_of_name("b"));
+  EXPECT_EQ(mender.new_in(result)[0].name, kztns::digest_of("b"));
   const kztns::ServedNames other = kztns::served_names(NamesText(entry("b")));
   ASSERT_EQ(mender.lost_in(other).size(), 1u);
-  EXPECT_EQ(mender.lost_in(other)[0].name, kztns::digest_of_name("a"));
+  EXPECT_EQ(mender.lost_in(other)[0].name, kztns::digest_of("a"));
 }
 
 TEST(Description, OfEdits) {

@@ -1,4 +1,5 @@
-// What the readers of characters share.
+// The short ways to the next token, inline, for builders and for passing over entries; tokenizer.cpp
+// has the long ones.
 #pragma once
 
 #include <cstdint>

@@ -199,7 +199,8 @@ std::optional<Mending> mend_signs_at_fault(const FaultPlace &place) {
 
 using Maker = std::optional<Mending> (*)(const FaultPlace &);
 
-// The first that has a mending is taken.
+// The first that has a mending is taken: what is written in one way only comes first, words last,
+// since a comment or an item is made of words, too.
 constexpr Maker makers[] = {
     mend_continuations, mend_signs_at_fault, mend_separators,    mend_diff,       mend_long_comment,
     mend_line_comment,  mend_brackets,       mend_repeated_name, mend_bare_items, mend_words};

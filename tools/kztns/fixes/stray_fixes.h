@@ -1,5 +1,5 @@
 // The fixes of text that stands within an entry where none belongs: comments of other readers,
-// signs, words, other brackets.
+// lines of a diff, names that stand twice, items without parentheses, signs, words, other brackets.
 #pragma once
 
 #include "fixes/fault_place.h"

@@ -14,18 +14,12 @@ namespace {
 constexpr int property = 10;
 constexpr int enum_member = 20;
 
-std::string documentation_of(const KeyDocument &document) {
-  std::string text = document.meaning + "\n\nValue: " + document.value;
-  if (!document.by_default.empty()) text += "; default: " + document.by_default;
-  return text;
-}
-
 Json item(std::string label, int kind, std::string text, const KeyDocument &document,
           const LineRange &range) {
   return {{"label", std::move(label)},
           {"kind", kind},
           {"detail", document.meaning},
-          {"documentation", markdown(documentation_of(document))},
+          {"documentation", markdown(document.text())},
           {"textEdit", {{"range", json_of(range)}, {"newText", std::move(text)}}}};
 }
 

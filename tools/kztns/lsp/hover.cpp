@@ -134,11 +134,7 @@ std::string text_of_entry(const Question &question, const Analysis &analysis,
 }
 
 std::string text_of_key(const Key &key) {
-  const KeyDocument document = document_of(key.block, key.word);
-  std::string text =
-      "**" + code(key.word) + "**: " + document.meaning + "\n\nValue: " + document.value;
-  if (!document.by_default.empty()) text += "; default: " + document.by_default;
-  return text + "\n";
+  return "**" + code(key.word) + "**: " + document_of(key.block, key.word).text() + "\n";
 }
 
 std::string text_of_item(const Question &question, const Place &place) {

@@ -28,6 +28,10 @@ std::vector<std::string> cells_of(std::string_view line) {
 
 }  // namespace
 
+std::string KeyDocument::text() const {
+  return meaning + "\n\nValue: " + value + (by_default.empty() ? "" : "; default: " + by_default);
+}
+
 KeyDocument document_of(Block block, std::string_view key) {
   enum Column { in, keys, value, by_default, meaning };
   std::string_view rest = key_table();

@@ -12,6 +12,9 @@ struct KeyDocument {
   std::string value;       // "integer"
   std::string by_default;  // empty for none
   std::string meaning;
+
+  // The meaning, and the value with its default below it, as markdown.
+  std::string text() const;
 };
 
 // Empty for a key that has no place in the block.

@@ -103,7 +103,7 @@ Offset Mender::origin(Offset at) const { return edited_ ? edited_->origin(at) : 
 
 Mender::EntryId Mender::id_of(Offset at) const {
   const std::string_view whole = text().text();
-  return {origin(at), digest_of_name(whole.substr(at, end_of_word(whole, at) - at))};
+  return {origin(at), digest_of(whole.substr(at, end_of_word(whole, at) - at))};
 }
 
 void Mender::apply_fixes() {

@@ -175,7 +175,7 @@ Mender::Step::Gain Mender::Step::gain_of(const Trial &trial) const {
     gain.before[entries_[i]].count(report_.findings[i]);
   for (const Finding &finding : trial.report.findings) {
     gain.after[entry_of(finding.at)].count(finding);
-    gain.left[{finding.rule, trial.step.origin(finding.at)}] = digest_of_name(finding.text);
+    gain.left[{finding.rule, trial.step.origin(finding.at)}] = digest_of(finding.text);
   }
   for (const ServedName &name : trial.served.not_in(served)) gain.better.insert(entry_of(name.at));
   return gain;
@@ -198,7 +198,7 @@ bool Mender::Step::gets_further(std::size_t i, const Trial &trial, const Gain &g
   const Finding &finding = report_.findings[i];
   const auto left = gain.left.find({finding.rule, finding.at});
   return left == gain.left.end() ||
-         (!gain.better.empty() && left->second != digest_of_name(finding.text));
+         (!gain.better.empty() && left->second != digest_of(finding.text));
 }
 
 void Mender::Step::take(Trial trial) {

@@ -41,7 +41,7 @@ void ServedNames::take(const EntryView &view) {
   const bool served = view.entry.verdict == Verdict::ok || view.entry.verdict == Verdict::reserved;
   if (!served && view.entry.in_list) return;  // words of other text may be taken for its names
   std::vector<ServedName> &names = served ? names_ : unserved_;
-  names.push_back({digest_of_name(view.name), tree_digest(*view.service), view.entry.at,
+  names.push_back({digest_of(view.name), tree_digest(*view.service), view.entry.at,
                    view.entry.verdict == Verdict::reserved});
 }
 
@@ -84,9 +84,9 @@ ServedNames served_names(const NamesText &text) {
   return names;
 }
 
-std::uint64_t digest_of_name(std::string_view name) {
+std::uint64_t digest_of(std::string_view text) {
   Digest digest;
-  digest.add(name);
+  digest.add(text);
   return digest.value();
 }
 

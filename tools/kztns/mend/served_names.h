@@ -54,6 +54,6 @@ class ServedNames {
 
 ServedNames served_names(const NamesText &text);
 
-std::uint64_t digest_of_name(std::string_view name);
+std::uint64_t digest_of(std::string_view text);
 
 }  // namespace kztns

@@ -20,28 +20,58 @@ class FaultExplainer {
   FaultExplainer(const Subject &subject, const Trace &trace, std::string_view name)
       : subject_(subject), trace_(trace), fault_(trace.fault()), name_(name) {}
 
+  // Without a default, so that the compiler asks for a kind that is missing.
   Diagnosis diagnose() const {
     switch (fault_.kind) {
+      case FaultKind::no_block:
+        return no_block();
+      case FaultKind::empty_block:
+        return found(Rule::empty_block, key() + " is empty");
+      case FaultKind::value_for_block:
+        return found(Rule::value_for_block,
+                     "expected a block as the value of " + key() + ", found " + met());
+      case FaultKind::not_closed:
+        return not_closed();
+      case FaultKind::missing_key:
+        return found(Rule::missing_key, "expected a key after \"(\", found " + met());
+      case FaultKind::missing_equal:
+        return found(Rule::missing_equal, "expected \"=\" after " + key() + ", found " + met());
+      case FaultKind::missing_value:
+        return found(Rule::missing_value, key() + " has no value");
+      case FaultKind::block_for_value:
+        return found(Rule::block_for_value, key() + " takes a value, not a block");
+      case FaultKind::value_goes_on:
+        return value_goes_on();
       case FaultKind::unknown_key:
         return unknown_key();
       case FaultKind::misplaced_key:
       case FaultKind::not_description:
         return misplaced_key();
-      case FaultKind::no_block:
-        return no_block();
+      case FaultKind::bad_protocol:
+        return found(Rule::bad_protocol,
+                     "unsupported protocol " + value() + ": only TCP is supported");
+      case FaultKind::bad_word:
+        return bad_word();
+      case FaultKind::bad_number:
+        return bad_number();
+      case FaultKind::second_address:
+        return found(Rule::second_address,
+                     "this ADDRESS follows another ADDRESS or an ADDRESS_LIST");
+      case FaultKind::second_connect_data:
+        return found(Rule::second_connect_data,
+                     "second CONNECT_DATA: it is dropped, and ends its description");
       case FaultKind::input_ended:
         return input_ended();
       case FaultKind::key_unended:
         return key_unended();
-      case FaultKind::value_goes_on:
-        return value_goes_on();
-      case FaultKind::bad_protocol:
-      case FaultKind::bad_word:
-      case FaultKind::bad_number:
-        return bad_value();
-      default:
-        return misplaced_token();
+      case FaultKind::key_too_long:
+        return found(Rule::key_refused, "a token of " + std::to_string(longest_token) +
+                                            " characters ends at a 1024-byte read boundary");
+      case FaultKind::none:
+      case FaultKind::unexplained:
+        break;
     }
+    return found(Rule::unexplained, "the library refuses the entry");
   }
 
  private:
@@ -222,55 +252,17 @@ class FaultExplainer {
                  is_number ? "write a number in range" : "");
   }
 
-  Diagnosis bad_value() const {
-    if (fault_.kind == FaultKind::bad_protocol)
-      return found(Rule::bad_protocol,
-                   "unsupported protocol " + value() + ": only TCP is supported");
-    if (fault_.kind == FaultKind::bad_number) return bad_number();
+  Diagnosis bad_word() const {
     const std::vector<std::string_view> words = choices(*trace_.row_of(*item()));
     const std::string_view near = near_word(trace_.value_of(*item()), words);
     return found(Rule::bad_word, key() + " is " + value() + ": expected " + one_of(words),
                  near.empty() ? "" : "did you mean " + std::string(near) + "?");
   }
 
-  Diagnosis misplaced_token() const {
-    switch (fault_.kind) {
-      case FaultKind::empty_block:
-        return found(Rule::empty_block, key() + " is empty");
-      case FaultKind::value_for_block:
-        return found(Rule::value_for_block,
-                     "expected a block as the value of " + key() + ", found " + met());
-      case FaultKind::not_closed:
-        return found(Rule::missing_close, "expected \"(\" or \")\", found " + met() +
-                                              ": the block was opened at " +
-                                              subject_.text.place(block_open()));
-      case FaultKind::missing_key:
-        return found(Rule::missing_key, "expected a key after \"(\", found " + met());
-      case FaultKind::missing_equal:
-        return found(Rule::missing_equal, "expected \"=\" after " + key() + ", found " + met());
-      case FaultKind::missing_value:
-        return found(Rule::missing_value, key() + " has no value");
-      case FaultKind::block_for_value:
-        return found(Rule::block_for_value, key() + " takes a value, not a block");
-      default:
-        return whole_item();
-    }
-  }
-
-  Diagnosis whole_item() const {
-    switch (fault_.kind) {
-      case FaultKind::second_address:
-        return found(Rule::second_address,
-                     "this ADDRESS follows another ADDRESS or an ADDRESS_LIST");
-      case FaultKind::second_connect_data:
-        return found(Rule::second_connect_data,
-                     "second CONNECT_DATA: it is dropped, and ends its description");
-      case FaultKind::key_too_long:
-        return found(Rule::key_refused, "a token of " + std::to_string(longest_token) +
-                                            " characters ends at a 1024-byte read boundary");
-      default:
-        return found(Rule::unexplained, "the library refuses the entry");
-    }
+  Diagnosis not_closed() const {
+    return found(Rule::missing_close, "expected \"(\" or \")\", found " + met() +
+                                          ": the block was opened at " +
+                                          subject_.text.place(block_open()));
   }
 
   const Subject &subject_;
