@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "kzoci/oci_tnsname/messages.h"
+#include "support/joined.h"
 #include "support/log_messages.h"
 #include "support/parsing.h"
 
@@ -51,14 +52,13 @@ class Messages : public testing::Test {
   KZCITns tns_;
 };
 
-using LevelAndText = std::pair<int, std::string>;
-
+// Levels and texts, in order.
 template <class Rows>
-std::set<LevelAndText> texts_of(const Rows &rows) {
-  std::set<LevelAndText> texts;
+std::string texts_of(const Rows &rows) {
+  std::set<std::string> texts;
   for (const auto &row : rows)
-    EXPECT_TRUE(texts.emplace(row.level, row.format).second) << row.format;
-  return texts;
+    EXPECT_TRUE(texts.insert(std::to_string(row.level) + " " + row.format).second) << row.format;
+  return support::joined({texts.begin(), texts.end()});
 }
 
 // Nor do two have the same level and text.

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/joined.h"
 #include "support/memory_file.h"
 #include "support/model_reader.h"
 #include "support/observed_lookup.h"
@@ -208,7 +209,7 @@ class ModelReader : public ::testing::Test {
     SCOPED_TRACE("file " + ::testing::PrintToString(c.file));
     SCOPED_TRACE("failing allocation " + std::to_string(c.failing_allocation));
     expect(seen.built, expected);
-    EXPECT_EQ(seen.log, expected_log);
+    EXPECT_EQ(support::joined(seen.log), support::joined(expected_log));
     EXPECT_EQ(seen.cleared, 0);
     EXPECT_EQ(seen.bad_releases, 0u);
   }

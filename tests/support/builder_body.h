@@ -10,12 +10,14 @@
 #include <gtest/gtest.h>
 
 #include "expected_log.h"
+#include "joined.h"
 #include "keys.h"
 #include "parsing.h"
 
 namespace builder_body {
 
 using expected_log::operator+;
+using support::joined;
 using support::Lines;
 
 constexpr int mode = TNS_MODE_DESCRIPTION;
@@ -36,13 +38,6 @@ class Body : public support::DescriptorState {
                                      static_cast<std::size_t>(params.description_offset));
   }
 };
-
-// Lines as one text, so that a difference shows line by line.
-inline std::string joined(const Lines &lines) {
-  std::string text;
-  for (const std::string &line : lines) text += line + "\n";
-  return text;
-}
 
 inline std::string block(std::size_t size, const std::string &tag) {
   return std::to_string(size) + " " + tag;

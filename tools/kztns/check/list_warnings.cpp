@@ -7,14 +7,19 @@
 namespace kztns {
 namespace {
 
-// An address as the last of its items have it.
-struct AddressText {
-  int list = 0;  // its frame
-  Offset at = 0;
+// What the last items of a block say, whatever block it is.
+struct BlockText {
   std::string_view host = {};
   std::string_view port = {};
   bool weightless = false;
-  bool balanced = true;  // its list; of a frame that is a list, itself
+  bool balanced = true;
+};
+
+struct Address {
+  BlockText text;
+  int list;  // the frame around it, which need not be that of a list
+  bool in_balanced_list;
+  Offset at;
 };
 
 bool is_zero(std::string_view number) {
@@ -28,7 +33,7 @@ bool is_off(std::string_view word) {
 }
 
 // By host and port. Names of hosts do not depend on case.
-bool sorts_before(const AddressText &left, const AddressText &right) {
+bool sorts_before(const BlockText &left, const BlockText &right) {
   if (equal_but_for_case(left.host, right.host)) return left.port < right.port;
   return std::lexicographical_compare(left.host.begin(), left.host.end(), right.host.begin(),
                                       right.host.end(),
@@ -63,29 +68,29 @@ class ListWarnings {
   // The addresses list by list.
   void collect() {
     const std::vector<Frame> &frames = trace_.frames();
-    std::vector<AddressText> all(frames.size());
-    for (const Item &item : trace_.items()) take(item, all[static_cast<std::size_t>(item.frame)]);
+    std::vector<BlockText> texts(frames.size());
+    for (const Item &item : trace_.items()) take(item, texts[static_cast<std::size_t>(item.frame)]);
     for (std::size_t i = 1; i < frames.size(); ++i) {
       if (frames[i].block != Block::address) continue;
-      all[i].list = frames[i].parent;
-      all[i].balanced =
-          frames[static_cast<std::size_t>(all[i].list)].block != Block::address_list ||
-          all[static_cast<std::size_t>(all[i].list)].balanced;
-      all[i].at = opener(frames[i]).key.begin;
-      addresses_.push_back(all[i]);
+      const auto list = static_cast<std::size_t>(frames[i].parent);
+      const bool balanced = frames[list].block != Block::address_list || texts[list].balanced;
+      addresses_.push_back({.text = texts[i],
+                            .list = frames[i].parent,
+                            .in_balanced_list = balanced,
+                            .at = opener(frames[i]).key.begin});
     }
     std::stable_sort(
         addresses_.begin(), addresses_.end(),
-        [](const AddressText &left, const AddressText &right) { return left.list < right.list; });
+        [](const Address &left, const Address &right) { return left.list < right.list; });
   }
 
-  void take(const Item &item, AddressText &address) const {
+  void take(const Item &item, BlockText &text) const {
     if (!item.has_value || item.dropped) return;
     const std::string_view value = trace_.value_of(item);
-    if (item.type == LB_HOST) address.host = value;
-    if (item.type == LB_PORT) address.port = value;
-    if (item.type == LB_WEIGHT) address.weightless = is_zero(value);
-    if (item.type == LB_KZLB) address.balanced = !is_off(value);
+    if (item.type == LB_HOST) text.host = value;
+    if (item.type == LB_PORT) text.port = value;
+    if (item.type == LB_WEIGHT) text.weightless = is_zero(value);
+    if (item.type == LB_KZLB) text.balanced = !is_off(value);
   }
 
   const Item &opener(const Frame &frame) const {
@@ -94,7 +99,7 @@ class ListWarnings {
 
   void check_weights(std::size_t first, std::size_t end) {
     for (std::size_t i = first; i < end; ++i)
-      if (!addresses_[i].weightless || !addresses_[i].balanced) return;
+      if (!addresses_[i].text.weightless || !addresses_[i].in_balanced_list) return;
     const int list = addresses_[first].list;
     const Frame &frame = trace_.frames()[static_cast<std::size_t>(list)];
     add(Rule::zero_weights, opener(frame).key.begin, list, "every WEIGHT is 0");
@@ -103,9 +108,12 @@ class ListWarnings {
   void check_equal(std::size_t first, std::size_t end) {
     const auto from = addresses_.begin() + static_cast<std::ptrdiff_t>(first);
     const auto to = addresses_.begin() + static_cast<std::ptrdiff_t>(end);
-    std::stable_sort(from, to, sorts_before);
+    const auto is_before = [](const Address &left, const Address &right) {
+      return sorts_before(left.text, right.text);
+    };
+    std::stable_sort(from, to, is_before);
     for (auto next = from; next != to; ++next) {
-      if (next == from || next->host.empty() || sorts_before(*std::prev(next), *next)) continue;
+      if (next == from || next->text.host.empty() || is_before(*std::prev(next), *next)) continue;
       add(Rule::equal_addresses, next->at, next->list,
           "this address equals that at " + findings_.place(std::prev(next)->at),
           std::prev(next)->at);
@@ -121,7 +129,7 @@ class ListWarnings {
   const Trace &trace_;
   std::string_view name_;
   Findings &findings_;
-  std::vector<AddressText> addresses_;
+  std::vector<Address> addresses_;
 };
 
 }  // namespace

@@ -184,7 +184,7 @@ class FileScan::Walk {
       entry_.verdict = is_descriptor() ? Verdict::unreachable : verdict(add_name());
       const Offset body = here(params_);
       goes_on = pass_over();
-      note_skip_mismatch();
+      note_skip_mismatch(goes_on);
       scan_.last_reached_ = entry_;
       scan_.entries_.push_back(entry_);
       builder_.show(entry_, scan_.name(entry_), service, goes_on ? nullptr : &scan_.stop_);
@@ -205,11 +205,10 @@ class FileScan::Walk {
   }
 
   // Of an entry that is built well the end is known.
-  void note_skip_mismatch() {
+  void note_skip_mismatch(bool goes_on) {
     const std::optional<Offset> &end = builder_.trace().first_block_end();
     if (!entry_.built || !end || scan_.stop_.kind == StopKind::reserved) return;
-    const bool balanced = scan_.stop_.kind == StopKind::end;
-    const Offset passed_to = balanced ? here(params_) : scan_.text_.size();
+    const Offset passed_to = goes_on ? here(params_) : scan_.text_.size();
     if (passed_to != *end && scan_.skip_mismatches_.size() < most_skip_mismatches)
       scan_.skip_mismatches_.push_back({entry_.body, *end, passed_to, true});
   }
