@@ -96,6 +96,7 @@ std::vector<Row> key_rows() {
       unsafe("missing-key", "(ADDRESS=(=HOST=h)(PORT=1))" + data, address + data),
       // What counts is not removed with an unknown key.
       none("unknown-key", "(ADDRESS=(COLOR=h)(PORT=1))" + data),
+      none("unknown-key", "(ADDRESS=(PORTHOST=h)(PORT=1))" + data),
       none("unknown-key", address + "(CONNECT_DATA=(COLOR=s))"),
       none("unknown-key", address + "(DATA=(SID=s))"),
       none("unknown-key", "(ADDRESS_LIST=" + address + "(BOX=(HOST=i)(PORT=1)))" + data),

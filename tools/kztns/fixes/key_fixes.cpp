@@ -40,13 +40,36 @@ std::optional<Mending> mend_remark(const FaultPlace &place) {
   return Mending{place.commented_out(*item), "make a comment of it"};
 }
 
+// The value of the item at fault; absent where it is no single word.
+std::optional<Span> value_at(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = place.written_item();
+  return item ? word_of(place.text(), *item) : std::nullopt;
+}
+
+// Whether the item at fault tells the kind of server process.
+bool is_kind_of_process(const FaultPlace &place) {
+  const std::optional<Span> value = value_at(place);
+  return is_one_of(place.slice(place.item()->key), {"SERVER"}) && value &&
+         is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"});
+}
+
+// Whether the item at fault may be what its block lacks, a host or a service.
+bool may_be_what_lacks(const FaultPlace &place) {
+  return (place.block() == Block::address || place.block() == Block::connect_data) &&
+         place.lacks_what_counts() && !is_kind_of_process(place);
+}
+
+bool may_be_removed(const FaultPlace &place) {
+  return !holds_what_counts(place) && !may_be_what_lacks(place);
+}
+
 // Another key instead of the one at fault, which is at a place; removes the item when that
 // one is written already, and nothing is given up with it.
 Fix renamed(const FaultPlace &place, Span at, std::string_view key, Applicability applicability) {
   const Key *const row = key_named(place.block(), key);
   if (row == nullptr) return {};
   const bool is_free = may_repeat(*row) || set_by(place, key).empty();
-  if (!is_free) return holds_what_counts(place) ? Fix() : place.removal(place.item()->open);
+  if (!is_free) return may_be_removed(place) ? place.removal(place.item()->open) : Fix();
   return {applicability, {{at.begin, at.end, std::string(key)}}};
 }
 Fix renamed(const FaultPlace &place, std::string_view key, Applicability applicability) {
@@ -56,12 +79,6 @@ Fix renamed(const FaultPlace &place, std::string_view key, Applicability applica
 // Whether a fix writes another key, and does not remove the item.
 bool renames(const FaultPlace &place, const Fix &fix) {
   return fix && fix.edits[0].begin == place.item()->key.begin;
-}
-
-// The value of the item at fault; absent where it is no single word.
-std::optional<Span> value_at(const FaultPlace &place) {
-  const std::optional<WrittenItem> item = place.written_item();
-  return item ? word_of(place.text(), *item) : std::nullopt;
 }
 
 std::string_view switch_at(const FaultPlace &place) {
@@ -97,25 +114,12 @@ bool is_number(const FaultPlace &place, std::string_view key) {
   return row != nullptr && row->value.kind == ValueKind::integer;
 }
 
-// Whether the item at fault tells the kind of server process.
-bool is_kind_of_process(const FaultPlace &place) {
-  const std::optional<Span> value = value_at(place);
-  return is_one_of(place.slice(place.item()->key), {"SERVER"}) && value &&
-         is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"});
-}
-
-// Whether the item at fault may be what its block lacks, a host or a service.
-bool may_be_what_lacks(const FaultPlace &place) {
-  return (place.block() == Block::address || place.block() == Block::connect_data) &&
-         place.lacks_what_counts() && !is_kind_of_process(place);
-}
-
 Fix fix_by_treatment(const FaultPlace &place, const ForeignKey &key) {
   const Offset open = place.item()->open;
   switch (key.treatment) {
     case ForeignTreatment::drop:
     case ForeignTreatment::lose:
-      if (holds_what_counts(place) || may_be_what_lacks(place)) return {};
+      if (!may_be_removed(place)) return {};
       return place.removal(open, key.treatment == ForeignTreatment::drop ? Applicability::safe
                                                                          : Applicability::unsafe);
     case ForeignTreatment::rename:
