@@ -196,7 +196,7 @@ TEST_F(Explain, TheLineTellsTheRuleThatEndedALookupOfStatusZero) {
 
 TEST_F(Explain, Refused) {
   const std::string path =
-      names_file("a = " + good + "sales =\n  (DESCRIPTION = (CONNECT_DATA = (SERVER = x)))\n");
+      names_file("a = " + good + "sales =\n  (DESCRIPTION = (CONNECT_DATA = (SERVER = SHARED)))\n");
   const Explanation it = explained("sales");
   EXPECT_EQ(it->outcome, KZOCI_EXPLAIN_REFUSED);
   EXPECT_EQ(place_of(*it), "3:35");
@@ -333,7 +333,7 @@ TEST_F(Explain, ALiteralThatIsBuilt) {
 }
 
 TEST_F(Explain, ALiteralThatIsRefused) {
-  const Explanation it = explained("(DESCRIPTION=(CONNECT_DATA=(SERVER=x)))");
+  const Explanation it = explained("(DESCRIPTION=(CONNECT_DATA=(SERVER=SHARED)))");
   EXPECT_EQ(it->outcome, KZOCI_EXPLAIN_REFUSED);
   EXPECT_EQ(it->is_literal, 1);
   EXPECT_EQ(it->file, nullptr);

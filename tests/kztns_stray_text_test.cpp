@@ -47,6 +47,24 @@ TEST_F(FileRules, ACommentOfOtherReadersMayHoldAParenthesis) {
             begin + "(CONNECT_DATA = (SID = s) # // :-[\n))\n" + entry("b"));
 }
 
+// The host or the service is what another key becomes, and SERVER the kind of process.
+TEST_F(FileRules, KeysOfOtherReadersAreMendedTogether) {
+  EXPECT_EQ(left_by_mender("a = (DESCRIPTION = (ADDRESS = (COMMUNITY = c)(HOSTNAME = h)(PORT = 1))"
+                           "(CONNECT_DATA = (SERVER = x)(UR = A)(SERVICE = s)))\n",
+                           true),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))"
+            "(CONNECT_DATA = (SERVICE_NAME = s)))\n");
+  EXPECT_EQ(left_by_mender("a = (DESCRIPTION = (ADDRESS = (SERVER = x)(HOSTNAME = h)(PORT = 1))"
+                           "(CONNECT_DATA = (SID = s)))\n",
+                           true),
+            "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))(CONNECT_DATA = (SID = s)))\n");
+}
+
+TEST_F(FileRules, ARemarkInACommentThatIsNotClosedIsNoName) {
+  const std::string text = "=" + block + "\n" + entry("a") + "# old (remark\n " + block + "\n";
+  EXPECT_EQ(count_of(told(text), "half-comment"), 0u);
+}
+
 TEST_F(FileRules, WhatTheEntryBeforeLacksStaysWhateverItsQuotes) {
   const std::string text =
       "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n"
@@ -78,6 +96,7 @@ TEST_F(FileRules, ABracketForAParenthesisIsReplaced) {
   EXPECT_EQ(unsafely_fixed(begin + "]" + rest), begin + ")" + rest);
   EXPECT_EQ(unsafely_fixed(begin + "}" + rest), begin + ")" + rest);
   EXPECT_EQ(unsafely_fixed(begin + "[1]" + rest), begin + "[1])" + rest);
+  EXPECT_EQ(unsafely_fixed(begin + "]]" + rest), begin + "]])" + rest);
 }
 
 TEST_F(FileRules, AnOpenBracketForAParenthesisIsReplaced) {

@@ -69,13 +69,14 @@ void report_conflicts(const NamesText &text, Findings &findings, CheckReport &re
   std::vector<Finding> others;
   for (Finding &finding : report.findings) {
     const Conflicts::Conflict *const around = conflicts.touched_by(finding.at, finding.at);
-    const bool is_around = is_changed_by(finding.fix, conflicts);
-    if (around != nullptr || is_around) finding.fix = {};
+    const bool fix_touches_one = is_changed_by(finding.fix, conflicts);
+    if (around != nullptr || fix_touches_one) finding.fix = {};
     if (!conflicts.is_in_marker(finding.at)) {
       // Two versions, one after the other, are no entry.
       const bool is_of_both =
           finding.rule == Rule::stray_text || row_of(finding.rule).concern == Concern::parentheses;
-      if (!is_of_both || (around == nullptr && !is_around)) others.push_back(std::move(finding));
+      if (!is_of_both || (around == nullptr && !fix_touches_one))
+        others.push_back(std::move(finding));
       continue;
     }
     told.emplace(around->begin, std::move(finding));

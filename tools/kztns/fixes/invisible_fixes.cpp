@@ -11,7 +11,7 @@ namespace {
 
 // What stands for an invisible character that is meant as a blank, or as nothing.
 std::optional<std::string_view> visible_instead(std::string_view odd) {
-  if (is_one_of(odd, {byte_order_mark, zero_width_space})) return "";
+  if (is_one_of(odd, {byte_order_mark, zero_width_space, soft_hyphen})) return "";
   const bool control = odd.size() == 1 && odd[0] != '\xA0';
   if (control && odd != "\f" && odd != "\v") return std::nullopt;
   return " ";
@@ -49,7 +49,7 @@ Fix all_visible(const FaultPlace &place) {
 
 // Whether an invisible character has a width.
 bool is_space(std::string_view odd) {
-  return odd != byte_order_mark && odd != zero_width_space && odd[0] != '\0';
+  return odd != byte_order_mark && odd != zero_width_space && odd != soft_hyphen && odd[0] != '\0';
 }
 
 }  // namespace

@@ -1,5 +1,8 @@
 #include "fixes/key_fixes.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "fixes/bare_items.h"
 #include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
@@ -53,10 +56,27 @@ bool is_kind_of_process(const FaultPlace &place) {
          is_one_of(unquoted(place.slice(*value)), {"DEDICATED", "SHARED", "POOLED"});
 }
 
-// Whether the item at fault may be what its block lacks, a host or a service.
+// Whether an item has one of some keys, or becomes it when its own is mended.
+bool may_become(const FaultPlace &place, const WrittenItem &item,
+                std::initializer_list<std::string_view> keys) {
+  const std::string_view word = place.key_of(item);
+  const ForeignKey *const foreign = foreign_key(word);
+  const std::string_view target =
+      foreign != nullptr ? foreign->target : near_key(word, place.block());
+  return is_one_of(word, keys) || is_one_of(target, keys);
+}
+
+// Whether the item at fault may be the host or the service of its block: no other item is.
 bool may_be_what_lacks(const FaultPlace &place) {
-  return (place.block() == Block::address || place.block() == Block::connect_data) &&
-         place.lacks_what_counts() && !is_kind_of_process(place);
+  if (is_kind_of_process(place)) return false;
+  const auto lacks = [&](std::initializer_list<std::string_view> keys) {
+    const std::vector<WrittenItem> items = place.items_of(place.frame());
+    return std::none_of(items.begin(), items.end(), [&](const WrittenItem &item) {
+      return item.open != place.item()->open && may_become(place, item, keys);
+    });
+  };
+  if (place.block() == Block::address) return lacks({"HOST"});
+  return place.block() == Block::connect_data && lacks({"SERVICE_NAME", "SID"});
 }
 
 bool may_be_removed(const FaultPlace &place) {
@@ -198,16 +218,17 @@ std::string remedy_of_foreign_key(const FaultPlace &place, const ForeignKey &key
 }
 
 // "(ADDRESS = (SERVER = db1)(PORT = 1))" and "(CONNECT_DATA = (SERVER = sales))": the key of what
-// the block lacks. Empty where SERVER is the kind of server process.
+// the block lacks. Empty where SERVER may be the kind of server process.
 std::string_view meant_by_server(const FaultPlace &place, const ForeignKey &key) {
-  if (key.word != "SERVER" || !may_be_what_lacks(place) || !value_at(place)) return {};
-  const std::string_view meant = place.block() == Block::address ? "HOST" : "SERVICE_NAME";
-  return set_by(place, meant).empty() ? meant : "";
+  const std::optional<Span> value = value_at(place);
+  if (key.word != "SERVER" || !value || !may_be_what_lacks(place)) return {};
+  return place.block() == Block::address ? "HOST" : "SERVICE_NAME";
 }
 
 Mending mend_foreign_key(const FaultPlace &place, const ForeignKey &key) {
+  // A word for a process may be misspelt, a host has no other meaning there.
   if (const std::string_view meant = meant_by_server(place, key); !meant.empty())
-    return {renamed(place, meant, Applicability::unsafe),
+    return {meant == "HOST" ? renamed(place, meant, Applicability::unsafe) : Fix(),
             "did you mean " + std::string(meant) + "?"};
   // What is told of any key that no entry has fits a list with something else in it.
   const bool is_other_list = key.treatment == ForeignTreatment::unwrap &&
@@ -219,7 +240,7 @@ Mending mend_foreign_key(const FaultPlace &place, const ForeignKey &key) {
   return {fix_of_foreign_key(place, key), remedy_of_foreign_key(place, key)};
 }
 
-// A key that is written as two words: CONNECT DATA, HO=ST.
+// A key that is written as two words, on one line or on two: CONNECT DATA, HO=ST.
 struct SplitKey {
   Span span;
   std::string_view key;
@@ -231,6 +252,8 @@ std::optional<SplitKey> split_key(const FaultPlace &place) {
   if (place.has_sign(next, '=')) next = place.after_blanks(next + 1);
   const Span second = place.word_at(next);
   const bool is_key = place.has_sign(place.after_blanks(second.end), '=');
+  if (place.slice({first.end, second.begin}).find('#') != std::string_view::npos)
+    return std::nullopt;  // a comment would be lost
   const std::string begin(place.slice(first));
   for (const char *const link : {"_", ""}) {
     const Key *const key =

@@ -136,13 +136,16 @@ Fix in_description(const FaultPlace &place, const WrittenItem &item) {
 // the outer one was to end, and was to end where that does. Absent for others.
 std::optional<Fix> with_moved_close(const FaultPlace &place, const WrittenItem &item) {
   if (place.block() != Block::address || !place.has_key(item, "ADDRESS")) return std::nullopt;
+  const std::vector<WrittenItem> inner = place.children(item);
   std::vector<WrittenItem> before;
   bool repeats = false;
   for (const WrittenItem &other : place.items_of(place.frame())) {
     if (other.open < item.open) before.push_back(other);
-    if (other.open > item.open) repeats = repeats || place.is_set(before, place.key_of(other));
+    if (other.open <= item.open) continue;
+    if (place.is_set(inner, place.key_of(other))) return std::nullopt;
+    repeats = repeats || place.is_set(before, place.key_of(other));
   }
-  if (!repeats) return std::nullopt;
+  if (!repeats || !place.is_set(before, "HOST")) return std::nullopt;
   const Offset end = before.back().end;
   return unsafe_fix({{end, end, ")"}, {item.end - 1, item.end, {}}});
 }

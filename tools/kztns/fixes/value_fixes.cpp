@@ -60,7 +60,7 @@ bool is_service(const Key &key) { return key.type == LB_SERVICE_NAME || key.type
 // Hosts, ports and services have none: the entry would be served, and no server or service found.
 bool may_have_blanks(const Key &key) {
   return key.value.kind == ValueKind::text && key.type != LB_HOST && key.type != LB_PORT &&
-         !is_service(key);
+         key.type != LB_PROTOCOL && !is_service(key);
 }
 
 // Whether a text with blanks or signs may be what is meant.
@@ -76,6 +76,8 @@ std::optional<Span> comment_before_close(const FaultPlace &place, const Key &key
   const bool is_comment =
       rest.starts_with('#') || rest.starts_with("/*") || is_foreign_comment(rest);
   const std::size_t end = rest.find_first_of("()\"");
+  // A "#" in it would begin another one.
+  if (!rest.starts_with('#') && rest.find('#') != rest.npos) return std::nullopt;
   if (!is_comment || end == rest.npos || rest[end] != ')' || may_have_blanks(key))
     return std::nullopt;
   return Span{at, at + static_cast<Offset>(trimmed(rest.substr(0, end)).size())};
@@ -214,6 +216,8 @@ Mending mend_refused_value(const FaultPlace &place) {
   if (auto mending = mend_joined_items(place)) return *std::move(mending);
   if (auto mending = mend_wrapped_value(place)) return *std::move(mending);
   const Key *const key = place.trace().row_of(*place.item());
+  if (key == nullptr) return {};
+  if (auto mending = mend_comment_before_close(place, *key)) return *std::move(mending);
   switch (place.rule()) {
     case Rule::bad_protocol:
       return mend_protocol(place);
@@ -224,8 +228,6 @@ Mending mend_refused_value(const FaultPlace &place) {
     default:
       break;
   }
-  if (key == nullptr) return {};
-  if (auto mending = mend_comment_before_close(place, *key)) return *std::move(mending);
   if (place.rule() == Rule::comment_in_value) return {whole_value(place, Applicability::unsafe)};
   Fix fix = whole_value(place, Applicability::safe);
   std::string remedy = !fix && is_service(*key) ? "write the service's name" : remedy_of_more(*key);

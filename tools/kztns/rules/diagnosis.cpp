@@ -290,7 +290,8 @@ std::string quoted_token(const Subject &subject, Offset at) {
 
 std::string_view odd_character(std::string_view text) {
   constexpr std::string_view sequences[] = {"\xC2\xA0",     byte_order_mark, zero_width_space,
-                                            "\xE2\x80\xA8", "\xE2\x80\xAF",  "\xE3\x80\x80"};
+                                            "\xE2\x80\xA8", "\xE2\x80\xAF",  "\xE3\x80\x80",
+                                            soft_hyphen};
   for (std::size_t i = 0; i < text.size(); ++i) {
     const auto byte = static_cast<unsigned char>(text[i]);
     if (byte < 0x20 || byte == 0x7F) return text.substr(i, 1);

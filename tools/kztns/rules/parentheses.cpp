@@ -76,7 +76,7 @@ class ParenthesisExplainer {
     const EntryToken &last = tokens_[last_of_items()];
     std::string text = key == nullptr ? "this \"(\"" : word(*key);
     text += " is not closed: expected \")\" " + next();
-    const bool other_bracket = ends_in_other_bracket(last);
+    const bool other_bracket = ends_in_other_bracket(open, last);
     const Offset place = last.end - (other_bracket ? 1 : 0);
     return {Rule::unclosed_block,
             tokens_[open].at,
@@ -88,11 +88,14 @@ class ParenthesisExplainer {
             path_of(change_.blocks.size() - 1)};
   }
 
-  // "h]" without its partner.
-  bool ends_in_other_bracket(const EntryToken &token) const {
-    const std::string_view word = slice(token);
-    return token.kind == 'w' && word.size() > 1 && (word.back() == ']' || word.back() == '}') &&
-           word.find_first_of("[{") == word.npos;
+  // "(HOST = h]": one bracket that nothing opened in the value.
+  bool ends_in_other_bracket(std::size_t open, const EntryToken &token) const {
+    constexpr std::string_view brackets = "[]{}";
+    const std::string_view item =
+        std::string_view(text_.text()).substr(tokens_[open].at, token.end - tokens_[open].at);
+    const char last = item.back();
+    return token.kind == 'w' && (last == ']' || last == '}') &&
+           item.find_first_of(brackets) + 1 == item.size();
   }
 
   // Before the place of the change, without words after an item, which may be another entry's.
@@ -193,24 +196,33 @@ std::optional<ForeignComment> find_unbalanced_comment(std::string_view text,
     for (; found.end + 1 < tokens.size() && tokens[found.end].at < line_end; ++found.end)
       found.depth_change += depth_change(tokens[found.end].kind);
     if (found.depth_change == depth) return found;
+    i = found.end - 1;
   }
   return std::nullopt;
 }
 
-// Lookups count parentheses in comments: they become brackets.
+// Lookups count parentheses in comments: those without a partner there become brackets.
 Diagnosis unbalanced_comment(const Subject &subject, const std::vector<EntryToken> &tokens,
                              const ForeignComment &comment) {
   const EntryToken &begin = tokens[comment.begin];
   std::vector<Edit> edits = {{begin.at, begin.at, "# "}};
-  for (std::size_t i = comment.begin; i < comment.end; ++i)
-    if (depth_change(tokens[i].kind) != 0)
-      edits.push_back({tokens[i].at, tokens[i].end, tokens[i].kind == '(' ? "[" : "]"});
+  std::vector<Offset> open;
+  for (std::size_t i = comment.begin; i < comment.end; ++i) {
+    if (tokens[i].kind == '(') open.push_back(tokens[i].at);
+    if (tokens[i].kind != ')') continue;
+    if (open.empty())
+      edits.push_back({tokens[i].at, tokens[i].end, "]"});
+    else
+      open.pop_back();
+  }
+  for (const Offset at : open) edits.push_back({at, at + 1, "["});
+  sort_edits(edits);
   const bool is_close = comment.depth_change < 0;
   std::string text = "unmatched ";
   text += is_close ? "\")\"" : "\"(\"";
   text += " after " + quoted_token(subject, begin.at);
   return {is_close ? Rule::extra_close : Rule::extra_open, begin.at, std::move(text),
-          "begin the comment with \"#\", and put no parenthesis into it",
+          "begin the comment with \"#\", and remove the parenthesis from it",
           unsafe_fix(std::move(edits))};
 }
 

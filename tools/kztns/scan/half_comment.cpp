@@ -23,8 +23,11 @@ std::optional<BegunEntry> entry_in(std::string_view text, Offset comment, Offset
   const std::size_t name_end = std::min(line.find_first_of(" \t=()#\",", begin), line.size());
   if (name_end == begin) return std::nullopt;
   std::size_t equal = line.find_first_not_of(" \t", name_end);
-  if (equal != std::string_view::npos && line[equal] == '(')
-    equal = line.find_first_not_of(" \t", line.find(')', equal) + 1);
+  if (equal != std::string_view::npos && line[equal] == '(') {
+    const std::size_t close = line.find(')', equal);
+    if (close == std::string_view::npos) return std::nullopt;
+    equal = line.find_first_not_of(" \t", close + 1);
+  }
   if (equal == std::string_view::npos || line[equal] != '=') return std::nullopt;
   const std::size_t value = line.find_first_not_of(" \t\r", equal + 1);
   const bool is_entry = value == std::string_view::npos || line[value] == '(' || line[value] == '#';

@@ -103,6 +103,8 @@ class Scanner {
   // Whether "(CONN" on the line before and a name are one key, which a line end splits.
   bool ends_split_key(const WrittenEntry &name) const {
     if (last_ != 'k' || before_key_ != '(') return false;
+    const std::string_view between = text_.substr(key_.end, name.name_begin - key_.end);
+    if (between.find('#') != between.npos) return false;
     std::string word(text_.substr(key_.begin, key_.end - key_.begin));
     word += text_.substr(name.name_begin, name.name_end - name.name_begin);
     return static_cast<bool>(item_word(word));

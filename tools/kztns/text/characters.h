@@ -15,6 +15,7 @@ inline constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
 inline constexpr std::string_view full_width_open = "\xEF\xBC\x88";
 inline constexpr std::string_view full_width_close = "\xEF\xBC\x89";
 inline constexpr std::string_view full_width_equal = "\xEF\xBC\x9D";
+inline constexpr std::string_view soft_hyphen = "\xC2\xAD";
 inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
 
 // Written out: it is asked of every character.
