@@ -71,6 +71,9 @@ TEST_F(FileRules, WhatTheEntryBeforeLacksStaysWhateverItsQuotes) {
       "(CONNECT_DATA = (SID = s)(KZ_USER_EXTRA_INFO = \"x))\n)\n" +
       entry("b");
   EXPECT_EQ(unsafely_fixed(text).find('#'), std::string::npos);
+  const kztns::NamesText names(text);
+  EXPECT_EQ(kztns::check_file(names, {.file = "names"}).findings[0].remedy,
+            "move it into the entry before it");
 }
 
 TEST_F(FileRules, AByteOrderMarkBeforeACommentIsRemoved) {

@@ -148,6 +148,7 @@ class FileRules {
   // Empty: the rule's own.
   std::string remedy_of_stray_text(Offset at) const {
     const std::string_view text = text_.text();
+    if (may_belong_to_entry_before(scan_, at)) return "move it into the entry before it";
     const Offset end = end_of_stray_text(text, at, scan_.next_entry(at));
     return may_be_entry(text, {at, end}) ? "write NAME = (DESCRIPTION = ...)" : "";
   }

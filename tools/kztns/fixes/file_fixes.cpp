@@ -91,15 +91,6 @@ Fix without_quotes_of_entry(std::string_view text, Offset at) {
   return unsafe_fix({{at, entry->value.begin, name + " = "}, {entry->value.end, entry->end, {}}});
 }
 
-// Whether items may be those of the entry before them, which lacks some.
-bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
-  const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
-  const Entry *const entry = scan.entry_at_or_before(at);
-  const ItemWord key = key_after(text, at);
-  if (entry == nullptr || !key) return false;
-  return !is_complete(text, entry->body) || (opens_block(key) && end_of_items(text, at));
-}
-
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   if (Fix fix = without_repeated_name(text, at)) return fix;
@@ -171,6 +162,14 @@ void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector
 }
 
 }  // namespace
+
+bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
+  const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
+  const Entry *const entry = scan.entry_at_or_before(at);
+  const ItemWord key = key_after(text, at);
+  if (entry == nullptr || !key) return false;
+  return !is_complete(text, entry->body) || (opens_block(key) && end_of_items(text, at));
+}
 
 void write_out_zero_bytes(std::string_view text, Offset begin, Offset end,
                           std::vector<Edit> &edits) {

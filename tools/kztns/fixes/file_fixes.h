@@ -14,6 +14,9 @@ namespace kztns {
 // those of its cause.
 Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at);
 
+// Whether the items at a place may be those of the entry before them, which lacks some.
+bool may_belong_to_entry_before(const FileScan &scan, Offset at);
+
 // Makes comments of the lines between two places.
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end);
 

@@ -6,6 +6,7 @@
 
 #include "scan/stray_text.h"
 #include "text/characters.h"
+#include "text/escape.h"
 #include "text/spelling.h"
 
 namespace kztns {
@@ -59,7 +60,7 @@ std::optional<Mending> mend_wrapped_value(const FaultPlace &place) {
   word += place.slice(*rest);
   std::string joined(joined_value(*key, word, place.slice(*rest)));
   if (joined.empty()) return std::nullopt;
-  std::string remedy = "did you mean " + joined + "?";
+  std::string remedy = "did you mean " + excerpt(joined) + "?";
   return Mending{unsafe_fix({{value.begin, rest->end, std::move(joined)}}), std::move(remedy)};
 }
 
