@@ -1,5 +1,5 @@
-// The short ways to the next token, inline, for builders and for passing over entries; tokenizer.cpp
-// has the long ones.
+// The short ways to the next token, inline, for builders and for passing over entries;
+// tokenizer.cpp has the long ones.
 #pragma once
 
 #include <cstdint>
