@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "check/check_file.h"
+#include "check/check_once.h"
 #include "scan/tree_digest.h"
 #include "support/foreign_lookups.h"
 #include "support/random_input.h"

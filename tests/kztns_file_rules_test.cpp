@@ -1,6 +1,7 @@
 // What keeps lookups from entries: what is told of it, and what its fix makes of the file.
 #include <algorithm>
 
+#include "check/check_once.h"
 #include "check/stop_causes.h"
 #include "fixes/file_fixes.h"
 #include "support/checked_file.h"

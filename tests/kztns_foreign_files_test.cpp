@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "check/apply_fixes.h"
-#include "check/check_file.h"
+#include "check/check_once.h"
 #include "support/fix_kinds.h"
 #include "support/foreign_lookups.h"
 #include "support/safe_edits.h"

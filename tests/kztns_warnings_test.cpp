@@ -1,7 +1,7 @@
 // What is accepted, but hardly meant.
 #include <gtest/gtest.h>
 
-#include "check/check_file.h"
+#include "check/check_once.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "check/apply_fixes.h"
 #include "check/check_file.h"
+#include "check/check_once.h"
 #include "fix_kinds.h"
 #include "lookup/lookup.h"
 #include "names_entry.h"

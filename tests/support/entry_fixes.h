@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "check/apply_fixes.h"
-#include "check/check_file.h"
+#include "check/check_once.h"
 #include "fix_kinds.h"
 #include "io/memory_file.h"
 #include "lookup/lookup.h"

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "check/check_file.h"
+#include "check/check_once.h"
 #include "check/ignores.h"
 
 namespace kztns {

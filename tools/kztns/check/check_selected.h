@@ -1,7 +1,8 @@
 // Checks a file, and leaves out what is ignored or disabled.
 #pragma once
 
-#include "check/check_file.h"
+#include "check/check_report.h"
+#include "check/check_request.h"
 
 namespace kztns {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "check/entry_copy.h"
 #include "check/entry_warnings.h"
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
@@ -20,12 +21,6 @@ namespace {
 
 // Bounds the work on an entry that was made for it.
 constexpr int most_faults = 50;
-
-Edit moved(Edit edit, Offset from, Offset to) {
-  edit.begin = edit.begin - from + to;
-  edit.end = edit.end - from + to;
-  return edit;
-}
 
 // Whether the fault is the item's alone, so that the block is sound without it.
 bool is_fault_of_item(FaultKind kind) {
@@ -64,66 +59,6 @@ std::vector<Edit> without_item(std::string_view text, const Trace &trace) {
 bool has_rest(std::string_view text, const Fault &fault) {
   return text.find('(', fault.at) != std::string_view::npos;
 }
-
-// The copy of one entry that is mended step by step.
-class EntryCopy {
- public:
-  EntryCopy(const NamesText &text, const Entry &entry, std::string_view name,
-            const EntryRange &range)
-      : base_(entry.at),
-        body_(entry.body - entry.at),
-        name_(name),
-        last_(range.last),
-        edited_(std::string_view(text.text()).substr(entry.at, range.end - entry.at), entry.at),
-        text_(edited_, text),
-        trace_(edited_.text()) {}
-
-  const Trace &trace() const { return trace_; }
-  const NamesText &text() const { return text_; }
-  EntryRange range() const { return {body_, text_.size(), last_}; }
-  std::string_view name() const { return name_; }
-
-  // Edits of the whole text as those of the copy.
-  std::vector<Edit> of_whole(std::vector<Edit> edits) const {
-    for (Edit &edit : edits) edit = moved(std::move(edit), base_, 0);
-    return edits;
-  }
-
-  // A diagnosis of the copy as one of the whole text.
-  Diagnosis to_whole(Diagnosis found) const {
-    found.at = edited_.origin(found.at);
-    found.fix.to_origin(edited_);
-    return found;
-  }
-
-  // Applies the edits and builds the copy; false for none, and for any outside of the entry.
-  bool apply(const std::vector<Edit> &edits) {
-    if (edits.empty()) return false;
-    for (const Edit &edit : edits)
-      if (edit.begin < body_ || edit.end > edited_.text().size()) return false;
-    before_ = edited_;
-    edited_.apply(edits);
-    build();
-    return true;
-  }
-
-  void take_back() {
-    edited_ = before_;
-    build();
-  }
-
-  void build() { build_entry(edited_.text(), body_, name_, trace_); }
-
- private:
-  Offset base_;
-  Offset body_;
-  std::string_view name_;
-  bool last_;  // whether no entry comes after it
-  EditedText edited_;
-  EditedText before_ = edited_;  // the last edits
-  NamesText text_;
-  Trace trace_;
-};
 
 // A fault that was found in a copy, and how to get past it there.
 struct Found {
@@ -192,27 +127,28 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
   return *std::move(fault);
 }
 
-Diagnosis EntryFaults::first_of(const EntryView &view) {
-  enter(view);
-  return diagnose_entry(subject(text_, "file", range_.end), view.trace, range_, view.name);
+Diagnosis EntryFaults::first_of(const CheckedEntry &checked) {
+  return diagnose_entry(subject(checked, text_, "file", checked.range().end), checked.trace,
+                        checked.range(), checked.name);
 }
 
-void EntryFaults::report(const EntryView &view, const Diagnosis &first,
+void EntryFaults::report(const CheckedEntry &checked, const Diagnosis &first,
                          const std::string &consequence) {
-  if (const std::string_view remedy = remedy_of_begun(view, first); !remedy.empty())
-    return report_whole(view, first, remedy, fix_of_lines(text_.text(), view.entry.at, range_.end),
+  if (const std::string_view remedy = remedy_of_begun(checked, first); !remedy.empty())
+    return report_whole(checked, first, remedy,
+                        fix_of_lines(text_.text(), checked.entry.at, checked.range().end),
                         consequence);
-  if (Fix fix = without_quote_signs(view, first))
-    return report_whole(view, first, "remove the \">\" before its lines", std::move(fix),
+  if (Fix fix = without_quote_signs(checked, first))
+    return report_whole(checked, first, "remove the \">\" before its lines", std::move(fix),
                         consequence);
-  if (report_inserted(view, first, consequence)) return;
-  const bool built = view.service != nullptr;
+  if (report_inserted(checked, first, consequence)) return;
+  const bool built = checked.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
-  EntryCopy copy(text_, view.entry, view.name, range_);
-  const std::string_view text = std::string_view(text_.text()).substr(0, range_.end);
+  EntryCopy copy(text_, checked);
+  const std::string_view text = std::string_view(text_.text()).substr(0, checked.range().end);
   std::optional<Found> found = {{first, copy.of_whole(first.fix.edits),
-                                 copy.of_whole(without_item(text, view.trace)),
-                                 has_rest(text, view.trace.fault())}};
+                                 copy.of_whole(without_item(text, checked.trace)),
+                                 has_rest(text, checked.trace.fault())}};
   found->told.text += consequence;
 
   std::optional<Found> next;
@@ -221,7 +157,7 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
     if (!copy.apply(edits)) return false;
     next.reset();
     if (copy.trace().fault().kind == FaultKind::none) return true;
-    next = found_in(copy, subject(copy.text(), "entry", copy.text().size()));
+    next = found_in(copy, subject(checked, copy.text(), "entry", copy.text().size()));
     if (!is_same(next->told, found->told)) return true;
     copy.take_back();
     return false;
@@ -234,86 +170,91 @@ void EntryFaults::report(const EntryView &view, const Diagnosis &first,
     complete = complete && helps;
     if (!helps || built) fault.told.fix = {};
     if (!goes_on && fault.rest) fault.told.text += rest_is_unchecked;
-    add(view.name, severity, std::move(fault.told));
+    add(checked.name, severity, std::move(fault.told));
     if (!goes_on) return;
     found = std::exchange(next, std::nullopt);
   }
   if (built || copy.trace().fault().kind != FaultKind::none) return;
   const Findings::FromCopy from_copy(findings_, copy.text());
-  report_entry_warnings(copy.trace(), view.name, findings_, complete);
+  report_entry_warnings(copy.trace(), checked.name, findings_, complete);
 }
 
-std::optional<Offset> EntryFaults::report_alone(const EntryView &view) {
-  EntryCopy copy(text_, view.entry, view.name, range_);
+std::optional<Offset> EntryFaults::report_alone(const CheckedEntry &checked) {
+  EntryCopy copy(text_, checked);
   copy.build();
   if (copy.trace().fault().kind == FaultKind::none) return std::nullopt;
-  Found found = found_in(copy, subject(copy.text(), "entry", copy.text().size()));
+  Found found = found_in(copy, subject(checked, copy.text(), "entry", copy.text().size()));
   const Offset at = found.told.at;
-  add(view.name, Severity::error, std::move(found.told));
+  add(checked.name, Severity::error, std::move(found.told));
   return at;
 }
 
 // What to do about an entry that was only begun; empty for others.
-std::string_view EntryFaults::remedy_of_begun(const EntryView &view, const Diagnosis &first) const {
+std::string_view EntryFaults::remedy_of_begun(const CheckedEntry &checked,
+                                              const Diagnosis &first) const {
   const std::string &text = text_.text();
-  if (view.service != nullptr || view.name.empty() || view.entry.in_list) return {};
-  const bool has_range = range_.body < range_.end || range_.end == text.size();
-  if (first.rule == Rule::no_block && has_range && pass_blanks(text, view.entry.body) >= range_.end)
+  if (checked.service != nullptr || checked.name.empty() || checked.entry.in_list) return {};
+  const bool has_range =
+      checked.range().body < checked.range().end || checked.range().end == text.size();
+  if (first.rule == Rule::no_block && has_range &&
+      pass_blanks(text, checked.entry.body) >= checked.range().end)
     return "give it a block, or remove its line";
   // Closed, it would be found instead of the other one.
-  if (first.rule == Rule::unclosed_block && ends_where_closed(text, range_, first.fix) &&
-      is_entry_of(text, range_.end, view.name))
+  if (first.rule == Rule::unclosed_block && ends_where_closed(text, checked.range(), first.fix) &&
+      is_entry_of(text, checked.range().end, checked.name))
     return "remove its lines: another entry of the name follows";
   return {};
 }
 
 // Of an entry from a quoted mail; none for others.
-Fix EntryFaults::without_quote_signs(const EntryView &view, const Diagnosis &first) const {
+Fix EntryFaults::without_quote_signs(const CheckedEntry &checked, const Diagnosis &first) const {
   const std::string &text = text_.text();
-  if (view.service != nullptr || view.entry.in_list || !view.name.starts_with('>') ||
-      first.at >= range_.end || text[first.at] != '>')
+  if (checked.service != nullptr || checked.entry.in_list || !checked.name.starts_with('>') ||
+      first.at >= checked.range().end || text[first.at] != '>')
     return {};
   std::vector<Edit> edits;
-  for (const Span sign : quote_signs(text, view.entry.at, range_.end))
+  for (const Span sign : quote_signs(text, checked.entry.at, checked.range().end))
     edits.push_back({sign.begin, sign.end, {}});
   return edits.size() > 1 ? unsafe_fix(std::move(edits)) : Fix();
 }
 
 // Another entry was pasted between two items of this one.
-bool EntryFaults::report_inserted(const EntryView &view, const Diagnosis &first,
+bool EntryFaults::report_inserted(const CheckedEntry &checked, const Diagnosis &first,
                                   const std::string &consequence) {
   const std::string &text = text_.text();
-  const Offset cut = range_.end;
-  if (view.service != nullptr || view.entry.in_list || first.rule != Rule::unclosed_block ||
+  const Offset cut = checked.range().end;
+  if (checked.service != nullptr || checked.entry.in_list || first.rule != Rule::unclosed_block ||
       cut >= text.size())
     return false;
   const Offset equal = pass_blanks(text, end_of_word(text, cut));
   if (equal >= text.size() || text[equal] != '=') return false;  // a list of names
   const Offset inner = equal + 1;
   const auto found =
-      find_inserted(text, {view.entry.body, cut}, {inner, ranges_.range_of(inner).end});
+      find_inserted(text, {checked.entry.body, cut}, {inner, ranges_.range_of(inner).end});
   Fix fix = found ? move_out(text_, *found) : Fix();
   if (!fix) return false;
   inserted_.insert(cut);
-  report_whole(view, first,
+  report_whole(checked, first,
                "move the entry at " + text_.place(cut) + " after this one, which ends at " +
                    text_.place(found->rest_end),
                std::move(fix), consequence);
   return true;
 }
 
-void EntryFaults::report_whole(const EntryView &view, Diagnosis told, std::string_view remedy,
+void EntryFaults::report_whole(const CheckedEntry &checked, Diagnosis told, std::string_view remedy,
                                Fix fix, const std::string &consequence) {
   told.text += consequence;
   told.remedy = remedy;
   told.fix = std::move(fix);
-  add(view.name, Severity::error, std::move(told));
+  add(checked.name, Severity::error, std::move(told));
 }
 
-Subject EntryFaults::subject(const NamesText &text, std::string_view noun, Offset end) {
+Subject EntryFaults::subject(const CheckedEntry &checked, const NamesText &text,
+                             std::string_view noun, Offset end) {
   // Each of several names gets its own entry first, and then those of its descriptions.
-  Subject subject = {text, noun, end, range_.last && !in_list_};
-  if (!in_list_) subject.is_free = [this](std::string_view name) { return is_free(name); };
+  Subject subject = {text, noun, end, checked.range().last && !checked.entry.in_list};
+  if (!checked.entry.in_list)
+    subject.is_free = [this](std::string_view name) { return is_free(name); };
   return subject;
 }
 

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "check/checked_entry.h"
 #include "check/findings.h"
-#include "rules/parentheses.h"
-#include "scan/file_scan.h"
+#include "rules/diagnosis.h"
 
 namespace kztns {
 
@@ -23,53 +23,40 @@ Diagnosis diagnose_entry(const Subject &subject, const Trace &trace, EntryRange 
 
 class EntryFaults {
  public:
-  EntryFaults(const NamesText &text, Findings &findings)
-      : text_(text), findings_(findings), ranges_(text) {}
+  EntryFaults(const NamesText &text, EntryRanges &ranges, Findings &findings)
+      : text_(text), ranges_(ranges), findings_(findings) {}
 
-  // Makes an entry the current one; returns where its text stands.
-  EntryRange enter(const EntryView &view) {
-    if (entered_ != view.entry.body) range_ = ranges_.range_of(view.entry.body);
-    entered_ = view.entry.body;
-    in_list_ = view.entry.in_list;
-    return range_;
-  }
   // The first fault of an entry that has one.
-  Diagnosis first_of(const EntryView &view);
+  Diagnosis first_of(const CheckedEntry &checked);
 
-  // Reports it, with consequence after its text, the other faults and the warnings. To be
-  // called right after first_of. An entry that is built keeps its tree: its faults have no
-  // fixes.
-  void report(const EntryView &view, const Diagnosis &first, const std::string &consequence);
+  // Reports it, with consequence after its text, the other faults and the warnings. An entry
+  // that is built keeps its tree: its faults have no fixes.
+  void report(const CheckedEntry &checked, const Diagnosis &first, const std::string &consequence);
 
-  // Reports the fault of the current entry, which is built with text of later ones only, and
-  // returns where it is; absent where the entry's own text is enough.
-  std::optional<Offset> report_alone(const EntryView &view);
+  // Reports the fault of an entry which is built with text of later ones only, and returns where
+  // it is; absent where the entry's own text is enough.
+  std::optional<Offset> report_alone(const CheckedEntry &checked);
 
   // Whether the entry whose name is at a place stands in another one, and is told with it.
   bool is_inserted(Offset at) const { return inserted_.count(at) > 0; }
 
-  // Of the current entry.
-  EntryRange range() const { return range_; }
-
  private:
-  std::string_view remedy_of_begun(const EntryView &view, const Diagnosis &first) const;
-  Fix without_quote_signs(const EntryView &view, const Diagnosis &first) const;
-  bool report_inserted(const EntryView &view, const Diagnosis &first,
+  std::string_view remedy_of_begun(const CheckedEntry &checked, const Diagnosis &first) const;
+  Fix without_quote_signs(const CheckedEntry &checked, const Diagnosis &first) const;
+  bool report_inserted(const CheckedEntry &checked, const Diagnosis &first,
                        const std::string &consequence);
   // One finding of all of the entry.
-  void report_whole(const EntryView &view, Diagnosis told, std::string_view remedy, Fix fix,
+  void report_whole(const CheckedEntry &checked, Diagnosis told, std::string_view remedy, Fix fix,
                     const std::string &consequence);
-  Subject subject(const NamesText &text, std::string_view noun, Offset end);
+  Subject subject(const CheckedEntry &checked, const NamesText &text, std::string_view noun,
+                  Offset end);
   void add(std::string_view entry, Severity severity, Diagnosis found);
   bool is_free(std::string_view name);
 
   const NamesText &text_;
+  EntryRanges &ranges_;
   Findings &findings_;
-  EntryRanges ranges_;
   std::unordered_set<std::string> names_;  // of all entries, in small letters; made when needed
-  Offset entered_ = ~Offset{0};            // the body of the current entry
-  EntryRange range_ = {};                  // of the current entry
-  bool in_list_ = false;                   // whether it has several names
   std::unordered_set<Offset> inserted_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "check/check_once.h"
 #include "check/check_selected.h"
 #include "commands/written_file.h"
 #include "io/exit_status.h"
