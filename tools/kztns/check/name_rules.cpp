@@ -6,6 +6,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "kzoci/platform/letter_case.h"
 #include "rules/diagnosis.h"
+#include "scan/reserved_names.h"
 #include "text/characters.h"
 #include "text/name_index.h"
 #include "text/words.h"
@@ -14,11 +15,6 @@ namespace kztns {
 namespace {
 
 using kzoci::tns::reserved_name;
-
-// Whether the library reads an entry of this name as system variables.
-bool is_reserved(std::string_view name) {
-  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
-}
 
 void fold(std::string_view name, std::string &into) {
   into.resize(name.size());

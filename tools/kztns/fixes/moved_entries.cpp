@@ -5,6 +5,7 @@
 #include "fixes/file_fixes.h"
 #include "scan/item_text.h"
 #include "scan/name_list.h"
+#include "scan/reserved_names.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/words.h"

@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "format/pieces.h"
-#include "kzoci/oci_tnsname/reserved_entry.h"
+#include "scan/reserved_names.h"
 #include "scan/written_entries.h"
 #include "scan/written_items.h"
 #include "text/words.h"
@@ -70,10 +70,6 @@ class ContextReader {
   PieceKind last_ = PieceKind::equal;
   bool after_word_ = false;
 };
-
-bool is_reserved(std::string_view name) {
-  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
-}
 
 Content content_of_entry(std::string_view text, const WrittenEntry &entry) {
   const std::string name =

@@ -5,6 +5,7 @@
 #include "kzoci/oci_tnsname/reserved_entry.h"
 #include "lsp/capabilities.h"
 #include "mend/inline_files.h"
+#include "scan/reserved_names.h"
 #include "text/escape.h"
 #include "text/spelling.h"
 #include "text/words.h"
@@ -26,10 +27,6 @@ const AnalysedEntry *entry_of(const Question &question, const Analysis &analysis
   const AnalysedEntry *const entry = analysis.entry_at_or_before(at);
   if (entry == nullptr || at > entry->name_span.end) return nullptr;
   return has_name_to_change(question.document, *entry) ? entry : nullptr;
-}
-
-bool is_reserved(const std::string &name) {
-  return kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
 }
 
 // Why an entry cannot have a name; empty for nothing.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "scan/parenthesis_search.h"
+#include "scan/reserved_names.h"
 #include "scan/written_entries.h"
 #include "text/characters.h"
 #include "text/spelling.h"
@@ -238,8 +238,7 @@ std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRan
   if (const auto comment = find_unbalanced_comment(text, *tokens))
     return unbalanced_comment(subject, *tokens, *comment);
   // A literal descriptor has no name.
-  const bool reserved =
-      !name.empty() && kzoci::tns::is_reserved_name(name.data(), static_cast<ub4>(name.size()));
+  const bool reserved = !name.empty() && is_reserved(name);
   const auto change =
       first_parenthesis_change(text, *tokens, reserved ? Block::system_variables : Block::entry);
   if (!change) return std::nullopt;

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <optional>
 
-#include "kzoci/oci_tnsname/reserved_entry.h"
 #include "kzoci/oci_tnsname/status.h"
 #include "scan/further_stops.h"
 #include "scan/item_text.h"
+#include "scan/reserved_names.h"
 #include "scan/skip_mismatches.h"
 #include "scan/written_entries.h"
 #include "text/name_index.h"
@@ -353,9 +353,5 @@ void with_service(const std::string &text, Offset body, std::string_view name,
 
 // A descriptor is built as an entry is, under some name.
 void build_literal(const NamesText &text, Trace &trace) { build_entry(text.text(), 0, "-", trace); }
-
-bool ends_lookups(std::string_view name) {
-  return std::string_view(kzoci::tns::reserved_name).starts_with(name);
-}
 
 }  // namespace kztns

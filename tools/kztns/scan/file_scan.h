@@ -150,7 +150,4 @@ void with_service(const std::string &text, Offset body, std::string_view name,
 // of 1024 bytes from the beginning.
 KZCITnsParseParams parse_at(const std::string &text, Offset at);
 
-// Whether an entry of that name ends every lookup.
-bool ends_lookups(std::string_view name);
-
 }  // namespace kztns

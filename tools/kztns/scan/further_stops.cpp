@@ -5,6 +5,7 @@
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/line_prefixes.h"
+#include "scan/reserved_names.h"
 #include "scan/stray_text.h"
 #include "scan/tokens.h"
 #include "scan/written_items.h"

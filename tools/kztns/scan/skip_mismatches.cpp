@@ -1,6 +1,7 @@
 #include "scan/skip_mismatches.h"
 
 #include "scan/item_text.h"
+#include "scan/reserved_names.h"
 
 namespace kztns {
 
