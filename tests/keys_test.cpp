@@ -166,6 +166,61 @@ TEST(Keys, OnlyRetryDelayIsNotKept) {
   }
 }
 
+struct NamedField {
+  Place place;
+  std::string_view word;
+  std::string_view name;
+};
+
+// As the command shows them. A second word for a field, SID and RETRYTIMES, has no name.
+constexpr NamedField named_fields[] = {
+    {Place::address, "HOST", "host"},
+    {Place::address, "PORT", "port"},
+    {Place::address, "PROTOCOL", "protocol"},
+    {Place::address, "WEIGHT", "weight"},
+    {Place::address_list, "KZLB", "kzlb"},
+    {Place::address_list, "KZLB_STRATEGY", "kzlb_strategy"},
+    {Place::connect_data, "SERVICE_NAME", "service_name"},
+    {Place::connect_data, "KZ_USER_EXTRA_INFO", "user_extra_info"},
+    {Place::connect_data, "KZ_MODE", "kz_mode"},
+    {Place::connect_data, "USE_DEFAULT_SID", "use_default_sid"},
+    {Place::connect_data, "SESSION_VARIABLE", "session_variable"},
+    {Place::description, "KZLB", "kzlb"},
+    {Place::description, "KZLB_GROUP_STRATEGY", "kzlb_group_strategy"},
+    {Place::description, "KZLB_RETRY_ALL_DOWNS", "retry_all_downs"},
+    {Place::description, "KZLB_RETRY_TIMEOUT", "retry_timeout"},
+    {Place::description, "KZLB_CONNECT_TIMEOUT", "connect_timeout"},
+    {Place::description, "KZLB_READ_TIMEOUT", "read_timeout"},
+    {Place::description, "KZLB_WRITE_TIMEOUT", "write_timeout"},
+    {Place::append_strategy, "NAME", "append_strategy"},
+    {Place::append_strategy, "DURATION", "duration"},
+    {Place::append_strategy, "RETRY_TIMES", "retry_times"},
+    {Place::remove_strategy, "NAME", "remove_strategy"},
+    {Place::remove_strategy, "TIMEOUT", "remove_timeout"},
+    {Place::system_variables, "SLOWSQL_THRESHOLD", "slowsql_threshold"},
+    {Place::system_variables, "SLOWSQL_BUFFER_SIZE", "slowsql_buffer_size"},
+    {Place::system_variables, "SLOWSQL_FLUSH_SECOND", "slowsql_flush_second"},
+    {Place::system_variables, "SESSION_VARIABLE", "session_variable"},
+    {Place::system_variables, "LOG_LEVEL", "log_level"},
+    {Place::system_variables, "LOG_SIZE", "log_size"},
+    {Place::system_variables, "LOG_COUNT", "log_count"},
+    {Place::system_variables, "LOG_PATH", "log_path"},
+};
+
+TEST(Keys, EachFieldHasItsName) {
+  std::size_t names = 0;
+  for (const tns::Key &row : tns::grammar) {
+    const auto named = std::find_if(
+        std::begin(named_fields), std::end(named_fields), [&](const NamedField &field) {
+          return field.place == place_of(row.block) && field.word == row.word;
+        });
+    const bool has_name = named != std::end(named_fields);
+    EXPECT_EQ(text_or_empty(row.name), has_name ? named->name : std::string_view()) << row.word;
+    names += has_name ? 1 : 0;
+  }
+  EXPECT_EQ(names, std::size(named_fields));
+}
+
 // ----------------------------------------------------------- whoever goes by the table
 
 // How often each key stands in each of the places.
