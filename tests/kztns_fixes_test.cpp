@@ -1,7 +1,7 @@
 // What the fixes of an entry's faults say and leave of it.
 #include <fstream>
 
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "support/entry_fixes.h"
 
 using namespace support;

@@ -312,14 +312,20 @@ TEST(Parentheses, ThatAreMissingAtTheEndAreAllTold) {
 }
 
 TEST(Parentheses, AreToldByTheHomesOfForeignKeys) {
-  for (const std::string word : {"SECURITY", "ENABLE", "SDU", "RETRY_COUNT", "CONNECT_TIMEOUT"})
+  for (const std::string word :
+       {"SECURITY", "ENABLE", "SDU", "RETRY_COUNT", "CONNECT_TIMEOUT", "TDU", "EXPIRE_TIME"})
     expect_told({"a = (DESCRIPTION = ^(ADDRESS = (HOST = h)(PORT = 1) (" + word + " = 1))",
                  Rule::unclosed_block,
                  "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) (" + word + " = 1))"});
-  for (const std::string word : {"SERVER", "INSTANCE_NAME", "FAILOVER_MODE", "UR"})
+  for (const std::string word :
+       {"SERVER", "INSTANCE_NAME", "FAILOVER_MODE", "UR", "POOL_PURITY", "DATABASE"})
     expect_told({"a = (DESCRIPTION = (CONNECT_DATA = (SID = s)^)(" + word + " = 1)))",
                  Rule::extra_close,
                  "a = (DESCRIPTION = (CONNECT_DATA = (SID = s)(" + word + " = 1)))"});
+  for (const std::string word : {"COMMUNITY", "HOSTNAME", "KEY", "IP"})
+    expect_told({"a = (DESCRIPTION = (ADDRESS = (PORT = 1)^)(" + word + " = 1)))",
+                 Rule::extra_close,
+                 "a = (DESCRIPTION = (ADDRESS = (PORT = 1)(" + word + " = 1)))"});
 }
 
 TEST(EntryTokens, KnowTheirColumns) {

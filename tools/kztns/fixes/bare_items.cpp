@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "scan/item_text.h"
 #include "text/characters.h"
 #include "text/words.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "text/characters.h"
 #include "text/spelling.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "fixes/file_fixes.h"
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "scan/item_text.h"
 #include "scan/tokens.h"
 #include "text/spelling.h"

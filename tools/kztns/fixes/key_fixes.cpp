@@ -6,7 +6,7 @@
 #include "fixes/bare_items.h"
 #include "fixes/block_fixes.h"
 #include "fixes/file_fixes.h"
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "fixes/number_fixes.h"
 #include "scan/item_words.h"
 #include "text/characters.h"

@@ -2,7 +2,7 @@
 
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "fixes/sign_fixes.h"
 #include "scan/item_words.h"
 #include "scan/stray_text.h"

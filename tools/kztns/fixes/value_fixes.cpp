@@ -6,7 +6,7 @@
 #include "fixes/address_fixes.h"
 #include "fixes/bare_items.h"
 #include "fixes/file_fixes.h"
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 #include "fixes/number_fixes.h"
 #include "fixes/wrapped_value.h"
 #include "scan/item_text.h"

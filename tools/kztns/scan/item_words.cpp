@@ -4,30 +4,9 @@
 
 namespace kztns {
 
-// A key that only other readers know, with the block in which it stands there.
-struct ForeignWord {
-  std::string_view word;
-  Block home;
-};
-
 namespace {
 
 using kzoci::tns::grammar;
-
-// Enough of them to tell the blocks apart in which they are common.
-constexpr ForeignWord foreign_words[] = {
-    {"DESCRIPTION_LIST", Block::entry},
-    {"SERVER", Block::connect_data},
-    {"INSTANCE_NAME", Block::connect_data},
-    {"FAILOVER_MODE", Block::connect_data},
-    {"UR", Block::connect_data},
-    {"SECURITY", Block::description},
-    {"ENABLE", Block::description},
-    {"SDU", Block::description},
-    {"RETRY_COUNT", Block::description},
-    {"CONNECT_TIMEOUT", Block::description},
-};
-constexpr const ForeignWord &description_list_word = foreign_words[0];
 
 Content content_of_key(const Key &key) {
   if (key.value.kind == ValueKind::block) return content_of(key.value.opens);
@@ -36,7 +15,8 @@ Content content_of_key(const Key &key) {
 
 // What items of the key hold wherever they stand.
 Content content_anywhere(ItemWord word) {
-  if (word.foreign == &description_list_word) return {Content::description_list};
+  if (word.foreign != nullptr && word.foreign->treatment == ForeignTreatment::unwrap)
+    return {Content::description_list};
   for (const Key &key : grammar)
     if (word.type != LB_ERROR_KEY && key.type == word.type) return content_of_key(key);
   return {Content::foreign};
@@ -61,9 +41,9 @@ Placement in_description_list(ItemWord word) {
 ItemWord item_word(std::string_view key) {
   for (const Key &row : grammar)
     if (equal_but_for_case(row.word, key)) return {row.type, nullptr};
-  for (const ForeignWord &row : foreign_words)
-    if (equal_but_for_case(row.word, key)) return {LB_ERROR_KEY, &row};
-  return {};
+  const ForeignKey *const foreign = foreign_key(key);
+  if (foreign == nullptr || !foreign->home) return {};
+  return {LB_ERROR_KEY, foreign};
 }
 
 bool opens_block(ItemWord word) {

@@ -1,9 +1,10 @@
-// Where an item belongs, as far as its key tells: the grammar's keys, and some that only
+// Where an item belongs, as far as its key tells: the grammar's keys, and those that only
 // other readers of such files know. To tell what a broken entry was meant to be.
 #pragma once
 
 #include <string_view>
 
+#include "scan/foreign_keys.h"
 #include "trace/key_words.h"
 
 namespace kztns {
@@ -24,12 +25,11 @@ struct Content {
 
 inline Content content_of(Block block) { return {Content::block, block}; }
 
-struct ForeignWord;
-
-// A key, however it is written in capitals and small letters.
+// A key, however it is written in capitals and small letters. Of other readers' keys those whose
+// block is known.
 struct ItemWord {
   KZCILBKeyType type = LB_ERROR_KEY;
-  const ForeignWord *foreign = nullptr;
+  const ForeignKey *foreign = nullptr;
 
   explicit operator bool() const { return type != LB_ERROR_KEY || foreign != nullptr; }
 };

@@ -1,9 +1,11 @@
 // The keys that other readers of names files know; foreign_keys.def is their table.
 #pragma once
 
+#include <optional>
 #include <span>
-#include <string>
 #include <string_view>
+
+#include "trace/key_words.h"
 
 namespace kztns {
 
@@ -22,30 +24,17 @@ enum class ForeignTreatment {
 
 struct ForeignKey {
   std::string_view word;
+  std::optional<Block> home;  // the block in which they expect it, where it is one of the grammar's
+  ForeignTreatment treatment;
   std::string_view target;  // the key here; empty for none
   std::string_view there;   // what it does for other readers
   std::string_view here;    // why it is treated so
   bool shared;              // whether other readers that share the file need it
-  ForeignTreatment treatment;
 };
 
 std::span<const ForeignKey> foreign_keys();
 
 // The row of a key in any case; null for none.
 const ForeignKey *foreign_key(std::string_view word);
-
-// Whether items of that key say nothing here.
-bool is_dropped(std::string_view word);
-
-// Whether an item of that key tells how a connection is encrypted, or which way it goes: those
-// that the table refuses, and unknown keys whose name says so.
-bool is_refused(std::string_view word);
-
-// "remove the item: it is tuning only"
-std::string remedy_of(const ForeignKey &key, std::string_view why);
-inline std::string remedy_of(const ForeignKey &key) { return remedy_of(key, key.here); }
-
-// What a fix does with it, as the documents tell: "removed (safe)"
-std::string fix_of(const ForeignKey &key);
 
 }  // namespace kztns

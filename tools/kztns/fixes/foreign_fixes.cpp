@@ -1,4 +1,4 @@
-#include "fixes/foreign_keys.h"
+#include "fixes/foreign_fixes.h"
 
 #include <algorithm>
 
@@ -6,11 +6,6 @@
 
 namespace kztns {
 namespace {
-
-constexpr ForeignKey foreign_rows[] = {
-#define FOREIGN_KEY(word, treatment, ...) {word, __VA_ARGS__, ForeignTreatment::treatment},
-#include "fixes/foreign_keys.def"
-};
 
 // In the names of keys about encryption and proxies.
 constexpr std::string_view refused_parts[] = {"SSL",  "TLS",   "ENCRYPT", "WALLET",
@@ -42,14 +37,6 @@ std::string action_of(const ForeignKey &key) {
 }
 
 }  // namespace
-
-std::span<const ForeignKey> foreign_keys() { return foreign_rows; }
-
-const ForeignKey *foreign_key(std::string_view word) {
-  for (const ForeignKey &key : foreign_rows)
-    if (equal_but_for_case(word, key.word)) return &key;
-  return nullptr;
-}
 
 bool is_dropped(std::string_view word) {
   const ForeignKey *const key = foreign_key(word);
