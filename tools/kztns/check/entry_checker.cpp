@@ -31,7 +31,7 @@ void EntryChecker::visit(const EntryView &view) {
     return;  // the name is to blame
   const CheckedEntry checked(view, ranges_);
   if (is_told_already(checked) || report_half_comment(checked) || report_left_over(checked) ||
-      report_read_on(checked))
+      report_nameless(checked) || report_read_on(checked))
     return;
   if (view.trace.fault().kind != FaultKind::none) report_fault(checked);
   if (view.service != nullptr || view.trace.fault().kind == FaultKind::none)
@@ -105,7 +105,12 @@ bool EntryChecker::report_half_comment(const CheckedEntry &checked) {
                       "read as part of this entry: the name of the block, " +
                           quoted(excerpt(name)) + ", is in a comment at " +
                           findings_.place(half->name.begin)};
-  if (end) found.fix = fix_of_lines(text_.text(), half->rest, *end);
+  if (half->joined) {
+    found.remedy = "begin a line with the name";
+    found.fix = fix_of_joined_name(text_.text(), half->name.begin);
+  } else if (end) {
+    found.fix = fix_of_lines(text_.text(), half->rest, *end);
+  }
   found.related = half->name.begin;
   told_ranges_.push_back({half->comment, end.value_or(range.end)});
   report_rest(checked, Rule::half_comment,
@@ -117,13 +122,34 @@ bool EntryChecker::report_left_over(const CheckedEntry &checked) {
   if (checked.service != nullptr || checked.trace.is_system_variables()) return false;
   const auto rest = find_left_over(text_.text(), checked.entry.body, checked.range().end);
   if (!rest) return false;
-  NewFinding found = {.at = rest->begin,
-                      .entry = checked.name,
-                      .text = "read as part of this entry, which is complete before it"};
-  found.fix = fix_of_lines(text_.text(), rest->begin, rest->end);
-  told_ranges_.push_back({rest->begin - 1, rest->end});
-  report_rest(checked, Rule::left_over, Severity::error, std::move(found));
+  report_rest(checked, Rule::left_over, Severity::error,
+              left_over(checked, *rest, "read as part of this entry, which is complete before it"));
   return true;
+}
+
+bool EntryChecker::report_nameless(const CheckedEntry &checked) {
+  const bool built = checked.service != nullptr;
+  if (checked.trace.is_system_variables()) return false;
+  if (built && checked.service->description_count < 2) return false;
+  const auto rest = find_nameless(text_.text(), checked.entry.body, checked.range().end);
+  if (!rest) return false;
+  NewFinding found = left_over(checked, *rest,
+                               "read as part of this entry, which has another service: no name "
+                               "stands before the block");
+  found.remedy = "write NAME = before it, or make a comment of it";
+  const bool served_whole = built && checked.range().last;
+  if (served_whole) found.fix = {};
+  report_rest(checked, Rule::left_over, served_whole ? Severity::warning : Severity::error,
+              std::move(found));
+  return true;
+}
+
+NewFinding EntryChecker::left_over(const CheckedEntry &checked, Span rest, std::string text) {
+  told_ranges_.push_back({rest.begin - 1, rest.end});
+  return {.at = rest.begin,
+          .entry = checked.name,
+          .text = std::move(text),
+          .fix = fix_of_lines(text_.text(), rest.begin, rest.end)};
 }
 
 bool EntryChecker::report_read_on(const CheckedEntry &checked) {

@@ -45,6 +45,9 @@ class EntryChecker : public EntryVisitor {
   // To the library the block is part of this entry, and so are its faults.
   bool report_half_comment(const CheckedEntry &checked);
   bool report_left_over(const CheckedEntry &checked);
+  // A block after an empty line, which is served for this name.
+  bool report_nameless(const CheckedEntry &checked);
+  NewFinding left_over(const CheckedEntry &checked, Span rest, std::string text);
   // The library built it with text of later entries.
   bool report_read_on(const CheckedEntry &checked);
   void report_rest(const CheckedEntry &checked, Rule rule, Severity severity, NewFinding found);

@@ -8,6 +8,7 @@
 #include "fixes/moved_entries.h"
 #include "rules/diagnosis.h"
 #include "rules/parentheses.h"
+#include "scan/half_comment.h"
 #include "scan/item_text.h"
 #include "scan/stray_text.h"
 #include "text/utf_16.h"
@@ -99,6 +100,11 @@ class FileRules {
     return lost.after_stop().count() == 0 && scan_.further_stops().empty();
   }
 
+  // The same of a further stop.
+  bool is_last(const Stop &stop, const Diagnosis &cause) const {
+    return entry_of(cause) == &entries().back() && stop.at == scan_.further_stops().back().at;
+  }
+
   bool is_told(Offset at) const {
     const auto after =
         std::lower_bound(told_ranges_.begin(), told_ranges_.end(), at,
@@ -109,6 +115,7 @@ class FileRules {
   void report_further_stop(const Stop &stop) {
     if (is_told(stop.at)) return;
     Diagnosis cause = cause_of_further_stop(scan_, stop);
+    if (cause.rule == Rule::second_block && is_last(stop, cause)) return;
     const Lost names = names_of_list(scan_, cause.at);
     if (names.count() > 0)
       cause.text += ": no lookup finds " + names.names(scan_);
@@ -136,8 +143,8 @@ class FileRules {
     const bool between_entries = cause.rule == Rule::extra_close && cause.at == stop.at;
     if (!fix && !between_entries) fix = cause.fix;
     if (!fix) fix = fix_of_stop(scan_, stop, cause.rule, cause.at);
-    if (!fix && cause.rule == Rule::stray_text && cause.remedy.empty())
-      cause.remedy = remedy_of_stray_text(cause.at);
+    if (cause.rule == Rule::stray_text && cause.remedy.empty())
+      cause.remedy = remedy_of_stray_text(cause.at, bool(fix));
     return {.at = cause.at,
             .entry = entry == nullptr ? name_without_block(stop, cause.rule) : scan_.name(*entry),
             .text = std::move(cause.text),
@@ -146,8 +153,13 @@ class FileRules {
   }
 
   // Empty: the rule's own.
-  std::string remedy_of_stray_text(Offset at) const {
+  std::string remedy_of_stray_text(Offset at, bool has_fix) const {
     const std::string_view text = text_.text();
+    if (const auto name = name_joined_before(text, at))
+      return "begin a line with " + quoted(text.substr(name->begin, name->end - name->begin)) +
+             ", which is in the comment before it";
+    if (is_nameless_entry(scan_, at)) return "write a name before it, or make a comment of it";
+    if (has_fix) return {};
     if (may_belong_to_entry_before(scan_, at)) return "move it into the entry before it";
     const Offset end = end_of_stray_text(text, at, scan_.next_entry(at));
     return may_be_entry(text, {at, end}) ? "write NAME = (DESCRIPTION = ...)" : "";

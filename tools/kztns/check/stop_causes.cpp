@@ -148,9 +148,8 @@ class StopExplainer {
       return {Rule::byte_order_mark, 0, "the byte order mark is read as part of the first name"};
     const std::string_view name = text().substr(stop_.name, stop_.at - stop_.name);
     if (name.starts_with(',')) return {Rule::stray_comma, stop_.name, "a comma after an entry"};
-    const bool comma =
-        name.find(',') != std::string_view::npos || text().substr(stop_.at).starts_with(',');
-    if (comma) return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
+    if (has_comma(stop_.name, stop_.at + 1))
+      return {Rule::comma_list, stop_.name, "a list of names is not an entry"};
     if (is_invisible(stop_.name)) return invisible();
     if (equal_but_for_case(trimmed(name), "IFILE"))
       return {Rule::ifile, stop_.name, "IFILE is read as a name: included files are not supported",
@@ -162,6 +161,17 @@ class StopExplainer {
               "put \"=\" after the name"};
     if (quoted_entry_at(text(), stop_.name)) return quoted_entry(word);
     return {Rule::stray_text, stop_.name, word + no_equal_follows};
+  }
+
+  // Whether a comma is between two places, in no comment.
+  bool has_comma(Offset begin, Offset end) const {
+    const std::string_view words = text().substr(0, end);
+    for (Offset at = begin; at < words.size();) {
+      const Offset word_end = std::max(end_of_word(words, at), at + 1);
+      if (words.substr(at, word_end - at).find(',') != words.npos) return true;
+      at = pass_blanks(words, word_end);
+    }
+    return false;
   }
 
   Diagnosis quoted_entry(const std::string &word) const {

@@ -4,6 +4,7 @@
 
 #include "fixes/invisible_fixes.h"
 #include "scan/further_stops.h"
+#include "scan/half_comment.h"
 #include "scan/item_text.h"
 #include "scan/item_words.h"
 #include "scan/left_over.h"
@@ -95,6 +96,7 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   if (Fix fix = without_repeated_name(text, at)) return fix;
   if (Fix fix = without_quotes_of_entry(text, at)) return fix;
+  if (const auto name = name_joined_before(text, at)) return fix_of_joined_name(text, name->begin);
   const Offset line_end = end_of_line(text, at);
   if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
@@ -105,9 +107,25 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   }
   const Offset limit = scan.next_entry(at);
   const Offset end = end_of_stray_text(text, at, limit);
+  // Without a name nothing is served, and the entries after it are lost.
+  if (is_nameless_entry(scan, at) && limit < text.size())
+    return unsafe_fix(comment_lines(text, at, end));
   // The entry that begins on the same line would become a comment, too.
   if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
   return commented(text, {at, end == limit ? std::min(line_end, limit) : end});
+}
+
+// Whether a word, which may hold the name, is before the comments and blanks before a line.
+bool follows_word(std::string_view text, Offset line) {
+  for (std::size_t end = text.substr(0, line).find_last_not_of(blanks); end != text.npos;) {
+    const std::size_t begin = text.substr(0, end).rfind('\n') + 1;
+    const std::string_view before = text.substr(begin, end + 1 - begin);
+    const std::string_view words = before.substr(0, before.find('#'));
+    const std::size_t last = words.find_last_not_of(blanks);
+    if (last != words.npos) return words[last] != ')';
+    end = text.substr(0, begin).find_last_not_of(blanks);
+  }
+  return false;
 }
 
 // Of lines that are quoted from a mail, or numbered.
@@ -171,6 +189,13 @@ bool may_belong_to_entry_before(const FileScan &scan, Offset at) {
   return !is_complete(text, entry->body) || (opens_block(key) && end_of_items(text, at));
 }
 
+bool is_nameless_entry(const FileScan &scan, Offset at) {
+  const std::string_view text = std::string_view(scan.text().text()).substr(0, scan.next_entry(at));
+  const Offset body = text[at] == '=' ? at + 1 : at;
+  if (!begins_line(text, at) || follows_word(text, at) || !is_complete(text, body)) return false;
+  return ends_line(text, *end_of_first_block(text, body));
+}
+
 void write_out_zero_bytes(std::string_view text, Offset begin, Offset end,
                           std::vector<Edit> &edits) {
   text = text.substr(0, end);
@@ -185,6 +210,11 @@ Fix fix_of_lines(std::string_view text, Offset begin, Offset end) {
   const bool is_whole =
       text.substr(line, begin - line).find_first_not_of(blanks_of_line) == std::string_view::npos;
   return unsafe_fix(comment_lines(text, is_whole ? line : begin, end));
+}
+
+Fix fix_of_joined_name(std::string_view text, Offset name) {
+  const auto words = static_cast<Offset>(text.substr(0, name).find_last_not_of(blanks_of_line) + 1);
+  return {Applicability::unsafe, {{words, name, "\n"}}, true};
 }
 
 Fix fix_of_part(std::string_view text, Offset begin, Offset end) {

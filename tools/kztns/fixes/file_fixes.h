@@ -17,11 +17,17 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at);
 // Whether the items at a place may be those of the entry before them, which lacks some.
 bool may_belong_to_entry_before(const FileScan &scan, Offset at);
 
+// Whether "= (DESCRIPTION = ...)" or "(DESCRIPTION = ...)", without a name, begins at a place.
+bool is_nameless_entry(const FileScan &scan, Offset at);
+
 // Makes comments of the lines between two places.
 Fix fix_of_lines(std::string_view text, Offset begin, Offset end);
 
-// The same for a part of a line or of several; what comes after it on its line begins a line of
-// its own.
+// Begins a line with a name that stands after the words of a comment.
+Fix fix_of_joined_name(std::string_view text, Offset name);
+
+// Makes comments of a part of a line or of several; what comes after it on its line begins a line
+// of its own.
 Fix fix_of_part(std::string_view text, Offset begin, Offset end);
 
 // Adds, out of order, the edits that write zero bytes between two places as text: to the library

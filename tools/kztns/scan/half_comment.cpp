@@ -36,6 +36,25 @@ std::optional<BegunEntry> entry_in(std::string_view text, Offset comment, Offset
                     static_cast<Offset>(equal + 1)};
 }
 
+// The name of "# Words NAME =" at the end of a comment.
+std::optional<Span> name_joined_to_comment(std::string_view text, Offset comment, Offset end) {
+  const std::string_view line = text.substr(0, end);
+  const std::size_t equal = line.find_last_not_of(" \t\r");
+  if (line[equal] != '=' || line.substr(comment, equal - comment).find('=') != line.npos)
+    return std::nullopt;
+  const std::size_t last = line.find_last_not_of(" \t", equal - 1);
+  const std::size_t begin = line.find_last_of(" \t#()\",", last) + 1;
+  const std::size_t words = line.find_first_not_of("# \t", comment);
+  if (begin > last || words >= begin || !is_blank(line[begin - 1])) return std::nullopt;
+  if (item_word(line.substr(begin, last + 1 - begin))) return std::nullopt;
+  return Span{static_cast<Offset>(begin), static_cast<Offset>(last + 1)};
+}
+
+// Whether nothing but blanks comes after a line.
+bool is_last_line(std::string_view text, Offset end) {
+  return text.find_first_not_of(blanks, end) == std::string_view::npos;
+}
+
 // An entry that is begun and not ended in the comments between two tokens.
 std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from, Offset to) {
   std::optional<HalfComment> begun;
@@ -49,8 +68,11 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
     const Offset end = std::min(end_of_line(text, line), to);
     std::size_t comment = text.substr(0, end).find('#', line);
     if (comment == std::string_view::npos) continue;
-    if (const auto entry = entry_in(text, static_cast<Offset>(comment), end)) {
-      begun = {static_cast<Offset>(comment), entry->name, to};
+    const auto begin = static_cast<Offset>(comment);
+    if (const auto name = name_joined_to_comment(text, begin, end); name && is_last_line(text, end))
+      return HalfComment{begin, *name, to, true};
+    if (const auto entry = entry_in(text, begin, end)) {
+      begun = {begin, entry->name, to, false};
       comment = entry->value;
       depth = 0;
       any = false;
@@ -65,6 +87,14 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 }
 
 }  // namespace
+
+std::optional<Span> name_joined_before(std::string_view text, Offset at) {
+  const std::size_t last = text.substr(0, at).find_last_not_of(blanks);
+  if (last == std::string_view::npos || !begins_line(text, at)) return std::nullopt;
+  const std::size_t comment = text.find('#', text.substr(0, last).rfind('\n') + 1);
+  if (comment > last) return std::nullopt;
+  return name_joined_to_comment(text, static_cast<Offset>(comment), static_cast<Offset>(last + 1));
+}
 
 bool is_named_in_comment(std::string_view text, Offset at) {
   if (!begins_line(text, at)) return false;

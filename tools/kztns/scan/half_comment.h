@@ -12,6 +12,7 @@ struct HalfComment {
   Offset comment;  // its "#"
   Span name;       // in it
   Offset rest;     // what is no comment
+  bool joined;     // whether the name comes after other words: a line end before it is gone
 };
 
 // The first one after the first block of an entry whose text stands between two places: to the
@@ -20,6 +21,9 @@ std::optional<HalfComment> find_half_comment(std::string_view text, Offset body,
 
 // Whether the name of what begins at a place is in the comments before it.
 bool is_named_in_comment(std::string_view text, Offset at);
+
+// The name of what begins at a place at the end of the comment before it, "# Moved. NAME =".
+std::optional<Span> name_joined_before(std::string_view text, Offset at);
 
 // Where the rest of such an entry ends. Absent where it is not known, and where something else is
 // on its last line.

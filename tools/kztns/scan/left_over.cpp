@@ -8,6 +8,7 @@
 #include "scan/tokens.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
+#include "text/spelling.h"
 #include "text/words.h"
 
 namespace kztns {
@@ -42,6 +43,29 @@ bool is_complete_block(std::string_view text, const WrittenItem &block) {
   });
 }
 
+// The name of the service in a block; empty for none.
+std::string service_of(std::string_view text, const WrittenItem &block, int depth = 0) {
+  for (const WrittenItem &item : items_from(text, block.value)) {
+    const KZCILBKeyType type = key_word(text, item).type;
+    if (type == LB_SERVICE_NAME || type == LB_SID) {
+      const auto word = word_of(text, item);
+      return word ? unquoted(text.substr(word->begin, word->end - word->begin)) : std::string();
+    }
+    if (depth == deepest) continue;
+    if (std::string service = service_of(text, item, depth + 1); !service.empty()) return service;
+  }
+  return {};
+}
+
+bool has_empty_line(std::string_view text) {
+  int line_feeds = 0;
+  for (const char c : text) {
+    if (c == '\n' && ++line_feeds == 2) return true;
+    if (!is_blank(c)) line_feeds = 0;
+  }
+  return false;
+}
+
 // The parentheses from a place on, up to a word outside of them.
 class Rest {
  public:
@@ -61,19 +85,20 @@ class Rest {
   }
 
   Offset end() const { return end_; }
-  bool has_service() const { return has_service_; }
+  bool has_connection() const { return has_connection_; }
   bool has_description() const { return has_description_; }
 
  private:
   void take_key(ItemWord key) {
-    if (key.type == LB_CONNECT_DATA) has_service_ = true;
+    if (key.type == LB_CONNECT_DATA || key.type == LB_ADDRESS || key.type == LB_ADDRESS_LIST)
+      has_connection_ = true;
     if (key.type == LB_DESCRIPTION) has_description_ = true;
   }
 
   Offset end_;
   std::int64_t depth_ = 0;
   TokenKind before_ = TokenKind::end;
-  bool has_service_ = false;
+  bool has_connection_ = false;  // an address, or a service
   bool has_description_ = false;
 };
 
@@ -93,9 +118,25 @@ std::optional<Span> find_left_over(std::string_view text, Offset body, Offset en
   if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
     return std::nullopt;
   const Rest rest(text, begin);
-  if (!rest.has_service() || rest.has_description() || !ends_line(text, rest.end()))
+  if (!rest.has_connection() || rest.has_description() || !ends_line(text, rest.end()))
     return std::nullopt;
   return Span{begin, rest.end()};
+}
+
+std::optional<Span> find_nameless(std::string_view text, Offset body, Offset end) {
+  text = text.substr(0, end);
+  const std::vector<WrittenItem> blocks = items_from(text, body);
+  if (blocks.size() < 2 || !is_complete_description(text, blocks[0])) return std::nullopt;
+  const std::string service = service_of(text, blocks[0]);
+  for (std::size_t i = 1; i < blocks.size(); ++i) {
+    const Offset from = blocks[i - 1].end;
+    const bool apart = has_empty_line(text.substr(from, blocks[i].open - from)) &&
+                       begins_line(text, blocks[i].open) && ends_line(text, blocks.back().end);
+    if (apart && is_complete_description(text, blocks[i]) &&
+        !equal_but_for_case(service_of(text, blocks[i]), service))
+      return Span{blocks[i].open, blocks.back().end};
+  }
+  return std::nullopt;
 }
 
 std::optional<InsertedEntry> find_inserted(std::string_view text, Span cut, Span inner) {

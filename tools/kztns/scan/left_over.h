@@ -14,8 +14,13 @@ namespace kztns {
 bool is_complete(std::string_view text, Offset body);
 
 // In the text of an entry between two places, after its first block: the lines from the next
-// parenthesis on, where that block has all that an entry needs and they have a service as well.
+// parenthesis on, where that block has all that an entry needs and they have an address or a
+// service as well.
 std::optional<Span> find_left_over(std::string_view text, Offset body, Offset end);
+
+// The blocks from the first one on that stands apart from the one before it, after an empty line,
+// and has another service than the entry, whose first block is complete: their name is gone.
+std::optional<Span> find_nameless(std::string_view text, Offset body, Offset end);
 
 // An entry between the items of another one, whose text goes on after it.
 struct InsertedEntry {

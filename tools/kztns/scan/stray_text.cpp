@@ -37,13 +37,18 @@ Offset pass_comments(std::string_view text, Offset from) {
 
 std::optional<Offset> value_on_line(std::string_view text, Offset at) {
   const Offset line_end = end_of_line(text, at);
-  const std::string_view lines =
-      text.substr(0, line_end < text.size() ? end_of_line(text, line_end + 1) : line_end);
-  const std::size_t sign = lines.find_first_of("()=", at);
-  if (sign == std::string_view::npos || text[sign] != '=') return std::nullopt;
-  const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
-  if (open >= text.size() || text[open] != '(') return std::nullopt;
-  return open;
+  // Of the line and the next one, without their comments.
+  for (const Offset begin : {at, line_end + 1}) {
+    if (begin >= text.size()) break;
+    const std::string_view line = text.substr(0, end_of_line(text, begin));
+    const std::size_t sign = line.find_first_of("()=#", begin);
+    if (sign == std::string_view::npos || line[sign] == '#') continue;
+    if (line[sign] != '=') break;
+    const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
+    if (open >= text.size() || text[open] != '(') break;
+    return open;
+  }
+  return std::nullopt;
 }
 
 Offset end_of_stray_text(std::string_view text, Offset at, Offset limit) {
