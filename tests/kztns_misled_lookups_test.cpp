@@ -57,14 +57,24 @@ TEST_F(FileRules, UnmatchedParenthesesAreRemoved) {
 TEST_F(FileRules, ParenthesesInCommentsBecomeBrackets) {
   const std::string text =
       "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-) (fine) :-(\n"
-      "  # b)\n (CONNECT_DATA = (SID = s)))\n" +
+      " (CONNECT_DATA = (SID = s)) # b)\n)\n" +
       entry("b");
   const std::string after =
       "a = (DESCRIPTION = (ADDRESS = (HOST = h)) # :-] (fine) :-[\n"
-      "  # b]\n (CONNECT_DATA = (SID = s)))\n" +
+      " (CONNECT_DATA = (SID = s)) # b]\n)\n" +
       entry("b");
   EXPECT_EQ(safely_fixed(text), after);
   expect_served(after, {"a", "b"});
+}
+
+TEST_F(FileRules, ParenthesesOfAnItemThatIsCommentedOutStay) {
+  const std::string item = "# (ADDRESS =\n#   (HOST = i)\n\n # )\n";
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h))\n" + item;
+  EXPECT_EQ(safely_fixed(begin + " (CONNECT_DATA = (SID = s)) # b)\n)\n" + entry("b")),
+            begin + " (CONNECT_DATA = (SID = s)) # b]\n)\n" + entry("b"));
+  const std::string unclosed = begin + " (CONNECT_DATA = (SID = s))";
+  const std::string after = "\n# c = (DESCRIPTION =\n#   (ADDRESS = (HOST = i)))\n\n# :-)\n";
+  EXPECT_EQ(unsafely_fixed(unclosed + after + entry("b")), unclosed + ")" + after + entry("b"));
 }
 
 TEST_F(FileRules, ParenthesesInCommentsOfSeveralEntriesAreToldInOneWalk) {

@@ -299,6 +299,21 @@ TEST(Parentheses, AreMissingWhereAnEntryIsNotWrittenToItsEnd) {
   for (const Row &row : rows) expect_told(row);
 }
 
+TEST(Parentheses, AreMissingWhereOtherBracketsEndValues) {
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = (HOST = h";
+  const std::string end = "(PORT = 1))(CONNECT_DATA = (SID = s)))";
+  for (const std::string bracket : {"]", "}", "\xEF\xBC\x89"})
+    expect_told({begin + "^" + bracket + end, Rule::unclosed_block, begin + ")" + end});
+  expect_told({begin + "^]" + "(PORT = 1})(CONNECT_DATA = (SID = s)))", Rule::unclosed_block,
+               begin + ")" + end});
+  // Those that an address may have are no parentheses.
+  const std::string open = "a = (DESCRIPTION = (ADDRESS = ^(HOST = ";
+  for (const std::string host : {"[::1]", "{x}", "\xEF\xBC\x88x\xEF\xBC\x89", "]h", "\"h]\""})
+    expect_told({open + host + " (PORT = 1))(CONNECT_DATA = (SID = s)))", Rule::unclosed_block,
+                 "a = (DESCRIPTION = (ADDRESS = (HOST = " + host +
+                     ") (PORT = 1))(CONNECT_DATA = (SID = s)))"});
+}
+
 TEST(Parentheses, ThatAreMissingAtTheEndAreAllTold) {
   for (const std::string entry :
        {"a = (DESCRIPTION = (ADDRESS = (HOST =", "a = (DESCRIPTION = (ADDRESS = (HOST = h",

@@ -84,19 +84,25 @@ bool is_about_hidden_text(Rule rule) {
          rule == Rule::key_refused || rule == Rule::quoted_entry;
 }
 
+// Where an entry's text ends, without the comments after it.
+Offset end_of_tokens(std::string_view text, EntryRange range) {
+  Offset end = range.body;
+  TokenReader tokens(text.substr(0, range.end), range.body);
+  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
+    end = token.span.end;
+  return end;
+}
+
 // The ")" that is missing may be in a comment, which lookups count when they pass over the entry.
 void add_fix_of_comments(const NamesText &text, EntryRange range, Fix &fix) {
-  Fix comments = fix_of_comments(text.text(), range.body, range.end);
+  Fix comments = fix_of_comments(text.text(), range.body, end_of_tokens(text.text(), range));
   for (Edit &edit : comments.edits) fix.edits.push_back(std::move(edit));
   sort_edits(fix.edits);
 }
 
 // Whether a fix closes an entry after all of its text.
 bool ends_where_closed(std::string_view text, EntryRange range, const Fix &fix) {
-  Offset end = range.body;
-  TokenReader tokens(text.substr(0, range.end), range.body);
-  for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next())
-    end = token.span.end;
+  const Offset end = end_of_tokens(text, range);
   return std::any_of(fix.edits.begin(), fix.edits.end(),
                      [&](const Edit &edit) { return edit.text == ")" && edit.begin == end; });
 }

@@ -162,22 +162,44 @@ Fix fix_of_second_block(const FileScan &scan, Offset at) {
   return unsafe_fix(comment_lines(text, at, *end));
 }
 
-// The parentheses of a comment that have no partner in it.
-void find_unmatched(std::string_view text, Offset begin, Offset end, std::vector<Edit> &edits) {
-  std::vector<Offset> open;
-  std::vector<Offset> found;
-  for (Offset at = begin; at < end; ++at) {
-    if (text[at] == '(') open.push_back(at);
-    if (text[at] != ')') continue;
-    if (open.empty())
-      found.push_back(at);
-    else
-      open.pop_back();
+// The parentheses of comments that have no partner in them. Comments one after the other are read
+// as one: lines of an entry that is commented out balance together.
+class UnmatchedOfComments {
+ public:
+  explicit UnmatchedOfComments(std::string_view text) : text_(text) {}
+
+  void read(Offset begin, Offset end) {
+    if (text_.substr(end_, begin - end_).find_first_not_of(blanks) != text_.npos) end_comments();
+    for (Offset at = begin; at < end; ++at) {
+      if (text_[at] == '(') open_.push_back(at);
+      if (text_[at] != ')') continue;
+      if (open_.empty())
+        found_.push_back(at);
+      else
+        open_.pop_back();
+    }
+    end_ = end;
   }
-  found.insert(found.end(), open.begin(), open.end());
-  std::sort(found.begin(), found.end());
-  for (const Offset at : found) edits.push_back({at, at + 1, text[at] == '(' ? "[" : "]"});
-}
+
+  std::vector<Edit> brackets() {
+    end_comments();
+    std::sort(found_.begin(), found_.end());
+    std::vector<Edit> edits;
+    for (const Offset at : found_) edits.push_back({at, at + 1, text_[at] == '(' ? "[" : "]"});
+    return edits;
+  }
+
+ private:
+  void end_comments() {
+    found_.insert(found_.end(), open_.begin(), open_.end());
+    open_.clear();
+  }
+
+  std::string_view text_;
+  Offset end_ = 0;  // of the last comment
+  std::vector<Offset> open_;
+  std::vector<Offset> found_;
+};
 
 }  // namespace
 
@@ -269,10 +291,11 @@ Fix fix_of_stop(const FileScan &scan, const Stop &stop, Rule rule, Offset at) {
 }
 
 Fix fix_of_comments(std::string_view text, Offset body, Offset end) {
-  std::vector<Edit> edits;
+  UnmatchedOfComments unmatched(text);
   for_each_comment(text, body, end, [&](Offset comment, Offset comment_end) {
-    find_unmatched(text, comment, comment_end, edits);
+    unmatched.read(comment, comment_end);
   });
+  std::vector<Edit> edits = unmatched.brackets();
   return edits.empty() ? Fix{} : safe_fix(std::move(edits));
 }
 

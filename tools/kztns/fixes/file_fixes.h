@@ -39,8 +39,8 @@ void write_out_zero_bytes(std::string_view text, Offset begin, Offset end,
 // line begins a line of its own. None where it is not closed.
 Fix fix_of_long_comment(std::string_view text, Offset at);
 
-// Parentheses in the comments of an entry that have no partner in the same comment become
-// brackets.
+// Parentheses in the comments of an entry that have no partner there, or in the comments next to
+// them, become brackets.
 Fix fix_of_comments(std::string_view text, Offset body, Offset end);
 
 // A carriage return after which a comment hides text; absent for none. Line feeds end

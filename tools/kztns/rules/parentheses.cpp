@@ -76,26 +76,12 @@ class ParenthesisExplainer {
     const EntryToken &last = tokens_[last_of_items()];
     std::string text = key == nullptr ? "this \"(\"" : word(*key);
     text += " is not closed: expected \")\" " + next();
-    const bool other_bracket = ends_in_other_bracket(open, last);
-    const Offset place = last.end - (other_bracket ? 1 : 0);
     return {Rule::unclosed_block,
             tokens_[open].at,
             std::move(text),
-            "put \")\" at " + text_.place(place) +
-                (other_bracket ? " instead of " + quoted(slice(last).substr(slice(last).size() - 1))
-                               : ""),
-            unsafe_fix({{place, last.end, ")"}}),
+            "put \")\" at " + text_.place(last.end),
+            unsafe_fix({{last.end, last.end, ")"}}),
             path_of(change_.blocks.size() - 1)};
-  }
-
-  // "(HOST = h]": one bracket that nothing opened in the value.
-  bool ends_in_other_bracket(std::size_t open, const EntryToken &token) const {
-    constexpr std::string_view brackets = "[]{}";
-    const std::string_view item =
-        std::string_view(text_.text()).substr(tokens_[open].at, token.end - tokens_[open].at);
-    const char last = item.back();
-    return token.kind == 'w' && (last == ']' || last == '}') &&
-           item.find_first_of(brackets) + 1 == item.size();
   }
 
   // Before the place of the change, without words after an item, which may be another entry's.
@@ -226,6 +212,40 @@ Diagnosis unbalanced_comment(const Subject &subject, const std::vector<EntryToke
           unsafe_fix(std::move(edits))};
 }
 
+// A bracket at the end of a value that nothing opened in it: "(HOST = h]". Its length; 0 for none.
+Offset other_close(std::string_view value) {
+  struct Brackets {
+    std::string_view all, close;
+  };
+  constexpr Brackets kinds[] = {{"[]", "]"}, {"{}", "}"}};
+  for (const auto &[all, close] : kinds)
+    if (value.ends_with(close) && value.find_first_of(all) + 1 == value.size()) return 1;
+  const bool full_width = value.ends_with(full_width_close) &&
+                          value.find(full_width_open) == std::string_view::npos &&
+                          value.find(full_width_close) + full_width_close.size() == value.size();
+  return static_cast<Offset>(full_width ? full_width_close.size() : 0);
+}
+
+// Those of an entry that lacks as many ")" at least.
+std::optional<Diagnosis> find_other_closes(const Subject &subject,
+                                           const std::vector<EntryToken> &tokens) {
+  const std::string_view text = subject.text.text();
+  std::int64_t depth = 0;
+  for (const EntryToken &token : tokens) depth += depth_change(token.kind);
+  std::vector<Edit> edits;
+  for (std::size_t i = 1; i < tokens.size(); ++i) {
+    if (tokens[i].kind != 'w' || tokens[i - 1].kind != '=') continue;
+    const Offset end = tokens[i].end;
+    const Offset length = other_close(text.substr(tokens[i].at, end - tokens[i].at));
+    if (length > 0) edits.push_back({end - length, end, ")"});
+  }
+  if (edits.empty() || static_cast<std::int64_t>(edits.size()) > depth) return std::nullopt;
+  const Edit &first = edits[0];
+  const std::string_view found = text.substr(first.begin, first.end - first.begin);
+  return Diagnosis{Rule::unclosed_block, first.begin, "expected \")\", found " + quoted(found),
+                   "put \")\" instead of it", unsafe_fix(std::move(edits))};
+}
+
 }  // namespace
 
 std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRange range,
@@ -235,6 +255,7 @@ std::optional<Diagnosis> find_parenthesis_fault(const Subject &subject, EntryRan
   if (!tokens) return std::nullopt;
   if (const auto open = find_repeated_opening(text, *tokens); open && is_short_of_closes(*tokens))
     return repeated_opening(text, *tokens, *open);
+  if (auto closes = find_other_closes(subject, *tokens)) return closes;
   if (const auto comment = find_unbalanced_comment(text, *tokens))
     return unbalanced_comment(subject, *tokens, *comment);
   // A literal descriptor has no name.
