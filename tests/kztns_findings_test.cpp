@@ -133,6 +133,9 @@ TEST(NearKey, PrefersTheKeysOfTheBlock) {
   EXPECT_EQ(kztns::near_key("PROT", kztns::Block::address), "PORT");
   EXPECT_EQ(kztns::near_key("ADRESS", kztns::Block::description), "ADDRESS");
   EXPECT_EQ(kztns::near_key("SERVICENAME", kztns::Block::connect_data), "SERVICE_NAME");
+  EXPECT_EQ(kztns::near_key("KZ-user-EXTRA-INFO", kztns::Block::connect_data),
+            "KZ_USER_EXTRA_INFO");
+  EXPECT_EQ(kztns::near_key("connect-timeout", kztns::Block::description), "KZLB_CONNECT_TIMEOUT");
   EXPECT_EQ(kztns::near_key("SERVER", kztns::Block::connect_data), "");
   EXPECT_EQ(kztns::near_key("FAILOVER", kztns::Block::description), "");
 }

@@ -82,6 +82,7 @@ TEST(Mending, OfAnEntryFromAMailRemovesTheSignsBeforeItsLines) {
   const std::string plain = " =\n  (DESCRIPTION =\n    " + address + "\n\n    " + data + ")\n";
   EXPECT_EQ(mended(">a" + lines + ">b" + lines), "a" + plain + "b" + plain);
   EXPECT_EQ(mended(">>a =\n> > " + block + "\n"), "a =\n " + block + "\n");
+  EXPECT_EQ(mended("+a =\n+  " + block + "\n" + entry("b")), "a =\n  " + block + "\n" + entry("b"));
 }
 
 TEST(Mending, OfAnEntryWhoseLinesHaveNoSignsLeavesItsName) {

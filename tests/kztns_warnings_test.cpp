@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "check/check_once.h"
+#include "support/checked_file.h"
 
 namespace {
 
@@ -33,6 +34,23 @@ TEST(Warnings, OfItemsGivenAgain) {
   EXPECT_EQ(rules_of("(ADDRESS=(HOST=h)(PORT=1)(PORT=1234567))" + data), Rules{"overlong-value"});
   EXPECT_EQ(rules_of("(ADDRESS_LIST=" + address + ")(ADDRESS_LIST=" + address + ")" + data),
             Rules{});
+}
+
+TEST(Warnings, OfDashesOfDocuments) {
+  for (const std::string dash : {"\u2010", "\u2011", "\u2013", "\u2014", "\u2212"}) {
+    EXPECT_EQ(rules_of("(ADDRESS=(HOST=db" + dash + "1)(PORT=1))" + data), Rules{"placeholder"})
+        << dash;
+    EXPECT_EQ(support::told("hr" + dash + "qa-1 = (DESCRIPTION =" + address + data + ")\n"),
+              "1:3 odd-name: has the dash \"" + dash +
+                  "\" for \"-\": the entry is found only by a name with it\n");
+  }
+  EXPECT_EQ(rules_of("(ADDRESS=(HOST=db-1\u00E4)(PORT=1))" + data), Rules{});
+}
+
+TEST(Warnings, OfInvisibleCharactersInWhatIsDropped) {
+  EXPECT_EQ(support::told("a = (DESCRIPTION =(ADDRESS=(HOST=h)(PORT=\u200B1521))" + data + ")\n"),
+            "1:42 overlong-value: PORT of 7 characters is dropped: the limit is 6, and the "
+            "invisible character \\xe2\\x80\\x8b counts\n");
 }
 
 TEST(Warnings, OfAddressesSeenTogether) {

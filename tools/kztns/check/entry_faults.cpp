@@ -144,9 +144,10 @@ void EntryFaults::report(const CheckedEntry &checked, const Diagnosis &first,
     return report_whole(checked, first, remedy,
                         fix_of_lines(text_.text(), checked.entry.at, checked.range().end),
                         consequence);
-  if (Fix fix = without_quote_signs(checked, first))
-    return report_whole(checked, first, "remove the \">\" before its lines", std::move(fix),
-                        consequence);
+  if (Fix fix = without_line_signs(checked, first))
+    return report_whole(checked, first,
+                        "remove the " + quoted(checked.name.substr(0, 1)) + " before its lines",
+                        std::move(fix), consequence);
   if (report_inserted(checked, first, consequence)) return;
   const bool built = checked.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
@@ -212,14 +213,14 @@ std::string_view EntryFaults::remedy_of_begun(const CheckedEntry &checked,
   return {};
 }
 
-// Of an entry from a quoted mail; none for others.
-Fix EntryFaults::without_quote_signs(const CheckedEntry &checked, const Diagnosis &first) const {
+// Of an entry from a quoted mail or a diff; none for others.
+Fix EntryFaults::without_line_signs(const CheckedEntry &checked, const Diagnosis &first) const {
   const std::string &text = text_.text();
-  if (checked.service != nullptr || checked.entry.in_list || !checked.name.starts_with('>') ||
-      first.at >= checked.range().end || text[first.at] != '>')
+  if (checked.service != nullptr || checked.entry.in_list || first.at >= checked.range().end ||
+      text[first.at] != text[checked.entry.at])
     return {};
   std::vector<Edit> edits;
-  for (const Span sign : quote_signs(text, checked.entry.at, checked.range().end))
+  for (const Span sign : line_signs(text, checked.entry.at, checked.range().end))
     edits.push_back({sign.begin, sign.end, {}});
   return edits.size() > 1 ? unsafe_fix(std::move(edits)) : Fix();
 }

@@ -42,7 +42,7 @@ class EntryFaults {
 
  private:
   std::string_view remedy_of_begun(const CheckedEntry &checked, const Diagnosis &first) const;
-  Fix without_quote_signs(const CheckedEntry &checked, const Diagnosis &first) const;
+  Fix without_line_signs(const CheckedEntry &checked, const Diagnosis &first) const;
   bool report_inserted(const CheckedEntry &checked, const Diagnosis &first,
                        const std::string &consequence);
   // One finding of all of the entry.

@@ -202,7 +202,7 @@ class EntryWarnings {
   void check_host(const Item &item) {
     const std::string_view host = trace_.value_of(item);
     const bool is_odd =
-        host.empty() || host.find_first_of(blanks) != host.npos ||
+        host.empty() || host.find_first_of(blanks) != host.npos || !foreign_dash(host).empty() ||
         std::any_of(std::begin(not_of_hosts), std::end(not_of_hosts),
                     [&](std::string_view sign) { return host.find(sign) != host.npos; });
     if (is_odd || is_in_odd_brackets(host) || is_bad_address(host) || port_in(host))
@@ -251,9 +251,11 @@ class EntryWarnings {
   }
 
   void add_dropped(const Item &item, const Key &key) {
-    add(Rule::overlong_value, item,
-        " of " + std::to_string(item.text_length) + " characters is dropped: the limit is " +
-            std::to_string(key.value.limit));
+    std::string text = " of " + std::to_string(item.text_length) +
+                       " characters is dropped: the limit is " + std::to_string(key.value.limit);
+    const std::string_view odd = odd_character(trace_.slice(item.value));
+    if (!odd.empty()) text += ", and the invisible character " + visible(odd) + " counts";
+    add(Rule::overlong_value, item, std::move(text), odd.empty() ? "" : "remove that");
   }
 
   void check_bad_port(const Item &item, const Key &) {

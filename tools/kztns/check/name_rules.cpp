@@ -133,6 +133,7 @@ class NameRules {
                                             " characters may be cut"});
     if (entry.reached && name.find(',') != std::string_view::npos) report_commas(entry, name);
     if (entry.built && !entry.quoted) report_foreign_signs(entry, name);
+    if (entry.built) report_foreign_dash(entry, name);
     const std::string_view odd = odd_character(name);
     if (odd.empty()) return;
     findings_.add(rule_of_odd(entry, odd), [&] {
@@ -155,6 +156,17 @@ class NameRules {
                                    .entry = name,
                                    .text = (first ? "begins with " : "ends with ") + quoted(sign) +
                                            ": the entry is found only by a name with it"});
+  }
+
+  void report_foreign_dash(const Entry &entry, std::string_view name) {
+    const std::string_view dash = foreign_dash(name);
+    if (dash.empty()) return;
+    const std::size_t at = entry.quoted ? 0 : static_cast<std::size_t>(dash.data() - name.data());
+    findings_.add(Rule::odd_name,
+                  {.at = entry.at + static_cast<Offset>(at),
+                   .entry = name,
+                   .text = "has the dash " + quoted(dash) +
+                           " for \"-\": the entry is found only by a name with it"});
   }
 
   static Rule rule_of_odd(const Entry &entry, std::string_view odd) {

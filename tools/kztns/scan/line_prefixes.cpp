@@ -85,15 +85,18 @@ std::vector<Span> line_prefixes(std::string_view text, Offset at) {
   return found;
 }
 
-std::vector<Span> quote_signs(std::string_view text, Offset begin, Offset end) {
+std::vector<Span> line_signs(std::string_view text, Offset begin, Offset end) {
+  const char sign = text[begin];
+  if (sign != '>' && sign != '+') return {};
   std::vector<Span> found;
   for (Offset line = begin; line < end; line = end_of_line(text, line) + 1) {
     const std::size_t first = text.find_first_not_of(blanks_of_line, line);
     if (first == std::string_view::npos) break;
     if (text[first] == '\n') continue;
-    if (text[first] != '>') break;
-    const std::size_t after = text.find_first_not_of("> ", first);
-    const std::size_t last = text.substr(0, after).find_last_of('>');
+    if (text[first] != sign) break;
+    const char signs[] = {sign, ' '};
+    const std::size_t after = text.find_first_not_of({signs, 2}, first);
+    const std::size_t last = text.substr(0, after).find_last_of(sign);
     found.push_back({static_cast<Offset>(first), static_cast<Offset>(last + 1)});
   }
   return found;

@@ -1,4 +1,4 @@
-// What mails and listings put before lines.
+// What mails, diffs and listings put before lines.
 #pragma once
 
 #include <string_view>
@@ -12,8 +12,8 @@ namespace kztns {
 // place, each with a blank after it; empty where the line has none. One number is no numbering.
 std::vector<Span> line_prefixes(std::string_view text, Offset at);
 
-// The ">" before each line of an entry that begins with one, "> >" too, up to the first line
-// without.
-std::vector<Span> quote_signs(std::string_view text, Offset begin, Offset end);
+// The ">" of a mail, "> >" too, or the "+" of a diff before each line of an entry that begins with
+// one, up to the first line without.
+std::vector<Span> line_signs(std::string_view text, Offset begin, Offset end);
 
 }  // namespace kztns

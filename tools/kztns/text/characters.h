@@ -1,6 +1,7 @@
 // Characters that many parts know.
 #pragma once
 
+#include <algorithm>
 #include <string_view>
 
 namespace kztns {
@@ -17,6 +18,17 @@ inline constexpr std::string_view full_width_close = "\xEF\xBC\x89";
 inline constexpr std::string_view full_width_equal = "\xEF\xBC\x9D";
 inline constexpr std::string_view soft_hyphen = "\xC2\xAD";
 inline constexpr std::string_view zero_width_space = "\xE2\x80\x8B";
+
+// What documents and web pages make of "-".
+inline constexpr std::string_view foreign_dashes[] = {"\u2010", "\u2011", "\u2012", "\u2013",
+                                                      "\u2014", "\u2015", "\u2212"};
+
+// The first of them in a text; empty for none.
+inline std::string_view foreign_dash(std::string_view text) {
+  std::size_t first = text.npos;
+  for (const std::string_view dash : foreign_dashes) first = std::min(first, text.find(dash));
+  return first == text.npos ? std::string_view() : text.substr(first, foreign_dashes[0].size());
+}
 
 // Written out: it is asked of every character.
 inline bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }

@@ -1,5 +1,6 @@
 #include "trace/key_words.h"
 
+#include <algorithm>
 #include <set>
 
 #include "kzoci/oci_tnsname/reserved_entry.h"
@@ -63,13 +64,15 @@ const Key *key_named(Block block, std::string_view word) {
   return nullptr;
 }
 
-std::string_view near_key(std::string_view word, Block block) {
+std::string_view near_key(std::string_view written, Block block) {
+  std::string word(written);
+  std::replace(word.begin(), word.end(), '-', '_');
   std::vector<std::string_view> here;
   std::vector<std::string_view> elsewhere;
   for (const Key &key : grammar) (key.block == block ? here : elsewhere).emplace_back(key.word);
   std::string_view found = near_word(word, here);
   if (found.empty()) found = longer_or_shorter_word(word, here);
-  if (const Key *const key = key_named(block, "KZLB_" + std::string(word))) found = key->word;
+  if (const Key *const key = key_named(block, "KZLB_" + word)) found = key->word;
   return found.empty() ? near_word(word, elsewhere) : found;
 }
 
