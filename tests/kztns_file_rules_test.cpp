@@ -205,10 +205,16 @@ TEST_F(FileRules, AParenthesisIsPutInForOneThatACommentHides) {
             "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)) # old]" + after);
 }
 
-// It may be what the entry before is to have.
-TEST_F(FileRules, ABlockAfterAnEntryIsNoStrayText) {
+// The last lines of an entry stand twice.
+TEST_F(FileRules, LinesAfterACompleteEntryAreLeftOver) {
   const std::string text = entry("a") + ")\n(CONNECT_DATA = (SID = t))\n" + entry("b");
-  EXPECT_EQ(unsafely_fixed(text), entry("a") + "\n(CONNECT_DATA = (SID = t))\n" + entry("b"));
+  EXPECT_EQ(told(text),
+            "2:1 left-over: text after this entry, which is complete before it; the entry after it "
+            "is lost: b\n");
+  EXPECT_EQ(unsafely_fixed(text), entry("a") + "# )\n# (CONNECT_DATA = (SID = t))\n" + entry("b"));
+  // Alone it is one parenthesis too many.
+  EXPECT_EQ(told(entry("a") + ")\n" + entry("b")),
+            "2:1 extra-close: unmatched \")\": the entry after it is lost: b\n");
 }
 
 TEST_F(FileRules, AListOfNamesBecomesAnEntryAName) {
@@ -496,6 +502,19 @@ TEST_F(FileRules, ABlockThatIsOpenedTwiceIsToldAtTheSecondOne) {
             "2:3 extra-open: unmatched \"(\": DESCRIPTION is opened twice; lookups of later names "
             "read on to the end of the file at 4:1; the entry after it is lost: b\n");
   EXPECT_EQ(unsafely_fixed(text), "a = " + block + "\n" + entry("b"));
+  // Settings may be between the two, but neither a server nor a service.
+  EXPECT_EQ(unsafely_fixed("a = (DESCRIPTION = (KZLB = ON)\n  " + block + "\n" + entry("b")),
+            "a = (DESCRIPTION = (KZLB = ON) (ADDRESS" + block.substr(block.find("(ADDRESS") + 8) +
+                "\n" + entry("b"));
+  for (const std::string first : {"(ADDRESS = (HOST = i)(PORT = 2))", "(CONNECT_DATA = (SID = t))",
+                                  "(ADDRESS_LIST = (ADDRESS = (HOST = i)(PORT = 2)))"})
+    EXPECT_EQ(told("a = (DESCRIPTION = " + first + "\n  " + block + "\n").find("opened twice"),
+              std::string::npos)
+        << first;
+  const std::string address = "(ADDRESS = (PROTOCOL = TCP) (ADDRESS = (HOST = h)(PORT = 1))";
+  EXPECT_EQ(unsafely_fixed("a = (DESCRIPTION = " + address + "(CONNECT_DATA = (SID = s)))\n"),
+            "a = (DESCRIPTION = (ADDRESS = (PROTOCOL = TCP) (HOST = h)(PORT = 1))"
+            "(CONNECT_DATA = (SID = s)))\n");
   // With a ")" for each "(" none is one too many.
   EXPECT_EQ(told("a = (DESCRIPTION =\n  " + block + ")\n" + entry("b")),
             "2:4 misplaced-key: misplaced key DESCRIPTION: it belongs in an entry itself\n");

@@ -80,4 +80,30 @@ TEST(NamelessBlocks, TakeNoOtherWordOfACommentForTheirName) {
   EXPECT_EQ(told(before).find("is in a comment"), std::string::npos);
 }
 
+TEST(NamelessBlocks, OfAListOfNamesAreNotCopied) {
+  const std::string list = "a, b =\n " + block_of("s") + "\n\n";
+  EXPECT_EQ(mended(list + " " + block_of("x") + "\n" + entry("c")),
+            "a =\n " + block_of("s") + "\nb =\n " + block_of("s") + "\n\n#  " + block_of("x") +
+                "\n" + entry("c"));
+}
+
+TEST(NamelessBlocks, KeepTheNameThatARemarkSeparates) {
+  const std::string text = "a (prod)\n = " + block_of("s") + "\n" + entry("b");
+  EXPECT_EQ(mended(text), text);
+}
+
+TEST(NamelessBlocks, GetAllNamesOfTheListInTheComment) {
+  EXPECT_EQ(mended(entry("a") + "# Moved. b, c =\n" + block_of("s") + "\n"),
+            entry("a") + "# Moved.\nb =\n" + block_of("s") + "\nc =\n" + block_of("s") + "\n");
+}
+
+// Another entry of the name would change what other readers find, and a part is no entry.
+TEST(NamelessBlocks, GetNoNameThatIsTakenAndNoneOfAPart) {
+  const std::string taken = entry("a") + "# Moved. A =\n" + block_of("x") + "\n" + entry("b");
+  EXPECT_EQ(mended(taken), taken);
+  const std::string part = "(ADDRESS = (HOST = i)(PORT = 2))\n";
+  EXPECT_EQ(mended(entry("a") + "# Moved. b =\n" + part + entry("c")),
+            entry("a") + "# Moved. b =\n# " + part + entry("c"));
+}
+
 }  // namespace

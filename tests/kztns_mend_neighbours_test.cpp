@@ -46,8 +46,39 @@ TEST(Mending, OfTheRestOfAnEntryMakesComments) {
   EXPECT_EQ(mended(sound + "(HOST = i)(PORT = 2))\n  " + data + " # old\n  )\n\n" + entry("b")),
             sound + "# (HOST = i)(PORT = 2))\n#   " + data + " # old\n#   )\n\n" + entry("b"));
   EXPECT_EQ(mended(sound + data + "\n"), sound + "# " + data + "\n");
+  EXPECT_EQ(mended(entry("a") + "    " + address + "\n" + entry("b")),
+            entry("a") + "#     " + address + "\n" + entry("b"));
   EXPECT_EQ(mended(entry("a") + ")\n(CONNECT_DATA =\n" + entry("b")),
-            entry("a") + "\n# (CONNECT_DATA =\n" + entry("b"));
+            entry("a") + "# )\n# (CONNECT_DATA =\n" + entry("b"));
+}
+
+// Nothing is lost by it once the lookups come so far.
+TEST(Mending, LeavesTheSecondBlockOfTheLastEntry) {
+  const std::string two = entry("c") + "  " + block + "\n";
+  EXPECT_EQ(mended("a, b = " + block + "\n" + two), entry("a") + entry("b") + two);
+}
+
+TEST(Mending, TakesNoCommaOfACommentForAListOfNames) {
+  const std::string rest = "\n# moved (Ines, 2019-04-13)\n" + entry("b");
+  EXPECT_EQ(mended(entry("a") + "```\n" + rest), entry("a") + "# ```\n" + rest);
+}
+
+// In a block that has no item before it.
+TEST(Mending, MovesAnEntryOutOfAnother) {
+  const std::string begin = "a = (DESCRIPTION = " + address + "\n  (CONNECT_DATA =\n";
+  const std::string rest = "    (SID = s)\n  ))\n";
+  EXPECT_EQ(mended(begin + entry("b") + rest + entry("c")), begin + rest + entry("b") + entry("c"));
+  const std::string list = begin.substr(1);
+  EXPECT_EQ(mended("a, d" + list + entry("b") + rest),
+            "a" + list + rest + "d" + list + rest + entry("b"));
+}
+
+TEST(Mending, OfANameOnTwoLinesRemovesOne) {
+  EXPECT_EQ(mended(entry("a") + "b =\n\nb =\n  " + block + "\n" + entry("c")),
+            entry("a") + "b =\n  " + block + "\n" + entry("c"));
+  EXPECT_EQ(mended(entry("a") + "b =\n# b is\nb =\n  " + block + "\n" + entry("c")),
+            entry("a") + "# b =\n# b is\nb =\n  " + block + "\n" + entry("c"));
+  EXPECT_EQ(mended(entry("a") + "b =\n" + entry("bc")), entry("a") + "# b =\n" + entry("bc"));
 }
 
 TEST(Mending, OfQuotesThatALaterEntryClosesClosesThem) {

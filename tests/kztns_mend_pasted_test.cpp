@@ -192,10 +192,22 @@ TEST(Mending, OfAListOfNamesAndAnotherWord) {
   EXPECT_EQ(mended("c a = " + block + "\n").find("c = ("), std::string::npos);
 }
 
+TEST(Mending, OfItemsInTheValueOfAnotherPutsThemAfterIt) {
+  const std::string begin = "a = (DESCRIPTION = (ADDRESS = ";
+  const std::string end = ")(CONNECT_DATA = (SID = s)))\n";
+  EXPECT_EQ(mended(begin + "(PROTOCOL = TCP(HOST = h))(PORT = 1)" + end),
+            begin + "(PROTOCOL = TCP)(HOST = h)(PORT = 1)" + end);
+  EXPECT_EQ(mended(begin + "(HOST = h\n  (PORT = 1) (WEIGHT = 2) )" + end),
+            begin + "(HOST = h)\n  (PORT = 1) (WEIGHT = 2) " + end);
+  for (const std::string items :
+       {"(HOST = h (SID = s))(PORT = 1)", "(HOST = h (PORT = 1) x)", "(HOST = h (x = 1))"})
+    EXPECT_EQ(mended(begin + items + end).find("h)"), std::string::npos) << items;
+}
+
 TEST(Mending, PutsParenthesesBeforeKeysOnly) {
   const std::string rest = "(HOST = h)\n    (PORT = 1))\n  (CONNECT_DATA = (SERVICE_NAME = s)))\n";
-  EXPECT_EQ(mended("a = (DESCRIPTION =\n#  (ADDRESS =\n    " + rest),
-            "a = (DESCRIPTION =\n#  [ADDRESS =\n    (ADDRESS = " + rest);
+  EXPECT_EQ(mended("a = (DESCRIPTION =\n#  (as ADDRESS =\n    " + rest),
+            "a = (DESCRIPTION =\n#  [as ADDRESS =\n    (ADDRESS = " + rest);
 }
 
 TEST(Mending, OfAMovedItemTakesItsCommentOnce) {

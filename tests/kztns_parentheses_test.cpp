@@ -10,7 +10,9 @@
 #include "check/check_file.h"
 #include "report/tree_json.h"
 #include "rules/parentheses.h"
+#include "scan/foreign_keys.h"
 #include "scan/parenthesis_search.h"
+#include "support/mended.h"
 #include "support/names_report.h"
 #include "support/written_entry.h"
 #include "trace/platform.h"
@@ -447,6 +449,18 @@ TEST(Parentheses, ThatLackOneLeaveTheNextIndentedEntryAlone) {
   const Finding *const finding = only_fault(report);
   ASSERT_NE(finding, nullptr) << all_texts(report);
   EXPECT_EQ(finding->entry, "a");
+}
+
+// Entries may be named as the keys of other readers are.
+TEST(Parentheses, ThatLackOneLeaveAnEntryNamedLikeAForeignKeyAlone) {
+  for (const kztns::ForeignKey &key : kztns::foreign_keys()) {
+    if (key.treatment == kztns::ForeignTreatment::unwrap) continue;
+    const std::string open =
+        "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))"
+        "(CONNECT_DATA = (SID = s))";
+    const std::string next = std::string(key.word) + " = " + support::sound::block + "\n";
+    EXPECT_EQ(support::mended(open + "\n" + next), open + ")\n" + next) << key.word;
+  }
 }
 
 TEST(Parentheses, ThatLackOneMakeNoEntryOfAKey) {

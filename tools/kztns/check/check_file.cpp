@@ -24,6 +24,7 @@ class FurtherChecks {
 
   void run() {
     std::vector<Edit> edits = edits_of(report_.findings);
+    if (is_complete()) keep_first(edits);
     for (int walks = 1; walks < most_walks && !edits.empty() && is_complete(); ++walks) {
       edited_.apply(edits);
       CheckReport found = check_once(text_, request_);
@@ -36,6 +37,18 @@ class FurtherChecks {
  private:
   // Each walk comes past what stopped the one before.
   static constexpr int most_walks = 16;
+
+  // What comes first ends the lookups: what else is told is what the next walk finds.
+  void keep_first(std::vector<Edit> &edits) {
+    std::vector<Finding> first = report_.findings;
+    std::erase_if(first, [](const Finding &finding) { return !finding.fix.first; });
+    std::vector<Edit> of_first = edits_of(first);
+    if (of_first.empty()) return;
+    edits = std::move(of_first);
+    report_.findings = std::move(first);
+    known_.clear();
+    for (const Finding &finding : report_.findings) known_.insert(finding.at);
+  }
 
   // A file with more findings than are shown is not mended by reading them.
   bool is_complete() const {

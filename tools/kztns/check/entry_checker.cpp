@@ -17,6 +17,17 @@
 namespace kztns {
 namespace {
 
+// Whether nothing but an address stands from a place to the end of a text.
+bool is_address_alone(std::string_view text, Offset open) {
+  return key_after(text, open).type == LB_ADDRESS && end_of_item(text, open) == text.size();
+}
+
+// Whether a ")" comes after a place.
+bool is_close_after(std::string_view text, Offset at) {
+  const Offset next = pass_blanks(text, at);
+  return next < text.size() && text[next] == ')';
+}
+
 bool is_item_of_description(std::string_view text, Offset open) {
   return placement_of(key_after(text, open), content_of(Block::description)).fit == Fit::good;
 }
@@ -30,6 +41,7 @@ void EntryChecker::visit(const EntryView &view) {
       view.name != kzoci::tns::reserved_name)
     return;  // the name is to blame
   const CheckedEntry checked(view, ranges_);
+  if (checked.service != nullptr) report_block_of_other(checked);
   if (is_told_already(checked) || report_half_comment(checked) || report_left_over(checked) ||
       report_nameless(checked) || report_read_on(checked))
     return;
@@ -86,7 +98,8 @@ void EntryChecker::report_fault(const CheckedEntry &checked) {
     consequence_of_first = consequence(checked.stop);
   }
   if (closes_early(first.rule)) told_ranges_.push_back({first.at, checked.range().end});
-  faults_.report(checked, first, consequence_of_first);
+  if (const auto rest = faults_.report(checked, first, consequence_of_first))
+    told_ranges_.push_back(*rest);
 }
 
 bool EntryChecker::report_half_comment(const CheckedEntry &checked) {
@@ -107,7 +120,7 @@ bool EntryChecker::report_half_comment(const CheckedEntry &checked) {
                           findings_.place(half->name.begin)};
   if (half->joined) {
     found.remedy = "begin a line with the name";
-    found.fix = fix_of_joined_name(text_.text(), half->name.begin);
+    if (faults_.is_free(name)) found.fix = fix_of_joined_name(text_.text(), half->name.begin);
   } else if (end) {
     found.fix = fix_of_lines(text_.text(), half->rest, *end);
   }
@@ -118,12 +131,34 @@ bool EntryChecker::report_half_comment(const CheckedEntry &checked) {
   return true;
 }
 
+void EntryChecker::report_block_of_other(const CheckedEntry &checked) {
+  const std::string_view text = text_.text();
+  const auto name = commented_name_of_block(text, checked.entry.body, checked.entry.end);
+  if (!name) return;
+  const std::string_view word = text.substr(name->begin, name->end - name->begin);
+  findings_.add(
+      Rule::half_comment, Severity::warning,
+      {.at = checked.entry.at,
+       .entry = checked.name,
+       .text = "the name before the block is " + quoted(excerpt(word)) + ", in a comment at " +
+               findings_.place(name->begin) + ", after another block that is commented out",
+       .remedy = "uncomment the name, or the block that belongs to this one",
+       .related = name->begin});
+}
+
 bool EntryChecker::report_left_over(const CheckedEntry &checked) {
-  if (checked.service != nullptr || checked.trace.is_system_variables()) return false;
+  if (checked.trace.is_system_variables()) return false;
+  const bool built = checked.service != nullptr;
+  // What is built ends where a lookup ends it.
+  if (built && !is_close_after(text_.text(), checked.entry.end)) return false;
   const auto rest = find_left_over(text_.text(), checked.entry.body, checked.range().end);
   if (!rest) return false;
-  report_rest(checked, Rule::left_over, Severity::error,
-              left_over(checked, *rest, "read as part of this entry, which is complete before it"));
+  const char *const text = built ? "text after this entry, which is complete before it"
+                                 : "read as part of this entry, which is complete before it";
+  NewFinding found = left_over(checked, *rest, text);
+  if (is_address_alone(std::string_view(text_.text()).substr(0, rest->end), rest->begin))
+    found.remedy = "put it into the entry's addresses, or make a comment of it";
+  report_rest(checked, Rule::left_over, Severity::error, std::move(found));
   return true;
 }
 

@@ -44,6 +44,8 @@ class EntryChecker : public EntryVisitor {
   void report_fault(const CheckedEntry &checked);
   // To the library the block is part of this entry, and so are its faults.
   bool report_half_comment(const CheckedEntry &checked);
+  // A block that another name, in a comment, stands before.
+  void report_block_of_other(const CheckedEntry &checked);
   bool report_left_over(const CheckedEntry &checked);
   // A block after an empty line, which is served for this name.
   bool report_nameless(const CheckedEntry &checked);

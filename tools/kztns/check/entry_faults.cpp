@@ -107,13 +107,18 @@ bool ends_where_closed(std::string_view text, EntryRange range, const Fix &fix) 
                      [&](const Edit &edit) { return edit.text == ")" && edit.begin == end; });
 }
 
+// After the "=" of an entry of a name that begins at a place; absent where something else does.
+std::optional<Offset> body_of_name(std::string_view text, Offset at, std::string_view name) {
+  if (!text.substr(at).starts_with(name)) return std::nullopt;
+  const Offset equal = pass_blanks(text, at + static_cast<Offset>(name.size()));
+  return equal < text.size() && text[equal] == '=' ? std::optional(equal + 1) : std::nullopt;
+}
+
 // Whether an entry of a name begins at a place, and is built.
 bool is_entry_of(const std::string &text, Offset at, std::string_view name) {
-  if (!std::string_view(text).substr(at).starts_with(name)) return false;
-  const Offset equal = pass_blanks(text, at + static_cast<Offset>(name.size()));
-  if (equal >= text.size() || text[equal] != '=') return false;
+  const auto body = body_of_name(text, at, name);
   bool built = false;
-  with_service(text, equal + 1, name, [&](KZCITnsService &) { built = true; });
+  if (body) with_service(text, *body, name, [&](KZCITnsService &) { built = true; });
   return built;
 }
 
@@ -138,17 +143,25 @@ Diagnosis EntryFaults::first_of(const CheckedEntry &checked) {
                         checked.range(), checked.name);
 }
 
-void EntryFaults::report(const CheckedEntry &checked, const Diagnosis &first,
-                         const std::string &consequence) {
-  if (const std::string_view remedy = remedy_of_begun(checked, first); !remedy.empty())
-    return report_whole(checked, first, remedy,
-                        fix_of_lines(text_.text(), checked.entry.at, checked.range().end),
-                        consequence);
-  if (Fix fix = without_line_signs(checked, first))
-    return report_whole(checked, first,
-                        "remove the " + quoted(checked.name.substr(0, 1)) + " before its lines",
-                        std::move(fix), consequence);
-  if (report_inserted(checked, first, consequence)) return;
+std::optional<Span> EntryFaults::report(const CheckedEntry &checked, const Diagnosis &first,
+                                        const std::string &consequence) {
+  if (Mending begun = mend_begun(checked, first); begun.fix) {
+    report_whole(checked, first, begun.remedy, std::move(begun.fix), consequence);
+    return std::nullopt;
+  }
+  if (Fix fix = without_line_signs(checked, first)) {
+    report_whole(checked, first,
+                 "remove the " + quoted(checked.name.substr(0, 1)) + " before its lines",
+                 std::move(fix), consequence);
+    return std::nullopt;
+  }
+  const auto rest = report_inserted(checked, first, consequence);
+  if (!rest) report_each(checked, first, consequence);
+  return rest;
+}
+
+void EntryFaults::report_each(const CheckedEntry &checked, const Diagnosis &first,
+                              const std::string &consequence) {
   const bool built = checked.service != nullptr;
   const Severity severity = built ? Severity::warning : Severity::error;
   EntryCopy copy(text_, checked);
@@ -196,20 +209,23 @@ std::optional<Offset> EntryFaults::report_alone(const CheckedEntry &checked) {
   return at;
 }
 
-// What to do about an entry that was only begun; empty for others.
-std::string_view EntryFaults::remedy_of_begun(const CheckedEntry &checked,
-                                              const Diagnosis &first) const {
+// Of an entry that was only begun; none for others.
+Mending EntryFaults::mend_begun(const CheckedEntry &checked, const Diagnosis &first) const {
   const std::string &text = text_.text();
   if (checked.service != nullptr || checked.name.empty() || checked.entry.in_list) return {};
-  const bool has_range =
-      checked.range().body < checked.range().end || checked.range().end == text.size();
-  if (first.rule == Rule::no_block && has_range &&
-      pass_blanks(text, checked.entry.body) >= checked.range().end)
-    return "give it a block, or remove its line";
+  const Offset begin = checked.entry.at;
+  const Offset end = checked.range().end;
+  const bool has_range = checked.range().body < end || end == text.size();
+  if (first.rule == Rule::no_block && has_range && pass_blanks(text, checked.entry.body) >= end) {
+    const std::string_view line = std::string_view(text).substr(begin, end - begin);
+    if (body_of_name(text, end, checked.name) && line.find('#') == line.npos)
+      return {safe_fix({{begin, end, {}}}), "remove one of the two"};
+    return {fix_of_lines(text, begin, end), "give it a block, or remove its line"};
+  }
   // Closed, it would be found instead of the other one.
   if (first.rule == Rule::unclosed_block && ends_where_closed(text, checked.range(), first.fix) &&
-      is_entry_of(text, checked.range().end, checked.name))
-    return "remove its lines: another entry of the name follows";
+      is_entry_of(text, end, checked.name))
+    return {fix_of_lines(text, begin, end), "remove its lines: another entry of the name follows"};
   return {};
 }
 
@@ -226,26 +242,26 @@ Fix EntryFaults::without_line_signs(const CheckedEntry &checked, const Diagnosis
 }
 
 // Another entry was pasted between two items of this one.
-bool EntryFaults::report_inserted(const CheckedEntry &checked, const Diagnosis &first,
-                                  const std::string &consequence) {
+std::optional<Span> EntryFaults::report_inserted(const CheckedEntry &checked,
+                                                 const Diagnosis &first,
+                                                 const std::string &consequence) {
   const std::string &text = text_.text();
   const Offset cut = checked.range().end;
-  if (checked.service != nullptr || checked.entry.in_list || first.rule != Rule::unclosed_block ||
-      cut >= text.size())
-    return false;
+  if (checked.service != nullptr || first.rule != Rule::unclosed_block || cut >= text.size())
+    return std::nullopt;
   const Offset equal = pass_blanks(text, end_of_word(text, cut));
-  if (equal >= text.size() || text[equal] != '=') return false;  // a list of names
+  if (equal >= text.size() || text[equal] != '=') return std::nullopt;  // a list of names
   const Offset inner = equal + 1;
   const auto found =
       find_inserted(text, {checked.entry.body, cut}, {inner, ranges_.range_of(inner).end});
   Fix fix = found ? move_out(text_, *found) : Fix();
-  if (!fix) return false;
+  if (!fix) return std::nullopt;
   inserted_.insert(cut);
   report_whole(checked, first,
                "move the entry at " + text_.place(cut) + " after this one, which ends at " +
                    text_.place(found->rest_end),
                std::move(fix), consequence);
-  return true;
+  return Span{found->entry.end, found->rest_end};
 }
 
 void EntryFaults::report_whole(const CheckedEntry &checked, Diagnosis told, std::string_view remedy,

@@ -9,6 +9,7 @@
 
 #include "check/checked_entry.h"
 #include "check/findings.h"
+#include "fixes/mending.h"
 #include "rules/diagnosis.h"
 
 namespace kztns {
@@ -30,28 +31,34 @@ class EntryFaults {
   Diagnosis first_of(const CheckedEntry &checked);
 
   // Reports it, with consequence after its text, the other faults and the warnings. An entry
-  // that is built keeps its tree: its faults have no fixes.
-  void report(const CheckedEntry &checked, const Diagnosis &first, const std::string &consequence);
+  // that is built keeps its tree: its faults have no fixes. Where another entry was put between its
+  // items, returns where those after that one stand.
+  std::optional<Span> report(const CheckedEntry &checked, const Diagnosis &first,
+                             const std::string &consequence);
 
   // Reports the fault of an entry which is built with text of later ones only, and returns where
   // it is; absent where the entry's own text is enough.
   std::optional<Offset> report_alone(const CheckedEntry &checked);
 
+  // Whether no entry has a name, in capitals or small letters.
+  bool is_free(std::string_view name);
+
   // Whether the entry whose name is at a place stands in another one, and is told with it.
   bool is_inserted(Offset at) const { return inserted_.count(at) > 0; }
 
  private:
-  std::string_view remedy_of_begun(const CheckedEntry &checked, const Diagnosis &first) const;
+  Mending mend_begun(const CheckedEntry &checked, const Diagnosis &first) const;
   Fix without_line_signs(const CheckedEntry &checked, const Diagnosis &first) const;
-  bool report_inserted(const CheckedEntry &checked, const Diagnosis &first,
-                       const std::string &consequence);
+  std::optional<Span> report_inserted(const CheckedEntry &checked, const Diagnosis &first,
+                                      const std::string &consequence);
+  void report_each(const CheckedEntry &checked, const Diagnosis &first,
+                   const std::string &consequence);
   // One finding of all of the entry.
   void report_whole(const CheckedEntry &checked, Diagnosis told, std::string_view remedy, Fix fix,
                     const std::string &consequence);
   Subject subject(const CheckedEntry &checked, const NamesText &text, std::string_view noun,
                   Offset end);
   void add(std::string_view entry, Severity severity, Diagnosis found);
-  bool is_free(std::string_view name);
 
   const NamesText &text_;
   EntryRanges &ranges_;

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 
+#include "check/absent_items.h"
 #include "check/list_warnings.h"
 #include "kzoci/platform/level_names.h"
 #include "rules/diagnosis.h"
@@ -118,9 +119,7 @@ class EntryWarnings {
     for (const Item &item : trace_.items()) check_item(item);
     if (trace_.is_system_variables()) return;
     report_list_warnings(trace_, name_, findings_);
-    if (!with_absent) return;
-    const std::vector<Frame> &frames = trace_.frames();
-    for (std::size_t i = 1; i < frames.size(); ++i) check_block(static_cast<int>(i));
+    if (with_absent) report_absent_items(trace_, name_, findings_);
   }
 
  private:
@@ -320,40 +319,6 @@ class EntryWarnings {
     const LibraryNumber number = library_number(trace_.value_of(item));
     if (number.fits && !number.wrapped && number.value < 0 && !narrowed(key, number.value))
       add(Rule::negative_number, item, " is " + std::to_string(number.value));
-  }
-
-  void check_block(int index) {
-    const Frame &frame = trace_.frames()[static_cast<std::size_t>(index)];
-    const Offset at = trace_.items()[static_cast<std::size_t>(frame.item)].key.begin;
-#define RULE(...)
-#define VALUE_RULE(...)
-#define BLOCK_RULE(rule, ...) check_##rule(index, frame, at);
-#include "rules/rules.def"
-  }
-
-  void check_no_host(int index, const Frame &frame, Offset at) {
-    if (frame.block == Block::address && !frame.keys.has(LB_HOST))
-      add(Rule::no_host, at, index, "no HOST");
-  }
-
-  void check_no_port(int index, const Frame &frame, Offset at) {
-    if (frame.block == Block::address && !frame.keys.has(LB_PORT))
-      add(Rule::no_port, at, index, "no PORT");
-  }
-
-  void check_no_address(int index, const Frame &frame, Offset at) {
-    if (frame.keys.has(LB_ADDRESS)) return;
-    if (frame.block == Block::address_list)
-      add(Rule::no_address, at, index, "no ADDRESS in this list");
-    else if (frame.block == Block::description && !frame.keys.has(LB_ADDRESS_LIST))
-      add(Rule::no_address, at, index, "no ADDRESS: the tree cannot be displayed");
-  }
-
-  // A link string may be meant to go without.
-  void check_no_service(int index, const Frame &frame, Offset at) {
-    if (frame.block == Block::description && !frame.inner_keys.has(LB_SERVICE_NAME) &&
-        !frame.inner_keys.has(LB_SID) && !frame.inner_keys.has(LB_USE_DEFAULT_SID))
-      add(Rule::no_service, at, index, "neither SERVICE_NAME nor SID");
   }
 
   const Trace &trace_;

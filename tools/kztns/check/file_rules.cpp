@@ -132,10 +132,9 @@ class FileRules {
 
   NewFinding finding_of(const Stop &stop, Diagnosis cause) {
     const Entry *const entry = entry_of(cause);
-    Fix fix = cause.rule == Rule::comma_list ? lists_.split(cause.at) : Fix{};
-    const bool is_no_name =
-        cause.rule == Rule::comma_list && fix.applicability == Applicability::unsafe;
-    if (is_no_name) cause.remedy = "begin the line with \"#\", if it is no name";
+    Mending split = cause.rule == Rule::comma_list ? lists_.split(cause.at) : Mending();
+    if (!split.remedy.empty()) cause.remedy = std::move(split.remedy);
+    Fix fix = std::move(split.fix);
     if (entry != nullptr && cause.rule == Rule::second_block) fix = moved_to_end(*entry);
     if (entry != nullptr && cause.rule == Rule::paren_in_comment)
       fix = fix_of_comments(text_.text(), entry->body, end_of(*entry));

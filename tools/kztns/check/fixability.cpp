@@ -25,6 +25,14 @@ bool is_mended_with_entry(const Finding &finding) {
   return row_of(finding.rule).concern == Concern::entry;
 }
 
+bool is_mended_first(const Finding &finding) {
+  if (finding.fix.first) return true;
+  const bool is_about_characters =
+      finding.rule == Rule::utf_16 || finding.rule == Rule::byte_order_mark ||
+      finding.rule == Rule::cr_line_ends || finding.rule == Rule::odd_bytes;
+  return is_about_characters && finding.applied_among == Applicability::safe;
+}
+
 void settle_fixes(CheckReport &report) {
   const auto entry_of = [&](const Finding &finding) {
     return std::upper_bound(report.starts.begin(), report.starts.end(), finding.at) -

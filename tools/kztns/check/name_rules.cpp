@@ -198,7 +198,7 @@ class NameRules {
         return NewFinding{.at = entry.at,
                           .entry = name,
                           .text = "a list of names is read as one name: no lookup finds its parts",
-                          .fix = entry.quoted ? Fix{} : lists_.split(entry.at)};
+                          .fix = entry.quoted ? Fix{} : lists_.split(entry.at).fix};
       });
     }
   }

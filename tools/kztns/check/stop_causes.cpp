@@ -1,5 +1,7 @@
 #include "check/stop_causes.h"
 
+#include <algorithm>
+
 #include "fixes/file_fixes.h"
 #include "fixes/fixes.h"
 #include "kzoci/oci_tnsname/reserved_entry.h"
@@ -104,7 +106,10 @@ class StopExplainer {
   std::optional<Diagnosis> hidden_parenthesis() const {
     const Entry *const entry = scan_.last_reached();
     if (entry == nullptr) return std::nullopt;
-    const auto hidden = find_hidden(text(), entry->body, stop_.at, ')');
+    // What comes after the counted parentheses is passed over with its comments.
+    const Offset end = std::min(counted_end(text(), entry->body, stop_.at), stop_.at);
+    if (end_of_first_block(text().substr(0, stop_.at), entry->body) == end) return std::nullopt;
+    const auto hidden = find_hidden(text(), entry->body, end, ')');
     if (!hidden) return std::nullopt;
     return found_parenthesis(*hidden, "; they end at " + subject_.text.place(stop_.at));
   }

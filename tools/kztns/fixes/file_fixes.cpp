@@ -14,6 +14,7 @@
 #include "scan/tokens.h"
 #include "scan/written_items.h"
 #include "text/characters.h"
+#include "text/spelling.h"
 #include "text/words.h"
 
 namespace kztns {
@@ -92,11 +93,20 @@ Fix without_quotes_of_entry(std::string_view text, Offset at) {
   return unsafe_fix({{at, entry->value.begin, name + " = "}, {entry->value.end, entry->end, {}}});
 }
 
+bool has_entry(const FileScan &scan, std::string_view name) {
+  return std::any_of(scan.entries().begin(), scan.entries().end(), [&](const Entry &entry) {
+    return equal_but_for_case(scan.name(entry), name);
+  });
+}
+
 Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   const std::string_view text = scan.text().text();
   if (Fix fix = without_repeated_name(text, at)) return fix;
   if (Fix fix = without_quotes_of_entry(text, at)) return fix;
-  if (const auto name = name_joined_before(text, at)) return fix_of_joined_name(text, name->begin);
+  if (const auto name = name_joined_before(text, at)) {
+    const std::string_view word = text.substr(name->begin, name->end - name->begin);
+    return has_entry(scan, word) ? Fix() : fix_of_joined_name(text, name->begin);
+  }
   const Offset line_end = end_of_line(text, at);
   if (const auto end = end_of_separator(text, at)) return unsafe_fix({{at, *end, {}}});
   if (is_foreign_comment(text.substr(at, 2))) return safe_fix(comment_lines(text, at, line_end));
@@ -110,9 +120,19 @@ Fix fix_of_stray_text(const FileScan &scan, Offset at) {
   // Without a name nothing is served, and the entries after it are lost.
   if (is_nameless_entry(scan, at) && limit < text.size())
     return unsafe_fix(comment_lines(text, at, end));
+  // It holds the name of what comes after it.
+  if (const Offset next = pass_blanks(text, end); next < text.size() && text[next] == '=')
+    return {};
   // The entry that begins on the same line would become a comment, too.
   if (value_on_line(text.substr(0, limit), at) || (end == limit && limit < line_end)) return {};
   return commented(text, {at, end == limit ? std::min(line_end, limit) : end});
+}
+
+// "NAME (remark)"
+bool is_name_with_remark(std::string_view line) {
+  const char first = line[line.find_first_not_of(blanks)];
+  return !is_sign(first) && line.find('=') == line.npos &&
+         std::count(line.begin(), line.end(), '(') == std::count(line.begin(), line.end(), ')');
 }
 
 // Whether a word, which may hold the name, is before the comments and blanks before a line.
@@ -122,7 +142,7 @@ bool follows_word(std::string_view text, Offset line) {
     const std::string_view before = text.substr(begin, end + 1 - begin);
     const std::string_view words = before.substr(0, before.find('#'));
     const std::size_t last = words.find_last_not_of(blanks);
-    if (last != words.npos) return words[last] != ')';
+    if (last != words.npos) return words[last] != ')' || is_name_with_remark(words);
     end = text.substr(0, begin).find_last_not_of(blanks);
   }
   return false;

@@ -9,6 +9,7 @@
 #include "fixes/missing_key_fixes.h"
 #include "fixes/stray_fixes.h"
 #include "fixes/value_fixes.h"
+#include "scan/commented_items.h"
 
 namespace kztns {
 namespace {
@@ -24,6 +25,15 @@ bool is_within(const FaultPlace &place) {
          (item == nullptr || (item->key.end <= end && item->value.end <= end));
 }
 
+Mending mend_empty_block(const FaultPlace &place) {
+  const Offset open = place.item()->open;
+  const auto item = commented_item(place.text(), open, {});
+  if (!item) return {place.removal(open)};
+  std::string remedy = "uncomment " + excerpt(key_text(place.text(), *item));
+  remedy += " at " + place.subject().text.place(*item);
+  return {{}, std::move(remedy)};
+}
+
 Mending mend_item(const FaultPlace &place) {
   switch (place.rule()) {
     case Rule::unknown_key:
@@ -37,8 +47,11 @@ Mending mend_item(const FaultPlace &place) {
     case Rule::missing_equal:
       if (auto mending = mend_split_key(place)) return *std::move(mending);
       return {with_equal(place)};
-    case Rule::missing_value:
+    case Rule::missing_close:
+      return mend_late_close(place);
     case Rule::empty_block:
+      return mend_empty_block(place);
+    case Rule::missing_value:
       return {place.removal(place.item()->open)};
     case Rule::value_for_block:
       return {written_address_block(place)};

@@ -174,4 +174,20 @@ Mending mend_misplaced_key(const FaultPlace &place) {
   return {moved_to_taker(place, *item)};
 }
 
+Mending mend_late_close(const FaultPlace &place) {
+  const std::optional<WrittenItem> item = place.written_item();
+  if (!item || place.fault().kind != FaultKind::value_goes_on) return {};
+  const std::vector<WrittenItem> inner = items_from(place.text(), place.fault().at);
+  const auto fits = [&](const WrittenItem &other) {
+    return placement_of(key_word(place.text(), other), content_of(place.block())).fit == Fit::good;
+  };
+  if (inner.empty() || place.after_blanks(inner.back().end) + 1 != item->end ||
+      !std::all_of(inner.begin(), inner.end(), fits))
+    return {};
+  const auto value_end =
+      static_cast<Offset>(place.text().substr(0, inner.front().open).find_last_not_of(blanks) + 1);
+  return {unsafe_fix({{value_end, value_end, ")"}, {item->end - 1, item->end, {}}}),
+          "put \")\" before it, and not after it"};
+}
+
 }  // namespace kztns

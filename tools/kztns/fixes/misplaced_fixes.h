@@ -7,4 +7,7 @@ namespace kztns {
 
 Mending mend_misplaced_key(const FaultPlace &place);
 
+// "(PROTOCOL = TCP (HOST = h))": the items in the value of another one were to come after it.
+Mending mend_late_close(const FaultPlace &place);
+
 }  // namespace kztns

@@ -170,15 +170,52 @@ std::vector<Edit> leave_name(std::string_view text, const NameList &list, Span k
   return edits;
 }
 
+// Whether the list of the same names begins at a place, whose entry would be found instead of
+// this one's.
+bool is_list_of_same(std::string_view text, const NameList &list, Offset at) {
+  const auto other = read_name_list(text, at);
+  return other && std::equal(list.names.begin(), list.names.end(), other->names.begin(),
+                             other->names.end(), [&](Span left, Span right) {
+                               return text.substr(left.begin, left.end - left.begin) ==
+                                      text.substr(right.begin, right.end - right.begin);
+                             });
+}
+
+// Where the blocks of an entry end, or the connect string that stands instead of them; absent where
+// a parenthesis is left.
+std::optional<Offset> end_of_list_value(std::string_view text, Offset value) {
+  const bool is_block = text[value] == '(';
+  const auto end = is_block ? end_of_items(text, value) : std::optional(end_of_word(text, value));
+  const Offset next = end ? pass_blanks(text, *end) : value;
+  const bool is_whole = next >= text.size() || (is_block && text[next] != ')');
+  return is_whole ? end : std::nullopt;
+}
+
+// A list ends the lookups: what is found after it may be found otherwise without it.
+Fix put_first(Fix fix) {
+  fix.first = true;
+  return fix;
+}
+
 }  // namespace
 
-Fix NameLists::split(Offset at) {
+Mending NameLists::split(Offset at) {
   const std::string_view text = scan_.text().text();
   const auto list = read_name_list(text, at);
-  if (!list) return is_salutation(text, at) ? fix_of_lines(text, at, end_of_line(text, at)) : Fix();
-  if (const auto end = end_of_no_name(text, *list)) return fix_of_lines(text, at, *end);
+  const auto salutation_end =
+      is_salutation(text, at) ? std::optional(end_of_line(text, at)) : std::nullopt;
+  if (const auto end = list ? end_of_no_name(text, *list) : salutation_end)
+    return {fix_of_lines(text, at, *end), "begin the line with \"#\", if it is no name"};
+  if (!list) return {};
   const Offset limit = scan_.next_entry(list->equal);
-  const auto end = end_of_items(text.substr(0, limit), list->equal + 1);
+  const Offset value = pass_blanks(text, list->equal + 1);
+  if (value >= limit)
+    return {put_first(fix_of_lines(text, at, limit)), "give it a block, or remove its line"};
+  const auto end = end_of_list_value(text.substr(0, limit), value);
+  if (!end && is_list_of_same(text, *list, limit))
+    return {put_first(fix_of_lines(text, at, limit)),
+            "remove its lines: another list of the names follows"};
+  if (find_nameless(text, value, limit)) return {};
   const auto after = end ? end_with_line(text, *end) : std::nullopt;
   std::vector<Span> names = list->names;
   std::erase_if(names, [&](Span name) {
@@ -199,7 +236,7 @@ Fix NameLists::split(Offset at) {
     edits.push_back(copied(text, list->equal, *end, to));
     if (has_feed) edits.push_back({to, to, feed});
   }
-  return safe_fix(std::move(edits));
+  return {put_first(safe_fix(std::move(edits)))};
 }
 
 Offset NameLists::last_of(std::string_view name) {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "rules/fix.h"
+#include "fixes/mending.h"
 #include "scan/file_scan.h"
 #include "scan/left_over.h"
 
@@ -28,8 +28,9 @@ class NameLists {
   explicit NameLists(const FileScan &scan) : scan_(scan) {}
 
   // The list that begins at a place becomes an entry for each name. A name that has an
-  // entry further on keeps that one: that is what other readers use.
-  Fix split(Offset at);
+  // entry further on keeps that one: that is what other readers use. What is no list of names, or
+  // has no block, becomes a comment.
+  Mending split(Offset at);
 
  private:
   Offset last_of(std::string_view name);

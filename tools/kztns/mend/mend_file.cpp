@@ -128,7 +128,7 @@ void Mender::apply_while_any_helps() {
 }
 
 void Mender::run_steps() {
-  while (Step(*this, Step::Choice::of_characters).run() || Step(*this, Step::Choice::all).run()) {
+  while (Step(*this, Step::Choice::first).run() || Step(*this, Step::Choice::all).run()) {
   }
 }
 

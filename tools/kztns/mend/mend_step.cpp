@@ -16,11 +16,6 @@ bool may_change_what_is_served(const Finding &finding, Offset entry) {
   return row_of(finding.rule).concern == Concern::identity;
 }
 
-bool is_about_characters(Rule rule) {
-  return rule == Rule::utf_16 || rule == Rule::byte_order_mark || rule == Rule::cr_line_ends ||
-         rule == Rule::odd_bytes;
-}
-
 }  // namespace
 
 Mender::Step::Step(Mender &mender, Choice choice)
@@ -45,9 +40,7 @@ bool Mender::Step::is_mended_in_vain(const Finding &finding) const {
 bool Mender::Step::is_wanted(std::size_t i) const {
   const Finding &finding = report_.findings[i];
   if (is_mended_in_vain(finding)) return false;
-  const bool of_characters =
-      is_about_characters(finding.rule) && finding.applied_among == Applicability::safe;
-  if (choice_ == Choice::of_characters && !of_characters) return false;
+  if (choice_ == Choice::first && !is_mended_first(finding)) return false;
   const bool wanted =
       finding.applied_among == Applicability::safe ||
       (mender_.request_.with_unsafe && finding.applied_among == Applicability::unsafe);

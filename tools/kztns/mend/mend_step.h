@@ -26,7 +26,7 @@ class Mender::Step {
  public:
   // Which fixes are tried.
   enum class Choice : unsigned char {
-    of_characters,  // safe ones of how the text is written: what else is found may come of that
+    first,  // those of what may be why other things are found
     all
   };
 

@@ -22,6 +22,7 @@ struct Fix {
   Applicability applicability = Applicability::none;
   std::vector<Edit> edits = {};
   bool splits = false;  // whether it makes further entries of an entry
+  bool first = false;   // whether other findings may come of what it mends
 
   // Translates the edits to places of the original text; no fix where one has no place there.
   template <class Text>

@@ -4,6 +4,7 @@
 
 #include "scan/item_text.h"
 #include "scan/item_words.h"
+#include "scan/left_over.h"
 #include "text/characters.h"
 #include "text/words.h"
 
@@ -36,7 +37,18 @@ std::optional<BegunEntry> entry_in(std::string_view text, Offset comment, Offset
                     static_cast<Offset>(equal + 1)};
 }
 
-// The name of "# Words NAME =" at the end of a comment.
+// Where a list of names begins of which one begins at a place, after some words at least.
+std::size_t begin_of_list(std::string_view line, std::size_t words, std::size_t name) {
+  for (;;) {
+    const std::size_t comma = line.find_last_not_of(" \t", name - 1);
+    if (line[comma] != ',') return name;
+    const std::size_t before = line.find_last_of(" \t", line.find_last_not_of(" \t,", comma)) + 1;
+    if (before <= words) return name;
+    name = before;
+  }
+}
+
+// The name of "# Words NAME =" at the end of a comment, or a list of names.
 std::optional<Span> name_joined_to_comment(std::string_view text, Offset comment, Offset end) {
   const std::string_view line = text.substr(0, end);
   const std::size_t equal = line.find_last_not_of(" \t\r");
@@ -47,7 +59,8 @@ std::optional<Span> name_joined_to_comment(std::string_view text, Offset comment
   const std::size_t words = line.find_first_not_of("# \t", comment);
   if (begin > last || words >= begin || !is_blank(line[begin - 1])) return std::nullopt;
   if (item_word(line.substr(begin, last + 1 - begin))) return std::nullopt;
-  return Span{static_cast<Offset>(begin), static_cast<Offset>(last + 1)};
+  return Span{static_cast<Offset>(begin_of_list(line, words, begin)),
+              static_cast<Offset>(last + 1)};
 }
 
 // Whether nothing but blanks comes after a line.
@@ -90,10 +103,21 @@ std::optional<HalfComment> begun_in_comments(std::string_view text, Offset from,
 
 std::optional<Span> name_joined_before(std::string_view text, Offset at) {
   const std::size_t last = text.substr(0, at).find_last_not_of(blanks);
-  if (last == std::string_view::npos || !begins_line(text, at)) return std::nullopt;
+  if (last == std::string_view::npos || !begins_line(text, at) || !is_complete(text, at))
+    return std::nullopt;
   const std::size_t comment = text.find('#', text.substr(0, last).rfind('\n') + 1);
   if (comment > last) return std::nullopt;
   return name_joined_to_comment(text, static_cast<Offset>(comment), static_cast<Offset>(last + 1));
+}
+
+std::optional<Span> commented_name_of_block(std::string_view text, Offset body, Offset end) {
+  const Offset open = pass_blanks(text.substr(0, end), body);
+  const auto begun = begun_in_comments(text, body, open);
+  if (!begun || begun->joined || open >= end) return std::nullopt;
+  const std::string_view before = text.substr(body, begun->comment - body);
+  std::int64_t depth = 0;
+  for (const char c : before) depth += depth_change(c);
+  return depth == 0 && before.find('(') != before.npos ? std::optional(begun->name) : std::nullopt;
 }
 
 bool is_named_in_comment(std::string_view text, Offset at) {
@@ -123,7 +147,8 @@ std::optional<HalfComment> find_half_comment(std::string_view text, Offset body,
   for (auto at = end_of_first_block(text, body); at;) {
     const Offset next = pass_blanks(text, *at);
     if (next >= text.size() || (text[next] != '(' && text[next] != ')')) return std::nullopt;
-    if (const auto found = begun_in_comments(text, *at, next)) return found;
+    const auto found = begun_in_comments(text, *at, next);
+    if (found && (!found->joined || is_complete(text, next))) return found;
     if (text[next] == ')') return std::nullopt;
     at = end_of_item(text, next);
   }

@@ -19,6 +19,10 @@ struct HalfComment {
 // library its rest is part of that entry.
 std::optional<HalfComment> find_half_comment(std::string_view text, Offset body, Offset end);
 
+// The name in the comments before the first block of an entry, where another block, which may be
+// the entry's own, is commented out before it.
+std::optional<Span> commented_name_of_block(std::string_view text, Offset body, Offset end);
+
 // Whether the name of what begins at a place is in the comments before it.
 bool is_named_in_comment(std::string_view text, Offset at);
 

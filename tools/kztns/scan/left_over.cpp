@@ -69,7 +69,7 @@ bool has_empty_line(std::string_view text) {
 // The parentheses from a place on, up to a word outside of them.
 class Rest {
  public:
-  Rest(std::string_view text, Offset at) : end_(at) {
+  Rest(std::string_view text, Offset at) : begin_(at), end_(at) {
     TokenReader tokens(text, at);
     for (Token token = tokens.next(); token.kind != TokenKind::end; token = tokens.next()) {
       if (token.kind == TokenKind::open) ++depth_;
@@ -84,7 +84,7 @@ class Rest {
     }
   }
 
-  Offset end() const { return end_; }
+  Span span() const { return {begin_, end_}; }
   bool has_connection() const { return has_connection_; }
   bool has_description() const { return has_description_; }
 
@@ -95,12 +95,24 @@ class Rest {
     if (key.type == LB_DESCRIPTION) has_description_ = true;
   }
 
+  Offset begin_;
   Offset end_;
   std::int64_t depth_ = 0;
   TokenKind before_ = TokenKind::end;
   bool has_connection_ = false;  // an address, or a service
   bool has_description_ = false;
 };
+
+// The lines after the first block of an entry that is complete with it.
+std::optional<Rest> rest_after(std::string_view text, Offset body) {
+  if (!is_complete(text, body)) return std::nullopt;
+  const Offset begin = pass_blanks(text, *end_of_first_block(text, body));
+  if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
+    return std::nullopt;
+  const Rest rest(text, begin);
+  if (rest.has_description() || !ends_line(text, rest.span().end)) return std::nullopt;
+  return rest;
+}
 
 }  // namespace
 
@@ -112,15 +124,8 @@ bool is_complete(std::string_view text, Offset body) {
 }
 
 std::optional<Span> find_left_over(std::string_view text, Offset body, Offset end) {
-  text = text.substr(0, end);
-  if (!is_complete(text, body)) return std::nullopt;
-  const Offset begin = pass_blanks(text, *end_of_first_block(text, body));
-  if (begin >= text.size() || !is_sign(text[begin]) || !begins_line(text, begin))
-    return std::nullopt;
-  const Rest rest(text, begin);
-  if (!rest.has_connection() || rest.has_description() || !ends_line(text, rest.end()))
-    return std::nullopt;
-  return Span{begin, rest.end()};
+  const auto rest = rest_after(text.substr(0, end), body);
+  return rest && rest->has_connection() ? std::optional(rest->span()) : std::nullopt;
 }
 
 std::optional<Span> find_nameless(std::string_view text, Offset body, Offset end) {
@@ -140,13 +145,14 @@ std::optional<Span> find_nameless(std::string_view text, Offset body, Offset end
 }
 
 std::optional<InsertedEntry> find_inserted(std::string_view text, Span cut, Span inner) {
-  const auto rest = find_left_over(text, inner.begin, inner.end);
-  if (!rest) return std::nullopt;
+  const auto after = rest_after(text.substr(0, inner.end), inner.begin);
+  if (!after) return std::nullopt;
+  const Span rest = after->span();
   const std::string whole = std::string(text.substr(cut.begin, cut.end - cut.begin))
-                                .append(text.substr(rest->begin, rest->end - rest->begin));
+                                .append(text.substr(rest.begin, rest.end - rest.begin));
   const auto whole_end = end_of_first_block(whole, 0);
   if (whole_end != whole.size() || !is_complete(whole, 0)) return std::nullopt;
-  return InsertedEntry{{cut.end, *end_of_first_block(text, inner.begin)}, rest->end};
+  return InsertedEntry{{cut.end, *end_of_first_block(text, inner.begin)}, rest.end};
 }
 
 }  // namespace kztns

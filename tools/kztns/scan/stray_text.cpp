@@ -46,6 +46,8 @@ std::optional<Offset> value_on_line(std::string_view text, Offset at) {
     if (line[sign] != '=') break;
     const Offset open = pass_blanks(text, static_cast<Offset>(sign + 1));
     if (open >= text.size() || text[open] != '(') break;
+    const ItemWord key = key_after(text, open);
+    if (key && !opens_block(key) && !is_setting(key)) break;  // what is left of an entry
     return open;
   }
   return std::nullopt;

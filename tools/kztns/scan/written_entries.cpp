@@ -86,7 +86,7 @@ class Scanner {
   // The less the place of a name tells, the more what follows its "=" must: at the beginning of a
   // line any value will do, after a ")" only a block of an entry.
   bool is_plausible(const Head &head) const {
-    if (is_item(head.names.front())) return false;
+    if (is_item(head)) return false;
     if (ends_split_key(head.names.front()) && !begins_value(head.open)) return false;
     if (last_ == '(' && !(at_line_start() && begins_value(head.open))) return false;
     if (after_close() && !begins_value(head.open)) return false;
@@ -94,10 +94,16 @@ class Scanner {
   }
 
   // Whether a name is the key of an item whose "(" was forgotten, or is another bracket.
-  bool is_item(const WrittenEntry &name) const {
+  bool is_item(const Head &head) const {
+    const WrittenEntry &name = head.names.front();
     std::string_view word = text_.substr(name.name_begin, name.name_end - name.name_begin);
     word.remove_prefix(std::min(word.find_first_not_of("{["), word.size()));
-    return (depth_ > 0 || last_ == '=') && item_word(word);
+    const ItemWord key = item_word(word);
+    // An entry may be named as a key of other readers is, which has no block of an entry.
+    if (key.foreign != nullptr && key.foreign->treatment != ForeignTreatment::unwrap &&
+        begins_value(head.open))
+      return false;
+    return (depth_ > 0 || last_ == '=') && key;
   }
 
   // Whether "(CONN" on the line before and a name are one key, which a line end splits.

@@ -92,6 +92,8 @@ class Trace : public LogListener {
   // Begins anew, for a parse that is after an entry's "=".
   void begin(const KZCITnsParseParams &params);
 
+  // Of the whole file, or of an entry alone.
+  std::string_view text() const { return text_; }
   const Fault &fault() const { return fault_; }
   const std::vector<Item> &items() const { return items_; }
   const std::vector<Frame> &frames() const { return frames_; }
