@@ -40,6 +40,20 @@ TEST(CommentedItems, AreToldWhereABlockLacksThem) {
             "uncomment ADDRESS at 2:3\n");
 }
 
+TEST(CommentedItems, OfAnotherKeyAreNotMeant) {
+  EXPECT_EQ(remedies("a = (DESCRIPTION = (ADDRESS = (PORT = 1)\n"
+                     "  # (PORT = 2) (HOST = h)\n"
+                     ")(CONNECT_DATA = (SID = s)))\n"),
+            "uncomment HOST at 2:16\n");
+}
+
+// Words may stand on one side of them.
+TEST(CommentedItems, MayHaveWordsBeforeOrAfterThem) {
+  const std::string poor = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n";
+  EXPECT_EQ(remedies(poor + "# (SID = s) as before\n"), "uncomment SID at 2:3\n");
+  EXPECT_EQ(remedies(poor + "# as before: (SID = s)\n"), "uncomment SID at 2:14\n");
+}
+
 TEST(CommentedItems, OfOtherBlocksAndOtherEntriesAreNotMeant) {
   const std::string add = "add (CONNECT_DATA = (SERVICE_NAME = ...))\n";
   const std::string poor = "a = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n";

@@ -17,9 +17,9 @@ constexpr std::string_view not_of_comments = " \t\r)";
 Offset end_of_comments(std::string_view text, Offset at) {
   for (;;) {
     std::size_t next = text.find_first_not_of(not_of_comments, at);
-    if (next < text.size() && text[next] == '\n')
+    if (next != text.npos && text[next] == '\n')
       next = text.find_first_not_of(not_of_comments, next + 1);
-    if (next >= text.size() || text[next] != '#') return at;
+    if (next == text.npos || text[next] != '#') return at;
     at = end_of_comment(text, static_cast<Offset>(next));
   }
 }
