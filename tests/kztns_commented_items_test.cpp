@@ -10,16 +10,8 @@ namespace {
 
 using support::entry;
 using support::mended;
+using support::remedies;
 using support::told;
-
-// What check says to do, a line a finding.
-std::string remedies(const std::string &content) {
-  const kztns::NamesText text(content);
-  std::string lines;
-  for (const kztns::Finding &finding : kztns::check_file(text, {.file = "names"}).findings)
-    lines += finding.remedy + "\n";
-  return lines;
-}
 
 TEST(CommentedItems, AreToldWhereABlockLacksThem) {
   EXPECT_EQ(remedies("a = (DESCRIPTION =\n"

@@ -42,6 +42,7 @@ TEST_F(FileRules, ACommentOfOtherReadersMayHoldAParenthesis) {
   const std::string close = begin + "(CONNECT_DATA = (SID = s) -- x)\n))\n" + entry("b");
   EXPECT_EQ(told(close),
             "2:27 extra-close: unmatched \")\" after \"--\"; the entry after it is lost: b\n");
+  EXPECT_EQ(remedies(close), "begin the comment with \"#\", and remove the parenthesis from it\n");
   EXPECT_EQ(unsafely_fixed(close), begin + "(CONNECT_DATA = (SID = s) # -- x]\n))\n" + entry("b"));
   EXPECT_EQ(unsafely_fixed(begin + "(CONNECT_DATA = (SID = s) // :-(\n))\n" + entry("b")),
             begin + "(CONNECT_DATA = (SID = s) # // :-[\n))\n" + entry("b"));
@@ -123,6 +124,27 @@ TEST_F(FileRules, LineEndsAreMendedBeforeAnythingElse) {
       "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1))\n"
       "  (CONNECT_DATA = (SID = s)))\n";
   EXPECT_EQ(left_by_mender(begin + "\r" + rest, true), begin + "\n" + rest);
+}
+
+TEST_F(FileRules, InvisibleCharactersAreMendedBeforeAnythingElse) {
+  const std::string begin = "b = (DESCRIPTION = (ADDRESS = (HOST = h)(PORT = 1)))\n";
+  const std::string rest = "(CONNECT_DATA = (SID = s)))\n";
+  const auto fixes_of = [](const std::string &content) {
+    const kztns::NamesText text(content);
+    kztns::Mender mender(text, {.file = "names", .with_unsafe = true});
+    mender.apply_fixes();
+    std::string lines;
+    for (const auto &[finding, done] : mender.mended())
+      lines += std::string(row_of(finding.rule).id) + " " + finding.entry + ": " + done + "\n";
+    return lines;
+  };
+  const std::string of_b = "extra-close b: removed \")\"\n";
+  EXPECT_EQ(fixes_of(begin + "\xC2\xA0" + rest),
+            "odd-bytes : replaced \"\\xc2\\xa0\" by \" \"\n" + of_b);
+  EXPECT_EQ(fixes_of("\xEF\xBB\xBF" + begin + rest),
+            "byte-order-mark \xEF\xBB\xBF"
+            "b: removed \"\\xef\\xbb\\xbf\"\n" +
+                of_b);
 }
 
 TEST_F(FileRules, AnEntryWhoseNameIsInACommentMayHaveARemarkThere) {

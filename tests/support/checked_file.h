@@ -34,6 +34,15 @@ inline std::string told(const std::string &content) {
   return lines;
 }
 
+// What check says to do, a line a finding.
+inline std::string remedies(const std::string &content) {
+  const kztns::NamesText text(content);
+  std::string lines;
+  for (const kztns::Finding &finding : kztns::check_file(text, {.file = "names"}).findings)
+    lines += finding.remedy + "\n";
+  return lines;
+}
+
 inline std::size_t count_of(const std::string &lines, const std::string &part) {
   std::size_t count = 0;
   for (std::size_t at = lines.find(part); at != std::string::npos; at = lines.find(part, at + 1))

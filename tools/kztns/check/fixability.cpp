@@ -26,11 +26,8 @@ bool is_mended_with_entry(const Finding &finding) {
 }
 
 bool is_mended_first(const Finding &finding) {
-  if (finding.fix.first) return true;
-  const bool is_about_characters =
-      finding.rule == Rule::utf_16 || finding.rule == Rule::byte_order_mark ||
-      finding.rule == Rule::cr_line_ends || finding.rule == Rule::odd_bytes;
-  return is_about_characters && finding.applied_among == Applicability::safe;
+  return finding.fix.first || finding.rule == Rule::byte_order_mark ||
+         finding.rule == Rule::cr_line_ends || finding.rule == Rule::odd_bytes;
 }
 
 void settle_fixes(CheckReport &report) {

@@ -83,9 +83,9 @@ struct ForeignComment {
 
 // The first one without which the parentheses balance.
 std::optional<ForeignComment> find_unbalanced_comment(std::string_view text,
-                                                      const std::vector<EntryToken> &tokens) {
-  const std::int64_t depth = depth_of(tokens);
-  for (std::size_t i = 1; i + 1 < tokens.size() && depth != 0; ++i) {
+                                                      const std::vector<EntryToken> &tokens,
+                                                      std::int64_t depth) {
+  for (std::size_t i = 1; i + 1 < tokens.size(); ++i) {
     const std::string_view word = text.substr(tokens[i].at, tokens[i].end - tokens[i].at);
     const bool begins_comment = tokens[i].kind == 'w' && tokens[i - 1].kind == ')' &&
                                 (word.starts_with("--") || word.starts_with("//"));
@@ -141,9 +141,9 @@ Offset other_close(std::string_view value) {
 
 // Those of an entry that lacks as many ")" at least.
 std::optional<Diagnosis> find_other_closes(const Subject &subject,
-                                           const std::vector<EntryToken> &tokens) {
+                                           const std::vector<EntryToken> &tokens,
+                                           std::int64_t depth) {
   const std::string_view text = subject.text.text();
-  const std::int64_t depth = depth_of(tokens);
   std::vector<Edit> edits;
   for (std::size_t i = 1; i < tokens.size(); ++i) {
     if (tokens[i].kind != 'w' || tokens[i - 1].kind != '=') continue;
@@ -173,7 +173,6 @@ std::int64_t depth_of(std::string_view text) {
 
 // Whether what comes after the comment belongs into the block that it begins.
 bool goes_on_after(std::string_view text, Offset open, Offset comment_end) {
-  if (end_of_item(text.substr(0, comment_end), open)) return false;
   const Placement block = placement_of(key_after(text, open), {});
   const ItemWord next = key_after(text, pass_blanks(text, comment_end));
   return next && placement_of(next, block.content).fit == Fit::good;
@@ -191,10 +190,8 @@ bool is_given(std::string_view text, const std::vector<EntryToken> &tokens, Item
 // made a comment.
 std::optional<CommentedItems> find_commented_items(std::string_view text,
                                                    const std::vector<EntryToken> &tokens,
-                                                   Offset end) {
-  const std::int64_t depth = depth_of(tokens);
+                                                   Offset end, std::int64_t depth) {
   std::optional<CommentedItems> found;
-  if (depth == 0) return found;
   for_each_comment(text, tokens[0].at, end, [&](Offset comment, Offset comment_end) {
     const auto open = item_in_comment(text, comment, comment_end);
     if (found || !open || depth_of(text.substr(*open, comment_end - *open)) != -depth) return;
@@ -225,13 +222,15 @@ Diagnosis commented_items(const Subject &subject, const CommentedItems &items, b
 std::optional<Diagnosis> find_parenthesis_cause(const Subject &subject,
                                                 const std::vector<EntryToken> &tokens, Offset end) {
   const std::string_view text = subject.text.text();
-  if (const auto open = find_repeated_opening(text, tokens); open && depth_of(tokens) > 0)
+  const std::int64_t depth = depth_of(tokens);
+  if (depth == 0) return std::nullopt;
+  if (const auto open = find_repeated_opening(text, tokens); open && depth > 0)
     return repeated_opening(text, tokens, *open);
-  if (auto closes = find_other_closes(subject, tokens)) return closes;
-  if (const auto comment = find_unbalanced_comment(text, tokens))
+  if (auto closes = find_other_closes(subject, tokens, depth)) return closes;
+  if (const auto comment = find_unbalanced_comment(text, tokens, depth))
     return unbalanced_comment(subject, tokens, *comment);
-  if (const auto items = find_commented_items(text, tokens, end))
-    return commented_items(subject, *items, depth_of(tokens) < 0);
+  if (const auto items = find_commented_items(text, tokens, end, depth))
+    return commented_items(subject, *items, depth < 0);
   return std::nullopt;
 }
 
