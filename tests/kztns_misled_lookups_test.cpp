@@ -148,6 +148,8 @@ TEST_F(FileRules, ASecondBlockIsToldAsOneAlsoWithAFault) {
 TEST_F(FileRules, AnEqualSignIsPutAfterAName) {
   EXPECT_EQ(unsafely_fixed("a " + block + "\nb" + block + "\n"), entry("a") + entry("b"));
   EXPECT_EQ(safely_fixed("a " + block + "\n"), "a " + block + "\n");
+  EXPECT_EQ(unsafely_fixed("a\n  " + block + "\n"), "a =\n  " + block + "\n");
+  EXPECT_EQ(unsafely_fixed("a # x\n  " + block + "\n"), "a # x\n  = " + block + "\n");
 }
 
 TEST_F(FileRules, AnEqualSignIsPutAfterTheReservedName) {

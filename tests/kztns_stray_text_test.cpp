@@ -260,6 +260,16 @@ TEST_F(FileRules, AnEntryThatIsWrittenOtherwiseStays) {
   }
 }
 
+TEST_F(FileRules, AnEntryHasOneName) {
+  for (const std::string names : {"a c = ", "a; c =\n  ", "a / c\n= ", "Test: a = ", "set a="}) {
+    const std::string text = names + block + "\n";
+    EXPECT_EQ(left_by_mender(text, true), text);
+    EXPECT_EQ(remedies(text), "write one name before \"=\", or an entry for each name\n") << names;
+  }
+  // Words on a line of their own are none.
+  EXPECT_EQ(remedies("a c\n" + entry("b")), "remove it, or begin each line with \"#\"\n");
+}
+
 TEST_F(FileRules, WordsAboutADescriptionAreNoEntry) {
   const std::string stray = "x # the old (DESCRIPTION = y)\n";
   EXPECT_EQ(left_by_mender(stray + entry("b"), true), "# " + stray + entry("b"));

@@ -160,8 +160,11 @@ class FileRules {
     if (is_nameless_entry(scan_, at)) return "write a name before it, or make a comment of it";
     if (has_fix) return {};
     if (may_belong_to_entry_before(scan_, at)) return "move it into the entry before it";
-    const Offset end = end_of_stray_text(text, at, scan_.next_entry(at));
-    return may_be_entry(text, {at, end}) ? "write NAME = (DESCRIPTION = ...)" : "";
+    const Offset limit = scan_.next_entry(at);
+    if (!may_be_entry(text, {at, end_of_stray_text(text, at, limit)})) return {};
+    return value_on_line(text.substr(0, limit), at)
+               ? "write one name before \"=\", or an entry for each name"
+               : "write NAME = (DESCRIPTION = ...)";
   }
 
   // The entry that a stop is about, if it is about one.

@@ -164,8 +164,13 @@ Fix fix_of_closes(std::string_view text, Offset at) {
 
 Fix fix_of_missing_equal(std::string_view text, Offset at) {
   if (end_of_foreign_equal(text, at) > at) return unsafe_fix({equal_for_foreign(text, at)});
-  const bool after_blank = at > 0 && is_blank(text[at - 1]);
-  return unsafe_fix({{at, at, after_blank ? "= " : " = "}});
+  const auto before = static_cast<Offset>(text.substr(0, at).find_last_not_of(blanks) + 1);
+  const std::size_t line = text.substr(0, before).rfind('\n') + 1;
+  const bool on_other_line = text.substr(before, at - before).find('\n') != text.npos;
+  // A comment may stand on the line of the name.
+  if (on_other_line && text.substr(line, before - line).find('#') == text.npos)
+    return unsafe_fix({{before, before, " ="}});
+  return unsafe_fix({{at, at, before < at ? "= " : " = "}});
 }
 
 // Commas at the beginning of a word.
